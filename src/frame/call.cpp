@@ -4,6 +4,7 @@
 
 #include "caller_id.h"
 #include "tarn_frame.h"
+#include "trace.h"
 
 namespace tarn
 {
@@ -103,7 +104,7 @@ std::uint32_t open(CallHead& head, const char* callerId, Required first, Require
 std::uint32_t reject(const CallHead& head, const char* complaint)
 {
     const Manner& manner = mannerOf(head);
-    KorIilTrace(kTraceLevel, manner.tag, siteOf(head).line(), complaint);
+    trace(manner.tag, siteOf(head).line(), complaint);
     return manner.rejected;
 }
 

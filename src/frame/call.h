@@ -123,8 +123,7 @@ struct BasicCall
 protected:
     static constexpr std::uint32_t site(std::uint32_t line)
     {
-        static_assert(sizeof(BasicCall) == sizeof(CallHead) + sizeof(Layout),
-                      "the steps look for the message right behind the head");
+        static_assert(offsetof(BasicCall, message) == sizeof(CallHead), "the steps look for the message right behind the head");
         return Site(line, family, sizeof(Layout)).packed;
     }
 };

@@ -4,6 +4,7 @@
 // there, so that tag and line still tell which function failed.
 #include "caller_id.h"
 #include "tarn_frame.h"
+#include "trace.h"
 
 namespace
 {
@@ -30,7 +31,7 @@ bool refused(const char* callerId, uint32_t evt, uint32_t line)
         complaint = "evt is invalid";
     else
         return false;
-    KorIilTrace(tarn::kTraceLevel, kTag, line, complaint);
+    tarn::trace(kTag, line, complaint);
     return true;
 }
 

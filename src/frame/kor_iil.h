@@ -42,7 +42,7 @@ uint32_t KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t
  *
  *   level    in: severity; this library always passes 1
  *   fileTag  in: name of the source unit that reports
- *   line     in: line of the reporting statement in that unit
+ *   line     in: a line of that unit that tells where the report comes from
  *   format   in: printf format, its arguments behind it */
 void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
 #if defined(__GNUC__)

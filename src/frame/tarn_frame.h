@@ -6,7 +6,7 @@
  *
  * The caller id
  *   The first argument of every function but the local utilities: the calling component's own IPC identifier, a text of 1 to 31
- *   characters, NUL-terminated. The first must be printable ASCII (0x20 to 0x7F), the others may be any byte but NUL. At most
+ *   characters, NUL-terminated. The first must be from 0x20 to 0x7F, the others may be any byte but NUL. At most
  *   its first 32 bytes are read. Functions named `tarn_...` call it `handle`.
  *
  * Results of the functions named `Tarn...` (device service)
@@ -21,7 +21,7 @@
  *   TARN_QTN_FAILED (-1)             an argument was refused, or the IPC call failed or timed out
  *
  * Traces and outputs
- *   Each refused argument and each failed IPC call writes exactly one trace record through KorIilTrace: level 1, the source
+ *   Each refused call and each failed IPC call writes exactly one trace record through KorIilTrace: level 1, the source
  *   unit's tag, the line of the function that reports, and a text. A reply status other than 0 is returned and not traced.
  *   Outputs are written after every IPC call that succeeded, whatever the reply status, and never after one that failed.
  *

@@ -2,7 +2,7 @@
 //
 // Each function reads the same way: refuse, fill, send, copy out, return. What looks irregular (a slot, an order, a text) is so
 // on the wire; a comment says that it is meant. Which slot takes which argument is each command's own: a lone value goes to
-// param1 in some and to param2 in others, and nothing but the code below says which.
+// param1 in some and to param2 in others.
 //
 // A trace record shows the unit's tag and a line of this file, which is how a reader of a log finds the function that failed.
 // All functions with this tag therefore stand in this one file.
@@ -20,7 +20,7 @@ using namespace tarn;
 using Call = ProxyCall;
 using MirrorCall = BasicCall<Family::kMirror, int32_t, MirrorMessage>;
 
-// Commands that restart a radio or a service of the module.
+// Commands that take the module longer.
 constexpr uint32_t kLongWait = 5;
 
 constexpr std::size_t kMacAddressSize = 6;
@@ -1062,8 +1062,8 @@ int32_t tarn_qcsapi_wifi_set_key_passphrase(const char* handle, const char* ifna
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}, {passphrase, "passphrase is NULL"}))
         return refusal;
 
-    call.message.param2.text<64>(
-        passphrase); // 63 characters, the longest passphrase (IEEE 802.11); a 64-digit key would be cut
+    // Meant: 63 characters, the longest passphrase (IEEE 802.11). A key of 64 digits loses its last.
+    call.message.param2.text<64>(passphrase);
 
     if (const int32_t failure = call.execute(69))
         return failure;

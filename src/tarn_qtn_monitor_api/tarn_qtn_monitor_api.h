@@ -20,7 +20,7 @@
  *   NUL.
  *
  *   A text output is NUL-terminated and cut to `size` - 1 characters. `size` is the length of the buffer in bytes; with 0
- *   the buffer is left as it was. A record output is copied whole, byte for byte, and needs no alignment.
+ *   the buffer is left as it was. A record output is copied whole, and needs no alignment where it is void.
  *
  *   A MAC address is six raw bytes, not a text.
  *
@@ -353,8 +353,8 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_set_SSID(const char* handle, const char* in
  *   value_a    in: 8-bit value, sent as a single byte, not as a word; as the service defines it
  *   value_b    in: 8-bit value, likewise
  *
- * Shares command 27 with tarn_qcsapi_wifi_set_dscp_ac_map. No interface name goes out; the table id alone tells the service
- * which of the two was meant, so that with table_id 0 the message looks like the other's with an empty name.
+ * Shares command 27 with tarn_qcsapi_wifi_set_dscp_ac_map. No interface name goes out; that and the table id tell the
+ * service which of the two was meant, so that with table_id 0 the message looks like the other's with an empty name.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, dscp_list; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wifi_set_dscp_ac_table(const char* handle, uint32_t table_id, const uint8_t* dscp_list,
@@ -1099,9 +1099,10 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_node_infoset(const char* handle, const 
  *   ifname     in: interface name, 65 readable bytes, sent as they stand
  *   rate_type  in: which set, as the service defines it
  *   rates      out: the set, length raw bytes, all must be writable; no NUL is added; must not be NULL even if length is 0
- *   length     in: bytes to copy, 0 to 8200; 0 leaves rates as it was
+ *   length     in: bytes to copy; 0 leaves rates as it was
  *
- * The library does not bound length by the reply. Pass no more than 8200, the size of its result area: not checked.
+ * The library does not bound length: all of it is written. The result area holds 8200 bytes; the next 24 are the trailing words of
+ * the reply, and what lies behind those arrives as zeros.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname, rates; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wifi_get_rates(const char* handle, const char* ifname, uint32_t rate_type, void* rates,
