@@ -75,8 +75,8 @@ std::uint32_t reject(const CallHead& head, const char* complaint);
 
 // Sends the message and waits for the reply, which then stands in its place. Returns 0, or the family's result for the failure.
 //
-// This step takes the message, the others the head in front of it: two addresses that are computed apart cost a command
-// function less than one that is kept in a register in between.
+// This step takes the message of a call, the others the head in front of it: two addresses that are computed apart cost a
+// command function less than one that is kept in a register in between. A message without a head is not for this step.
 std::uint32_t execute(void* message, std::uint32_t commandAndWait);
 
 constexpr std::uint32_t commandAndWait(std::uint32_t command, std::uint32_t wait)
@@ -124,6 +124,7 @@ protected:
     static constexpr std::uint32_t site(std::uint32_t line)
     {
         static_assert(offsetof(BasicCall, message) == sizeof(CallHead), "the steps look for the message right behind the head");
+        static_assert(sizeof(Layout) <= 0xFFFF, "the length has 16 bits of the site");
         return Site(line, family, sizeof(Layout)).packed;
     }
 };

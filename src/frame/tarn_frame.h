@@ -7,7 +7,7 @@
  * The caller id
  *   The first argument of every function but the local utilities: the calling component's own IPC identifier, a text of 1 to 31
  *   characters, NUL-terminated. The first must be from 0x20 to 0x7F, the others may be any byte but NUL. At most
- *   its first 32 bytes are read. Functions named `tarn_...` call it `handle`.
+ *   its first 32 bytes are checked; one that is refused goes to the trace as it is. Functions named `tarn_...` call it `handle`.
  *
  * Results of the functions named `Tarn...` (device service)
  *   the service's own reply status   the call reached the service; 0 is success by the service's convention
@@ -94,7 +94,7 @@ TARN_EXPORT uint32_t tarnValidatePinCode(uint32_t pin);
 typedef struct TarnRateTable
 {
     uint8_t count;                                          /* slots in use: 0 to count - 1 */
-    char rates[TARN_RATE_TABLE_SLOTS][TARN_RATE_TEXT_SIZE]; /* "54", "5.5" ..., NUL-padded, in the order they were added */
+    char rates[TARN_RATE_TABLE_SLOTS][TARN_RATE_TEXT_SIZE]; /* "54", "5.5" ..., in the order they were added */
 } TarnRateTable;
 
 /* Results of the two functions below. The two successes differ. */
@@ -107,7 +107,8 @@ typedef struct TarnRateTable
 /* Adds a rate behind the last one. Rates are compared by value: "5.5" and "5.50" are the same.
  *
  *   table  in, out: the table, 4336 bytes
- *   rate   in: a NUL-terminated decimal text in a buffer of at least 17 readable bytes, all 17 of which are copied
+ *   rate   in: a NUL-terminated decimal text in a buffer of at least 17 readable bytes, all 17 of which are copied. Of a longer
+ *          text the first 17 characters are kept. Its value is what strtod makes of it in the process's locale; "nan" is let in
  *
  * Returns TARN_RATE_ADDED (also when the rate stands in the table already), TARN_RATE_REJECTED (a NULL pointer, or a value of
  * zero or less, which includes a text without a number), TARN_RATE_TABLE_FULL (255 rates; the text is not looked at). */

@@ -99,7 +99,7 @@ static_assert(sizeof(RadioCommandMessage::extendedConfiguration) == 60);
 static_assert(offsetof(RadioCommandMessage, configuration) == 8 && sizeof(RadioCommandMessage::configuration) == 4432);
 static_assert(offsetof(RadioCommandMessage, status) == 4440);
 
-// Commands 25, 26, 28, 29, 31, 33, 35, 36, 38, 41, 81 and 82: states and versions of the chip module.
+// Commands 25, 26, 28, 29, 31, 33, 35, 36, 38, 41, 81 and 82: what is read in one short word or text, mostly of the chip module.
 struct ModuleStateMessage
 {
     std::uint32_t radio;
@@ -118,6 +118,13 @@ static_assert(offsetof(ModuleStateMessage, transmitPower) == 4 && sizeof(ModuleS
 static_assert(offsetof(ModuleStateMessage, version) == 4 && sizeof(ModuleStateMessage::version) == 68);
 static_assert(offsetof(ModuleStateMessage, status) == 72);
 
+// The path of a configuration to download, at most 256 characters and a NUL.
+struct ConfigurationPath
+{
+    char text[257];
+    std::uint8_t reserved[3];
+};
+
 // Commands 27, 30, 32, 34, 37, 39, 40, 77 and 114: what is switched or started on the chip module.
 struct ModuleControlMessage
 {
@@ -125,11 +132,7 @@ struct ModuleControlMessage
     union
     {
         std::uint32_t value;
-        struct
-        {
-            char text[257];
-            std::uint8_t reserved[3];
-        } path;
+        ConfigurationPath path;
     };
     std::uint32_t status;
 };
@@ -355,6 +358,13 @@ static_assert(offsetof(MacFilterMessage, macAddressReported) == 32);
 static_assert(offsetof(MacFilterMessage, reservedBehindAddress) == 38);
 static_assert(offsetof(MacFilterMessage, status) == 40);
 
+// The path of a file to write, at most 512 characters and a NUL.
+struct FilePath
+{
+    char text[513];
+    std::uint8_t reserved[3];
+};
+
 // Commands 78 to 80 and 83 to 110.
 struct SmartWiFiMessage
 {
@@ -370,11 +380,7 @@ struct SmartWiFiMessage
         TarnQuantennaSmartWiFiQcommCfg qcommConfiguration;
         TarnQuantennaSmartWiFiQslPart1Cfg qslPart1;
         TarnQuantennaSmartWiFiQslPart2Cfg qslPart2;
-        struct
-        {
-            char text[513];
-            std::uint8_t reserved[3];
-        } path; // the longest: it fills the area
+        FilePath path; // the longest: it fills the area
     };
     std::uint32_t recordStatus;
     union

@@ -24,10 +24,10 @@ using namespace tarn;
 template <class Layout>
 using Call = BasicCall<Family::kDevice, uint32_t, Layout>;
 
-// Reads and actions that the service carries on to a driver, a chip or a station.
+// Some commands are given longer than most. Which ones is fixed.
 constexpr uint32_t kLongWait = 4;
 
-// Propagating a configuration to the other access points of the network.
+// The longest of all: propagating a configuration.
 constexpr uint32_t kPropagationWait = 10;
 
 void copyAddress(uint8_t (&to)[kMacAddressSize], const uint8_t* from)
@@ -453,7 +453,7 @@ uint32_t TarnGetRadioNeighboringResultAt(const char* callerId, uint32_t radioId,
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
-// Chip module: commands 26 to 41, 77 and 111 to 114. Only some of them are about one radio; the others leave the radio word
+// Chip module: commands 26 to 41, 77 and 111 to 114. Only some of them are about one radio; the others leave its word
 // zero.
 // ----------------------------------------------------------------------------------------------------------------------------
 
