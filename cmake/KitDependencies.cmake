@@ -1,11 +1,5 @@
-# What the kit is built with, as targets of one name on every machine:
-#
-#   tarn_json    nlohmann-json, headers only
-#   tarn_cli11   CLI11, headers only
-#   tarn_gtest   GoogleTest and GoogleMock with their main
-#
-# A cross compiler must not see the build machine's /usr/include. It gets the two header-only libraries through links of their own, and
-# GoogleTest is built for the target from the source that Debian ships.
+# What the kit is built with, as targets of one name on every machine: tarn_json (nlohmann-json) and tarn_cli11 (CLI11), both headers
+# only. A cross compiler must not see the build machine's /usr/include, so it gets them through links of their own.
 find_package(Threads REQUIRED)
 
 function(tarn_header_only target directory header package)
@@ -23,15 +17,7 @@ endfunction()
 tarn_header_only(tarn_json nlohmann json.hpp nlohmann-json3-dev)
 tarn_header_only(tarn_cli11 CLI CLI.hpp libcli11-dev)
 
-set(googletest /usr/src/googletest)
-if(NOT EXISTS ${googletest}/googlemock/src/gmock-all.cc)
-    message(FATAL_ERROR "${googletest} is missing: install libgtest-dev and libgmock-dev (googletest)")
+# Programs for another processor are linked statically: the emulator then needs nothing of the target's file system.
+if(CMAKE_CROSSCOMPILING)
+    string(APPEND CMAKE_EXE_LINKER_FLAGS " -static")
 endif()
-add_library(tarn_gtest STATIC
-    ${googletest}/googletest/src/gtest-all.cc
-    ${googletest}/googlemock/src/gmock-all.cc
-    ${googletest}/googlemock/src/gmock_main.cc)
-target_include_directories(tarn_gtest SYSTEM
-    PUBLIC ${googletest}/googletest/include ${googletest}/googlemock/include
-    PRIVATE ${googletest}/googletest ${googletest}/googlemock)
-target_link_libraries(tarn_gtest PUBLIC Threads::Threads)

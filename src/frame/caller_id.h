@@ -4,7 +4,7 @@
 namespace tarn
 {
 
-// A text of 1 to 31 characters, the first of them from 0x20 to 0x7F. Reads no byte behind the NUL, and at most 32. Not for null.
+// A text of 1 to 31 characters, the first from 0x20 to 0x7F. Reads no byte behind the NUL, and at most 32. Not for null.
 bool isCallerId(const char* id);
 
 } // namespace tarn

@@ -7,7 +7,8 @@
  * The caller id
  *   The first argument of every function but the local utilities: the calling component's own IPC identifier, a text of 1 to 31
  *   characters, NUL-terminated. The first must be from 0x20 to 0x7F, the others may be any byte but NUL. At most
- *   its first 32 bytes are checked; one that is refused goes to the trace as it is. Functions named `tarn_...` call it `handle`.
+ *   its first 32 bytes are checked; one that is refused goes to the trace as it is. Functions named `tarn_...` call it
+ *   `handle`.
  *
  * Results of the functions named `Tarn...` (device service)
  *   the service's own reply status   the call reached the service; 0 is success by the service's convention

@@ -453,8 +453,8 @@ uint32_t TarnGetRadioNeighboringResultAt(const char* callerId, uint32_t radioId,
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
-// Chip module: commands 26 to 41, 77 and 111 to 114. Only some of them are about one radio; the others leave its word
-// zero.
+// Chip module: commands 26 to 41, 77 and 111 to 114. Only some of them are about one radio; the others leave
+// its word zero.
 // ----------------------------------------------------------------------------------------------------------------------------
 
 uint32_t TarnGetRadioQuantennaQhopState(const char* callerId, uint32_t radioId, uint32_t* enable)

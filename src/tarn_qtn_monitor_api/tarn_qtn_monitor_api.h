@@ -1101,8 +1101,8 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_node_infoset(const char* handle, const 
  *   rates      out: the set, length raw bytes, all must be writable; no NUL is added; must not be NULL even if length is 0
  *   length     in: bytes to copy; 0 leaves rates as it was
  *
- * The library does not bound length: all of it is written. The result area holds 8200 bytes; the next 24 are the trailing words of
- * the reply, and what lies behind those arrives as zeros.
+ * The library does not bound length: all of it is written. The result area holds 8200 bytes; the next 24 are the trailing
+ * words of the reply, and what lies behind those arrives as zeros.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname, rates; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wifi_get_rates(const char* handle, const char* ifname, uint32_t rate_type, void* rates,
