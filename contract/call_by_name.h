@@ -1,0 +1,60 @@
+/* Calling a function of the library by its name.
+ *
+ * The signatures are deduced from the prototypes in the public headers, so they are the compiler's and not a second opinion. */
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace tarn::contract
+{
+
+// One argument behind the caller id: `number` where the parameter is a number, `pointer` where it is a pointer, and for a
+// record that is passed by value `pointer` to the record's bytes, at any alignment.
+struct Value
+{
+    std::uint32_t number = 0;
+    void* pointer = nullptr;
+};
+
+enum class ParameterKind
+{
+    kNumber, // an unsigned integer
+    kPointer,
+    kRecord // by value
+};
+
+struct Parameter
+{
+    ParameterKind kind = ParameterKind::kNumber;
+    std::size_t size =
+        0; // bytes of the number or record; for a pointer, of what it points to: 0 for void, 1 for a char or a byte
+    bool isConst = false;     // pointer to const
+    bool isCharacter = false; // pointer to char
+    bool isRecord = false;    // a struct, by value or behind the pointer
+};
+
+using AnyFunction = void (*)();
+
+struct Function
+{
+    const char* name = nullptr;
+    const std::vector<Parameter>* parameters = nullptr; // those behind the caller id
+    bool signedResult = false;                          // int32_t instead of uint32_t
+    AnyFunction address = nullptr;
+    std::int64_t (*invoke)(AnyFunction function, const char* callerId, const Value* values) = nullptr;
+
+    // Numbers are cut to the parameter's width, as in any call in C. Throws std::invalid_argument if `count` is not the number
+    // of parameters, or if a record's pointer is null.
+    std::int64_t call(const char* callerId, const Value* values, std::size_t count) const;
+};
+
+// Every command function: the wireless device service's, then the proxy's, then the mirror's, in command order.
+const std::vector<Function>& functions();
+
+// The function of exactly that name, or null.
+const Function* findFunction(std::string_view name);
+
+} // namespace tarn::contract

@@ -1,0 +1,185 @@
+/* The wire as data, read: what each function puts into its message, what it takes out of the reply, and what it refuses.
+ *
+ * The three JSON files of this directory are compiled in, so nothing has to be found at run time. README.md describes their
+ * keys. */
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::contract
+{
+
+enum class Type
+{
+    kU32,
+    kU16,
+    kU8,
+    kText,
+    kBytes,
+    kRecord
+};
+
+enum class Direction
+{
+    kIn,
+    kOut
+};
+
+enum class Encoding
+{
+    kId,
+    kWord,
+    kByte,
+    kInverted,
+    kText,
+    kBlock,
+    kWords,
+    kRecord,
+    kSize,
+    kNothing
+};
+
+enum class When
+{
+    kNull,
+    kNullOrEmpty,
+    kZero
+};
+
+struct Argument
+{
+    std::string name;
+    Type type = Type::kU32;
+    std::string record; // name of the record, for Type::kRecord only
+    Direction direction = Direction::kIn;
+    Encoding encoding = Encoding::kWord;
+    std::uint32_t offset = 0;
+    std::uint32_t size =
+        0; // bytes in the message, or bytes written; 4 for one word, 1 for one byte; 0 if nothing or sizeArgument says
+    std::string sizeArgument; // name of the argument that says how many bytes the caller's buffer holds, or empty
+    bool optional = false;    // a null pointer means "leave out"
+
+    // A number that is passed by value, as opposed to a pointer or a record.
+    bool isNumber() const;
+    // Everything written, every text, every run of bytes.
+    bool isPointer() const;
+};
+
+struct Check
+{
+    std::string argument;
+    When when = When::kNull;
+    std::string message; // the whole text of the trace
+};
+
+struct Command
+{
+    std::uint32_t command = 0;
+    std::string function;
+    std::string group;
+    std::string description;
+    std::string note; // what is odd and meant so, or empty
+    std::uint32_t wait = 0;
+    std::uint32_t length = 0;
+    std::uint32_t status = 0; // offset of the reply status
+    std::vector<Argument> arguments;
+    std::vector<Check> checks; // in the order in which they are made
+
+    // The argument of that name, or null.
+    const Argument* argument(std::string_view name) const;
+};
+
+struct Record
+{
+    std::string name;
+    std::uint32_t size = 0;
+};
+
+struct Event
+{
+    std::uint32_t event = 0;
+    std::string name;
+};
+
+struct Result
+{
+    bool isSigned = false; // int32_t instead of uint32_t
+    std::int64_t rejected = 0;
+    std::int64_t failed = 0;
+    std::int64_t timedOut = 0;
+};
+
+struct Contract
+{
+    std::string service;
+    std::string traceTag;
+    Result result;
+    std::string invalidCaller; // trace format
+    std::vector<Record> records;
+    std::vector<Event> events;
+    std::vector<Command> commands;
+
+    // The record of that name, or null.
+    const Record* record(std::string_view name) const;
+};
+
+// One function together with the service it belongs to; both null if there is none.
+struct Row
+{
+    const Contract* contract = nullptr;
+    const Command* command = nullptr;
+
+    explicit operator bool() const
+    {
+        return command != nullptr;
+    }
+};
+
+// What is wrong with a contract text, one line a problem: file, function, key, and what was expected there.
+class ContractError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The contracts that are compiled in, in the order TARN, QTN_RPC_PROXY, QTN_MIRROR. Throws ContractError if one of them is not
+// sound.
+const std::vector<Contract>& all();
+
+// Every function of every service, in that order.
+const std::vector<Row>& rows();
+
+// The function of exactly that name; an empty row if there is none.
+Row find(std::string_view function);
+
+// The contract of exactly that service, or null.
+const Contract* findService(std::string_view service);
+
+// Functions with a name close to one that is not known, the closest first; none if nothing comes close.
+std::vector<std::string> suggestions(std::string_view function, std::size_t most = 3);
+
+// The same among any names.
+std::vector<std::string> suggestions(std::string_view asked, const std::vector<std::string>& names, std::size_t most = 3);
+
+// Reads one contract. `fileName` only goes into the text of errors. Throws ContractError for a text that is no JSON, for a key
+// that is missing, unknown, given twice or of the wrong kind, and for everything `problems` finds.
+Contract parse(std::string_view text, const std::string& fileName);
+
+// What does not fit together in a contract, one line a problem; empty if it is sound.
+std::vector<std::string> problems(const Contract& contract);
+
+// Bytes that an argument of this encoding always takes in the message; 0 if its size says.
+std::uint32_t impliedSize(Encoding encoding);
+
+// The words that stand for these in the files.
+const char* toString(Type type);
+const char* toString(Direction direction);
+const char* toString(Encoding encoding);
+const char* toString(When when);
+
+} // namespace tarn::contract

@@ -1,0 +1,252 @@
+#include "contract.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <set>
+
+namespace tarn::contract
+{
+
+namespace
+{
+
+std::string span(std::uint32_t offset, std::uint32_t size)
+{
+    return std::to_string(size) + " bytes at " + std::to_string(offset);
+}
+
+// Which encodings go with an argument's type and direction, as a text for the error; empty if this one does.
+std::string misfit(const Argument& argument)
+{
+    const auto goesWith = [&](std::initializer_list<Encoding> encodings)
+    {
+        if (std::find(encodings.begin(), encodings.end(), argument.encoding) != encodings.end())
+            return std::string();
+        std::string expected;
+        for (const Encoding encoding : encodings)
+            expected += std::string(expected.empty() ? "" : ", ") + toString(encoding);
+        return std::string("the encoding ") + toString(argument.encoding) + " does not go with " + toString(argument.type) +
+               " " + toString(argument.direction) + ", expected one of " + expected;
+    };
+
+    if (argument.direction == Direction::kIn)
+        switch (argument.type)
+        {
+        case Type::kU32:
+            return goesWith({Encoding::kId, Encoding::kWord, Encoding::kInverted, Encoding::kSize});
+        case Type::kU16:
+            return goesWith({Encoding::kWord});
+        case Type::kU8:
+            return goesWith({Encoding::kWord, Encoding::kByte});
+        case Type::kText:
+            return goesWith({Encoding::kText, Encoding::kBlock});
+        case Type::kBytes:
+            return goesWith({Encoding::kBlock});
+        case Type::kRecord:
+            return goesWith({Encoding::kRecord});
+        }
+    switch (argument.type)
+    {
+    case Type::kU32:
+        return goesWith({Encoding::kWord, Encoding::kWords, Encoding::kNothing});
+    case Type::kU16:
+        return "an output of type u16 is not known";
+    case Type::kU8:
+        return goesWith({Encoding::kByte, Encoding::kNothing});
+    case Type::kText:
+        return goesWith({Encoding::kText, Encoding::kBlock, Encoding::kNothing});
+    case Type::kBytes:
+        return goesWith({Encoding::kBlock, Encoding::kWords, Encoding::kNothing});
+    case Type::kRecord:
+        return goesWith({Encoding::kRecord, Encoding::kWords, Encoding::kNothing});
+    }
+    return "the type is not known";
+}
+
+// Collects what is wrong with one command.
+class CommandProblems
+{
+public:
+    CommandProblems(const Contract& contractOfCommand, const Command& commandToCheck, std::vector<std::string>& found)
+        : contract(contractOfCommand), command(commandToCheck), problemsFound(found)
+    {
+    }
+
+    void look()
+    {
+        if (command.length < 8 || command.length % 4 != 0)
+            add("length: expected a multiple of 4, 8 or more, not " + std::to_string(command.length));
+        else if (command.status != command.length - 4)
+            add("status: expected the last word of the message, " + std::to_string(command.length - 4) + ", not " +
+                std::to_string(command.status));
+        if (command.wait == 0)
+            add("wait: expected 1 or more");
+        for (const Argument& argument : command.arguments)
+            lookAtArgument(argument);
+        lookAtOverlaps();
+        lookAtSizeArguments();
+        for (const Check& check : command.checks)
+            lookAtCheck(check);
+    }
+
+private:
+    void add(const std::string& text)
+    {
+        problemsFound.push_back(command.function + ": " + text);
+    }
+
+    void lookAtArgument(const Argument& argument)
+    {
+        const auto sameName = [&](const Argument& other) { return other.name == argument.name; };
+        if (&*std::find_if(command.arguments.begin(), command.arguments.end(), sameName) != &argument)
+            add(argument.name + ": an earlier argument has this name already");
+        if (const std::string text = misfit(argument); !text.empty())
+            add(argument.name + ": " + text);
+        if (argument.optional && !argument.isPointer())
+            add(argument.name + ": only a pointer can be optional");
+        lookAtPlace(argument);
+        lookAtRecord(argument);
+    }
+
+    void lookAtPlace(const Argument& argument)
+    {
+        if (argument.encoding == Encoding::kSize || argument.encoding == Encoding::kNothing)
+            return;
+        const std::uint32_t implied = impliedSize(argument.encoding);
+        if (implied != 0 && (argument.size != implied || !argument.sizeArgument.empty()))
+            add(argument.name + ": expected a size of " + std::to_string(implied) + " for the encoding " +
+                toString(argument.encoding));
+        if (implied == 0 && (argument.size == 0) == argument.sizeArgument.empty())
+            add(argument.name + ": expected either a size or a size_argument");
+        // 64 bits, as offset and size may be anything here.
+        const std::uint64_t end = std::uint64_t{argument.offset} + std::max<std::uint32_t>(argument.size, 1);
+        if (end > command.length)
+            add(argument.name + ": " + span(argument.offset, argument.size) + " run out of the message of " +
+                std::to_string(command.length));
+        else if (end > command.status)
+            add(argument.name + ": " + span(argument.offset, argument.size) + " run into the reply status at " +
+                std::to_string(command.status));
+
+        const bool isWord = argument.encoding == Encoding::kId || argument.encoding == Encoding::kWord ||
+                            argument.encoding == Encoding::kInverted || argument.encoding == Encoding::kWords;
+        if (isWord && (argument.offset % 4 != 0 || argument.size % 4 != 0))
+            add(argument.name + ": " + span(argument.offset, argument.size) + " are no words, expected multiples of 4");
+    }
+
+    void lookAtRecord(const Argument& argument)
+    {
+        if (argument.type != Type::kRecord)
+            return;
+        const Record* const record = contract.record(argument.record);
+        if (record == nullptr)
+            add(argument.name + ": the record " + argument.record + " is not in \"records\"");
+        else if (argument.encoding != Encoding::kNothing && record->size != argument.size)
+            add(argument.name + ": the record " + argument.record + " has " + std::to_string(record->size) + " bytes, not " +
+                std::to_string(argument.size));
+    }
+
+    void lookAtOverlaps()
+    {
+        const auto standsInMessage = [](const Argument& argument)
+        { return argument.direction == Direction::kIn && argument.encoding != Encoding::kSize; };
+        for (std::size_t i = 0; i < command.arguments.size(); ++i)
+            for (std::size_t j = i + 1; j < command.arguments.size(); ++j)
+            {
+                const Argument& left = command.arguments[i];
+                const Argument& right = command.arguments[j];
+                if (standsInMessage(left) && standsInMessage(right) && left.offset < std::uint64_t{right.offset} + right.size &&
+                    right.offset < std::uint64_t{left.offset} + left.size)
+                    add(right.name + ": " + span(right.offset, right.size) + " overlap " + left.name + ", " +
+                        span(left.offset, left.size));
+            }
+    }
+
+    void lookAtSizeArguments()
+    {
+        std::set<std::string> used;
+        for (const Argument& argument : command.arguments)
+        {
+            if (argument.sizeArgument.empty())
+                continue;
+            used.insert(argument.sizeArgument);
+            const Argument* const size = command.argument(argument.sizeArgument);
+            if (size == nullptr || size->encoding != Encoding::kSize)
+                add(argument.name + ": size_argument: expected the name of an argument with the encoding size, not " +
+                    argument.sizeArgument);
+            if (argument.direction != Direction::kOut ||
+                (argument.encoding != Encoding::kText && argument.encoding != Encoding::kBlock))
+                add(argument.name + ": size_argument: expected at a text or block that is written only");
+        }
+        for (const Argument& argument : command.arguments)
+            if (argument.encoding == Encoding::kSize && used.count(argument.name) == 0)
+                add(argument.name + ": no argument names it as its size_argument");
+    }
+
+    void lookAtCheck(const Check& check)
+    {
+        const Argument* const argument = command.argument(check.argument);
+        if (argument == nullptr)
+        {
+            add("checks: there is no argument " + check.argument);
+            return;
+        }
+        if (check.when == When::kNull && !argument->isPointer())
+            add("checks: " + check.argument + " is no pointer, so it cannot be null");
+        if (check.when == When::kNullOrEmpty && (argument->type != Type::kText || argument->direction != Direction::kIn))
+            add("checks: " + check.argument + " is no text that is sent, so it cannot be empty");
+        if (check.when == When::kZero && !argument->isNumber())
+            add("checks: " + check.argument + " is no number, so it cannot be zero");
+        if (argument->optional)
+            add("checks: " + check.argument + " is optional, so it is not refused");
+        if (check.message.find('%') != std::string::npos)
+            add("checks: the message \"" + check.message + "\" holds a %, and it is traced as a format");
+        const auto sameArgument = [&](const Check& other) { return other.argument == check.argument; };
+        if (&*std::find_if(command.checks.begin(), command.checks.end(), sameArgument) != &check)
+            add("checks: " + check.argument + " is checked twice");
+    }
+
+    const Contract& contract;
+    const Command& command;
+    std::vector<std::string>& problemsFound;
+};
+
+void lookAtEvents(const Contract& contract, std::vector<std::string>& found)
+{
+    std::set<std::uint32_t> numbers;
+    std::set<std::string> names;
+    for (const Event& event : contract.events)
+    {
+        if (!numbers.insert(event.event).second)
+            found.push_back("events: the number " + std::to_string(event.event) + " stands twice");
+        if (!names.insert(event.name).second)
+            found.push_back("events: the name " + event.name + " stands twice");
+    }
+}
+
+} // namespace
+
+std::vector<std::string> problems(const Contract& contract)
+{
+    std::vector<std::string> found;
+    if (contract.service.empty() || contract.service.size() > 31)
+        found.push_back("service: expected 1 to 31 characters");
+    if (contract.commands.empty())
+        found.push_back("commands: expected one or more");
+    lookAtEvents(contract, found);
+
+    std::set<std::string> functions;
+    const Command* previous = nullptr;
+    for (const Command& command : contract.commands)
+    {
+        if (!functions.insert(command.function).second)
+            found.push_back(command.function + ": stands twice");
+        if (previous != nullptr && command.command < previous->command)
+            found.push_back(command.function + ": command " + std::to_string(command.command) + " stands behind command " +
+                            std::to_string(previous->command) + ", expected ascending order");
+        previous = &command;
+        CommandProblems(contract, command, found).look();
+    }
+    return found;
+}
+
+} // namespace tarn::contract
