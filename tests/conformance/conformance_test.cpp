@@ -1,0 +1,105 @@
+// The library held against the contract, function by function and byte by byte.
+#include "checker.h"
+
+#include "kor_iil_mock.hpp"
+#include "tarn_frame.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace contract = tarn::contract;
+using conformance::Checker;
+
+namespace
+{
+
+class Conformance : public testing::TestWithParam<contract::Row>
+{
+protected:
+    void SetUp() override
+    {
+        const contract::Function* const function = contract::findFunction(GetParam().command->function);
+        ASSERT_NE(function, nullptr) << "the library has no function of this name";
+        checker = std::make_unique<Checker>(*GetParam().contract, *GetParam().command, *function);
+    }
+
+    std::unique_ptr<Checker> checker;
+};
+
+TEST_P(Conformance, OfTheFunction)
+{
+    EXPECT_EQ(checker->everything(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, Conformance, testing::ValuesIn(contract::rows()),
+                         [](const auto& each) { return each.param.command->function; });
+
+std::set<std::string> namesInContract(const std::string& service)
+{
+    std::set<std::string> names;
+    for (const contract::Command& command : contract::findService(service)->commands)
+        names.insert(command.function);
+    return names;
+}
+
+TEST(Counts, AreThoseOfTheServices)
+{
+    EXPECT_EQ(namesInContract("TARN").size(), 115u);
+    EXPECT_EQ(namesInContract("QTN_RPC_PROXY").size(), 128u);
+    EXPECT_EQ(namesInContract("QTN_MIRROR").size(), 4u);
+}
+
+TEST(Counts, AreTheSameInContractAndLibrary)
+{
+    std::set<std::string> inContract;
+    for (const contract::Row& row : contract::rows())
+        inContract.insert(row.command->function);
+    std::set<std::string> inLibrary;
+    for (const contract::Function& function : contract::functions())
+        inLibrary.insert(function.name);
+
+    for (const std::string& name : inContract)
+        EXPECT_EQ(inLibrary.count(name), 1u) << name << " is in the contract and not in the library";
+    for (const std::string& name : inLibrary)
+        EXPECT_EQ(inContract.count(name), 1u) << name << " is in the library and not in the contract";
+}
+
+// A trace record shows a source unit's tag and a line, and nothing else tells which function failed.
+TEST(FailureTraces, TellEveryFunctionFromEveryOther)
+{
+    std::map<std::pair<std::string, std::uint32_t>, std::string> functionsBySite;
+    const auto add = [&](const std::string& tag, std::uint32_t line, const std::string& function)
+    {
+        EXPECT_NE(line, 0u) << function;
+        const auto [other, isNew] = functionsBySite.insert({{tag, line}, function});
+        EXPECT_TRUE(isNew) << function << " and " << other->second << " both trace " << tag << " line " << line;
+    };
+
+    for (const contract::Row& row : contract::rows())
+    {
+        const contract::Function* const function = contract::findFunction(row.command->function);
+        ASSERT_NE(function, nullptr) << row.command->function;
+        const Checker::Site site = Checker(*row.contract, *row.command, *function).failureSite();
+        add(site.tag, site.line, row.command->function);
+    }
+
+    const auto handler = [](const char*, std::uint32_t, const void*, std::uint32_t) {};
+    tarn::mock::Platform platform;
+    platform.expectSubscribe("TARN", 1).fail(1);
+    platform.expectCancel("TARN", 1).fail(1);
+    tarnSubscribeEvent("conformance", 1, nullptr, handler);
+    tarnCancelEvent("conformance", 1, nullptr, handler);
+    ASSERT_EQ(platform.traces().size(), 2u);
+    add(platform.traces()[0].fileTag, platform.traces()[0].line, "tarnSubscribeEvent");
+    add(platform.traces()[1].fileTag, platform.traces()[1].line, "tarnCancelEvent");
+    EXPECT_EQ(functionsBySite.size(), contract::rows().size() + 2);
+}
+
+} // namespace
