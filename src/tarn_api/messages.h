@@ -99,7 +99,7 @@ static_assert(sizeof(RadioCommandMessage::extendedConfiguration) == 60);
 static_assert(offsetof(RadioCommandMessage, configuration) == 8 && sizeof(RadioCommandMessage::configuration) == 4432);
 static_assert(offsetof(RadioCommandMessage, status) == 4440);
 
-// Commands 25, 26, 28, 29, 31, 33, 35, 36, 38, 41, 81 and 82: short reads, of a word or a text, most of them of the chip module.
+// Commands 25, 26, 28, 29, 31, 33, 35, 36, 38, 41, 81 and 82: short reads, of a word or a text, most of the chip module.
 struct ModuleStateMessage
 {
     std::uint32_t radio;
