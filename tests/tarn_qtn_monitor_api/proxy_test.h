@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kor_iil_mock.hpp"
+#include "samples.h"
 #include "tarn_qtn_monitor_api.h"
 
 #include <gmock/gmock.h>
@@ -28,28 +29,6 @@ inline constexpr std::uint32_t kOut = 1152;
 inline constexpr std::uint32_t kOutSize = 8200;
 inline constexpr std::uint32_t kOutWords = 9352;
 inline constexpr std::uint32_t kStatus = 9372;
-
-// What a buffer or a word holds before the call, to see whether it was written.
-inline constexpr std::uint8_t kUntouchedByte = 0xEE;
-inline constexpr std::uint32_t kUntouched = 0xEEEEEEEE;
-
-// "abc...zabc...", so that a text is seen to be cut behind the right character.
-inline std::string letters(std::size_t length)
-{
-    std::string text;
-    for (std::size_t i = 0; i != length; ++i)
-        text += static_cast<char>('a' + i % 26);
-    return text;
-}
-
-// Bytes of which none is zero and neighbours differ.
-inline std::vector<std::uint8_t> nonZeroBytes(std::size_t size)
-{
-    std::vector<std::uint8_t> bytes;
-    for (std::size_t i = 0; i != size; ++i)
-        bytes.push_back(static_cast<std::uint8_t>(1 + i % 251));
-    return bytes;
-}
 
 class ProxyTest : public testing::Test
 {
