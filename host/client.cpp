@@ -1,0 +1,60 @@
+// KorIilExecute: arguments checked, recorded if asked for, sent.
+#include "exchange.h"
+#include "identifiers.h"
+#include "kor_iil.h"
+#include "recorder.h"
+
+#include <new>
+#include <optional>
+
+namespace koriil
+{
+namespace
+{
+
+uint32_t judgeArguments(const char* callerId, const char* serviceId, uint32_t wait, uint32_t length, const void* message)
+{
+    if (callerId == nullptr || serviceId == nullptr || (message == nullptr && length > 0) || wait == 0)
+        return KOR_IIL_BAD_PARAM;
+    if (!isCallerId(callerId))
+        return KOR_IIL_UNKNOWN_SRC_ID;
+    if (!isServiceId(serviceId))
+        return KOR_IIL_UNKNOWN_DST_ID;
+    return length <= KOR_IIL_MAX_LENGTH ? KOR_IIL_OK : KOR_IIL_OVERSIZE;
+}
+
+uint32_t execute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t command, uint32_t length, void* message)
+{
+    PacketHeader request;
+    request.kind = PacketKind::Request;
+    request.command = command;
+    request.length = length;
+    request.wait = wait;
+    copyIdentifier(request.name, callerId);
+    return exchange(serviceId, request, message);
+}
+
+} // namespace
+} // namespace koriil
+
+extern "C" uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
+                                  void* msg)
+try
+{
+    using namespace koriil;
+
+    uint32_t status = judgeArguments(callerId, serviceId, wait, msgLen, msg);
+    const void* const message = msgLen > 0 ? msg : ""; // an empty message is one, whatever the pointer
+    std::optional<Record> record;
+    if (isRecording())
+        record.emplace(callerId, serviceId, wait, cmdId, msgLen, status == KOR_IIL_OK ? message : nullptr);
+    if (status == KOR_IIL_OK)
+        status = execute(callerId, serviceId, wait, cmdId, msgLen, msg);
+    if (record)
+        record->finish(status, status == KOR_IIL_OK ? message : nullptr);
+    return status;
+}
+catch (const std::bad_alloc&)
+{
+    return KOR_IIL_NO_MEM;
+}

@@ -1,0 +1,79 @@
+// One connection of a client to a service.
+#pragma once
+
+#include "deadline.h"
+#include "descriptor.h"
+#include "packet.h"
+
+#include <chrono>
+#include <memory>
+
+#include <sys/types.h>
+
+namespace koriil
+{
+
+// Judges the packet received in answer to `request`: KOR_IIL_OK if it is a reply to it, whatever its status.
+uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, size_t received);
+
+class Connection
+{
+public:
+    enum class Sending
+    {
+        Sent,
+        PeerGone, // nothing was sent, and nothing can be
+        Failed
+    };
+
+    // Connects, and waits for the service's welcome. Otherwise a status that says why not.
+    static uint32_t open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection);
+
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    bool isTo(const char* serviceId) const;
+
+    // False in a child of the process that opened the connection. A child must stay away: the two would read each other's
+    // replies.
+    bool isOwn() const;
+
+    int descriptor() const
+    {
+        return socket_.get();
+    }
+
+    // The number that the service gave to this connection.
+    uint32_t channel() const
+    {
+        return channel_;
+    }
+
+    // Fills in the request's sequence, and sends it with its message.
+    Sending send(PacketHeader& request, const void* message);
+
+    // For a connection that is read directly, without a deadline.
+    bool waitForEver();
+
+    // Waits for the packet that answers `request`.
+    uint32_t receive(const PacketHeader& request, const Deadline& deadline, Packet& reply);
+
+private:
+    explicit Connection(const char* serviceId);
+
+    uint32_t connect(const Deadline& deadline);
+    uint32_t greet(const Deadline& deadline);
+    ssize_t receiveBytes(const Deadline& deadline, void* buffer, size_t size);
+    bool isStillOurSocket() const;
+
+    char serviceId_[kIdentifierSize] = {};
+    Descriptor socket_;
+    pid_t owner_;
+    ino_t inode_ = 0;
+    uint32_t sequence_ = 0;
+    uint32_t channel_ = 0;
+    std::chrono::microseconds receiveTimeout_{0}; // that the socket has now
+};
+
+} // namespace koriil

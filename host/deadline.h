@@ -1,0 +1,27 @@
+// The moment a call gives up, on the clock that nobody sets.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace koriil
+{
+
+class Deadline
+{
+public:
+    explicit Deadline(uint32_t seconds) : end_(std::chrono::steady_clock::now() + std::chrono::seconds(seconds))
+    {
+    }
+
+    // Zero or less when it has passed.
+    std::chrono::microseconds remaining() const
+    {
+        return std::chrono::duration_cast<std::chrono::microseconds>(end_ - std::chrono::steady_clock::now());
+    }
+
+private:
+    std::chrono::steady_clock::time_point end_;
+};
+
+} // namespace koriil

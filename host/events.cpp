@@ -1,0 +1,232 @@
+// KorIilSubscribeEvent and KorIilCancelEvent.
+//
+// Events come on a channel; subscribing and cancelling are exchanges of the calling thread's own connection that name the
+// channel. So neither ever waits for the delivering thread to read something, and a handler can do both.
+#include "channel.h"
+#include "exchange.h"
+#include "identifiers.h"
+#include "trace.h"
+
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <new>
+#include <system_error>
+#include <utility>
+
+#include <unistd.h>
+
+namespace koriil
+{
+namespace
+{
+
+constexpr uint32_t kWait = 3; // seconds; the functions have no argument for it
+
+uint32_t judgeArguments(const char* callerId, const char* serviceId, KorIilEventHandler handler)
+{
+    if (callerId == nullptr || serviceId == nullptr || handler == nullptr)
+        return KOR_IIL_BAD_PARAM;
+    if (!isCallerId(callerId))
+        return KOR_IIL_UNKNOWN_SRC_ID;
+    return isServiceId(serviceId) ? KOR_IIL_OK : KOR_IIL_UNKNOWN_DST_ID;
+}
+
+uint32_t ask(PacketKind kind, const char* serviceId, const Channel& channel, const Subscriber& subscriber)
+try
+{
+    PacketHeader request;
+    request.kind = kind;
+    request.command = subscriber.event;
+    request.wait = kWait;
+    request.channel = channel.number();
+    copyIdentifier(request.name, subscriber.callerId);
+    return exchange(serviceId, request, nullptr);
+}
+catch (const std::bad_alloc&)
+{
+    return KOR_IIL_NO_MEM;
+}
+
+// All of this process.
+class Subscriptions
+{
+public:
+    // A child process starts with none. What it inherited belongs to threads that it does not have.
+    static Subscriptions& ofThisProcess()
+    {
+        static std::atomic<Subscriptions*> current{nullptr}; // never deleted: handlers may run until the process ends
+        Subscriptions* found = current.load();
+        while (found == nullptr || found->owner_ != getpid())
+        {
+            auto* fresh = new Subscriptions(found);
+            if (current.compare_exchange_strong(found, fresh))
+                return *fresh;
+            delete fresh;
+        }
+        return *found;
+    }
+
+    uint32_t subscribe(const char* serviceId, const Subscriber& subscriber)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        uint32_t status = subscribeOnce(serviceId, subscriber);
+        if (status == KOR_IIL_BAD_EVT) // that was a channel to the service's predecessor
+            status = subscribeOnce(serviceId, subscriber);
+        if (status == KOR_IIL_OK || status == KOR_IIL_CONFLICT_ID)
+            return status;
+
+        const auto channels = channelsOf(serviceId);
+        lock.unlock();
+        waitForEnd(channels, subscriber); // it may have had an event already
+        return status;
+    }
+
+    uint32_t cancel(const char* serviceId, const Subscriber& subscriber)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        const auto channels = channelsOf(serviceId);
+        const uint32_t status = remove(serviceId, subscriber);
+        lock.unlock();
+        // Whatever the status: where the service has gone, the subscription has too, and yet its handler may be running.
+        waitForEnd(channels, subscriber);
+        return status;
+    }
+
+private:
+    using Channels = std::map<std::string, std::shared_ptr<Channel>>;
+
+    explicit Subscriptions(const Subscriptions* inherited) : owner_(getpid()), inherited_(inherited)
+    {
+    }
+
+    uint32_t subscribeOnce(const char* serviceId, const Subscriber& subscriber)
+    {
+        std::shared_ptr<Channel> channel;
+        if (const uint32_t status = channelTo(serviceId, channel))
+            return status;
+        if (!channel->add(subscriber)) // before the service knows, so that it misses nothing
+            return KOR_IIL_CONFLICT_ID;
+
+        const uint32_t status = ask(PacketKind::Subscribe, serviceId, *channel, subscriber);
+        if (status == KOR_IIL_OK)
+            return status;
+        channel->remove(subscriber);
+        if (status == KOR_IIL_BAD_EVT || channel->isUnused())
+            drop(channels_.find(serviceId));
+        return status;
+    }
+
+    uint32_t remove(const char* serviceId, const Subscriber& subscriber)
+    {
+        const auto found = channels_.find(serviceId);
+        if (found == channels_.end())
+            return KOR_IIL_BAD_EVT;
+        Channel& channel = *found->second;
+        if (!channel.isAlive())
+        {
+            drop(found);
+            return KOR_IIL_BAD_EVT;
+        }
+        if (!channel.remove(subscriber))
+            return KOR_IIL_BAD_EVT;
+
+        if (!channel.wants(subscriber.event))
+            if (const uint32_t status = ask(PacketKind::Cancel, serviceId, channel, subscriber))
+                KORIIL_REPORT(kTraceNotice, "service %s has not confirmed the end of a subscription (status %lu)", serviceId,
+                              static_cast<unsigned long>(status));
+        if (channel.isUnused())
+            drop(found);
+        return KOR_IIL_OK;
+    }
+
+    uint32_t channelTo(const char* serviceId, std::shared_ptr<Channel>& channel)
+    {
+        const auto found = channels_.find(serviceId);
+        if (found != channels_.end() && found->second->isAlive())
+        {
+            channel = found->second;
+            return KOR_IIL_OK;
+        }
+        if (found != channels_.end())
+            drop(found);
+        if (const uint32_t status = Channel::open(serviceId, channel))
+            return status;
+        channels_[serviceId] = channel;
+        return KOR_IIL_OK;
+    }
+
+    void drop(Channels::iterator channel)
+    {
+        channel->second->close();
+        dropped_.emplace_back(channel->first, channel->second);
+        channels_.erase(channel);
+    }
+
+    // The one in use, and those dropped whose thread has not ended yet: a handler may be running still.
+    std::vector<std::shared_ptr<Channel>> channelsOf(const char* serviceId)
+    {
+        std::vector<std::shared_ptr<Channel>> result;
+        if (const auto found = channels_.find(serviceId); found != channels_.end())
+            result.push_back(found->second);
+
+        dropped_.erase(std::remove_if(dropped_.begin(), dropped_.end(), [](const auto& one) { return one.second.expired(); }),
+                       dropped_.end());
+        for (const auto& [name, channel] : dropped_)
+            if (auto running = channel.lock(); running != nullptr && name == serviceId)
+                result.push_back(std::move(running));
+        return result;
+    }
+
+    // Without the lock: the handler waited for may be about to subscribe.
+    static void waitForEnd(const std::vector<std::shared_ptr<Channel>>& channels, const Subscriber& subscriber)
+    {
+        for (const auto& channel : channels)
+            channel->waitForEnd(subscriber);
+    }
+
+    const pid_t owner_;
+    [[maybe_unused]] const Subscriptions* const inherited_; // for leak checkers
+    std::mutex mutex_; // held while a service is asked, never while a handler is waited for
+    Channels channels_;
+    std::vector<std::pair<std::string, std::weak_ptr<Channel>>> dropped_;
+};
+
+template <typename Action>
+uint32_t guarded(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler, Action action)
+try
+{
+    if (const uint32_t status = judgeArguments(callerId, serviceId, handler))
+        return status;
+    Subscriber subscriber;
+    copyIdentifier(subscriber.callerId, callerId);
+    subscriber.event = evt;
+    subscriber.handler = handler;
+    return action(Subscriptions::ofThisProcess(), subscriber);
+}
+catch (const std::bad_alloc&)
+{
+    return KOR_IIL_NO_MEM;
+}
+catch (const std::system_error& error) // no thread to be had
+{
+    KORIIL_REPORT(kTraceWarning, "event thread for service %s: %s", serviceId, error.what());
+    return KOR_IIL_NO_MEM;
+}
+
+} // namespace
+} // namespace koriil
+
+extern "C" uint32_t KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
+{
+    return koriil::guarded(callerId, serviceId, evt, handler,
+                           [&](koriil::Subscriptions& subscriptions, const koriil::Subscriber& subscriber)
+                           { return subscriptions.subscribe(serviceId, subscriber); });
+}
+
+extern "C" uint32_t KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
+{
+    return koriil::guarded(callerId, serviceId, evt, handler,
+                           [&](koriil::Subscriptions& subscriptions, const koriil::Subscriber& subscriber)
+                           { return subscriptions.cancel(serviceId, subscriber); });
+}

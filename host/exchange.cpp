@@ -1,0 +1,118 @@
+#include "exchange.h"
+
+#include "connection.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace koriil
+{
+namespace
+{
+
+// What one thread keeps between its calls.
+class Connections
+{
+public:
+    uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
+    {
+        const Deadline deadline(request.wait);
+        if (!reply_)
+            reply_.reset(new Packet); // not cleared: 64 KiB that a small call never touches
+        dropInherited();
+
+        uint32_t status = send(serviceId, request, message, deadline);
+        if (status != KOR_IIL_OK)
+            return status;
+
+        status = connections_.back()->receive(request, deadline, *reply_);
+        if (status != KOR_IIL_OK)
+        {
+            // Whatever comes on this connection from now on may be this call's, and must not be taken for the next one's.
+            connections_.pop_back();
+            return status;
+        }
+        if (reply_->header.status == KOR_IIL_OK && request.length > 0)
+            memcpy(message, reply_->message, request.length);
+        return reply_->header.status;
+    }
+
+private:
+    // On KOR_IIL_OK, the connection used is the last of `connections_`.
+    uint32_t send(const char* serviceId, PacketHeader& request, const void* message, const Deadline& deadline)
+    {
+        if (bringToBack(serviceId))
+        {
+            const Connection::Sending sending = connections_.back()->send(request, message);
+            if (sending == Connection::Sending::Sent)
+                return KOR_IIL_OK;
+            connections_.pop_back();
+            if (sending == Connection::Sending::Failed)
+                return KOR_IIL_TX_FAIL;
+        }
+
+        connections_.reserve(connections_.size() + 1);
+        std::unique_ptr<Connection> connection;
+        if (const uint32_t status = Connection::open(serviceId, deadline, connection))
+            return status;
+        if (connection->send(request, message) != Connection::Sending::Sent)
+            return KOR_IIL_TX_FAIL;
+        connections_.push_back(std::move(connection));
+        return KOR_IIL_OK;
+    }
+
+    bool bringToBack(const char* serviceId)
+    {
+        for (auto& connection : connections_)
+            if (connection->isTo(serviceId))
+            {
+                std::swap(connection, connections_.back());
+                return true;
+            }
+        return false;
+    }
+
+    void dropInherited()
+    {
+        if (!connections_.empty() && !connections_.front()->isOwn())
+            connections_.clear();
+    }
+
+    std::vector<std::unique_ptr<Connection>> connections_;
+    std::unique_ptr<Packet> reply_;
+};
+
+// Plain data, so that a call made after the thread's objects are destroyed (from the destructor of a static, say) still finds
+// it valid.
+thread_local Connections* kept = nullptr;
+thread_local bool threadIsEnding = false;
+
+struct EndOfThread
+{
+    ~EndOfThread()
+    {
+        delete kept;
+        kept = nullptr;
+        threadIsEnding = true;
+    }
+};
+
+thread_local EndOfThread endOfThread;
+
+} // namespace
+
+uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
+{
+    if (threadIsEnding)
+        return Connections().exchange(serviceId, request, message);
+    if (kept == nullptr)
+    {
+        kept = new Connections;
+        (void)&endOfThread; // constructs it, and with that registers its destructor
+    }
+    return kept->exchange(serviceId, request, message);
+}
+
+} // namespace koriil

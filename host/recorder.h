@@ -1,0 +1,28 @@
+// Writes down what goes over the wire: with KORIIL_RECORD=path, one JSON line a call.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace koriil
+{
+
+// Whether calls are to be recorded; the environment is read on the first question.
+bool isRecording();
+
+// The record of one call, begun before the call, while the buffer still holds the request.
+class Record
+{
+public:
+    // `message` is NULL for a call that was refused before its message was looked at.
+    Record(const char* callerId, const char* serviceId, uint32_t wait, uint32_t command, uint32_t length, const void* message);
+
+    // Completes the line and appends it to the file. `reply` is NULL if there is none.
+    void finish(uint32_t status, const void* reply);
+
+private:
+    std::string line_;
+    uint32_t length_;
+};
+
+} // namespace koriil

@@ -1,0 +1,178 @@
+// The trace sink: one line a record, bounded, written at once.
+#include "trace.h"
+
+#include "timestamp.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace koriil
+{
+namespace
+{
+
+constexpr size_t kLongestLine = 1024; // with its newline
+constexpr char kCutMark[] = " [cut]";
+
+// One line under construction: printable ASCII only, never longer than kLongestLine.
+class Line
+{
+public:
+    void append(const char* text)
+    {
+        for (; *text != '\0' && !cut_; ++text)
+            appendCharacter(static_cast<unsigned char>(*text));
+    }
+
+    void writeTo(int descriptor)
+    {
+        if (cut_)
+        {
+            memcpy(bytes_ + length_, kCutMark, sizeof(kCutMark) - 1);
+            length_ += sizeof(kCutMark) - 1;
+        }
+        bytes_[length_++] = '\n';
+
+        ssize_t written;
+        do
+            written = write(descriptor, bytes_, length_);
+        while (written < 0 && errno == EINTR);
+    }
+
+private:
+    void appendCharacter(unsigned char character)
+    {
+        char shown[8] = {};
+        if (character >= 0x20 && character < 0x7F)
+            shown[0] = static_cast<char>(character);
+        else
+            snprintf(shown, sizeof(shown), "\\x%02X", character);
+
+        const size_t length = strlen(shown);
+        if (length_ + length > kLongestLine - sizeof(kCutMark))
+        {
+            cut_ = true;
+            return;
+        }
+        memcpy(bytes_ + length_, shown, length);
+        length_ += length;
+    }
+
+    char bytes_[kLongestLine];
+    size_t length_ = 0;
+    bool cut_ = false;
+};
+
+// What the environment asks for, read when the first record is written.
+struct Settings
+{
+    uint32_t highestLevel = kTraceNotice;
+    int descriptor = STDERR_FILENO;
+};
+
+void complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+void complain(const char* format, ...)
+{
+    char text[kLongestLine];
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(text, sizeof(text), format, arguments);
+    va_end(arguments);
+
+    Line line;
+    line.append(text);
+    line.writeTo(STDERR_FILENO);
+}
+
+uint32_t levelFrom(const char* text, uint32_t fallback)
+{
+    if (strcmp(text, "off") == 0)
+        return 0;
+
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long level = strtoul(text, &end, 10);
+    if (text[0] >= '0' && text[0] <= '9' && *end == '\0' && errno == 0 && level <= UINT32_MAX)
+        return static_cast<uint32_t>(level);
+
+    complain("koriil: KORIIL_TRACE is '%s'; expected off or the number of the highest level to show, 1 to %u", text,
+             static_cast<unsigned>(kTraceDebug));
+    return fallback;
+}
+
+Settings readSettings()
+{
+    Settings settings;
+    if (const char* level = std::getenv("KORIIL_TRACE"); level != nullptr && *level != '\0')
+        settings.highestLevel = levelFrom(level, settings.highestLevel);
+
+    if (const char* path = std::getenv("KORIIL_TRACE_FILE"); path != nullptr && *path != '\0')
+    {
+        const int file = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+        if (file >= 0)
+            settings.descriptor = file;
+        else
+            complain("koriil: trace file %s cannot be opened (%s); tracing to standard error", path, std::strerror(errno));
+    }
+    return settings;
+}
+
+void appendLevel(Line& line, uint32_t level)
+{
+    static constexpr const char* kNames[] = {"level0 ", "error ", "warning ", "notice ", "debug "};
+    if (level < sizeof(kNames) / sizeof(kNames[0]))
+        return line.append(kNames[level]);
+
+    char number[24];
+    snprintf(number, sizeof(number), "level%lu ", static_cast<unsigned long>(level));
+    line.append(number);
+}
+
+void appendPlace(Line& line, const char* fileTag, uint32_t number)
+{
+    char text[16];
+    snprintf(text, sizeof(text), ":%lu ", static_cast<unsigned long>(number));
+    line.append(fileTag != nullptr ? fileTag : "?");
+    line.append(text);
+}
+
+} // namespace
+} // namespace koriil
+
+extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t number, const char* format, ...)
+{
+    using namespace koriil;
+
+    const int callersErrno = errno;
+    static const Settings settings = readSettings();
+    if (level <= settings.highestLevel && settings.highestLevel != 0)
+    {
+        // A text that fills the buffer does not fit into a line either, which then shows that it was cut.
+        char text[kLongestLine] = "(no text)";
+        if (format != nullptr)
+        {
+            errno = callersErrno; // for %m
+            va_list arguments;
+            va_start(arguments, format);
+            if (vsnprintf(text, sizeof(text), format, arguments) < 0)
+                snprintf(text, sizeof(text), "(unprintable) %s", format);
+            va_end(arguments);
+        }
+
+        Line line;
+        line.append(Timestamp().text);
+        line.append(" ");
+        appendLevel(line, level);
+        appendPlace(line, fileTag, number);
+        line.append(text);
+        line.writeTo(settings.descriptor);
+    }
+    errno = callersErrno;
+}

@@ -1,0 +1,17 @@
+// Trace levels, and this library's own records.
+#pragma once
+
+#include "kor_iil.h"
+
+namespace koriil
+{
+
+constexpr uint32_t kTraceError = 1; // what a component reports: a failed call, a rejected argument
+constexpr uint32_t kTraceWarning = 2;
+constexpr uint32_t kTraceNotice = 3;
+constexpr uint32_t kTraceDebug = 4;
+
+} // namespace koriil
+
+// This library reports as "koriil", on level 2 and above, so that records of level 1 are the components' own.
+#define KORIIL_REPORT(level, ...) KorIilTrace(level, "koriil", __LINE__, __VA_ARGS__)

@@ -1,0 +1,375 @@
+// Clients that misbehave: each gets a clear answer or a closed connection, and no other caller notices.
+#include "support.h"
+
+#include <vector>
+
+#include <pwd.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace host_test
+{
+namespace
+{
+
+using koriil::Packet;
+using koriil::PacketHeader;
+using koriil::PacketKind;
+
+class BadClientTest : public HostTest
+{
+protected:
+    // After whatever happened, the service serves: a caller who was connected before, and a new one.
+    void TearDown() override
+    {
+        EXPECT_EQ(KOR_IIL_OK, callOnce());
+        std::thread([] { EXPECT_EQ(KOR_IIL_OK, callOnce()); }).join();
+        service_.reset();
+        HostTest::TearDown();
+    }
+
+    void SetUp() override
+    {
+        HostTest::SetUp();
+        service_ = std::make_unique<RunningService>();
+        ASSERT_EQ(KOR_IIL_OK, callOnce());
+    }
+
+    // The status that the service answers with; the connection must then be closed if `closed`.
+    static void expectAnswer(Peer& peer, uint32_t status, bool closed)
+    {
+        auto answer = std::make_unique<Packet>();
+        ASSERT_EQ(ssize_t{sizeof(PacketHeader)}, peer.receive(*answer));
+        EXPECT_EQ(PacketKind::Reply, answer->header.kind);
+        EXPECT_EQ(status, answer->header.status);
+        EXPECT_EQ(0u, answer->header.length);
+        if (closed)
+            EXPECT_TRUE(peer.hasEnded());
+        else
+            expectService(peer);
+    }
+
+    // The peer itself, its hello said, is served.
+    static void expectService(Peer& peer)
+    {
+        ASSERT_TRUE(peer.send(requestHeader(1, 3), "abc"));
+        auto answer = std::make_unique<Packet>();
+        ASSERT_EQ(ssize_t{sizeof(PacketHeader) + 3}, peer.receive(*answer));
+        EXPECT_EQ(KOR_IIL_OK, answer->header.status);
+        EXPECT_EQ("bcd", std::string(reinterpret_cast<const char*>(answer->message), 3));
+    }
+
+    std::unique_ptr<RunningService> service_;
+};
+
+TEST_F(BadClientTest, AGoodOneMadeByHandIsServed)
+{
+    Peer peer = Peer::connectTo(kService);
+    const PacketHeader welcome = peer.greet();
+    EXPECT_EQ(PacketKind::Reply, welcome.kind);
+    EXPECT_EQ(1u, welcome.sequence);
+    EXPECT_NE(0u, welcome.channel);
+    expectService(peer);
+}
+
+TEST_F(BadClientTest, HangsUpAtOnce)
+{
+    for (int i = 0; i < 50; ++i)
+        Peer::connectTo(kService);
+}
+
+TEST_F(BadClientTest, SaysNothing)
+{
+    std::vector<Peer> silent;
+    for (int i = 0; i < 10; ++i)
+        silent.push_back(Peer::connectTo(kService));
+    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    for (Peer& peer : silent)
+        EXPECT_TRUE(peer.hasEnded());
+}
+
+TEST_F(BadClientTest, SaysHalfAHello)
+{
+    for (const size_t length : {size_t{1}, size_t{5}, size_t{8}, sizeof(PacketHeader) - 1})
+    {
+        Peer peer = Peer::connectTo(kService);
+        PacketHeader hello;
+        ASSERT_TRUE(peer.sendBytes(&hello, length));
+        expectAnswer(peer, KOR_IIL_BAD_CMD, true);
+    }
+}
+
+TEST_F(BadClientTest, SaysSomethingElseFirst)
+{
+    for (const PacketKind kind : {PacketKind::Request, PacketKind::Subscribe, PacketKind::Reply, static_cast<PacketKind>(77)})
+    {
+        Peer peer = Peer::connectTo(kService);
+        PacketHeader header;
+        header.kind = kind;
+        ASSERT_TRUE(peer.send(header));
+        expectAnswer(peer, KOR_IIL_BAD_CMD, true);
+    }
+}
+
+TEST_F(BadClientTest, LooksForAnotherService)
+{
+    Peer peer = Peer::connectTo(kService);
+    PacketHeader hello;
+    hello.name[0] = 'X';
+    ASSERT_TRUE(peer.send(hello));
+    expectAnswer(peer, KOR_IIL_UNKNOWN_DST_ID, true);
+}
+
+TEST_F(BadClientTest, IsOfAnotherByteOrder)
+{
+    Peer peer = Peer::connectTo(kService);
+    ASSERT_TRUE(peer.send(inOtherByteOrder(PacketHeader())));
+    expectAnswer(peer, KOR_IIL_MISMATCH_COMM, true);
+}
+
+TEST_F(BadClientTest, IsOfAnotherVersion)
+{
+    Peer peer = Peer::connectTo(kService);
+    PacketHeader hello;
+    ++hello.version;
+    ASSERT_TRUE(peer.sendBytes(&hello, 16));
+    expectAnswer(peer, KOR_IIL_MISMATCH_COMM, true);
+}
+
+TEST_F(BadClientTest, SpeaksAnotherLanguage)
+{
+    Peer peer = Peer::connectTo(kService);
+    const std::string request = "GET / HTTP/1.1\r\nHost: gateway.example\r\nAccept: text/html, text/plain\r\n\r\n";
+    ASSERT_TRUE(peer.sendBytes(request.data(), request.size()));
+    expectAnswer(peer, KOR_IIL_BAD_CMD, true);
+}
+
+TEST_F(BadClientTest, MisstatesALength)
+{
+    for (const uint32_t length : {0u, 11u, 13u, UINT32_MAX})
+    {
+        Peer peer = Peer::connectTo(kService);
+        peer.greet();
+        ASSERT_TRUE(peer.send(requestHeader(1, length), "twelve bytes"));
+        expectAnswer(peer, KOR_IIL_BAD_CMD, true);
+    }
+}
+
+TEST_F(BadClientTest, DoesNotTerminateItsName)
+{
+    Peer peer = Peer::connectTo(kService);
+    peer.greet();
+    PacketHeader request = requestHeader(1, 0);
+    memset(request.name, 'x', sizeof(request.name));
+    ASSERT_TRUE(peer.send(request));
+    expectAnswer(peer, KOR_IIL_BAD_CMD, true);
+}
+
+TEST_F(BadClientTest, HasNoName)
+{
+    Peer peer = Peer::connectTo(kService);
+    peer.greet();
+    for (const PacketKind kind : {PacketKind::Request, PacketKind::Subscribe, PacketKind::Cancel})
+    {
+        PacketHeader request = requestHeader(1, 0);
+        request.kind = kind;
+        memset(request.name, 0, sizeof(request.name));
+        ASSERT_TRUE(peer.send(request));
+        expectAnswer(peer, KOR_IIL_UNKNOWN_SRC_ID, false);
+    }
+}
+
+TEST_F(BadClientTest, SendsWhatOnlyServicesSend)
+{
+    for (const PacketKind kind : {PacketKind::Reply, PacketKind::Event, PacketKind::Hello, static_cast<PacketKind>(0)})
+    {
+        Peer peer = Peer::connectTo(kService);
+        peer.greet();
+        PacketHeader header = requestHeader(1, 0);
+        header.kind = kind;
+        ASSERT_TRUE(peer.send(header));
+        expectAnswer(peer, KOR_IIL_BAD_CMD, true);
+    }
+}
+
+TEST_F(BadClientTest, SendsTooMuch)
+{
+    Peer peer = Peer::connectTo(kService);
+    peer.greet();
+    const size_t excess = KOR_IIL_MAX_LENGTH + 1;
+    ASSERT_TRUE(peer.send(requestHeader(1, static_cast<uint32_t>(excess)), std::string(excess, 'x')));
+    expectAnswer(peer, KOR_IIL_OVERSIZE, false);
+}
+
+TEST_F(BadClientTest, SubscribesForSomeoneElse)
+{
+    Peer peer = Peer::connectTo(kService);
+    const PacketHeader welcome = peer.greet();
+    PacketHeader request = requestHeader(1, 0);
+    request.kind = PacketKind::Subscribe;
+    request.channel = welcome.channel + 1000; // nobody's
+    ASSERT_TRUE(peer.send(request));
+    expectAnswer(peer, KOR_IIL_BAD_EVT, false);
+
+    Peer other = Peer::connectTo(kService); // says no hello: no channel yet
+    request.channel = welcome.channel + 1;
+    ASSERT_TRUE(peer.send(request));
+    expectAnswer(peer, KOR_IIL_BAD_EVT, false);
+
+    Child child( // of another process
+        [&]
+        {
+            Peer stranger = Peer::connectTo(kService);
+            stranger.greet();
+            request.channel = welcome.channel;
+            auto answer = std::make_unique<Packet>();
+            const bool answered = stranger.send(request) && stranger.receive(*answer) == sizeof(PacketHeader);
+            return answered && answer->header.status == KOR_IIL_BAD_EVT ? 0 : 1;
+        });
+    EXPECT_EQ(0, child.wait());
+    EXPECT_EQ(0u, service_->publish(1));
+}
+
+TEST_F(BadClientTest, SubscribesWithAMessage)
+{
+    Peer peer = Peer::connectTo(kService);
+    PacketHeader request = requestHeader(1, 3);
+    request.kind = PacketKind::Subscribe;
+    request.channel = peer.greet().channel;
+    ASSERT_TRUE(peer.send(request, "abc"));
+    expectAnswer(peer, KOR_IIL_MISMATCH_CMD_LEN, false);
+}
+
+TEST_F(BadClientTest, DiesWithARequestOnItsWay)
+{
+    for (int i = 0; i < 20; ++i)
+    {
+        Peer peer = Peer::connectTo(kService);
+        peer.greet();
+        ASSERT_TRUE(peer.send(requestHeader(1, 12), "twelve bytes"));
+    }
+}
+
+TEST_F(BadClientTest, IsKilledInMidCall)
+{
+    service_ = nullptr;
+    service_ = std::make_unique<RunningService>(
+        [](const KorIilRequest& request, unsigned char* message)
+        {
+            if (request.length == 1)
+                sleepMilliseconds(100);
+            return addOne(request, message);
+        });
+    Child child([] { return static_cast<int>(callOnce(1)); });
+    sleepMilliseconds(50);
+    child.kill(SIGKILL);
+    child.wait();
+}
+
+// Whoever asks and asks, and never reads an answer, is in the end disconnected.
+TEST_F(BadClientTest, NeverReadsItsReplies)
+{
+    Peer peer = Peer::connectTo(kService);
+    peer.greet();
+    const std::string message(KOR_IIL_MAX_LENGTH, 'x');
+    EXPECT_TRUE(eventually(
+        [&]
+        {
+            const PacketHeader request = requestHeader(1, KOR_IIL_MAX_LENGTH);
+            return !peer.send(request, message) && (errno == EPIPE || errno == ECONNRESET);
+        }));
+}
+
+TEST_F(BadClientTest, ComesInCrowds)
+{
+    std::vector<Peer> crowd;
+    for (int i = 0; i < 255; ++i) // with this thread's own connection, the house is full
+    {
+        crowd.push_back(Peer::connectTo(kService));
+        crowd.back().greet();
+    }
+    std::thread([] { EXPECT_EQ(KOR_IIL_BUSY, callOnce()); }).join();
+    Peer late = Peer::connectTo(kService);
+    expectAnswer(late, KOR_IIL_BUSY, true);
+    EXPECT_EQ(KOR_IIL_OK, callOnce()) << "who is in is served";
+
+    crowd.pop_back();
+    EXPECT_TRUE(eventually(
+        []
+        {
+            uint32_t status = KOR_IIL_BUSY;
+            std::thread([&] { status = callOnce(); }).join();
+            return status == KOR_IIL_OK;
+        }))
+        << "a place that is given up can be taken";
+}
+
+TEST_F(BadClientTest, BelongsToAnotherUser)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can start a process of another user";
+    ASSERT_EQ(0, chmod(directory().c_str(), 0711));
+    ASSERT_EQ(0, chmod(socketOf(kService).c_str(), 0777));
+    Child child(
+        []
+        {
+            if (setgid(65534) != 0 || setuid(65534) != 0)
+                return 1;
+            Peer peer = Peer::connectTo(kService);
+            auto answer = std::make_unique<Packet>();
+            if (peer.receive(*answer) != sizeof(PacketHeader))
+                return 2;
+            return answer->header.status == KOR_IIL_UNKNOWN_SRC_ID && peer.hasEnded() ? 0 : 3;
+        });
+    EXPECT_EQ(0, child.wait());
+}
+
+// Commands of a service that limits its own process: to the descriptors it has open, to fewer, and no more.
+constexpr uint32_t kAllowNoMore = 2, kAllowTooFew = 3, kAllowAll = 4;
+
+uint32_t limitDescriptors(const KorIilRequest& request, unsigned char* message)
+{
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    if (request.command == kAllowNoMore)
+    {
+        const koriil::Descriptor lowestFree(dup(STDIN_FILENO));
+        limit.rlim_cur = static_cast<rlim_t>(lowestFree.get());
+    }
+    else if (request.command == kAllowTooFew)
+        limit.rlim_cur = 3;
+    else if (request.command == kAllowAll)
+        limit.rlim_cur = limit.rlim_max;
+    else
+        return addOne(request, message);
+    return setrlimit(RLIMIT_NOFILE, &limit) == 0 ? KOR_IIL_OK : KOR_IIL_ERR;
+}
+
+// It turns callers away while it has no descriptor for them, serves those it has, and has room again as soon as it may.
+TEST_F(BadClientTest, FindsAServiceOutOfDescriptors)
+{
+    service_ = nullptr;
+    ServiceProcess poor(limitDescriptors);
+    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, kAllowNoMore, 0, nullptr));
+    for (int i = 0; i < 3; ++i)
+    {
+        Peer peer = Peer::connectTo(kService);
+        expectAnswer(peer, KOR_IIL_BUSY, true);
+        EXPECT_EQ(KOR_IIL_OK, callOnce());
+    }
+
+    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, kAllowTooFew, 0, nullptr));
+    Peer waiting = Peer::connectTo(kService);
+    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, kAllowAll, 0, nullptr));
+    waiting.greet();
+    expectService(waiting);
+    poor.kill();
+    service_ = std::make_unique<RunningService>();
+}
+
+} // namespace
+} // namespace host_test

@@ -1,0 +1,85 @@
+// A process of its own for the tests: what it finds in its environment, and how it ends, is what they look at.
+//
+//   host_probe trace LEVEL TAG LINE TEXT      writes one trace record
+//   host_probe trace-again COUNT TEXT         writes COUNT of them
+//   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
+//   host_probe end SERVICE                    subscribes, and ends with everything open; the destructor of a static calls
+#include "kor_iil.h"
+#include "kor_iil_service.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+int usage()
+{
+    std::fprintf(
+        stderr,
+        "usage: host_probe trace LEVEL TAG LINE TEXT | trace-again COUNT TEXT | call CALLER SERVICE HEX | end SERVICE\n");
+    return 100;
+}
+
+int number(const char* text)
+{
+    return static_cast<int>(std::strtol(text, nullptr, 10));
+}
+
+int call(const char* callerId, const char* serviceId, const std::string& hexadecimal)
+{
+    std::vector<unsigned char> message;
+    for (size_t i = 0; i + 1 < hexadecimal.size(); i += 2)
+        message.push_back(static_cast<unsigned char>(std::stoi(hexadecimal.substr(i, 2), nullptr, 16)));
+    return static_cast<int>(KorIilExecute(callerId, serviceId, 30, 1, static_cast<uint32_t>(message.size()), message.data()));
+}
+
+// Destroyed when main has returned, and with it the main thread's connections.
+struct LateCaller
+{
+    ~LateCaller()
+    {
+        if (serviceId == nullptr)
+            return;
+        unsigned char byte = 1;
+        const uint32_t status = KorIilExecute("late", serviceId, 30, 1, 1, &byte);
+        std::printf("late call: status %u, byte %u\n", static_cast<unsigned>(status), static_cast<unsigned>(byte));
+        std::fflush(stdout);
+    }
+    const char* serviceId = nullptr;
+};
+
+LateCaller lateCaller;
+
+int end(const char* serviceId)
+{
+    lateCaller.serviceId = serviceId;
+    const auto ignore = [](const char*, uint32_t, const void*, uint32_t) {};
+    std::thread([=] { call("thread", serviceId, "00"); }).join();
+    if (call("main", serviceId, "00") != KOR_IIL_OK)
+        return 1;
+    return static_cast<int>(KorIilSubscribeEvent("main", serviceId, 1, ignore));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (mode == "trace" && argc == 6)
+        KorIilTrace(static_cast<uint32_t>(number(argv[2])), argv[3], static_cast<uint32_t>(number(argv[4])), "%s", argv[5]);
+    else if (mode == "trace-again" && argc == 4)
+        for (int i = 0; i < number(argv[2]); ++i)
+            KorIilTrace(1, "probe", static_cast<uint32_t>(i), "%s", argv[3]);
+    else if (mode == "call" && argc == 5)
+        return call(argv[2], argv[3], argv[4]);
+    else if (mode == "end" && argc == 3)
+        return end(argv[2]);
+    else
+        return usage();
+    return 0;
+}

@@ -1,0 +1,296 @@
+// What a whole process shows: its trace, its recording, its end.
+#include "support.h"
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace host_test
+{
+namespace
+{
+
+class ProcessTest : public HostTest
+{
+protected:
+    using Environment = std::vector<std::pair<std::string, std::string>>;
+
+    struct Result
+    {
+        int exitCode;
+        std::string output;
+        std::string errors;
+    };
+
+    Result probe(const std::vector<std::string>& arguments, const Environment& environment = {}) const
+    {
+        const std::string output = directory() + "/output", errors = directory() + "/errors";
+        Child child([&] { return runProbe(arguments, environment, output, errors); });
+        const int exitCode = child.wait();
+        return {exitCode, contentOf(output), contentOf(errors)};
+    }
+
+    Result trace(uint32_t level, const std::string& text, const Environment& environment = {}) const
+    {
+        return probe({"trace", std::to_string(level), "tarn_api", "123", text}, environment);
+    }
+
+    static std::string contentOf(const std::string& path)
+    {
+        std::ostringstream content;
+        content << std::ifstream(path).rdbuf();
+        return content.str();
+    }
+
+    static std::vector<std::string> linesOf(const std::string& text)
+    {
+        std::vector<std::string> lines;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);)
+            lines.push_back(line);
+        return lines;
+    }
+
+private:
+    static int runProbe(const std::vector<std::string>& arguments, const Environment& environment, const std::string& output,
+                        const std::string& errors)
+    {
+        for (const char* name : {"KORIIL_TRACE", "KORIIL_TRACE_FILE", "KORIIL_RECORD"})
+            unsetenv(name);
+        for (const auto& [name, value] : environment)
+            setenv(name.c_str(), value.c_str(), 1);
+        if (freopen(output.c_str(), "w", stdout) == nullptr || freopen(errors.c_str(), "w", stderr) == nullptr)
+            return 101;
+
+        std::vector<std::string> words;
+        std::istringstream emulator(HOST_PROBE_EMULATOR);
+        for (std::string word; emulator >> word;)
+            words.push_back(word);
+        words.emplace_back(HOST_PROBE);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& word : words)
+            pointers.push_back(word.data());
+        pointers.push_back(nullptr);
+        execvp(pointers[0], pointers.data());
+        return 102;
+    }
+};
+
+// --- Trace -------------------------------------------------------------------------------------------------------------------
+
+const std::string kTime = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z)";
+
+TEST_F(ProcessTest, ATraceIsOneLineOnStandardError)
+{
+    const Result result = trace(1, "level is NULL");
+    EXPECT_EQ(0, result.exitCode);
+    EXPECT_EQ("", result.output);
+    EXPECT_TRUE(std::regex_match(result.errors, std::regex(kTime + " error tarn_api:123 level is NULL\n"))) << result.errors;
+}
+
+TEST_F(ProcessTest, LevelsHaveNames)
+{
+    const Environment all = {{"KORIIL_TRACE", "4294967295"}};
+    const char* const names[] = {"level0", "error", "warning", "notice", "debug", "level5"};
+    for (uint32_t level = 0; level < 6; ++level)
+    {
+        const std::string line = trace(level, "text", all).errors;
+        EXPECT_NE(std::string::npos, line.find(std::string(" ") + names[level] + " tarn_api:123 text\n")) << line;
+    }
+}
+
+TEST_F(ProcessTest, TheHighestLevelShownCanBeChosen)
+{
+    EXPECT_NE("", trace(3, "text").errors) << "3 if nothing is said";
+    EXPECT_EQ("", trace(4, "text").errors);
+    EXPECT_NE("", trace(3, "text", {{"KORIIL_TRACE", ""}}).errors);
+    EXPECT_NE("", trace(1, "text", {{"KORIIL_TRACE", "1"}}).errors);
+    EXPECT_EQ("", trace(2, "text", {{"KORIIL_TRACE", "1"}}).errors);
+    EXPECT_NE("", trace(4, "text", {{"KORIIL_TRACE", "4"}}).errors);
+    EXPECT_EQ("", trace(1, "text", {{"KORIIL_TRACE", "off"}}).errors);
+    EXPECT_EQ("", trace(0, "text", {{"KORIIL_TRACE", "off"}}).errors);
+    EXPECT_EQ("", trace(1, "text", {{"KORIIL_TRACE", "0"}}).errors);
+}
+
+TEST_F(ProcessTest, ASettingThatIsNoneIsSaidOnce)
+{
+    for (const char* value : {"loud", "-1", "1x", "99999999999999999999", " 1"})
+    {
+        const auto lines = linesOf(probe({"trace-again", "3", "text"}, {{"KORIIL_TRACE", value}}).errors);
+        ASSERT_EQ(4u, lines.size());
+        EXPECT_EQ(std::string("koriil: KORIIL_TRACE is '") + value +
+                      "'; expected off or the number of the highest level to show, 1 to 4",
+                  lines[0]);
+    }
+}
+
+TEST_F(ProcessTest, ATraceFileIsAppendedTo)
+{
+    const std::string path = directory() + "/trace";
+    EXPECT_EQ("", trace(1, "first", {{"KORIIL_TRACE_FILE", path}}).errors);
+    EXPECT_EQ("", trace(1, "second", {{"KORIIL_TRACE_FILE", path}}).errors);
+    const auto lines = linesOf(contentOf(path));
+    ASSERT_EQ(2u, lines.size());
+    EXPECT_TRUE(std::regex_match(lines[0], std::regex(kTime + " error tarn_api:123 first")));
+    EXPECT_TRUE(std::regex_match(lines[1], std::regex(kTime + " error tarn_api:123 second")));
+}
+
+TEST_F(ProcessTest, ATraceFileThatCannotBeOpenedIsSaidOnce)
+{
+    const std::string path = directory() + "/missing/trace";
+    const auto lines = linesOf(probe({"trace-again", "3", "text"}, {{"KORIIL_TRACE_FILE", path}}).errors);
+    ASSERT_EQ(4u, lines.size());
+    EXPECT_EQ("koriil: trace file " + path + " cannot be opened (No such file or directory); tracing to standard error",
+              lines[0]);
+    EXPECT_NE(std::string::npos, lines[3].find("error probe:2 text"));
+}
+
+TEST_F(ProcessTest, ALongRecordIsCutAndSaysSo)
+{
+    for (const size_t length : {size_t{1100}, size_t{5000}})
+    {
+        const std::string line = trace(1, std::string(length, 'x')).errors;
+        EXPECT_EQ(1024u, line.size());
+        EXPECT_EQ("xxx [cut]\n", line.substr(line.size() - 10));
+    }
+    const std::string whole = trace(1, std::string(900, 'x') + "end").errors;
+    EXPECT_EQ("xxxend\n", whole.substr(whole.size() - 7));
+}
+
+TEST_F(ProcessTest, ALongTagIsCutToo)
+{
+    const std::string line = probe({"trace", "1", std::string(3000, 't'), "1", "text"}).errors;
+    EXPECT_EQ(1024u, line.size());
+    EXPECT_EQ("ttt [cut]\n", line.substr(line.size() - 10));
+}
+
+TEST_F(ProcessTest, ControlCharactersAreEscaped)
+{
+    const std::string line = trace(1, "a\nb\tc\x1B[31m\x7F\xC3\xA4").errors;
+    EXPECT_NE(std::string::npos, line.find(" a\\x0Ab\\x09c\\x1B[31m\\x7F\\xC3\\xA4\n")) << line;
+    EXPECT_EQ(1u, linesOf(line).size());
+}
+
+TEST_F(ProcessTest, AnEscapeIsNeverCutInTwo)
+{
+    for (size_t length = 960; length < 1000; ++length)
+    {
+        const std::string line = trace(1, std::string(length, 'x') + std::string(40, '\n')).errors;
+        EXPECT_LE(line.size(), 1024u);
+        EXPECT_TRUE(std::regex_search(line, std::regex(R"(x(\\x0A)* \[cut\]\n$)"))) << line.substr(line.size() - 30);
+    }
+}
+
+TEST_F(ProcessTest, LinesOfManyProcessesDoNotMix)
+{
+    const std::string path = directory() + "/trace";
+    const std::string text(700, 'x');
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] { probe({"trace-again", "50", text}, {{"KORIIL_TRACE_FILE", path}}); });
+    for (std::thread& thread : threads)
+        thread.join();
+    const auto lines = linesOf(contentOf(path));
+    EXPECT_EQ(200u, lines.size());
+    const std::regex form(kTime + " error probe:\\d+ x+");
+    for (const std::string& line : lines)
+        EXPECT_TRUE(line.size() > text.size() && std::regex_match(line, form)) << line;
+}
+
+// --- What this library has to say itself -------------------------------------------------------------------------------------
+
+TEST_F(ProcessTest, ARefusedDirectoryIsExplained)
+{
+    ASSERT_EQ(0, chmod(directory().c_str(), 0770));
+    const Result result = probe({"call", kCaller, kService, "00"});
+    EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, result.exitCode);
+    EXPECT_NE(std::string::npos, result.errors.find(" warning koriil:")) << result.errors;
+    EXPECT_NE(std::string::npos, result.errors.find("runtime directory " + directory() + " refused: others may write to it"));
+}
+
+TEST_F(ProcessTest, ALongPathIsExplained)
+{
+    const std::string path = directory() + "/" + std::string(80, 'x');
+    const Result result = probe({"call", kCaller, kService, "00"}, {{"KORIIL_DIR", path}});
+    EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, result.exitCode);
+    EXPECT_NE(std::string::npos, result.errors.find("at most 107 fit; set KORIIL_DIR to a shorter one")) << result.errors;
+}
+
+// --- Recording ---------------------------------------------------------------------------------------------------------------
+
+TEST_F(ProcessTest, ARecordingHasALineForEachCall)
+{
+    const std::string path = directory() + "/record";
+    const Environment recording = {{"KORIIL_RECORD", path}};
+    RunningService service;
+    EXPECT_EQ(0, probe({"call", "web", kService, "00417fff"}, recording).exitCode);
+    EXPECT_EQ(0, probe({"call", "a\"\\\n\xE4", kService, ""}, recording).exitCode);
+    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, probe({"call", "web", "NOBODY", "00"}, recording).exitCode);
+    EXPECT_EQ(KOR_IIL_UNKNOWN_SRC_ID, probe({"call", "", kService, "00"}, recording).exitCode);
+
+    const auto lines = linesOf(contentOf(path));
+    ASSERT_EQ(4u, lines.size());
+    const std::string front = R"(\{"time":")" + kTime + R"(","pid":\d+,"caller":)";
+    const std::string rest[] = {
+        R"("web","service":"SERVICE","command":1,"wait":30,"length":4,"request":"00417fff","status":0,"reply":"01428000"\})",
+        R"("a\\u0022\\u005c\\u000a\\u00e4","service":"SERVICE","command":1,"wait":30,"length":0,)"
+        R"("request":"","status":0,"reply":""\})",
+        R"("web","service":"NOBODY","command":1,"wait":30,"length":1,"request":"00","status":9,"reply":null\})",
+        R"("","service":"SERVICE","command":1,"wait":30,"length":1,"request":null,"status":8,"reply":null\})",
+    };
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_TRUE(std::regex_match(lines[i], std::regex(front + rest[i]))) << lines[i];
+}
+
+TEST_F(ProcessTest, ALongMessageIsRecordedWhole)
+{
+    const std::string path = directory() + "/record";
+    RunningService service;
+    std::string hexadecimal;
+    for (int i = 0; i < 9584; ++i)
+        hexadecimal += "7f";
+    EXPECT_EQ(0, probe({"call", "web", kService, hexadecimal}, {{"KORIIL_RECORD", path}}).exitCode);
+    const std::string line = contentOf(path);
+    EXPECT_NE(std::string::npos, line.find("\"request\":\"" + hexadecimal + "\""));
+    EXPECT_EQ('\n', line.back());
+}
+
+TEST_F(ProcessTest, ARecordingThatCannotBeMadeIsSaidAndTheCallIsDone)
+{
+    RunningService service;
+    const Result result = probe({"call", "web", kService, "00"}, {{"KORIIL_RECORD", directory() + "/missing/record"}});
+    EXPECT_EQ(KOR_IIL_OK, result.exitCode);
+    EXPECT_NE(std::string::npos, result.errors.find("cannot be opened, calls are not recorded: No such file")) << result.errors;
+}
+
+TEST_F(ProcessTest, NothingIsSaidWhenNothingIsWrong)
+{
+    RunningService service;
+    const Result result = probe({"call", "web", kService, "00"});
+    EXPECT_EQ(KOR_IIL_OK, result.exitCode);
+    EXPECT_EQ("", result.errors);
+}
+
+// --- The end -----------------------------------------------------------------------------------------------------------------
+
+TEST_F(ProcessTest, AProcessEndsWithEverythingOpen)
+{
+    RunningService service;
+    const Publishing publishing(service);
+    for (int i = 0; i < 10; ++i)
+    {
+        const Result result = probe({"end", kService});
+        EXPECT_EQ(0, result.exitCode);
+        EXPECT_EQ("late call: status 0, byte 2\n", result.output);
+        EXPECT_EQ("", result.errors);
+    }
+}
+
+} // namespace
+} // namespace host_test

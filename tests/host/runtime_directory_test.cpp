@@ -1,0 +1,152 @@
+// Where the sockets are, and which directories are refused. Every refusal is UNKNOWN_COMM, for clients and services alike.
+#include "support.h"
+
+#include "runtime_directory.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace host_test
+{
+namespace
+{
+
+class RuntimeDirectoryTest : public HostTest
+{
+protected:
+    static uint32_t open()
+    {
+        const auto refuse = [](void*, const KorIilRequest*, void*) -> uint32_t { return KOR_IIL_UNSUPPORT; };
+        KorIilService* service = nullptr;
+        const uint32_t status = KorIilServiceOpen(kService, 0, refuse, nullptr, &service);
+        KorIilServiceClose(service);
+        return status;
+    }
+
+    static void use(const std::string& path)
+    {
+        setenv("KORIIL_DIR", path.c_str(), 1);
+    }
+
+    static void expectRefused(const std::string& path)
+    {
+        use(path);
+        EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, callOnce()) << path;
+        EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, open()) << path;
+        EXPECT_EQ(KOR_IIL_UNKNOWN_COMM,
+                  KorIilSubscribeEvent(kCaller, kService, 1, [](const char*, uint32_t, const void*, uint32_t) {}));
+    }
+
+    static std::string chosen()
+    {
+        std::string path;
+        EXPECT_EQ(KOR_IIL_OK, koriil::findRuntimeDirectory(path));
+        return path;
+    }
+};
+
+TEST_F(RuntimeDirectoryTest, KoriilDirComesFirst)
+{
+    setenv("XDG_RUNTIME_DIR", "/nowhere", 1);
+    EXPECT_EQ(directory(), chosen());
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
+TEST_F(RuntimeDirectoryTest, ThenTheSessionsOwn)
+{
+    unsetenv("KORIIL_DIR");
+    setenv("XDG_RUNTIME_DIR", directory().c_str(), 1);
+    EXPECT_EQ(directory() + "/koriil", chosen());
+    use("");
+    EXPECT_EQ(directory() + "/koriil", chosen()) << "an empty setting is none";
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
+TEST_F(RuntimeDirectoryTest, ThenOnePerUser)
+{
+    unsetenv("KORIIL_DIR");
+    unsetenv("XDG_RUNTIME_DIR");
+    const std::string expected = "/tmp/koriil-" + std::to_string(geteuid());
+    const bool existed = std::filesystem::exists(expected);
+    EXPECT_EQ(expected, chosen());
+    if (!existed)
+        rmdir(expected.c_str());
+}
+
+TEST_F(RuntimeDirectoryTest, AMissingOneIsMadeForItsOwnerAlone)
+{
+    const std::string path = directory() + "/new";
+    use(path);
+    EXPECT_EQ(KOR_IIL_OK, open());
+    struct stat status = {};
+    ASSERT_EQ(0, lstat(path.c_str(), &status));
+    EXPECT_EQ(S_IFDIR | 0700u, status.st_mode);
+}
+
+TEST_F(RuntimeDirectoryTest, SlashesAtTheEndDoNotMatter)
+{
+    use(directory() + "//");
+    EXPECT_EQ(directory(), chosen());
+}
+
+TEST_F(RuntimeDirectoryTest, OneWhoseParentIsMissingIsRefused)
+{
+    expectRefused(directory() + "/missing/new");
+}
+
+TEST_F(RuntimeDirectoryTest, ARelativePathIsRefused)
+{
+    expectRefused("relative");
+}
+
+TEST_F(RuntimeDirectoryTest, AFileIsRefused)
+{
+    std::ofstream(directory() + "/file") << "text";
+    expectRefused(directory() + "/file");
+}
+
+TEST_F(RuntimeDirectoryTest, ASymbolicLinkIsRefused)
+{
+    std::filesystem::create_directory(directory() + "/real");
+    std::filesystem::create_directory_symlink(directory() + "/real", directory() + "/link");
+    expectRefused(directory() + "/link");
+    expectRefused(directory() + "/link/");
+}
+
+TEST_F(RuntimeDirectoryTest, OneThatOthersMayWriteToIsRefused)
+{
+    for (const mode_t mode : {0770u, 0720u, 0702u, 01777u})
+    {
+        ASSERT_EQ(0, chmod(directory().c_str(), mode));
+        expectRefused(directory());
+    }
+    ASSERT_EQ(0, chmod(directory().c_str(), 0755));
+    EXPECT_EQ(KOR_IIL_OK, open()) << "others may look";
+}
+
+TEST_F(RuntimeDirectoryTest, AnotherUsersIsRefused)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give a directory away";
+    const std::string path = directory() + "/theirs";
+    std::filesystem::create_directory(path);
+    ASSERT_EQ(0, chmod(path.c_str(), 0700));
+    ASSERT_EQ(0, chown(path.c_str(), 65534, 65534));
+    expectRefused(path);
+}
+
+TEST_F(RuntimeDirectoryTest, APathTooLongForASocketIsRefused)
+{
+    std::string path = directory() + "/";
+    path.append(107 - path.size() - std::string("/SERVICE.socket").size(), 'x');
+    use(path);
+    EXPECT_EQ(KOR_IIL_OK, open()) << "the longest that fits";
+    expectRefused(path + "x");
+}
+
+} // namespace
+} // namespace host_test

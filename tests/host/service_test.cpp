@@ -1,0 +1,233 @@
+// The life of a service: its name, its loop, its end.
+#include "support.h"
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace host_test
+{
+namespace
+{
+
+class ServiceTest : public HostTest
+{
+protected:
+    static uint32_t refuse(void*, const KorIilRequest*, void*)
+    {
+        return KOR_IIL_UNSUPPORT;
+    }
+
+    static uint32_t open(KorIilService*& service, const char* serviceId = kService)
+    {
+        return KorIilServiceOpen(serviceId, 5, refuse, nullptr, &service);
+    }
+};
+
+TEST_F(ServiceTest, ANameBelongsToOne)
+{
+    KorIilService *first = nullptr, *second = nullptr;
+    ASSERT_EQ(KOR_IIL_OK, open(first));
+    EXPECT_EQ(KOR_IIL_CONFLICT_ID, open(second));
+    EXPECT_EQ(nullptr, second);
+    KorIilServiceClose(first);
+    EXPECT_EQ(KOR_IIL_OK, open(second));
+    KorIilServiceClose(second);
+}
+
+TEST_F(ServiceTest, ANameBelongsToOneProcess)
+{
+    ServiceProcess owner;
+    KorIilService* service = nullptr;
+    EXPECT_EQ(KOR_IIL_CONFLICT_ID, open(service));
+    EXPECT_EQ(KOR_IIL_OK, callOnce()) << "the owner is not disturbed";
+    owner.kill();
+    EXPECT_EQ(KOR_IIL_OK, open(service)) << "what it left behind is cleared away";
+    KorIilServiceClose(service);
+}
+
+TEST_F(ServiceTest, AnyOtherNameIsFree)
+{
+    RunningService first(addOne, "FIRST"), second(addOne, "SECOND"), third(addOne, "FIRST.socket"),
+        fourth(addOne, "FIRST.lock");
+    for (const char* id : {"FIRST", "SECOND", "FIRST.socket", "FIRST.lock"})
+        EXPECT_EQ(KOR_IIL_OK, callOnce(12, kAmple, id));
+}
+
+TEST_F(ServiceTest, OfManyWhoWantANameOneGetsIt)
+{
+    for (int round = 0; round < 10; ++round)
+    {
+        std::atomic<int> opened{0}, refused{0};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 8; ++i)
+            threads.emplace_back(
+                [&]
+                {
+                    KorIilService* service = nullptr;
+                    const uint32_t status = open(service);
+                    ++(status == KOR_IIL_OK ? opened : refused);
+                    EXPECT_TRUE(status == KOR_IIL_OK || status == KOR_IIL_CONFLICT_ID);
+                    EXPECT_TRUE(
+                        eventually([&] { return opened + refused == 8; })); // nobody gives it back before all have tried
+                    KorIilServiceClose(service);
+                });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(1, opened);
+        EXPECT_EQ(7, refused);
+    }
+}
+
+TEST_F(ServiceTest, ClosingTakesTheSocketAway)
+{
+    KorIilService* service = nullptr;
+    ASSERT_EQ(KOR_IIL_OK, open(service));
+    EXPECT_EQ(0, access(socketOf(kService).c_str(), F_OK));
+    KorIilServiceClose(service);
+    EXPECT_NE(0, access(socketOf(kService).c_str(), F_OK));
+    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce());
+}
+
+TEST_F(ServiceTest, AChildOfTheServiceTakesNothingAway)
+{
+    KorIilService* service = nullptr;
+    ASSERT_EQ(KOR_IIL_OK, open(service));
+    Child child(
+        [&]
+        {
+            KorIilServiceClose(service);
+            return 0;
+        });
+    EXPECT_EQ(0, child.wait());
+    EXPECT_EQ(0, access(socketOf(kService).c_str(), F_OK));
+    KorIilService* second = nullptr;
+    EXPECT_EQ(KOR_IIL_CONFLICT_ID, open(second));
+
+    Child survivor([] { return pause(); });
+    KorIilServiceClose(service);
+    EXPECT_EQ(KOR_IIL_OK, open(second)) << "a child alive does not keep the name";
+    KorIilServiceClose(second);
+}
+
+TEST_F(ServiceTest, WhatCannotBeClearedAwayIsAnError)
+{
+    std::filesystem::create_directory(socketOf(kService));
+    KorIilService* service = nullptr;
+    EXPECT_EQ(KOR_IIL_ERR, open(service));
+}
+
+TEST_F(ServiceTest, ALockFileThatIsALinkIsAnError)
+{
+    const std::string victim = directory() + "/victim";
+    std::ofstream(victim) << "text";
+    std::filesystem::create_symlink(victim, directory() + "/" + kService + ".lock");
+    KorIilService* service = nullptr;
+    EXPECT_EQ(KOR_IIL_ERR, open(service));
+}
+
+TEST_F(ServiceTest, StoppedBeforeItRunsItReturnsAtOnce)
+{
+    KorIilService* service = nullptr;
+    ASSERT_EQ(KOR_IIL_OK, open(service));
+    KorIilServiceStop(service);
+    KorIilServiceStop(service);
+    EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service));
+    KorIilServiceClose(service);
+}
+
+TEST_F(ServiceTest, ItCanBeRunAgain)
+{
+    KorIilService* service = nullptr;
+    ASSERT_EQ(KOR_IIL_OK, open(service));
+    for (int i = 0; i < 3; ++i)
+    {
+        std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
+        EXPECT_EQ(KOR_IIL_UNSUPPORT, callOnce());
+        KorIilServiceStop(service);
+        loop.join();
+    }
+    KorIilServiceClose(service);
+}
+
+TEST_F(ServiceTest, CallersWaitWhileItIsNotRunning)
+{
+    KorIilService* service = nullptr;
+    ASSERT_EQ(KOR_IIL_OK, open(service));
+    std::thread caller([] { EXPECT_EQ(KOR_IIL_UNSUPPORT, callOnce()); });
+    sleepMilliseconds(50);
+    std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
+    caller.join();
+    KorIilServiceStop(service);
+    loop.join();
+    KorIilServiceClose(service);
+}
+
+// A caller who has long been waiting for the loop is greeted, though the time for a hello is over by then.
+TEST_F(ServiceTest, ALongRequestDoesNotCostOthersTheirPlace)
+{
+    RunningService service(
+        [](const KorIilRequest& request, unsigned char* message)
+        {
+            if (request.length == 1)
+                sleepMilliseconds(2300);
+            return addOne(request, message);
+        });
+    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    Peer silent = Peer::connectTo(kService); // admitted before the long request, its hello comes during it
+    sleepMilliseconds(100);
+    std::thread longCaller([] { EXPECT_EQ(KOR_IIL_OK, callOnce(1)); });
+    sleepMilliseconds(100);
+    EXPECT_EQ(KOR_IIL_OK, silent.greet().status);
+    longCaller.join();
+}
+
+KorIilService* stoppedBySignal = nullptr;
+
+void stopService(int)
+{
+    KorIilServiceStop(stoppedBySignal);
+}
+
+TEST_F(ServiceTest, ASignalHandlerCanStopIt)
+{
+    Child child(
+        []
+        {
+            if (open(stoppedBySignal) != KOR_IIL_OK)
+                return 1;
+            struct sigaction action = {};
+            action.sa_handler = stopService;
+            sigaction(SIGTERM, &action, nullptr);
+            const auto status = static_cast<int>(KorIilServiceRun(stoppedBySignal));
+            KorIilServiceClose(stoppedBySignal);
+            return status;
+        });
+    ASSERT_TRUE(eventually([] { return callOnce() == KOR_IIL_UNSUPPORT; }));
+    child.kill(SIGTERM);
+    EXPECT_EQ(0, child.wait());
+    EXPECT_NE(0, access(socketOf(kService).c_str(), F_OK));
+}
+
+TEST_F(ServiceTest, AHandlerCanStopIt)
+{
+    KorIilService* service = nullptr;
+    const auto stop = [](void* context, const KorIilRequest*, void*) -> uint32_t
+    {
+        KorIilServiceStop(*static_cast<KorIilService**>(context));
+        return KOR_IIL_OK;
+    };
+    ASSERT_EQ(KOR_IIL_OK, KorIilServiceOpen(kService, 0, stop, &service, &service));
+    std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
+    EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr)) << "its last request is answered";
+    loop.join();
+    KorIilServiceClose(service);
+}
+
+} // namespace
+} // namespace host_test

@@ -1,0 +1,338 @@
+#include "support.h"
+
+#include "identifiers.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace host_test
+{
+
+namespace
+{
+
+std::string newDirectory()
+{
+    char path[] = "/tmp/host_test-XXXXXX";
+    if (mkdtemp(path) == nullptr)
+        throw std::runtime_error("no temporary directory");
+    return path;
+}
+
+sockaddr_un addressOf(const char* serviceId)
+{
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    strncpy(address.sun_path, socketOf(serviceId).c_str(), sizeof(address.sun_path) - 1);
+    return address;
+}
+
+uint32_t swapped(uint32_t word)
+{
+    return __builtin_bswap32(word);
+}
+
+} // namespace
+
+void HostTest::SetUp()
+{
+    directory_ = newDirectory();
+    ASSERT_EQ(0, setenv("KORIIL_DIR", directory_.c_str(), 1));
+}
+
+void HostTest::TearDown()
+{
+    unsetenv("KORIIL_DIR");
+    std::filesystem::remove_all(directory_);
+}
+
+uint32_t addOne(const KorIilRequest& request, unsigned char* message)
+{
+    if (request.command != 1)
+        return KOR_IIL_UNKNOWN_CMD;
+    for (uint32_t i = 0; i < request.length; ++i)
+        message[i] = static_cast<unsigned char>(message[i] + 1);
+    return KOR_IIL_OK;
+}
+
+// --- Services ----------------------------------------------------------------------------------------------------------------
+
+RunningService::RunningService(Handler handler, const char* serviceId, uint32_t eventCount) : handler_(std::move(handler))
+{
+    const uint32_t status = KorIilServiceOpen(serviceId, eventCount, call, this, &service_);
+    if (status != KOR_IIL_OK)
+        throw std::runtime_error("the service cannot be opened: status " + std::to_string(status));
+    thread_ = std::thread([this] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service_)); });
+}
+
+RunningService::~RunningService()
+{
+    KorIilServiceStop(service_);
+    thread_.join();
+    KorIilServiceClose(service_);
+}
+
+uint32_t RunningService::publish(uint32_t event, const std::string& data)
+{
+    uint32_t subscribers = 0;
+    EXPECT_EQ(KOR_IIL_OK, KorIilServicePublish(service_, event, data.data(), static_cast<uint32_t>(data.size()), &subscribers));
+    return subscribers;
+}
+
+uint32_t RunningService::call(void* context, const KorIilRequest* request, void* message)
+{
+    return static_cast<RunningService*>(context)->handler_(*request, static_cast<unsigned char*>(message));
+}
+
+Publishing::Publishing(RunningService& service)
+    : thread_(
+          [this, &service]
+          {
+              while (!done_)
+              {
+                  for (int i = 0; i < 5; ++i)
+                      service.publish(1, "event");
+                  sleepMilliseconds(1);
+              }
+          })
+{
+}
+
+Publishing::~Publishing()
+{
+    done_ = true;
+    thread_.join();
+}
+
+Child::Child(const std::function<int()>& body) : processId_(fork())
+{
+    if (processId_ == 0)
+        _exit(body());
+}
+
+Child::~Child()
+{
+    if (processId_ > 0)
+    {
+        kill(SIGKILL);
+        wait();
+    }
+}
+
+void Child::kill(int signal)
+{
+    ::kill(processId_, signal);
+}
+
+int Child::wait()
+{
+    int status = 0;
+    while (waitpid(processId_, &status, 0) < 0 && errno == EINTR)
+    {
+    }
+    processId_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+ServiceProcess::ServiceProcess(const Handler& handler)
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        throw std::runtime_error("no pipe");
+    child_ = std::make_unique<Child>([&] { return serve(handler, ends[1]); });
+    close(ends[1]);
+    char ready = 0;
+    if (read(ends[0], &ready, 1) != 1)
+        throw std::runtime_error("the service's process cannot open the service");
+    close(ends[0]);
+}
+
+int ServiceProcess::serve(const Handler& handler, int ready)
+{
+    const auto call = [](void* context, const KorIilRequest* request, void* message)
+    { return (*static_cast<const Handler*>(context))(*request, static_cast<unsigned char*>(message)); };
+    KorIilService* service = nullptr;
+    if (KorIilServiceOpen(kService, 5, call, const_cast<Handler*>(&handler), &service) != KOR_IIL_OK ||
+        write(ready, "!", 1) != 1)
+        return 1;
+    close(ready);
+    return static_cast<int>(KorIilServiceRun(service));
+}
+
+void ServiceProcess::kill()
+{
+    child_->kill(SIGKILL);
+    child_->wait();
+}
+
+// --- Peers made by hand ------------------------------------------------------------------------------------------------------
+
+std::string socketOf(const char* serviceId)
+{
+    return std::string(std::getenv("KORIIL_DIR")) + "/" + serviceId + ".socket";
+}
+
+Peer Peer::connectTo(const char* serviceId)
+{
+    Peer peer(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    const sockaddr_un address = addressOf(serviceId);
+    EXPECT_EQ(0, connect(peer.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof(address))) << strerror(errno);
+    return peer;
+}
+
+bool Peer::send(const koriil::PacketHeader& header, const std::string& message)
+{
+    std::string packet(reinterpret_cast<const char*>(&header), sizeof(header));
+    packet += message;
+    return sendBytes(packet.data(), packet.size());
+}
+
+bool Peer::sendBytes(const void* bytes, size_t length)
+{
+    return ::send(socket_.get(), bytes, length, MSG_NOSIGNAL | MSG_DONTWAIT) == static_cast<ssize_t>(length);
+}
+
+ssize_t Peer::receive(koriil::Packet& packet)
+{
+    for (int attempt = 0; attempt < 2; ++attempt)
+    {
+        pollfd readable = {socket_.get(), POLLIN, 0};
+        if (poll(&readable, 1, static_cast<int>(kAmple) * 1000) != 1)
+            return -1;
+        const ssize_t received = recv(socket_.get(), &packet, sizeof(packet), MSG_TRUNC | MSG_DONTWAIT);
+        if (received >= 0)
+            return received;
+        if (errno != ECONNRESET) // that one is told once, and ahead of what can still be read
+            return -1;
+    }
+    return -1;
+}
+
+koriil::PacketHeader Peer::greet(const char* serviceId)
+{
+    koriil::PacketHeader hello;
+    hello.kind = koriil::PacketKind::Hello;
+    hello.sequence = 1;
+    koriil::copyIdentifier(hello.name, serviceId);
+    EXPECT_TRUE(send(hello));
+
+    auto answer = std::make_unique<koriil::Packet>();
+    EXPECT_EQ(ssize_t{sizeof(koriil::PacketHeader)}, receive(*answer));
+    EXPECT_EQ(KOR_IIL_OK, answer->header.status);
+    return answer->header;
+}
+
+bool Peer::hasEnded()
+{
+    auto packet = std::make_unique<koriil::Packet>();
+    return receive(*packet) == 0;
+}
+
+koriil::PacketHeader requestHeader(uint32_t command, uint32_t length)
+{
+    koriil::PacketHeader header;
+    header.kind = koriil::PacketKind::Request;
+    header.sequence = 2;
+    header.command = command;
+    header.length = length;
+    header.wait = kAmple;
+    koriil::copyIdentifier(header.name, kCaller);
+    return header;
+}
+
+koriil::PacketHeader replyTo(const koriil::PacketHeader& request, uint32_t length)
+{
+    koriil::PacketHeader header;
+    header.kind = koriil::PacketKind::Reply;
+    header.sequence = request.sequence;
+    header.command = request.command;
+    header.length = length;
+    return header;
+}
+
+koriil::PacketHeader inOtherByteOrder(koriil::PacketHeader header)
+{
+    header.magic = swapped(header.magic);
+    header.version = __builtin_bswap16(header.version);
+    header.kind = static_cast<koriil::PacketKind>(__builtin_bswap16(static_cast<uint16_t>(header.kind)));
+    for (uint32_t* word : {&header.sequence, &header.status, &header.command, &header.length, &header.wait, &header.channel})
+        *word = swapped(*word);
+    return header;
+}
+
+ScriptedService::ScriptedService(std::function<void(Peer&)> behave)
+    : listener_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0))
+{
+    const sockaddr_un address = addressOf(kService);
+    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
+        listen(listener_.get(), 8) != 0)
+        throw std::runtime_error("the scripted service cannot listen");
+    thread_ = std::thread(
+        [this, behave = std::move(behave)]
+        {
+            Peer peer(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+            behave(peer);
+        });
+}
+
+ScriptedService::~ScriptedService()
+{
+    shutdown(listener_.get(), SHUT_RDWR); // if nobody has come
+    thread_.join();
+    unlink(socketOf(kService).c_str());
+}
+
+void welcome(Peer& peer)
+{
+    auto hello = std::make_unique<koriil::Packet>();
+    ASSERT_EQ(ssize_t{sizeof(koriil::PacketHeader)}, peer.receive(*hello));
+    ASSERT_EQ(koriil::PacketKind::Hello, hello->header.kind);
+    koriil::PacketHeader reply = replyTo(hello->header, 0);
+    reply.channel = 1000;
+    ASSERT_TRUE(peer.send(reply));
+}
+
+// --- Calls -------------------------------------------------------------------------------------------------------------------
+
+uint32_t callOnce(uint32_t length, uint32_t wait, const char* serviceId, const char* callerId)
+{
+    std::string message(length, '\0');
+    for (uint32_t i = 0; i < length; ++i)
+        message[i] = static_cast<char>(i * 7);
+    std::string expected = message;
+
+    const uint32_t status = KorIilExecute(callerId, serviceId, wait, 1, length, message.data());
+    if (status == KOR_IIL_OK)
+        for (char& byte : expected)
+            byte = static_cast<char>(byte + 1);
+    EXPECT_TRUE(message == expected) << "status " << status << ", length " << length;
+    return status;
+}
+
+bool eventually(const std::function<bool()>& condition)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(kAmple);
+    while (!condition())
+    {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        sleepMilliseconds(2);
+    }
+    return true;
+}
+
+void sleepMilliseconds(int milliseconds)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+} // namespace host_test
