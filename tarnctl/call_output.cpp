@@ -1,0 +1,233 @@
+#include "call_output.h"
+
+#include "tarn_frame.h"
+#include "values.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+std::uint32_t numberAt(const Bytes& bytes, std::size_t offset, std::uint32_t width)
+{
+    if (width == 1)
+        return bytes.at(offset);
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes.data() + offset, sizeof word);
+    return word;
+}
+
+std::vector<std::uint32_t> numbersOf(const Argument& output)
+{
+    std::vector<std::uint32_t> numbers;
+    for (std::size_t offset = 0; offset < output.length; offset += output.parameter->width)
+        numbers.push_back(numberAt(output.buffer, offset, output.parameter->width));
+    return numbers;
+}
+
+bool isWritten(const Argument& output)
+{
+    const contract::Argument* const wire = output.parameter->wire;
+    return wire == nullptr || wire->encoding != contract::Encoding::kNothing;
+}
+
+bool isMacAddress(const Argument& argument)
+{
+    return argument.parameter->form == Form::kBytes && argument.length == kMacAddressSize;
+}
+
+// The table's texts; a slot that is full has no NUL.
+std::vector<std::string> ratesOf(const Bytes& table)
+{
+    std::vector<std::string> rates;
+    for (std::size_t i = 0; i < table.at(0); ++i)
+    {
+        const auto slot = table.begin() + 1 + static_cast<std::ptrdiff_t>(i * TARN_RATE_TEXT_SIZE);
+        rates.push_back(textOf(Bytes(slot, slot + TARN_RATE_TEXT_SIZE)));
+    }
+    return rates;
+}
+
+bool isRateTable(const Argument& argument)
+{
+    return argument.parameter->record == "TarnRateTable";
+}
+
+// --- For a person -----------------------------------------------------------------------------------------------------------
+
+void writeNumbers(const Console& console, const Argument& output)
+{
+    std::string line;
+    for (const std::uint32_t number : numbersOf(output))
+        line += (line.empty() ? "" : ", ") + numberText(number, output.parameter->width);
+    console.out << line << '\n';
+}
+
+void writeBytes(const Console& console, const Argument& output)
+{
+    const Bytes bytes = output.content();
+    console.out << bytes.size() << " bytes";
+    if (!output.parameter->record.empty())
+        console.out << " (" << output.parameter->record << ")";
+    console.out << '\n';
+    Table table("  ");
+    for (const DumpLine& line : dump(bytes.data(), bytes.size()))
+        table.add({std::to_string(line.offset), line.text});
+    table.write(console.out);
+}
+
+void writeRates(const Console& console, const Argument& output)
+{
+    const std::vector<std::string> rates = ratesOf(output.buffer);
+    console.out << "rates: " << rates.size();
+    for (std::size_t i = 0; i < rates.size(); ++i)
+        console.out << (i == 0 ? ": " : ", ") << inQuotes(rates[i]);
+    console.out << '\n';
+}
+
+void writeOutput(const Console& console, const Argument& output)
+{
+    console.out << output.parameter->name << ": ";
+    if (output.isNull)
+        console.out << "left out\n";
+    else if (!isWritten(output))
+        console.out << "never written by the library\n";
+    else if (output.parameter->form == Form::kNumber)
+        writeNumbers(console, output);
+    else if (output.parameter->form == Form::kText)
+        console.out << (output.length == 0 ? "untouched, its size is 0" : inQuotes(textOf(output.content()))) << '\n';
+    else if (isMacAddress(output))
+        console.out << macText(output.content()) << '\n';
+    else
+        writeBytes(console, output);
+    if (isRateTable(output) && !output.isNull)
+        writeRates(console, output);
+}
+
+void writeResult(const Console& console, const Report& report)
+{
+    if (!report.result.text.empty())
+        console.out << "result: " << inQuotes(report.result.text) << '\n';
+    else if (report.function->kind == Kind::kCommand)
+        console.out << "status: " << report.result.number << '\n';
+    else
+        console.out << "result: " << report.result.number << (report.result.meaning.empty() ? "" : ", " + report.result.meaning)
+                    << '\n';
+}
+
+// --- For a program ----------------------------------------------------------------------------------------------------------
+
+Json outputDocument(const Argument& output)
+{
+    static const char* const types[] = {"number", "text", "bytes", "record", "address"};
+    Json document = {{"type", types[static_cast<std::size_t>(output.parameter->form)]}};
+    if (output.isNull || !isWritten(output) || output.length == 0)
+    {
+        document["written"] = false;
+        return document;
+    }
+
+    document["written"] = true;
+    if (output.parameter->form == Form::kNumber)
+    {
+        const std::vector<std::uint32_t> numbers = numbersOf(output);
+        if (numbers.size() == 1)
+            document["value"] = numbers[0];
+        else
+            document["values"] = numbers;
+        return document;
+    }
+    if (output.parameter->form == Form::kText)
+    {
+        const std::string text = textOf(output.content());
+        document["text"] = text;
+        document["hex"] = hexText(Bytes(text.begin(), text.end()));
+        return document;
+    }
+    if (!output.parameter->record.empty())
+        document["record"] = output.parameter->record;
+    document["hex"] = hexText(output.content());
+    if (isMacAddress(output))
+        document["mac"] = macText(output.content());
+    if (isRateTable(output))
+        document["rates"] = ratesOf(output.buffer);
+    return document;
+}
+
+Json outputDocuments(const Report& report)
+{
+    Json outputs = Json::object();
+    if (report.hasReply())
+        for (const Argument& argument : report.arguments.all)
+            if (argument.parameter->isOutput)
+                outputs[argument.parameter->name] = outputDocument(argument);
+    return outputs;
+}
+
+Json traceDocuments(const Report& report)
+{
+    Json traces = Json::array();
+    for (const TraceRecord& trace : report.seen.traces)
+        traces.push_back({{"level", trace.level}, {"tag", trace.tag}, {"line", trace.line}, {"text", trace.text}});
+    return traces;
+}
+
+Json ipcStatusDocument(const Report& report)
+{
+    if (!report.seen.ipcStatus)
+        return nullptr;
+    return {{"number", *report.seen.ipcStatus}, {"name", tarnIpcStatusName(*report.seen.ipcStatus)}};
+}
+
+} // namespace
+
+std::uint32_t numberOf(const Argument& output)
+{
+    return numberAt(output.buffer, 0, output.parameter->width);
+}
+
+void writeReport(const Console& console, const Report& report)
+{
+    for (const std::string& note : report.arguments.notes)
+        console.remark("note: " + note);
+    if (console.json)
+    {
+        console.write(reportDocument(report));
+    }
+    else if (report.hasReply())
+    {
+        for (const Argument& argument : report.arguments.all)
+            if (argument.parameter->isOutput)
+                writeOutput(console, argument);
+        writeResult(console, report);
+    }
+    if (report.outcome != Outcome::kDone)
+        console.remark(failureText(report));
+}
+
+Json reportDocument(const Report& report)
+{
+    const bool isCommand = report.function->kind == Kind::kCommand;
+    Json document = Console::document("call");
+    document["function"] = report.function->name;
+    document["service"] = report.function->service.empty() ? Json(nullptr) : Json(report.function->service);
+    document["command"] = isCommand ? Json(report.function->row.command->command) : Json(nullptr);
+    document["caller"] = report.callerId ? Json(*report.callerId) : Json(nullptr);
+    document["outcome"] = toString(report.outcome);
+    document["exit"] = static_cast<int>(exitCodeOf(report.outcome));
+    document["message"] = failureText(report);
+    document["result"] = report.result.text.empty() ? Json(report.result.number) : Json(report.result.text);
+    document["status"] = isCommand && report.hasReply() ? Json(report.result.number) : Json(nullptr);
+    document["ipc_status"] = ipcStatusDocument(report);
+    document["outputs"] = outputDocuments(report);
+    document["notes"] = report.arguments.notes;
+    document["traces"] = traceDocuments(report);
+    return document;
+}
+
+} // namespace tarn::ctl

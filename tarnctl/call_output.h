@@ -1,0 +1,18 @@
+// A finished call, for a person and for a program.
+#pragma once
+
+#include "call.h"
+#include "console.h"
+
+namespace tarn::ctl
+{
+
+void writeReport(const Console& console, const Report& report);
+
+// The document of kind "call".
+Json reportDocument(const Report& report);
+
+// The number behind an output; for outputs that are one number.
+std::uint32_t numberOf(const Argument& output);
+
+} // namespace tarn::ctl

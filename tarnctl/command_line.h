@@ -1,0 +1,14 @@
+// The whole of tarnctl behind its main function.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+// Carries out one command line, without the program's name, and returns the exit code.
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+
+} // namespace tarn::ctl

@@ -1,0 +1,78 @@
+#include "console.h"
+
+#include <algorithm>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+constexpr int kIndentation = 2;
+constexpr int kNoLineBreaks = -1;
+
+} // namespace
+
+Json Console::document(const char* kind)
+{
+    return Json{{"schema", kSchema}, {"kind", kind}};
+}
+
+void Console::write(const Json& document) const
+{
+    // Texts of services need not be UTF-8. What is not is replaced here; their bytes stand beside them in hexadecimal.
+    out << document.dump(oneLine ? kNoLineBreaks : kIndentation, ' ', false, Json::error_handler_t::replace) << '\n'
+        << std::flush;
+}
+
+void Console::remark(const std::string& text) const
+{
+    err << "tarnctl: " << text << '\n';
+}
+
+ExitCode Console::fail(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions) const
+{
+    remark(message);
+    if (!suggestions.empty())
+    {
+        err << "Did you mean";
+        for (std::size_t i = 0; i < suggestions.size(); ++i)
+            err << (i == 0 ? " " : i + 1 == suggestions.size() ? " or " : ", ") << suggestions[i];
+        err << "?\n";
+    }
+    if (json)
+    {
+        Json error = document("error");
+        error["exit"] = static_cast<int>(exit);
+        error["message"] = message;
+        error["suggestions"] = suggestions;
+        write(error);
+    }
+    return exit;
+}
+
+void Table::add(std::vector<std::string> cells)
+{
+    rows.push_back(std::move(cells));
+}
+
+void Table::write(std::ostream& out) const
+{
+    std::vector<std::size_t> widths;
+    for (const std::vector<std::string>& row : rows)
+    {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    }
+    for (const std::vector<std::string>& row : rows)
+    {
+        std::string line = margin;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+        line.erase(line.find_last_not_of(' ') + 1);
+        out << line << '\n';
+    }
+}
+
+} // namespace tarn::ctl

@@ -1,0 +1,61 @@
+// Where everything is written: results to one stream, what a person should know besides to the other.
+#pragma once
+
+#include "exit_code.h"
+
+#include <nlohmann/json.hpp>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+// Keys stay in the order in which they are put in.
+using Json = nlohmann::ordered_json;
+
+// Names this form of the documents; it changes when a key changes its meaning or goes away.
+inline constexpr char kSchema[] = "tarnctl/1";
+
+class Console
+{
+public:
+    Console(std::ostream& results, std::ostream& remarks) : out(results), err(remarks)
+    {
+    }
+
+    std::ostream& out;
+    std::ostream& err;
+    bool json = false;    // results are JSON documents
+    bool oneLine = false; // each of them on one line
+
+    // A JSON document of that kind, still to be filled.
+    static Json document(const char* kind);
+
+    void write(const Json& document) const;
+
+    // What went wrong, or is worth knowing, for a person to read.
+    void remark(const std::string& text) const;
+
+    // Ends in failure: a remark, and with JSON a document of kind "error".
+    ExitCode fail(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions = {}) const;
+};
+
+// Rows of cells, each column as wide as its widest cell.
+class Table
+{
+public:
+    explicit Table(std::string leftMargin = "") : margin(std::move(leftMargin))
+    {
+    }
+
+    void add(std::vector<std::string> cells);
+    void write(std::ostream& out) const;
+
+private:
+    std::string margin;
+    std::vector<std::vector<std::string>> rows;
+};
+
+} // namespace tarn::ctl

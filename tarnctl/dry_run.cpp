@@ -1,0 +1,121 @@
+#include "dry_run.h"
+
+#include "layout.h"
+#include "values.h"
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+std::string numberMeaning(const Argument& argument)
+{
+    const std::string number = std::to_string(argument.number);
+    switch (argument.parameter->wire->encoding)
+    {
+    case contract::Encoding::kId:
+        return number + ", sent less one";
+    case contract::Encoding::kInverted:
+        return number + ", sent turned round";
+    case contract::Encoding::kByte:
+        return number + ", a single byte";
+    default:
+        return number;
+    }
+}
+
+std::string inputMeaning(const Argument& argument)
+{
+    if (argument.isNull)
+        return "left out";
+    switch (argument.parameter->form)
+    {
+    case Form::kNumber:
+        return numberMeaning(argument);
+    case Form::kText:
+        return inQuotes(textOf(argument.content()));
+    case Form::kBytes:
+        if (argument.length == kMacAddressSize)
+            return macText(argument.content());
+        return std::to_string(argument.length) + " bytes";
+    case Form::kRecord:
+        return argument.parameter->record;
+    case Form::kAddress:
+        break;
+    }
+    return "";
+}
+
+std::string meaningOf(const Field& field, const Report& report)
+{
+    switch (field.role)
+    {
+    case Role::kInput:
+        return inputMeaning(report.argument(field.name));
+    case Role::kOutput:
+    case Role::kStatus:
+        return "the service's to fill";
+    case Role::kReserved:
+        break;
+    }
+    return "zero";
+}
+
+Json messageDocument(const Report& report)
+{
+    const Request& request = *report.seen.request;
+    Json document = Console::document("dry-run");
+    document["function"] = report.function->name;
+    document["caller"] = *report.callerId;
+    document["service"] = request.service;
+    document["command"] = request.command;
+    document["wait"] = request.wait;
+    document["length"] = request.message.size();
+    document["message"] = hexText(request.message);
+    document["fields"] = Json::array();
+    for (const Field& field : layoutOf(*report.function))
+        document["fields"].push_back({{"offset", field.offset},
+                                      {"size", field.size},
+                                      {"name", field.name},
+                                      {"role", toString(field.role)},
+                                      {"meaning", meaningOf(field, report)}});
+    document["notes"] = report.arguments.notes;
+    return document;
+}
+
+void writeText(const Console& console, const Report& report)
+{
+    const Request& request = *report.seen.request;
+    console.out << "service " << request.service << ", command " << request.command << ", wait " << request.wait << ", length "
+                << request.message.size() << ", caller " << inQuotes(*report.callerId) << "\n\n";
+
+    Table table;
+    table.add({"offset", "bytes", "field", "meaning"});
+    for (const Field& field : layoutOf(*report.function))
+    {
+        std::string name = field.name;
+        std::string meaning = meaningOf(field, report);
+        for (const DumpLine& line : dump(request.message.data() + field.offset, field.size))
+        {
+            table.add({std::to_string(field.offset + line.offset), line.text, name, meaning});
+            name.clear();
+            meaning.clear();
+        }
+    }
+    table.write(console.out);
+}
+
+} // namespace
+
+void writeMessage(const Console& console, const Report& report)
+{
+    for (const std::string& note : report.arguments.notes)
+        console.remark("note: " + note);
+    if (console.json)
+        console.write(messageDocument(report));
+    else
+        writeText(console, report);
+}
+
+} // namespace tarn::ctl

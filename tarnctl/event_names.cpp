@@ -1,0 +1,29 @@
+#include "event_names.h"
+
+#include "usage_error.h"
+#include "values.h"
+
+namespace tarn::ctl
+{
+
+const std::vector<contract::Event>& knownEvents()
+{
+    return contract::findService("TARN")->events;
+}
+
+const contract::Event& eventNamed(const std::string& text)
+{
+    std::vector<std::string> names;
+    std::string expected;
+    for (const contract::Event& event : knownEvents())
+    {
+        if (text == event.name || text == std::to_string(event.event))
+            return event;
+        names.push_back(event.name);
+        expected += (expected.empty() ? "" : ", ") + std::to_string(event.event) + " " + event.name;
+    }
+    throw UsageError("there is no event " + inQuotes(text) + "; expected one of " + expected,
+                     contract::suggestions(text, names));
+}
+
+} // namespace tarn::ctl

@@ -1,0 +1,17 @@
+// The device service's events by name and number.
+#pragma once
+
+#include "contract.h"
+
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+const std::vector<contract::Event>& knownEvents();
+
+// By its name or number. Throws UsageError.
+const contract::Event& eventNamed(const std::string& text);
+
+} // namespace tarn::ctl

@@ -1,0 +1,118 @@
+#include "observer.h"
+
+#include "kor_iil.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+thread_local Observer* observing = nullptr;
+
+} // namespace
+
+Observer::Observer(Passage how) : passage(how), outer(observing)
+{
+    observing = this;
+}
+
+Observer::~Observer()
+{
+    observing = outer;
+}
+
+} // namespace tarn::ctl
+
+using tarn::ctl::observing;
+using tarn::ctl::Passage;
+
+// The linker resolves these names: `__wrap_` is where the library's calls arrive, `__real_` is the platform's function.
+extern "C" {
+
+uint32_t __real_KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
+                              void* msg);
+uint32_t __real_KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler);
+uint32_t __real_KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler);
+void __real_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
+    __attribute__((format(printf, 4, 5)));
+
+uint32_t __wrap_KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
+                              void* msg);
+uint32_t __wrap_KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler);
+uint32_t __wrap_KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler);
+void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
+    __attribute__((format(printf, 4, 5)));
+}
+
+namespace
+{
+
+// Writes the request down and, unless it is to be held back, lets `send` carry it out.
+template <typename Send>
+uint32_t observed(tarn::ctl::Request request, Send send)
+{
+    if (observing == nullptr)
+        return send();
+
+    tarn::ctl::Observation& seen = observing->seen;
+    seen.request = std::move(request);
+    if (observing->passage == Passage::kHold)
+        return 0;
+    const uint32_t status = send();
+    seen.ipcStatus = status;
+    return status;
+}
+
+std::string formatted(const char* format, va_list arguments)
+{
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    if (length < 0)
+        return format;
+    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    text.pop_back();
+    return text;
+}
+
+} // namespace
+
+uint32_t __wrap_KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
+                              void* msg)
+{
+    const auto* const bytes = static_cast<const unsigned char*>(msg);
+    return observed({serviceId, wait, cmdId, tarn::ctl::Bytes(bytes, bytes + msgLen)},
+                    [&] { return __real_KorIilExecute(callerId, serviceId, wait, cmdId, msgLen, msg); });
+}
+
+uint32_t __wrap_KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
+{
+    return observed({serviceId, 0, evt, {}}, [&] { return __real_KorIilSubscribeEvent(callerId, serviceId, evt, handler); });
+}
+
+uint32_t __wrap_KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
+{
+    return observed({serviceId, 0, evt, {}}, [&] { return __real_KorIilCancelEvent(callerId, serviceId, evt, handler); });
+}
+
+void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
+{
+    const int callersErrno = errno; // %m may stand in the format
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string text = formatted(format, arguments);
+    va_end(arguments);
+
+    if (observing != nullptr)
+        observing->seen.traces.push_back({level, fileTag, line, text});
+    errno = callersErrno;
+    __real_KorIilTrace(level, fileTag, line, "%s", text.c_str());
+    errno = callersErrno;
+}

@@ -1,0 +1,66 @@
+/* What passes between the library and the platform while a function is called.
+ *
+ * A function's result alone does not tell a refused argument from a failed IPC call, nor either from the service's own
+ * status. So tarnctl stands between the two: the linker is told to send the library's KorIil calls (--wrap) to the
+ * functions of this file, which write down what they see and hand it on. That needs nothing of the library, nor of the
+ * platform, and works with a static platform library as well as with a shared one, on every target with GNU ld, gold or
+ * lld. */
+#pragma once
+
+#include "values.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+// What the library handed to the platform.
+struct Request
+{
+    std::string service;
+    std::uint32_t wait = 0;
+    std::uint32_t command = 0; // or the event's number
+    Bytes message;             // as it was sent; empty for an event
+};
+
+struct TraceRecord
+{
+    std::uint32_t level = 0;
+    std::string tag;
+    std::uint32_t line = 0;
+    std::string text;
+};
+
+struct Observation
+{
+    std::optional<Request> request;         // none: nothing was sent
+    std::optional<std::uint32_t> ipcStatus; // none: nothing was sent, or it was held back
+    std::vector<TraceRecord> traces;
+};
+
+enum class Passage
+{
+    kSend, // requests go to the platform
+    kHold  // requests are written down only; the library gets its own message back as the reply, with success
+};
+
+// Observes this thread for as long as it lives. The latest one sees what passes.
+class Observer
+{
+public:
+    explicit Observer(Passage passage);
+    ~Observer();
+    Observer(const Observer&) = delete;
+    Observer& operator=(const Observer&) = delete;
+
+    Observation seen;
+    const Passage passage;
+
+private:
+    Observer* const outer;
+};
+
+} // namespace tarn::ctl

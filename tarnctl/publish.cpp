@@ -1,0 +1,73 @@
+// `tarnctl publish`: no function of the library, but a message to the simulated gateway's control identifier.
+#include "verbs.h"
+
+#include "call.h"
+#include "control.h"
+#include "event_names.h"
+#include "kor_iil.h"
+#include "tarn_frame.h"
+#include "usage_error.h"
+#include "values.h"
+
+#include <algorithm>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+constexpr std::uint32_t kWait = 3; // seconds
+
+TarnGatewayPublish messageFor(const contract::Event& event, const Bytes& data)
+{
+    TarnGatewayPublish message = {};
+    message.event = event.event;
+    message.length = static_cast<std::uint32_t>(data.size());
+    std::copy(data.begin(), data.end(), message.data);
+    return message;
+}
+
+ExitCode ipcFailure(const Console& console, std::uint32_t status)
+{
+    const Outcome outcome = outcomeOf(status);
+    const std::string why = outcome == Outcome::kNoService
+                                ? "no simulated gateway is running (only that one publishes on request)"
+                                : "the simulated gateway cannot be asked";
+    return console.fail(exitCodeOf(outcome),
+                        why + ": " + tarnIpcStatusName(status) + " (IPC status " + std::to_string(status) + ")");
+}
+
+} // namespace
+
+ExitCode publish(const Console& console, const std::string& eventText, const std::string& dataText)
+{
+    const contract::Event& event = eventNamed(eventText);
+    const Bytes data = parseHex("--data", dataText);
+    if (data.size() > TARN_GATEWAY_PUBLISH_DATA_SIZE)
+        throw UsageError("--data: expected at most " + std::to_string(TARN_GATEWAY_PUBLISH_DATA_SIZE) + " bytes; got " +
+                         std::to_string(data.size()));
+
+    TarnGatewayPublish message = messageFor(event, data);
+    if (const std::uint32_t status =
+            KorIilExecute(kOwnCallerId, TARN_GATEWAY_SERVICE, kWait, TARN_GATEWAY_PUBLISH, sizeof message, &message))
+        return ipcFailure(console, status);
+    if (message.status != TARN_GATEWAY_OK)
+        return console.fail(ExitCode::kServiceStatus,
+                            "the simulated gateway answered with status " + std::to_string(message.status));
+
+    if (!console.json)
+    {
+        console.out << "sent to " << message.subscribers << (message.subscribers == 1 ? " subscriber\n" : " subscribers\n");
+        return ExitCode::kSuccess;
+    }
+    Json document = Console::document("publish");
+    document["event"] = event.event;
+    document["name"] = event.name;
+    document["data"] = hexText(data);
+    document["subscribers"] = message.subscribers;
+    console.write(document);
+    return ExitCode::kSuccess;
+}
+
+} // namespace tarn::ctl

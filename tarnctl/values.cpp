@@ -1,0 +1,223 @@
+#include "values.h"
+
+#include "usage_error.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+constexpr std::size_t kBytesPerLine = 16;
+
+std::uint64_t highestOf(std::uint32_t width)
+{
+    return (std::uint64_t{1} << (8 * width)) - 1;
+}
+
+int digitValue(char digit)
+{
+    if (digit >= '0' && digit <= '9')
+        return digit - '0';
+    const int letter = std::tolower(static_cast<unsigned char>(digit));
+    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
+}
+
+[[noreturn]] void refuseNumber(const std::string& argument, std::string_view text, std::uint32_t width)
+{
+    const std::uint64_t highest = highestOf(width);
+    throw UsageError(argument + ": expected a number from -" + std::to_string(highest / 2 + 1) + " to " +
+                     std::to_string(highest) + ", in decimal or, behind 0x, hexadecimal digits; got " + inQuotes(text));
+}
+
+// At most `most` bytes of it.
+Bytes readFile(const std::string& argument, const std::string& path, std::size_t most)
+{
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw UsageError(argument + ": file " + path + " cannot be read: " + std::strerror(errno));
+    std::string characters(most, '\0');
+    file.read(characters.data(), static_cast<std::streamsize>(most));
+    if (file.bad())
+        throw UsageError(argument + ": file " + path + " cannot be read: " + std::strerror(errno));
+    return Bytes(characters.begin(), characters.begin() + file.gcount());
+}
+
+bool isMacAddress(std::string_view text)
+{
+    constexpr std::size_t kLength = 17;
+    if (text.size() != kLength || (text[2] != ':' && text[2] != '-'))
+        return false;
+    for (std::size_t i = 0; i < kLength; ++i)
+        if (i % 3 == 2 ? text[i] != text[2] : digitValue(text[i]) < 0)
+            return false;
+    return true;
+}
+
+Bytes parseMacAddress(const std::string& argument, std::string_view text)
+{
+    if (!isMacAddress(text))
+        throw UsageError(argument + ": expected a MAC address such as 02:00:00:00:00:01, or 12 hexadecimal digits; got " +
+                         inQuotes(text));
+    std::string digits(text);
+    digits.erase(std::remove(digits.begin(), digits.end(), text[2]), digits.end());
+    return parseHex(argument, digits);
+}
+
+Bytes bytesOf(const std::string& argument, std::string_view text, std::size_t size)
+{
+    if (text == "zero")
+        return Bytes(size);
+    if (!text.empty() && text.front() == '@')
+        return readFile(argument, std::string(text.substr(1)), size + 1); // one more shows that it is too long
+    if (size == kMacAddressSize && text.find_first_of(":-") != std::string_view::npos)
+        return parseMacAddress(argument, text);
+    return parseHex(argument, text);
+}
+
+} // namespace
+
+std::uint32_t parseNumber(const std::string& argument, std::string_view text, std::uint32_t width)
+{
+    std::string_view digits = text;
+    const bool isNegative = !digits.empty() && digits.front() == '-';
+    if (isNegative)
+        digits.remove_prefix(1);
+    const bool isHexadecimal = digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
+    if (isHexadecimal)
+        digits.remove_prefix(2);
+    const int base = isHexadecimal ? 16 : 10;
+
+    const std::uint64_t highest = isNegative ? highestOf(width) / 2 + 1 : highestOf(width);
+    std::uint64_t number = 0;
+    if (digits.empty())
+        refuseNumber(argument, text, width);
+    for (const char digit : digits)
+    {
+        const int value = digitValue(digit);
+        if (value < 0 || value >= base)
+            refuseNumber(argument, text, width);
+        number = number * static_cast<std::uint64_t>(base) + static_cast<std::uint64_t>(value);
+        if (number > highest)
+            refuseNumber(argument, text, width);
+    }
+    return static_cast<std::uint32_t>((isNegative ? std::uint64_t{0} - number : number) & highestOf(width));
+}
+
+Bytes parseHex(const std::string& argument, std::string_view text)
+{
+    if (text.size() % 2 != 0)
+        throw UsageError(argument + ": expected hexadecimal digits, two for each byte; got " + std::to_string(text.size()) +
+                         " characters");
+    Bytes bytes;
+    for (std::size_t i = 0; i < text.size(); i += 2)
+    {
+        const int high = digitValue(text[i]);
+        const int low = digitValue(text[i + 1]);
+        if (high < 0 || low < 0)
+            throw UsageError(argument + ": expected hexadecimal digits, two for each byte; got " + inQuotes(text.substr(i, 2)) +
+                             " at character " + std::to_string(i + 1));
+        bytes.push_back(static_cast<unsigned char>(high * 16 + low));
+    }
+    return bytes;
+}
+
+Bytes parseBytes(const std::string& argument, std::string_view text, std::size_t size)
+{
+    Bytes bytes = bytesOf(argument, text, size);
+    if (bytes.size() != size)
+    {
+        const bool isCutShort = bytes.size() > size && text.front() == '@';
+        throw UsageError(argument + ": expected " + std::to_string(size) + " bytes, as " + std::to_string(2 * size) +
+                         " hexadecimal digits, @file or zero; got " +
+                         (isCutShort ? "more" : std::to_string(bytes.size()) + " bytes"));
+    }
+    return bytes;
+}
+
+std::string numberText(std::uint32_t number, std::uint32_t width)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%lu (0x%0*lX)", static_cast<unsigned long>(number), static_cast<int>(2 * width),
+                  static_cast<unsigned long>(number));
+    std::string result = text;
+    if (width == 4 && number > INT32_MAX)
+        result.insert(result.size() - 1, ", " + std::to_string(static_cast<std::int32_t>(number)));
+    return result;
+}
+
+std::string inQuotes(std::string_view text)
+{
+    std::string result = "\"";
+    for (const char character : text)
+    {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '"' || character == '\\')
+            result += {'\\', character};
+        else if (byte >= 0x20 && byte < 0x7F)
+            result += character;
+        else
+            result += "\\x" + hexText(&byte, 1);
+    }
+    return result + "\"";
+}
+
+std::string hexText(const unsigned char* bytes, std::size_t size, std::string_view separator)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string result;
+    for (std::size_t i = 0; i < size; ++i)
+    {
+        if (i != 0)
+            result += separator;
+        result += {digits[bytes[i] >> 4], digits[bytes[i] & 15]};
+    }
+    return result;
+}
+
+std::string hexText(const Bytes& bytes)
+{
+    return hexText(bytes.data(), bytes.size());
+}
+
+std::string macText(const Bytes& bytes)
+{
+    return hexText(bytes.data(), bytes.size(), ":");
+}
+
+std::string textOf(const Bytes& bytes)
+{
+    return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), static_cast<unsigned char>(0)));
+}
+
+bool isZero(const unsigned char* bytes, std::size_t size)
+{
+    return std::all_of(bytes, bytes + size, [](unsigned char byte) { return byte == 0; });
+}
+
+std::vector<DumpLine> dump(const unsigned char* bytes, std::size_t size)
+{
+    std::vector<DumpLine> lines;
+    for (std::size_t offset = 0; offset < size;)
+    {
+        std::size_t end = std::min(offset + kBytesPerLine, size);
+        while (end < size && isZero(bytes + offset, end - offset) && isZero(bytes + end, std::min(kBytesPerLine, size - end)))
+            end = std::min(end + kBytesPerLine, size);
+
+        const std::size_t length = end - offset;
+        lines.push_back(
+            {offset, length > kBytesPerLine ? "00 x " + std::to_string(length) : hexText(bytes + offset, length, " ")});
+        offset = end;
+    }
+    return lines;
+}
+
+} // namespace tarn::ctl

@@ -1,0 +1,54 @@
+// Numbers, bytes and texts as they stand on a command line, and the way back.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+using Bytes = std::vector<unsigned char>;
+
+inline constexpr std::size_t kMacAddressSize = 6;
+
+// All of these throw UsageError, which names the argument and says what was expected.
+
+// A number in decimal or, behind 0x, hexadecimal digits. A negative one stands for its two's complement in `width` bytes.
+std::uint32_t parseNumber(const std::string& argument, std::string_view text, std::uint32_t width);
+
+// Bytes in hexadecimal, @file for a file's contents, or zero. Six bytes may be a MAC address, aa:bb:cc:dd:ee:ff. Exactly
+// `size` bytes.
+Bytes parseBytes(const std::string& argument, std::string_view text, std::size_t size);
+
+// Any number of bytes in hexadecimal.
+Bytes parseHex(const std::string& argument, std::string_view text);
+
+// "5 (0x00000005)", and for what may be a negative number also that.
+std::string numberText(std::uint32_t number, std::uint32_t width);
+
+// Between quotation marks; whatever is not printable ASCII as \xNN.
+std::string inQuotes(std::string_view text);
+
+// Two digits a byte, with `separator` between the bytes.
+std::string hexText(const unsigned char* bytes, std::size_t size, std::string_view separator = "");
+std::string hexText(const Bytes& bytes);
+std::string macText(const Bytes& bytes);
+
+// The characters up to the first NUL, or all of them.
+std::string textOf(const Bytes& bytes);
+
+bool isZero(const unsigned char* bytes, std::size_t size);
+
+// One line of a dump: up to 16 bytes, or a longer run of zeros.
+struct DumpLine
+{
+    std::size_t offset = 0;
+    std::string text;
+};
+
+std::vector<DumpLine> dump(const unsigned char* bytes, std::size_t size);
+
+} // namespace tarn::ctl

@@ -1,0 +1,291 @@
+#include "support.h"
+
+#include "command_line.h"
+#include "schema.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tarnctl_test
+{
+
+namespace
+{
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+const Json& publishedSchema()
+{
+    static const Json schema = Json::parse(readFile(TARNCTL_SCHEMA));
+    return schema;
+}
+
+std::string readLine(int descriptor)
+{
+    std::string line;
+    char character = 0;
+    while (read(descriptor, &character, 1) == 1 && character != '\n')
+        line += character;
+    return line;
+}
+
+Words programCommand(const Words& arguments)
+{
+    Words command;
+    std::istringstream emulator(TARNCTL_EMULATOR); // words, or none
+    for (std::string word; emulator >> word;)
+        command.push_back(word);
+    command.push_back(TARNCTL_PROGRAM);
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+} // namespace
+
+Ran run(const Words& arguments)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    Ran ran;
+    ran.exit = tarn::ctl::run(arguments, out, err);
+    ran.out = out.str();
+    ran.err = err.str();
+    return ran;
+}
+
+Json checkedDocument(const std::string& text)
+{
+    const Json document = Json::parse(text, nullptr, false);
+    if (document.is_discarded())
+    {
+        ADD_FAILURE() << "no JSON document: " << text;
+        return Json::object();
+    }
+    for (const std::string& complaint : schemaComplaints(document, publishedSchema()))
+        ADD_FAILURE() << complaint << "\n" << text.substr(0, 2000);
+    return document;
+}
+
+RanJson runJson(Words arguments)
+{
+    arguments.insert(arguments.begin(), "--json");
+    const Ran ran = run(arguments);
+    return {ran.exit, checkedDocument(ran.out), ran.err};
+}
+
+void TarnctlTest::SetUp()
+{
+    char name[] = "/tmp/tarnctl_test.XXXXXX";
+    ASSERT_NE(mkdtemp(name), nullptr);
+    directory = name;
+    setenv("KORIIL_DIR", name, 1);
+    setenv("KORIIL_TRACE", "off", 1);
+}
+
+void TarnctlTest::TearDown()
+{
+    std::filesystem::remove_all(directory);
+}
+
+Service::Service(const char* serviceId, Answer reply, std::uint32_t eventCount) : answer(std::move(reply))
+{
+    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, &Service::handle, this, &service);
+    if (status != KOR_IIL_OK)
+        ADD_FAILURE() << "service " << serviceId << " did not open: " << status;
+    else
+        thread = std::thread([this] { KorIilServiceRun(service); });
+}
+
+Service::~Service()
+{
+    if (service == nullptr)
+        return;
+    KorIilServiceStop(service);
+    thread.join();
+    KorIilServiceClose(service);
+}
+
+std::uint32_t Service::publish(std::uint32_t event, const Bytes& data)
+{
+    std::uint32_t subscribers = 0;
+    EXPECT_EQ(KorIilServicePublish(service, event, data.data(), static_cast<std::uint32_t>(data.size()), &subscribers),
+              KOR_IIL_OK);
+    return subscribers;
+}
+
+std::vector<Seen> Service::requests() const
+{
+    const std::lock_guard<std::mutex> guard(mutex);
+    return seen;
+}
+
+std::uint32_t Service::handle(void* context, const KorIilRequest* request, void* message)
+{
+    auto& self = *static_cast<Service*>(context);
+    auto* const first = static_cast<unsigned char*>(message);
+    Bytes bytes(first, first + request->length);
+    {
+        const std::lock_guard<std::mutex> guard(self.mutex);
+        self.seen.push_back({request->callerId, request->command, request->wait, bytes});
+    }
+    const std::uint32_t status = self.answer(*request, bytes);
+    std::memcpy(message, bytes.data(), bytes.size());
+    return status;
+}
+
+Answer statusAnswer(std::uint32_t status)
+{
+    return [status](const KorIilRequest&, Bytes& message)
+    {
+        putWord(message, message.size() - 4, status);
+        return std::uint32_t{KOR_IIL_OK};
+    };
+}
+
+Answer ipcAnswer(std::uint32_t status)
+{
+    return [status](const KorIilRequest&, Bytes&) { return status; };
+}
+
+void putWord(Bytes& message, std::size_t offset, std::uint32_t word)
+{
+    std::memcpy(&message.at(offset), &word, sizeof word);
+}
+
+std::uint32_t wordAt(const Bytes& message, std::size_t offset)
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, &message.at(offset), sizeof word);
+    return word;
+}
+
+std::string hex(const Bytes& bytes)
+{
+    std::string text;
+    for (const unsigned char byte : bytes)
+    {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02x", byte);
+        text += digits;
+    }
+    return text;
+}
+
+Bytes fromHex(const std::string& text)
+{
+    Bytes bytes;
+    for (std::size_t i = 0; i + 1 < text.size(); i += 2)
+        bytes.push_back(static_cast<unsigned char>(std::stoul(text.substr(i, 2), nullptr, 16)));
+    return bytes;
+}
+
+Program::Program(const Words& arguments)
+{
+    const Words command = programCommand(arguments);
+    std::vector<char*> argv;
+    for (const std::string& word : command)
+        argv.push_back(const_cast<char*>(word.c_str()));
+    argv.push_back(nullptr);
+
+    int outEnds[2];
+    int errEnds[2];
+    if (pipe2(outEnds, O_CLOEXEC) != 0 || pipe2(errEnds, O_CLOEXEC) != 0)
+        throw std::runtime_error("no pipe");
+    processId = fork();
+    if (processId == 0)
+    {
+        dup2(outEnds[1], STDOUT_FILENO);
+        dup2(errEnds[1], STDERR_FILENO);
+        execvp(argv[0], argv.data());
+        _exit(127);
+    }
+    close(outEnds[1]);
+    close(errEnds[1]);
+    out = outEnds[0];
+    err = errEnds[0];
+}
+
+Program::~Program()
+{
+    if (processId > 0)
+    {
+        kill(processId, SIGKILL);
+        waitpid(processId, nullptr, 0);
+    }
+    close(out);
+    close(err);
+}
+
+std::string Program::nextLine()
+{
+    return readLine(out);
+}
+
+std::string Program::nextErrorLine()
+{
+    return readLine(err);
+}
+
+void Program::signal(int number) const
+{
+    kill(processId, number);
+}
+
+int Program::exitCode()
+{
+    int status = 0;
+    waitpid(processId, &status, 0);
+    processId = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string validValue(const tarn::contract::Argument& argument, std::size_t seed)
+{
+    using tarn::contract::Type;
+    switch (argument.type)
+    {
+    case Type::kU32:
+        return std::to_string(0x01020304u + seed);
+    case Type::kU16:
+        return std::to_string(0x0203u + seed);
+    case Type::kU8:
+        return std::to_string(0x41u + seed);
+    case Type::kText:
+        return "text " + std::to_string(seed);
+    case Type::kBytes:
+    case Type::kRecord:
+        break;
+    }
+    Bytes bytes(argument.size);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<unsigned char>(i * 7 + seed + 1);
+    return hex(bytes);
+}
+
+Words validArguments(const tarn::contract::Command& command)
+{
+    Words words;
+    std::size_t seed = 0;
+    for (const tarn::contract::Argument& argument : command.arguments)
+    {
+        ++seed;
+        if (argument.direction == tarn::contract::Direction::kIn && argument.encoding != tarn::contract::Encoding::kSize)
+            words.push_back(argument.name + "=" + validValue(argument, seed));
+    }
+    return words;
+}
+
+} // namespace tarnctl_test

@@ -1,0 +1,136 @@
+// What the tests of tarnctl share: running it in this process, services it can talk to, and its program in a process of its
+// own.
+#pragma once
+
+#include "contract.h"
+#include "kor_iil_service.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace tarnctl_test
+{
+
+using Bytes = std::vector<unsigned char>;
+using Words = std::vector<std::string>;
+using Json = nlohmann::json;
+
+struct Ran
+{
+    int exit = -1;
+    std::string out;
+    std::string err;
+};
+
+// In this process.
+Ran run(const Words& arguments);
+
+// The same with --json. The whole of standard output is one document, which is checked against the published schema.
+struct RanJson
+{
+    int exit = -1;
+    Json document;
+    std::string err;
+};
+RanJson runJson(Words arguments);
+
+// Fails the test unless the text is a document that the published schema allows.
+Json checkedDocument(const std::string& text);
+
+// An empty runtime directory for each test, in which no service runs yet.
+class TarnctlTest : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    std::string path(const std::string& file) const
+    {
+        return directory + "/" + file;
+    }
+
+    std::string directory;
+};
+
+using Answer = std::function<std::uint32_t(const KorIilRequest&, Bytes&)>;
+
+// One request as the service saw it.
+struct Seen
+{
+    std::string callerId;
+    std::uint32_t command = 0;
+    std::uint32_t wait = 0;
+    Bytes message;
+};
+
+// A service in a thread of this process.
+class Service
+{
+public:
+    Service(const char* serviceId, Answer answer, std::uint32_t eventCount = 0);
+    ~Service();
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+
+    std::uint32_t publish(std::uint32_t event, const Bytes& data);
+    std::vector<Seen> requests() const;
+
+private:
+    static std::uint32_t handle(void* context, const KorIilRequest* request, void* message);
+
+    Answer answer;
+    mutable std::mutex mutex;
+    std::vector<Seen> seen;
+    KorIilService* service = nullptr;
+    std::thread thread;
+};
+
+// Answers with the request as it came and that status in the last word.
+Answer statusAnswer(std::uint32_t status);
+// Answers with that IPC status and no reply.
+Answer ipcAnswer(std::uint32_t status);
+
+void putWord(Bytes& message, std::size_t offset, std::uint32_t word);
+std::uint32_t wordAt(const Bytes& message, std::size_t offset);
+
+std::string hex(const Bytes& bytes);
+Bytes fromHex(const std::string& text);
+
+// The program in a process of its own.
+class Program
+{
+public:
+    explicit Program(const Words& arguments);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // The next line of either stream without its end; empty at the end of the stream.
+    std::string nextLine();      // of standard output
+    std::string nextErrorLine(); // of standard error
+
+    void signal(int number) const;
+    // Waits for its end. -1 if it was ended by a signal.
+    int exitCode();
+
+private:
+    int processId = -1;
+    int out = -1;
+    int err = -1;
+};
+
+// Numbers, texts and bytes that fit a function: an assignment for each of its inputs, those of a null pointer left out.
+Words validArguments(const tarn::contract::Command& command);
+
+// A value for one input, different for each `seed`.
+std::string validValue(const tarn::contract::Argument& argument, std::size_t seed);
+
+} // namespace tarnctl_test
