@@ -1,0 +1,135 @@
+#include "channels.h"
+
+#include <algorithm>
+
+namespace tarn::simulator
+{
+
+namespace
+{
+
+using Channels = std::vector<std::uint32_t>;
+
+// Runs of channels, 20 MHz each, in which wider ones are formed.
+struct Run
+{
+    std::uint32_t first;
+    std::uint32_t count;
+};
+
+constexpr Run kRuns5[] = {{36, 8}, {100, 12}, {149, 5}};
+constexpr Run kRun6 = {1, 59};
+
+bool contains(const Channels& channels, std::uint32_t channel)
+{
+    return std::find(channels.begin(), channels.end(), channel) != channels.end();
+}
+
+const Run* runOf(Band band, std::uint32_t channel)
+{
+    const auto holds = [&](const Run& run)
+    { return channel >= run.first && (channel - run.first) % 4 == 0 && (channel - run.first) / 4 < run.count; };
+    if (band == Band::k6)
+        return holds(kRun6) ? &kRun6 : nullptr;
+    const Run* found = std::find_if(std::begin(kRuns5), std::end(kRuns5), holds);
+    return found == std::end(kRuns5) ? nullptr : found;
+}
+
+void append(Channels& channels, std::uint32_t first, std::uint32_t last, std::uint32_t step)
+{
+    for (std::uint32_t channel = first; channel <= last; channel += step)
+        channels.push_back(channel);
+}
+
+// Those of 20 MHz.
+Channels permitted(Band band, const std::string& country)
+{
+    Channels channels;
+    if (country != "us" && country != "eu" && country != "jp")
+        return channels;
+    switch (band)
+    {
+    case Band::k2:
+        append(channels, 1, country == "us" ? 11 : 13, 1);
+        break;
+    case Band::k5:
+        append(channels, 36, 64, 4);
+        append(channels, 100, country == "eu" ? 140 : 144, 4);
+        if (country == "us")
+            append(channels, 149, 165, 4);
+        break;
+    case Band::k6:
+        append(channels, 1, country == "us" ? 233 : 93, 4);
+        break;
+    }
+    return channels;
+}
+
+// Whether the channel can be part of a wider one, all of whose channels are there.
+bool widens(Band band, std::uint32_t channel, std::uint32_t bandwidth, const Channels& channels)
+{
+    if (bandwidth == 20)
+        return true;
+    if (band == Band::k2)
+        return bandwidth == 40 && contains(channels, secondaryOf(band, channel));
+    const Run* run = runOf(band, channel);
+    const std::uint32_t width = bandwidth / 20;
+    const std::uint32_t block = (channel - run->first) / 4 / width * width;
+    for (std::uint32_t i = block; i < block + width; ++i)
+        if (i >= run->count || !contains(channels, run->first + i * 4))
+            return false;
+    return true;
+}
+
+} // namespace
+
+const char* toString(Band band)
+{
+    return band == Band::k2 ? "2.4GHz" : band == Band::k5 ? "5GHz" : "6GHz";
+}
+
+bool parseBand(const std::string& text, Band& band)
+{
+    for (const Band each : {Band::k2, Band::k5, Band::k6})
+        if (text == toString(each))
+        {
+            band = each;
+            return true;
+        }
+    return false;
+}
+
+std::vector<std::uint32_t> channelsFor(const ChannelRequest& request)
+{
+    if (request.bandwidth != 20 && request.bandwidth != 40 && request.bandwidth != 80 && request.bandwidth != 160)
+        return {};
+    Channels channels = permitted(request.band, request.country);
+    const auto without = [&](auto unwanted)
+    { channels.erase(std::remove_if(channels.begin(), channels.end(), unwanted), channels.end()); };
+    if (!request.withRadarChannels)
+        without([&](std::uint32_t channel) { return isRadarChannel(request.band, channel); });
+    if (!request.withWeatherChannels && request.band == Band::k5)
+        without([](std::uint32_t channel) { return channel >= 120 && channel <= 128; });
+    const Channels all = channels;
+    without([&](std::uint32_t channel) { return !widens(request.band, channel, request.bandwidth, all); });
+    return channels;
+}
+
+bool isRadarChannel(Band band, std::uint32_t channel)
+{
+    return band == Band::k5 && channel >= 52 && channel <= 144;
+}
+
+std::uint32_t secondaryOf(Band band, std::uint32_t channel)
+{
+    if (band == Band::k2)
+        return channel == 0 || channel > 13 ? 0 : channel <= 7 ? channel + 4 : channel - 4;
+    const Run* run = runOf(band, channel);
+    if (run == nullptr)
+        return 0;
+    const std::uint32_t index = (channel - run->first) / 4;
+    const std::uint32_t other = index % 2 == 0 ? index + 1 : index - 1;
+    return other < run->count ? run->first + other * 4 : 0;
+}
+
+} // namespace tarn::simulator

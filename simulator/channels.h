@@ -1,0 +1,42 @@
+// The channels of the bands: which there are in a country at a bandwidth, which are under radar protection, and what is next to
+// what.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarn::simulator
+{
+
+enum class Band
+{
+    k2,
+    k5,
+    k6
+};
+
+// "2.4GHz", "5GHz", "6GHz".
+const char* toString(Band band);
+// False if it is none of them.
+bool parseBand(const std::string& text, Band& band);
+
+// Bandwidths are in MHz.
+struct ChannelRequest
+{
+    Band band = Band::k5;
+    std::string country; // "us", "eu", "jp"; none of these has no channels
+    std::uint32_t bandwidth = 20;
+    bool withRadarChannels = true;
+    bool withWeatherChannels = true; // 120 to 128, those of terminal weather radars
+};
+
+// In ascending order; none where nothing fits.
+std::vector<std::uint32_t> channelsFor(const ChannelRequest& request);
+
+bool isRadarChannel(Band band, std::uint32_t channel);
+
+// The channel that makes 40 MHz of this one; 0 if it has none.
+std::uint32_t secondaryOf(Band band, std::uint32_t channel);
+
+} // namespace tarn::simulator

@@ -1,0 +1,62 @@
+/* The control identifier of tarn-gateway, the simulated gateway: messages of its own, which no real gateway has.
+ *
+ * They are sent with KorIilExecute to the service TARN_GATEWAY_SERVICE, like any other message: cleared to zero, filled,
+ * exchanged in place. All words are in the host's byte order; sizes are in bytes. Each message ends with its status, one of
+ * TarnGatewayStatus. */
+#ifndef TARN_GATEWAY_CONTROL_H
+#define TARN_GATEWAY_CONTROL_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define TARN_GATEWAY_SERVICE "TARN_GATEWAY"
+
+/* Statuses. The simulated services answer 0 and the numbers from 16 on as well: README.md says what each of them means. */
+enum TarnGatewayStatus
+{
+    TARN_GATEWAY_OK = 0,
+    TARN_GATEWAY_NO_SUCH_OBJECT = 16, /* no such event; no such entry in the state */
+    TARN_GATEWAY_INVALID_VALUE = 17,  /* a length over the message's room; a path that is no JSON pointer */
+    TARN_GATEWAY_FULL = 19            /* the answer does not fit into the message */
+};
+
+/* Publishes an event of the device service, whatever the state of the gateway is. */
+#define TARN_GATEWAY_PUBLISH 0u
+#define TARN_GATEWAY_PUBLISH_DATA_SIZE 1024u
+typedef struct TarnGatewayPublish
+{
+    uint32_t event;                               /* in: 1 to 5, one of TARN_EVT_... of tarn_frame.h */
+    uint32_t length;                              /* in: bytes of `data` to publish, at most TARN_GATEWAY_PUBLISH_DATA_SIZE */
+    uint8_t data[TARN_GATEWAY_PUBLISH_DATA_SIZE]; /* in */
+    uint32_t subscribers;                         /* out: how many processes it was sent to */
+    uint32_t status;                              /* out */
+} TarnGatewayPublish;
+
+/* Shuts the simulated gateway down, once this has been answered. */
+#define TARN_GATEWAY_SHUT_DOWN 1u
+typedef struct TarnGatewayShutDown
+{
+    uint32_t status; /* out */
+} TarnGatewayShutDown;
+
+/* Reads the state of the gateway, or a part of it, as JSON text: also what has been set by commands that no other command reads
+ * back. */
+#define TARN_GATEWAY_READ_STATE 2u
+#define TARN_GATEWAY_PATH_SIZE 256u
+#define TARN_GATEWAY_STATE_SIZE 49152u
+typedef struct TarnGatewayReadState
+{
+    char path[TARN_GATEWAY_PATH_SIZE];  /* in: a JSON pointer such as "/radios/0/channel"; empty for everything */
+    uint32_t length;                    /* out: characters of the text, the NUL not counted, also when it does not fit */
+    char text[TARN_GATEWAY_STATE_SIZE]; /* out: NUL-terminated; empty when it does not fit */
+    uint32_t status;                    /* out */
+} TarnGatewayReadState;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,91 @@
+#include "control_service.h"
+
+#include "control.h"
+#include "kor_iil_service.h"
+#include "state.h"
+
+#include <cstring>
+#include <memory>
+
+namespace tarn::simulator
+{
+
+namespace
+{
+
+std::uint32_t publish(Model&, const Control& control, TarnGatewayPublish& message)
+{
+    if (message.length > TARN_GATEWAY_PUBLISH_DATA_SIZE)
+        return TARN_GATEWAY_INVALID_VALUE;
+    const std::uint32_t status = control.publish(message.event, message.data, message.length, message.subscribers);
+    return status == KOR_IIL_OK ? TARN_GATEWAY_OK : TARN_GATEWAY_NO_SUCH_OBJECT;
+}
+
+std::uint32_t shutDown(Model&, const Control& control, TarnGatewayShutDown&)
+{
+    control.shutDown();
+    return TARN_GATEWAY_OK;
+}
+
+std::uint32_t readState(Model& model, const Control&, TarnGatewayReadState& message)
+{
+    using Pointer = nlohmann::ordered_json::json_pointer;
+    Pointer pointer;
+    try
+    {
+        pointer = Pointer(std::string(message.path, strnlen(message.path, sizeof message.path)));
+    }
+    catch (const nlohmann::ordered_json::exception&)
+    {
+        return TARN_GATEWAY_INVALID_VALUE;
+    }
+
+    std::string text;
+    try
+    {
+        model.advance();
+        text = stateOf(model).at(pointer).dump();
+    }
+    catch (const nlohmann::ordered_json::exception&)
+    {
+        return TARN_GATEWAY_NO_SUCH_OBJECT;
+    }
+    message.length = static_cast<std::uint32_t>(text.size());
+    if (text.size() >= sizeof message.text)
+        return TARN_GATEWAY_FULL;
+    std::memcpy(message.text, text.c_str(), text.size() + 1);
+    return TARN_GATEWAY_OK;
+}
+
+// The message may stand anywhere, a struct may not: it is copied in and out.
+template <typename Message>
+std::uint32_t serve(std::uint32_t (*answer)(Model&, const Control&, Message&), Model& model, const Control& control,
+                    std::uint32_t length, void* bytes)
+{
+    if (length != sizeof(Message))
+        return KOR_IIL_MISMATCH_CMD_LEN;
+    const auto message = std::make_unique<Message>();
+    std::memcpy(message.get(), bytes, sizeof(Message));
+    message->status = answer(model, control, *message);
+    std::memcpy(bytes, message.get(), sizeof(Message));
+    return KOR_IIL_OK;
+}
+
+} // namespace
+
+std::uint32_t serveControl(Model& model, const Control& control, std::uint32_t command, std::uint32_t length, void* message)
+{
+    switch (command)
+    {
+    case TARN_GATEWAY_PUBLISH:
+        return serve(publish, model, control, length, message);
+    case TARN_GATEWAY_SHUT_DOWN:
+        return serve(shutDown, model, control, length, message);
+    case TARN_GATEWAY_READ_STATE:
+        return serve(readState, model, control, length, message);
+    default:
+        return KOR_IIL_UNKNOWN_CMD;
+    }
+}
+
+} // namespace tarn::simulator

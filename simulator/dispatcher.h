@@ -1,0 +1,40 @@
+// From a request of one service to the handlers of its command, and to the status of the reply.
+#pragma once
+
+#include "contract.h"
+#include "handlers.h"
+#include "outcome.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace tarn::simulator
+{
+
+class Dispatcher
+{
+public:
+    using StatusOf = std::uint32_t (*)(Outcome);
+
+    // `notesFailures`: the model's error mask remembers what is refused here.
+    Dispatcher(const contract::Contract& contract, StatusOf statusOf, bool notesFailures);
+
+    // Turns the request into its reply. Returns the IPC status: KOR_IIL_OK, or what is wrong with the request.
+    std::uint32_t serve(Model& model, std::uint32_t command, std::uint32_t length, void* message) const;
+
+private:
+    struct Function
+    {
+        const contract::Command* command;
+        const Handler* handler;
+    };
+
+    static std::vector<Function> choose(const std::vector<Function>& functions, void* message);
+
+    std::map<std::uint32_t, std::vector<Function>> functions_; // by command; a few commands have two
+    StatusOf statusOf_;
+    bool notesFailures_;
+};
+
+} // namespace tarn::simulator

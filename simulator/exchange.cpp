@@ -1,0 +1,188 @@
+#include "exchange.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+namespace tarn::simulator
+{
+
+using contract::Argument;
+using contract::Direction;
+using contract::Encoding;
+
+Exchange::Exchange(const contract::Command& command, void* message)
+    : command_(command), message_(static_cast<std::uint8_t*>(message))
+{
+}
+
+const Argument& Exchange::find(std::string_view argument, Direction direction) const
+{
+    const Argument* found = command_.argument(argument);
+    if (found == nullptr || found->direction != direction)
+        throw std::logic_error(command_.function + " has no such argument: " + std::string(argument));
+    return *found;
+}
+
+std::size_t Exchange::room(const Argument& argument) const
+{
+    return argument.size != 0 ? argument.size : command_.status - argument.offset;
+}
+
+// Words stand at multiples of 4 in the message, but nobody promises where the message itself stands.
+std::uint32_t Exchange::word(std::uint32_t offset) const
+{
+    std::uint32_t value;
+    std::memcpy(&value, message_ + offset, sizeof value);
+    return value;
+}
+
+void Exchange::setWord(std::uint32_t offset, std::uint32_t value)
+{
+    std::memcpy(message_ + offset, &value, sizeof value);
+}
+
+void Exchange::copyIn(const Argument& argument, void* to, std::size_t length) const
+{
+    if (room(argument) != length)
+        throw std::logic_error(command_.function + ": " + argument.name + " is not of " + std::to_string(length) + " bytes");
+    std::memcpy(to, message_ + argument.offset, length);
+}
+
+void Exchange::copyOut(const Argument& argument, const void* from, std::size_t length)
+{
+    if (length > room(argument))
+        throw std::logic_error(command_.function + ": " + argument.name + " has no room for " + std::to_string(length) +
+                               " bytes");
+    if (length > 0)
+        std::memcpy(message_ + argument.offset, from, length);
+}
+
+// --- Inputs ------------------------------------------------------------------------------------------------------------------
+
+std::uint32_t Exchange::number(std::string_view argument) const
+{
+    const Argument& place = find(argument, Direction::kIn);
+    switch (place.encoding)
+    {
+    case Encoding::kId:
+        return word(place.offset) + 1;
+    case Encoding::kWord:
+        return word(place.offset);
+    case Encoding::kByte:
+        return message_[place.offset];
+    case Encoding::kInverted:
+        return word(place.offset) != 0 ? 0 : 1;
+    default:
+        throw std::logic_error(command_.function + ": " + place.name + " is no number");
+    }
+}
+
+std::string Exchange::text(std::string_view argument) const
+{
+    const Argument& place = find(argument, Direction::kIn);
+    const char* from = reinterpret_cast<const char*>(message_) + place.offset;
+    return {from, strnlen(from, room(place))};
+}
+
+std::vector<std::uint8_t> Exchange::block(std::string_view argument) const
+{
+    const Argument& place = find(argument, Direction::kIn);
+    return {message_ + place.offset, message_ + place.offset + room(place)};
+}
+
+MacAddress Exchange::address(std::string_view argument) const
+{
+    MacAddress result;
+    copyIn(find(argument, Direction::kIn), result.data(), result.size());
+    return result;
+}
+
+MobilityDomain Exchange::mobilityDomain(std::string_view argument) const
+{
+    MobilityDomain result;
+    copyIn(find(argument, Direction::kIn), result.data(), result.size());
+    return result;
+}
+
+const Layout& Exchange::layoutOf(const Argument& argument) const
+{
+    return layout(argument.record.empty() ? command_.function + "." + argument.name : argument.record);
+}
+
+Record Exchange::record(std::string_view argument) const
+{
+    return Record(layoutOf(find(argument, Direction::kIn)), block(argument));
+}
+
+Record Exchange::blank(std::string_view argument) const
+{
+    return Record(layoutOf(find(argument, Direction::kOut)));
+}
+
+// --- Outputs -----------------------------------------------------------------------------------------------------------------
+
+void Exchange::setNumber(std::string_view argument, std::uint32_t value)
+{
+    const Argument& place = find(argument, Direction::kOut);
+    if (place.encoding == Encoding::kWord)
+        setWord(place.offset, value);
+    else if (place.encoding == Encoding::kByte)
+        message_[place.offset] = static_cast<std::uint8_t>(value);
+    else
+        throw std::logic_error(command_.function + ": " + place.name + " is no number");
+}
+
+void Exchange::setSigned(std::string_view argument, std::int32_t value)
+{
+    setNumber(argument, static_cast<std::uint32_t>(value));
+}
+
+void Exchange::setText(std::string_view argument, std::string_view value)
+{
+    const Argument& place = find(argument, Direction::kOut);
+    const std::size_t length = std::min(value.size(), room(place) - 1);
+    copyOut(place, value.data(), length);
+    message_[place.offset + length] = '\0';
+}
+
+void Exchange::setBlock(std::string_view argument, const std::vector<std::uint8_t>& bytes)
+{
+    copyOut(find(argument, Direction::kOut), bytes.data(), bytes.size());
+}
+
+void Exchange::setWords(std::string_view argument, const std::vector<std::uint32_t>& words)
+{
+    copyOut(find(argument, Direction::kOut), words.data(), words.size() * sizeof words[0]);
+}
+
+void Exchange::setAddress(std::string_view argument, const MacAddress& address)
+{
+    copyOut(find(argument, Direction::kOut), address.data(), address.size());
+}
+
+void Exchange::setMobilityDomain(std::string_view argument, const MobilityDomain& domain)
+{
+    copyOut(find(argument, Direction::kOut), domain.data(), domain.size());
+}
+
+void Exchange::setRecord(std::string_view argument, const Record& record)
+{
+    setBlock(argument, record.bytes());
+}
+
+void Exchange::setAddressWhere(const char* other, std::string_view argument, const MacAddress& address)
+{
+    const contract::Row row = contract::find(other);
+    const Argument* place = row ? row.command->argument(argument) : nullptr;
+    if (place == nullptr || place->size != address.size() || row.command->length != command_.length)
+        throw std::logic_error(std::string(other) + " has no such address in the same message: " + std::string(argument));
+    std::memcpy(message_ + place->offset, address.data(), address.size());
+}
+
+void Exchange::setStatus(std::uint32_t status)
+{
+    setWord(command_.status, status);
+}
+
+} // namespace tarn::simulator

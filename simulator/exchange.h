@@ -1,0 +1,69 @@
+// One request on its way to becoming its reply: the message, reached by the names of the function's arguments.
+//
+// Where an argument stands in the message, and how, is the contract's to say.
+#pragma once
+
+#include "contract.h"
+#include "layout.h"
+#include "mac_address.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn::simulator
+{
+
+// An argument's name that the function does not have, or that is not of the kind asked for, throws std::logic_error.
+class Exchange
+{
+public:
+    // `message` has the length that the contract says.
+    Exchange(const contract::Command& command, void* message);
+
+    const contract::Command& command() const
+    {
+        return command_;
+    }
+
+    // What the caller passed: an id counts from 1 again, an inverted flag is turned back.
+    std::uint32_t number(std::string_view argument) const;
+    std::string text(std::string_view argument) const; // ends before the first NUL, or with the field
+    std::vector<std::uint8_t> block(std::string_view argument) const;
+    MacAddress address(std::string_view argument) const;
+    MobilityDomain mobilityDomain(std::string_view argument) const;
+    // Its layout is that of the record's name, or else that of FUNCTION.ARGUMENT.
+    Record record(std::string_view argument) const;
+    // All zeros, for an output.
+    Record blank(std::string_view argument) const;
+
+    void setNumber(std::string_view argument, std::uint32_t value);
+    void setSigned(std::string_view argument, std::int32_t value);
+    void setText(std::string_view argument, std::string_view value); // cut to the field
+    void setBlock(std::string_view argument, const std::vector<std::uint8_t>& bytes);
+    void setWords(std::string_view argument, const std::vector<std::uint32_t>& words);
+    void setAddress(std::string_view argument, const MacAddress& address);
+    void setMobilityDomain(std::string_view argument, const MobilityDomain& domain);
+    void setRecord(std::string_view argument, const Record& record);
+
+    // For the one argument that the library never takes out of the reply: the address goes where `other` takes one in.
+    void setAddressWhere(const char* other, std::string_view argument, const MacAddress& address);
+
+    void setStatus(std::uint32_t status);
+
+private:
+    const contract::Argument& find(std::string_view argument, contract::Direction direction) const;
+    std::size_t room(const contract::Argument& argument) const; // bytes that its field has in the message
+    const Layout& layoutOf(const contract::Argument& argument) const;
+    std::uint32_t word(std::uint32_t offset) const;
+    void setWord(std::uint32_t offset, std::uint32_t value);
+    void copyIn(const contract::Argument& argument, void* to, std::size_t length) const;
+    void copyOut(const contract::Argument& argument, const void* from, std::size_t length);
+
+    const contract::Command& command_;
+    std::uint8_t* message_;
+};
+
+} // namespace tarn::simulator

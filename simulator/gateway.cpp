@@ -1,0 +1,169 @@
+#include "gateway.h"
+
+#include "control.h"
+#include "control_service.h"
+#include "kor_iil_service.h"
+
+#include <chrono>
+#include <cstdio>
+
+namespace tarn::simulator
+{
+
+namespace
+{
+
+// How late what is due may happen by itself.
+constexpr std::chrono::milliseconds kTick{100};
+
+std::string whyNot(const std::string& serviceId, std::uint32_t status)
+{
+    switch (status)
+    {
+    case KOR_IIL_CONFLICT_ID:
+        return "the identifier " + serviceId + " is taken: another gateway runs in this runtime directory";
+    case KOR_IIL_UNKNOWN_COMM:
+        return "the runtime directory cannot be used, see the trace; expected a directory of ours that others cannot write to, "
+               "as an "
+               "absolute path";
+    default:
+        return "the identifier " + serviceId + " cannot be registered: IPC status " + std::to_string(status);
+    }
+}
+
+std::uint32_t eventNumber(const std::string& name)
+{
+    for (const contract::Event& each : contract::findService("TARN")->events)
+        if (each.name == name)
+            return each.event;
+    throw std::logic_error("no event " + name);
+}
+
+} // namespace
+
+Gateway::Gateway(Model& model, std::function<void()> shutDown) : model_(model), shutDown_(std::move(shutDown))
+{
+}
+
+Gateway::~Gateway()
+{
+    stop();
+}
+
+void Gateway::start()
+{
+    try
+    {
+        openContract("TARN", deviceStatus, true);
+        deviceService_ = served_.back()->service;
+        openContract("QTN_RPC_PROXY", moduleStatus, false);
+        openContract("QTN_MIRROR", moduleStatus, false);
+        open(TARN_GATEWAY_SERVICE, 0,
+             [this](const KorIilRequest& request, void* message) { return answerControl(request, message); });
+    }
+    catch (...)
+    {
+        stop();
+        throw;
+    }
+    model_.publish = [this](const std::string& event, const Record& data) { publish(event, data); };
+    model_.start();
+
+    stopping_ = false;
+    for (const std::unique_ptr<Served>& each : served_)
+        each->thread = std::thread(
+            [this, service = each->service]
+            {
+                if (KorIilServiceRun(service) == KOR_IIL_OK)
+                    return;
+                failed_ = true;
+                shutDown_();
+            });
+    timekeeper_ = std::thread([this] { keepTime(); });
+}
+
+void Gateway::stop()
+{
+    {
+        const std::lock_guard<std::mutex> guard(stopMutex_);
+        stopping_ = true;
+    }
+    stopped_.notify_all();
+    if (timekeeper_.joinable())
+        timekeeper_.join();
+    for (const std::unique_ptr<Served>& each : served_)
+        KorIilServiceStop(each->service);
+    for (const std::unique_ptr<Served>& each : served_)
+        if (each->thread.joinable())
+            each->thread.join();
+    model_.publish = nullptr;
+    for (const std::unique_ptr<Served>& each : served_)
+        KorIilServiceClose(each->service);
+    served_.clear();
+}
+
+void Gateway::tick()
+{
+    const std::lock_guard<std::mutex> guard(mutex_);
+    model_.advance();
+}
+
+void Gateway::keepTime()
+{
+    std::unique_lock<std::mutex> lock(stopMutex_);
+    while (!stopped_.wait_for(lock, kTick, [this] { return stopping_; }))
+        tick();
+}
+
+void Gateway::open(const char* serviceId, std::uint32_t eventCount,
+                   std::function<std::uint32_t(const KorIilRequest&, void*)> answer)
+{
+    auto served = std::make_unique<Served>();
+    served->gateway = this;
+    served->answer = std::move(answer);
+    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, handle, served.get(), &served->service);
+    if (status != KOR_IIL_OK)
+        throw GatewayError(whyNot(serviceId, status));
+    served_.push_back(std::move(served));
+}
+
+void Gateway::openContract(const char* serviceId, Dispatcher::StatusOf statusOf, bool notesFailures)
+{
+    const contract::Contract& contract = *contract::findService(serviceId);
+    open(serviceId, static_cast<std::uint32_t>(contract.events.size()),
+         [this, dispatcher = Dispatcher(contract, statusOf, notesFailures)](const KorIilRequest& request, void* message)
+         { return dispatcher.serve(model_, request.command, request.length, message); });
+}
+
+// Called through C code, which no exception may pass.
+std::uint32_t Gateway::handle(void* context, const KorIilRequest* request, void* message)
+{
+    auto& served = *static_cast<Served*>(context);
+    try
+    {
+        const std::lock_guard<std::mutex> guard(served.gateway->mutex_);
+        return served.answer(*request, message);
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "tarn-gateway: command %lu: %s\n", static_cast<unsigned long>(request->command), error.what());
+        return KOR_IIL_ERR;
+    }
+}
+
+void Gateway::publish(const std::string& event, const Record& data)
+{
+    const auto length = static_cast<std::uint32_t>(data.bytes().size());
+    KorIilServicePublish(deviceService_, eventNumber(event), data.bytes().data(), length, nullptr);
+}
+
+std::uint32_t Gateway::answerControl(const KorIilRequest& request, void* message)
+{
+    Control control;
+    control.publish = [this](std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t& subscribers)
+    { return KorIilServicePublish(deviceService_, event, data, length, &subscribers); };
+    control.shutDown = shutDown_;
+    return serveControl(model_, control, request.command, request.length, message);
+}
+
+} // namespace tarn::simulator

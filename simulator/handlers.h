@@ -1,0 +1,68 @@
+// What each command does to the model and what it answers: one handler a function of the contract.
+#pragma once
+
+#include "exchange.h"
+#include "model.h"
+
+#include <functional>
+#include <iterator>
+#include <map>
+#include <string>
+
+namespace tarn::simulator
+{
+
+// Reads the request's arguments and writes the outputs of the reply, but not its status. Throws Refused for what cannot be
+// granted.
+using Handler = std::function<void(Model&, Exchange&)>;
+
+class HandlerTable
+{
+public:
+    // Throws std::logic_error if the contract does not know the function, or if it has a handler already.
+    void add(const char* function, Handler handler);
+
+    // Null if there is none.
+    const Handler* find(const std::string& function) const;
+
+private:
+    std::map<std::string, Handler> handlers_;
+};
+
+// Those of every function.
+const HandlerTable& handlers();
+
+// The groups that make up that table.
+void addStoredSettings(HandlerTable& table);
+void addRadioHandlers(HandlerTable& table);
+void addInterfaceHandlers(HandlerTable& table);
+void addStationHandlers(HandlerTable& table);
+void addModuleHandlers(HandlerTable& table);
+void addSmartWiFiHandlers(HandlerTable& table);
+void addProxySystemHandlers(HandlerTable& table);
+void addProxyChannelHandlers(HandlerTable& table);
+void addProxyInterfaceHandlers(HandlerTable& table);
+void addProxyStatisticsHandlers(HandlerTable& table);
+void addMirrorHandlers(HandlerTable& table);
+
+// The objects that a request names, by its ids or its interface name. Throws Refused if there is no such object.
+Radio& radioOf(Model& model, const Exchange& exchange);       // "radioId", or the radio of the interface name
+Radio& moduleRadioOf(Model& model, const Exchange& exchange); // the same, and it is one of the Wi-Fi module's
+Interface& interfaceOf(Model& model, const Exchange& exchange);
+
+// The element at an index that counts from 0. Throws Refused beyond the end.
+template <typename List>
+auto& elementAt(List& list, std::uint32_t index)
+{
+    if (index >= std::size(list))
+        throw Refused{Outcome::kNoSuchObject};
+    return list[index];
+}
+
+template <typename List>
+std::uint32_t count(const List& list)
+{
+    return static_cast<std::uint32_t>(std::size(list));
+}
+
+} // namespace tarn::simulator

@@ -1,0 +1,304 @@
+#include "layout.h"
+
+#include "embedded_files.h"
+#include "outcome.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
+
+namespace tarn::simulator
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+[[noreturn]] void unsound(const std::string& where, const std::string& expected)
+{
+    throw std::runtime_error("layouts: " + where + ": expected " + expected);
+}
+
+const Json& member(const Json& object, const char* key, const std::string& where)
+{
+    if (!object.is_object() || !object.contains(key))
+        unsound(where, std::string("an object with \"") + key + "\"");
+    return object.at(key);
+}
+
+std::uint32_t size(const Json& object, const char* key, const std::string& where)
+{
+    const Json& value = member(object, key, where);
+    if (!value.is_number_unsigned() || value.get<std::uint64_t>() > 65536)
+        unsound(where + "/" + key, "a number of bytes from 0 to 65536");
+    return value.get<std::uint32_t>();
+}
+
+FieldType fieldType(const Json& value, const std::string& where)
+{
+    static const std::pair<const char*, FieldType> kTypes[] = {{"number", FieldType::kNumber},
+                                                               {"signed", FieldType::kSigned},
+                                                               {"text", FieldType::kText},
+                                                               {"bytes", FieldType::kBytes},
+                                                               {"address", FieldType::kAddress}};
+    for (const auto& [word, type] : kTypes)
+        if (value == word)
+            return type;
+    unsound(where, "one of number, signed, text, bytes, address");
+}
+
+bool fits(const Field& field)
+{
+    switch (field.type)
+    {
+    case FieldType::kNumber:
+    case FieldType::kSigned:
+        return (field.size == 1 || field.size == 2 || field.size == 4) && field.offset % field.size == 0;
+    case FieldType::kAddress:
+        return field.size == std::tuple_size<MacAddress>::value;
+    case FieldType::kText:
+    case FieldType::kBytes:
+        return field.size > 0;
+    }
+    return false;
+}
+
+Field parseField(const Json& object, const std::string& where)
+{
+    Field field;
+    field.name = member(object, "name", where).get<std::string>();
+    field.type = fieldType(member(object, "type", where), where + "/type");
+    field.offset = size(object, "offset", where);
+    field.size = size(object, "size", where);
+    if (!fits(field))
+        unsound(
+            where,
+            "a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 bytes, or a text or bytes of at least 1");
+    return field;
+}
+
+Layout parseLayout(const std::string& name, const Json& object, const std::string& where)
+{
+    Layout layout;
+    layout.name = name;
+    layout.size = size(object, "size", where);
+    std::uint32_t end = 0;
+    const Json& fields = member(object, "fields", where);
+    for (std::size_t i = 0; i < fields.size(); ++i)
+    {
+        const std::string place = where + "/fields/" + std::to_string(i);
+        const Field field = parseField(fields[i], place);
+        if (layout.field(field.name) != nullptr)
+            unsound(place + "/name", "a name that no earlier field has");
+        if (field.offset < end || field.offset + field.size > layout.size)
+            unsound(place + "/offset",
+                    "a field behind the one before it and within the record's " + std::to_string(layout.size) + " bytes");
+        end = field.offset + field.size;
+        layout.fields.push_back(field);
+    }
+    return layout;
+}
+
+} // namespace
+
+const Field* Layout::field(std::string_view fieldName) const
+{
+    const auto found = std::find_if(fields.begin(), fields.end(), [&](const Field& each) { return each.name == fieldName; });
+    return found == fields.end() ? nullptr : &*found;
+}
+
+std::vector<Layout> parseLayouts(std::string_view text)
+{
+    Json file;
+    try
+    {
+        file = Json::parse(text);
+    }
+    catch (const Json::exception& error)
+    {
+        unsound("/", std::string("JSON text: ") + error.what());
+    }
+    std::vector<Layout> result;
+    for (const auto& [name, object] : member(file, "records", "/").items())
+        result.push_back(parseLayout(name, object, "/records/" + name));
+    return result;
+}
+
+const std::vector<Layout>& layouts()
+{
+    static const std::vector<Layout> all = parseLayouts(embeddedFile("layouts.json"));
+    return all;
+}
+
+const Layout& layout(std::string_view name)
+{
+    const std::vector<Layout>& all = layouts();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Layout& each) { return each.name == name; });
+    if (found == all.end())
+        throw std::logic_error("no layout " + std::string(name));
+    return *found;
+}
+
+Record::Record(const Layout& layout) : layout_(&layout), bytes_(layout.size)
+{
+}
+
+Record::Record(const Layout& layout, std::vector<std::uint8_t> bytes) : layout_(&layout), bytes_(std::move(bytes))
+{
+    if (bytes_.size() != layout.size)
+        throw std::logic_error(layout.name + " is not of " + std::to_string(bytes_.size()) + " bytes");
+}
+
+const Field& Record::field(std::string_view name, FieldType type) const
+{
+    const Field* found = layout_->field(name);
+    if (found == nullptr || found->type != type)
+        throw std::logic_error(layout_->name + " has no such field: " + std::string(name));
+    return *found;
+}
+
+// The width decides which of the bytes count, in the host's order.
+std::uint32_t Record::load(const Field& field) const
+{
+    const std::uint8_t* from = bytes_.data() + field.offset;
+    if (field.size == 1)
+        return *from;
+    if (field.size == 2)
+    {
+        std::uint16_t half;
+        std::memcpy(&half, from, sizeof half);
+        return half;
+    }
+    std::uint32_t word;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+void Record::store(const Field& field, std::uint32_t value)
+{
+    touched_.insert(field.name);
+    std::uint8_t* to = bytes_.data() + field.offset;
+    const auto byte = static_cast<std::uint8_t>(value);
+    const auto half = static_cast<std::uint16_t>(value);
+    if (field.size == 1)
+        *to = byte;
+    else if (field.size == 2)
+        std::memcpy(to, &half, sizeof half);
+    else
+        std::memcpy(to, &value, sizeof value);
+}
+
+std::uint32_t Record::number(std::string_view name) const
+{
+    return load(field(name, FieldType::kNumber));
+}
+
+std::int32_t Record::signedNumber(std::string_view name) const
+{
+    const Field& place = field(name, FieldType::kSigned);
+    const std::uint32_t value = load(place);
+    return place.size == 4   ? static_cast<std::int32_t>(value)
+           : place.size == 2 ? static_cast<std::int16_t>(value)
+                             : static_cast<std::int8_t>(value);
+}
+
+std::string Record::text(std::string_view name) const
+{
+    const Field& place = field(name, FieldType::kText);
+    const char* from = reinterpret_cast<const char*>(bytes_.data()) + place.offset;
+    return {from, strnlen(from, place.size)};
+}
+
+std::vector<std::uint8_t> Record::block(std::string_view name) const
+{
+    const Field& place = field(name, FieldType::kBytes);
+    const auto from = bytes_.begin() + static_cast<std::ptrdiff_t>(place.offset);
+    return {from, from + static_cast<std::ptrdiff_t>(place.size)};
+}
+
+MacAddress Record::address(std::string_view name) const
+{
+    MacAddress result;
+    std::memcpy(result.data(), bytes_.data() + field(name, FieldType::kAddress).offset, result.size());
+    return result;
+}
+
+void Record::setNumber(std::string_view name, std::uint64_t value)
+{
+    store(field(name, FieldType::kNumber), static_cast<std::uint32_t>(value));
+}
+
+void Record::setSigned(std::string_view name, std::int32_t value)
+{
+    store(field(name, FieldType::kSigned), static_cast<std::uint32_t>(value));
+}
+
+void Record::setText(std::string_view name, std::string_view value)
+{
+    const Field& place = field(name, FieldType::kText);
+    touched_.insert(place.name);
+    std::uint8_t* to = bytes_.data() + place.offset;
+    std::memset(to, 0, place.size);
+    std::memcpy(to, value.data(), std::min<std::size_t>(value.size(), place.size - 1));
+}
+
+void Record::setBlock(std::string_view name, const std::uint8_t* data, std::size_t length)
+{
+    const Field& place = field(name, FieldType::kBytes);
+    touched_.insert(place.name);
+    if (const std::size_t count = std::min<std::size_t>(length, place.size); count > 0)
+        std::memcpy(bytes_.data() + place.offset, data, count);
+}
+
+void Record::setAddress(std::string_view name, const MacAddress& address)
+{
+    const Field& place = field(name, FieldType::kAddress);
+    touched_.insert(place.name);
+    std::memcpy(bytes_.data() + place.offset, address.data(), address.size());
+}
+
+void Record::fill(const Settings& settings)
+{
+    for (const Field& each : layout_->fields)
+    {
+        const Property* property = settings.property(each.name);
+        if (property == nullptr)
+            continue;
+        if (property->isText() && each.type == FieldType::kText)
+            setText(each.name, settings.text(each.name));
+        else if (!property->isText() && each.type == FieldType::kNumber)
+            setNumber(each.name, settings.number(each.name));
+    }
+}
+
+Changes Record::changes(std::uint32_t selection) const
+{
+    if (selection >> layout_->fields.size() != 0)
+        throw Refused{Outcome::kInvalidValue};
+    Changes result;
+    for (std::size_t i = 0; i < layout_->fields.size(); ++i)
+    {
+        const Field& each = layout_->fields[i];
+        if (selection != 0 && (selection >> i & 1) == 0)
+            continue;
+        if (each.type == FieldType::kText)
+            result.emplace_back(each.name, text(each.name));
+        else
+            result.emplace_back(each.name, number(each.name));
+    }
+    return result;
+}
+
+std::vector<std::string> Record::untouched() const
+{
+    std::vector<std::string> names;
+    for (const Field& each : layout_->fields)
+        if (touched_.find(each.name) == touched_.end())
+            names.push_back(each.name);
+    return names;
+}
+
+} // namespace tarn::simulator

@@ -1,0 +1,106 @@
+// tarn-gateway: the command line of the simulated gateway.
+#include "gateway.h"
+#include "scenario.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+
+namespace
+{
+
+using namespace tarn::simulator;
+
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+// Signals that end the program. They are blocked in every thread, and waited for.
+sigset_t endingSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    return signals;
+}
+
+void sayReady(int descriptor)
+{
+    static const char kReady[] = "ready\n";
+    if (write(descriptor, kReady, sizeof kReady - 1) != static_cast<ssize_t>(sizeof kReady - 1))
+        throw std::runtime_error("descriptor " + std::to_string(descriptor) + " cannot be written to: " + std::strerror(errno) +
+                                 "; expected one that is open for writing");
+    if (descriptor != STDOUT_FILENO)
+        close(descriptor);
+}
+
+void run(const std::string& scenario, int readyDescriptor)
+{
+    const sigset_t signals = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+
+    const SystemClock clock;
+    Model model(clock);
+    if (scenario.empty())
+        readDefaultScenario(model);
+    else
+        readScenarioFile(scenario, model);
+
+    Gateway gateway(model, [] { kill(getpid(), SIGTERM); });
+    gateway.start();
+    sayReady(readyDescriptor);
+    int signal = 0;
+    sigwait(&signals, &signal);
+    gateway.stop();
+    if (gateway.hasFailed())
+        throw std::runtime_error("a service could not go on");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app("The simulated gateway: the services TARN, QTN_RPC_PROXY and QTN_MIRROR over one model of a gateway.\n"
+                 "It prints one line, ready, once all of them can be called, and ends on SIGTERM or SIGINT.\n"
+                 "Exit status: 0 ended as asked, 1 could not start or go on, 2 wrong usage.");
+    app.name("tarn-gateway");
+    std::string scenario;
+    std::string directory;
+    int readyDescriptor = STDOUT_FILENO;
+    app.add_option("--scenario", scenario, "Scenario file, JSON; a gateway with two radios if left out")->type_name("FILE");
+    app.add_option("--directory", directory, "Runtime directory of the IPC, absolute; sets KORIIL_DIR")->type_name("DIRECTORY");
+    app.add_option("--ready-fd", readyDescriptor,
+                   "Descriptor to write the line to instead of standard output; closed afterwards")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+    app.set_version_flag("--version", "tarn-gateway " TARN_VERSION);
+    try
+    {
+        app.parse(argc, argv);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return app.exit(error) == 0 ? 0 : kUsage;
+    }
+
+    try
+    {
+        if (!directory.empty())
+            setenv("KORIIL_DIR", directory.c_str(), 1);
+        run(scenario, readyDescriptor);
+        return 0;
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "tarn-gateway: " << error.what() << std::endl;
+        return kFailed;
+    }
+}

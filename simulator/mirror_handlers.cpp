@@ -1,0 +1,43 @@
+// Telnet of the Wi-Fi module, as the mirror service switches it.
+#include "handlers.h"
+
+namespace tarn::simulator
+{
+
+namespace
+{
+
+void getTelnetStatus(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("ref_cnt", count(model.module.telnetHolders));
+    exchange.setNumber("status", model.module.telnetHolders.empty() ? 0 : 1);
+}
+
+// However often a process asks for it, it counts once.
+void setTelnetEnable(Model& model, Exchange& exchange)
+{
+    std::set<std::uint32_t>& holders = model.module.telnetHolders;
+    const std::uint32_t process = exchange.number("pid");
+    if (exchange.number("enable") > 1 || process == 0)
+        throw Refused{Outcome::kInvalidValue};
+    if (exchange.number("enable") != 0)
+    {
+        if (holders.count(process) == 0 && holders.size() >= kTableRoom)
+            throw Refused{Outcome::kFull};
+        holders.insert(process);
+    }
+    else if (holders.erase(process) == 0)
+    {
+        throw Refused{Outcome::kNotThere};
+    }
+}
+
+} // namespace
+
+void addMirrorHandlers(HandlerTable& table)
+{
+    table.add("tarn_qtn_mirror_get_telnet_status", getTelnetStatus);
+    table.add("tarn_qtn_mirror_set_telnet_enable", setTelnetEnable);
+}
+
+} // namespace tarn::simulator

@@ -1,0 +1,332 @@
+// The device service's control of the Smart WiFi steering daemon.
+#include "handlers.h"
+#include "records.h"
+
+namespace tarn::simulator
+{
+
+namespace
+{
+
+void requireDaemon(const Model& model)
+{
+    if (model.module.settings.number("smartWiFiEnabled") == 0)
+        throw Refused{Outcome::kSwitchedOff};
+}
+
+void resetDaemon(Model& model, Exchange&)
+{
+    requireDaemon(model);
+    model.smartWiFi.snapshots = {};
+    model.smartWiFi.propagations = 0;
+}
+
+void getVersion(Model& model, Exchange& exchange)
+{
+    exchange.setText("version", model.module.smartWiFiVersion);
+}
+
+void getDaemonVersion(Model& model, Exchange& exchange)
+{
+    exchange.setText("version", model.module.smartWiFiDaemonVersion);
+}
+
+// An empty name unbinds.
+void setBindingInterface(Model& model, Exchange& exchange)
+{
+    const std::string name = exchange.text("intf_name");
+    bool isThere = name.empty();
+    for (const Radio& radio : model.radios)
+        for (const Interface& interface : radio.interfaces)
+            isThere = isThere || interface.name == name;
+    if (!isThere)
+        throw Refused{Outcome::kNoSuchObject};
+    model.module.settings.set("smartWiFiInterface", name);
+}
+
+void getQcomm(Model& model, Exchange& exchange)
+{
+    const SmartWiFi& smartWiFi = model.smartWiFi;
+    std::vector<std::uint8_t> addresses;
+    for (const MacAddress& slave : smartWiFi.slaves)
+        addresses.insert(addresses.end(), slave.begin(), slave.end());
+    Record data = exchange.blank("data");
+    data.fill(model.module.settings);
+    data.setNumber("propagations", smartWiFi.propagations);
+    data.setNumber("slaveDevices", smartWiFi.slaves.size());
+    data.setBlock("slaveAddresses", addresses.data(), addresses.size());
+    exchange.setRecord("data", data);
+}
+
+void setQcommCfg(Model& model, Exchange& exchange)
+{
+    Model::change(model.module.settings, exchange.record("cfg").changes(exchange.number("value")));
+}
+
+// --- Mobility domains --------------------------------------------------------------------------------------------------------
+
+SteeringDomain& domainOf(Model& model, const Exchange& exchange)
+{
+    return model.steeringDomain(exchange.mobilityDomain("mdid"));
+}
+
+void getMdidNumber(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("number", count(model.smartWiFi.domains));
+}
+
+void getMdidAt(Model& model, Exchange& exchange)
+{
+    exchange.setMobilityDomain("mdid", elementAt(model.smartWiFi.domains, exchange.number("index")).id);
+}
+
+void getQsl(Model& model, Exchange& exchange)
+{
+    Record data = exchange.blank("data");
+    data.fill(domainOf(model, exchange).settings);
+    exchange.setRecord("data", data);
+}
+
+// The first part makes a domain that is not there yet.
+void setQslPart1(Model& model, Exchange& exchange)
+{
+    std::vector<SteeringDomain>& domains = model.smartWiFi.domains;
+    const MobilityDomain id = exchange.mobilityDomain("mdid");
+    const Changes changes = exchange.record("cfg").changes(exchange.number("value"));
+    for (SteeringDomain& each : domains)
+        if (each.id == id)
+            return Model::change(each.settings, changes);
+    if (domains.size() >= kDomainRoom)
+        throw Refused{Outcome::kFull};
+    SteeringDomain domain;
+    domain.id = id;
+    Model::change(domain.settings, changes);
+    domains.push_back(std::move(domain));
+}
+
+void setQslPart2(Model& model, Exchange& exchange)
+{
+    SteeringDomain& domain = domainOf(model, exchange);
+    Model::change(domain.settings, exchange.record("cfg").changes(exchange.number("value")));
+}
+
+void getNonSteerNumber(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("number", count(domainOf(model, exchange).nonSteer));
+}
+
+void getNonSteerAt(Model& model, Exchange& exchange)
+{
+    exchange.setAddress("mac_addr", elementAt(domainOf(model, exchange).nonSteer, exchange.number("index")));
+}
+
+void addNonSteer(Model& model, Exchange& exchange)
+{
+    Model::addAddress(domainOf(model, exchange).nonSteer, exchange.address("mac_addr"), kNonSteerRoom);
+}
+
+void delNonSteer(Model& model, Exchange& exchange)
+{
+    Model::removeAddress(domainOf(model, exchange).nonSteer, exchange.address("mac_addr"));
+}
+
+// --- Tables, read from copies ------------------------------------------------------------------------------------------------
+
+Record ownBss(const Interface& interface)
+{
+    Record entry(layout("TarnQuantennaSmartWiFiBSSEntryData"));
+    const auto domain = parseMobilityDomain(interface.settings.text("mobilityDomain"));
+    entry.setAddress("bssid", interface.bssid);
+    entry.setText("ssid", interface.settings.text("ssid"));
+    entry.setText("name", interface.name);
+    entry.setText("band", toString(interface.radio->band));
+    entry.setNumber("channel", interface.radio->settings.number("channel"));
+    entry.setNumber("bandwidth", interface.radio->settings.number("bandwidth"));
+    entry.setNumber("stations", interface.stations.size());
+    entry.setNumber("own", 1);
+    entry.setBlock("mobilityDomain", domain->data(), domain->size());
+    return entry;
+}
+
+// A slave device repeats the first network of the module's radio.
+Record slaveBss(const MacAddress& slave, const Interface& repeated)
+{
+    Record entry = ownBss(repeated);
+    entry.setAddress("bssid", slave);
+    entry.setText("name", "");
+    entry.setNumber("stations", 0);
+    entry.setNumber("own", 0);
+    return entry;
+}
+
+Record stationEntry(const Model& model, const Interface& interface, const Station& station)
+{
+    Record entry(layout("TarnQuantennaSmartWiFiAssoiatedData"));
+    entry.setAddress("macAddress", station.address);
+    entry.setAddress("bssid", interface.bssid);
+    entry.setText("ssid", interface.settings.text("ssid"));
+    entry.setText("band", toString(interface.radio->band));
+    entry.setSigned("rssi", station.rssi);
+    entry.setNumber("txRate", station.txRate);
+    entry.setNumber("rxRate", station.rxRate);
+    entry.setNumber("secondsAssociated", model.secondsAssociated(station));
+    return entry;
+}
+
+void syncBssTable(Model& model, Exchange&)
+{
+    requireDaemon(model);
+    std::vector<Record>& entries = model.smartWiFi.snapshots.bssEntries;
+    entries.clear();
+    for (const Radio& radio : model.radios)
+        for (const Interface& interface : radio.interfaces)
+            entries.push_back(ownBss(interface));
+    for (const MacAddress& slave : model.smartWiFi.slaves)
+        entries.push_back(slaveBss(slave, model.moduleRadio().interfaces.front()));
+}
+
+void syncStations(Model& model, Exchange&)
+{
+    requireDaemon(model);
+    std::vector<Record>& entries = model.smartWiFi.snapshots.stations;
+    entries.clear();
+    for (const Radio& radio : model.radios)
+        for (const Interface& interface : radio.interfaces)
+            for (const Station& station : interface.stations)
+                entries.push_back(stationEntry(model, interface, station));
+}
+
+void syncRecordInfo(Model& model, Exchange&)
+{
+    requireDaemon(model);
+    auto& entries = model.smartWiFi.snapshots.history;
+    entries.clear();
+    for (const HistoryEntry& each : model.history)
+    {
+        Record entry(layout("TarnQuantennaSmartWiFiRecordInfoData"));
+        entry.setNumber("secondsSinceStart", each.time / 1000);
+        entry.setText("text", each.text);
+        entries.emplace_back(each.status, std::move(entry));
+    }
+}
+
+void syncSlaveDevice(Model& model, Exchange&)
+{
+    requireDaemon(model);
+    model.smartWiFi.snapshots.slaves = model.smartWiFi.slaves;
+}
+
+void getBssEntryNumber(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("number", count(model.smartWiFi.snapshots.bssEntries));
+}
+
+void getBssEntryAt(Model& model, Exchange& exchange)
+{
+    exchange.setRecord("data", elementAt(model.smartWiFi.snapshots.bssEntries, exchange.number("index")));
+}
+
+void getStationNumber(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("number", count(model.smartWiFi.snapshots.stations));
+}
+
+void getStationAt(Model& model, Exchange& exchange)
+{
+    exchange.setRecord("data", elementAt(model.smartWiFi.snapshots.stations, exchange.number("index")));
+}
+
+void getRecordInfoNumber(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("number", count(model.smartWiFi.snapshots.history));
+}
+
+void getRecordInfoAt(Model& model, Exchange& exchange)
+{
+    const auto& [status, entry] = elementAt(model.smartWiFi.snapshots.history, exchange.number("index"));
+    exchange.setNumber("status", status);
+    exchange.setRecord("data", entry);
+}
+
+void getSlaveDeviceNumber(Model& model, Exchange& exchange)
+{
+    exchange.setNumber("number", count(model.smartWiFi.snapshots.slaves));
+}
+
+void getSlaveDeviceAt(Model& model, Exchange& exchange)
+{
+    exchange.setAddress("data", elementAt(model.smartWiFi.snapshots.slaves, exchange.number("index")));
+}
+
+// --- The configuration as a whole --------------------------------------------------------------------------------------------
+
+void doCfgPropagation(Model& model, Exchange&)
+{
+    requireDaemon(model);
+    ++model.smartWiFi.propagations;
+}
+
+void appendLines(std::string& text, const Settings& settings)
+{
+    for (const Property& property : settings.properties())
+    {
+        const std::string value =
+            property.isText() ? settings.text(property.name) : std::to_string(settings.number(property.name));
+        text += property.name + "=" + value + "\n";
+    }
+}
+
+// The file is one of the simulated gateway's, not one of the machine that it runs on.
+void getCfgToFile(Model& model, Exchange& exchange)
+{
+    const std::string path = exchange.text("path");
+    std::map<std::string, std::string>& files = model.module.files;
+    if (path.empty() || path[0] != '/')
+        throw Refused{Outcome::kInvalidValue};
+    if (files.count(path) == 0 && files.size() >= kTableRoom)
+        throw Refused{Outcome::kFull};
+    std::string text;
+    for (const SteeringDomain& domain : model.smartWiFi.domains)
+    {
+        text += "[" + toString(domain.id) + "]\n";
+        appendLines(text, domain.settings);
+    }
+    files[path] = text;
+}
+
+} // namespace
+
+void addSmartWiFiHandlers(HandlerTable& table)
+{
+    table.add("TarnResetQuantennaSmartWiFiDaemon", resetDaemon);
+    table.add("TarnGetQuantennaSmartWiFiVersion", getVersion);
+    table.add("TarnGetQuantennaSmartWiFiDaemonVersion", getDaemonVersion);
+    table.add("TarnSetQuantennaSmartWiFiBindingInterface", setBindingInterface);
+    table.add("TarnGetQuantennaSmartWiFiQcomm", getQcomm);
+    table.add("TarnSetQuantennaSmartWiFiQcommCfg", setQcommCfg);
+    table.add("TarnGetQuantennaSmartWiFiQslMdidNumber", getMdidNumber);
+    table.add("TarnGetQuantennaSmartWiFiQslMdidAt", getMdidAt);
+    table.add("TarnGetQuantennaSmartWiFiQsl", getQsl);
+    table.add("TarnSetQuantennaSmartWiFiQslPart1Cfg", setQslPart1);
+    table.add("TarnSetQuantennaSmartWiFiQslPart2Cfg", setQslPart2);
+    table.add("TarnGetQuantennaSmartWiFiNonSteerNumber", getNonSteerNumber);
+    table.add("TarnGetQuantennaSmartWiFiNonSteerAt", getNonSteerAt);
+    table.add("TarnAddQuantennaSmartWiFiNonSteer", addNonSteer);
+    table.add("TarnDelQuantennaSmartWiFiNonSteer", delNonSteer);
+    table.add("TarnSyncQuantennaSmartWiFiBSSTable", syncBssTable);
+    table.add("TarnGetQuantennaSmartWiFiBSSEntryNumber", getBssEntryNumber);
+    table.add("TarnGetQuantennaSmartWiFiBSSEntryAt", getBssEntryAt);
+    table.add("TarnSyncQuantennaSmartWiFiAssoiated", syncStations);
+    table.add("TarnGetQuantennaSmartWiFiAssoiatedNumber", getStationNumber);
+    table.add("TarnGetQuantennaSmartWiFiAssoiatedAt", getStationAt);
+    table.add("TarnSyncQuantennaSmartWiFiRecordInfo", syncRecordInfo);
+    table.add("TarnGetQuantennaSmartWiFiRecordInfoNumber", getRecordInfoNumber);
+    table.add("TarnGetQuantennaSmartWiFiRecordInfoAt", getRecordInfoAt);
+    table.add("TarnSyncQuantennaSmartWiFiSlaveDevice", syncSlaveDevice);
+    table.add("TarnGetQuantennaSmartWiFiSlaveDeviceNumber", getSlaveDeviceNumber);
+    table.add("TarnGetQuantennaSmartWiFiSlaveDeviceAt", getSlaveDeviceAt);
+    table.add("TarnDoQuantennaSmartWiFiCfgPropagation", doCfgPropagation);
+    table.add("TarnGetQuantennaSmartWiFiCfgToFile", getCfgToFile);
+}
+
+} // namespace tarn::simulator

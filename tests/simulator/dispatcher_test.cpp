@@ -1,0 +1,132 @@
+#include "support.h"
+
+#include "contract.h"
+#include "dispatcher.h"
+#include "kor_iil.h"
+#include "kor_iil_service.h"
+#include "scenario.h"
+
+#include <random>
+#include <set>
+
+namespace simulator_test
+{
+
+using DispatcherTest = SimulatorTest;
+namespace contract = tarn::contract;
+
+TEST_F(DispatcherTest, EveryFunctionHasItsHandler)
+{
+    std::set<std::string> functions;
+    for (const contract::Row& row : contract::rows())
+    {
+        EXPECT_NE(nullptr, tarn::simulator::handlers().find(row.command->function)) << row.command->function;
+        functions.insert(row.command->function);
+    }
+    EXPECT_EQ(247U, functions.size());
+    EXPECT_EQ(nullptr, tarn::simulator::handlers().find("TarnGetNothing"));
+}
+
+TEST_F(DispatcherTest, HandlerIsForOneFunctionOfTheContract)
+{
+    tarn::simulator::HandlerTable table;
+    const tarn::simulator::Handler nothing = [](tarn::simulator::Model&, tarn::simulator::Exchange&) {};
+    table.add("TarnGetRadioNum", nothing);
+    EXPECT_THROW(table.add("TarnGetRadioNum", nothing), std::logic_error);
+    EXPECT_THROW(table.add("TarnGetNothing", nothing), std::logic_error);
+}
+
+TEST_F(DispatcherTest, UnknownCommandsAndWrongLengthsAreToldSo)
+{
+    std::vector<std::uint8_t> message(9600);
+    for (const contract::Contract& each : contract::all())
+    {
+        std::set<std::uint32_t> commands;
+        for (const contract::Command& command : each.commands)
+        {
+            commands.insert(command.command);
+            for (const std::uint32_t length : {command.length - 4, command.length + 4, 0U})
+                EXPECT_EQ(KOR_IIL_MISMATCH_CMD_LEN,
+                          KorIilExecute(kCaller, each.service.c_str(), 60, command.command, length, message.data()))
+                    << command.function;
+        }
+        for (std::uint32_t command = 0; command < 200; ++command)
+        {
+            if (commands.count(command) != 0)
+                continue;
+            EXPECT_EQ(KOR_IIL_UNKNOWN_CMD, KorIilExecute(kCaller, each.service.c_str(), 60, command, 12, message.data()))
+                << each.service << ' ' << command;
+        }
+    }
+}
+
+// What the service writes is outputs and status; the rest of the message is what the caller sent.
+TEST_F(DispatcherTest, ReplyKeepsTheRequest)
+{
+    std::uint8_t message[140];
+    std::memset(message, 0x5a, sizeof message);
+    std::memset(message, 0, 8); // radio 1, access point 1
+    EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, "TARN", 60, 66, sizeof message, message));
+    std::uint8_t expected[140];
+    std::memset(expected, 0x5a, sizeof expected);
+    const std::uint32_t number = 3;
+    const std::uint32_t status = 0;
+    std::memset(expected, 0, 8);
+    std::memcpy(expected + 20, &number, sizeof number);
+    std::memcpy(expected + 136, &status, sizeof status);
+    EXPECT_EQ(0, std::memcmp(expected, message, sizeof message));
+}
+
+// Both halves of the mirror's one reply.
+TEST_F(DispatcherTest, MirrorAnswersAllThreeWordsAtOnce)
+{
+    EXPECT_EQ(kDone, CALL(tarn_qtn_mirror_set_mirror_enable)(1));
+    EXPECT_EQ(kDone, CALL(tarn_qtn_mirror_set_telnet_enable)(1, 7));
+    std::uint32_t words[6] = {};
+    EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, "QTN_MIRROR", 60, 0, sizeof words, words));
+    EXPECT_EQ(1U, words[2]);
+    EXPECT_EQ(1U, words[3]);
+    EXPECT_EQ(1U, words[4]);
+    EXPECT_EQ(0U, words[5]);
+}
+
+// Requests of any bytes: each gets an answer with a status that is documented, and the gateway goes on.
+TEST_F(DispatcherTest, AnyBytesGetAnAnswer)
+{
+    const ManualClock clock;
+    tarn::simulator::Model model(clock);
+    tarn::simulator::readDefaultScenario(model);
+    model.start();
+    std::mt19937 random(1);
+    const auto statusOf = [](const contract::Contract& each)
+    { return each.service == "TARN" ? tarn::simulator::deviceStatus : tarn::simulator::moduleStatus; };
+
+    for (const contract::Contract& each : contract::all())
+    {
+        const auto status = statusOf(each);
+        std::set<std::uint32_t> documented;
+        for (std::uint32_t i = 0; i < tarn::simulator::kOutcomeCount; ++i)
+            documented.insert(status(static_cast<tarn::simulator::Outcome>(i)));
+        const tarn::simulator::Dispatcher dispatcher(each, status, true);
+        for (const contract::Command& command : each.commands)
+            for (int round = 0; round < 30; ++round)
+            {
+                // One byte too many in front, so that no word of the message stands at a multiple of 4.
+                std::vector<std::uint8_t> bytes(command.length + 1);
+                for (std::uint8_t& byte : bytes)
+                    byte = round == 0 ? 0xff : round % 2 == 0 ? static_cast<std::uint8_t>(random()) : 0;
+                // Ids and names that are there, so that the requests get further than that.
+                for (const contract::Argument& argument : command.arguments)
+                    if (round % 3 != 0 && argument.encoding == contract::Encoding::kId)
+                        std::memset(bytes.data() + 1 + argument.offset, 0, 4);
+                    else if (round % 3 != 0 && (argument.name == "ifname" || argument.name == "intf_name"))
+                        std::memcpy(bytes.data() + 1 + argument.offset, "wifi0", 6);
+                EXPECT_EQ(KOR_IIL_OK, dispatcher.serve(model, command.command, command.length, bytes.data() + 1));
+                std::uint32_t answered;
+                std::memcpy(&answered, bytes.data() + 1 + command.status, sizeof answered);
+                EXPECT_EQ(1U, documented.count(answered)) << command.function << ": " << answered;
+            }
+    }
+}
+
+} // namespace simulator_test

@@ -1,0 +1,175 @@
+#include "support.h"
+
+#include "contract.h"
+#include "handlers.h"
+#include "layout.h"
+#include "outcome.h"
+#include "records.h"
+#include "scenario.h"
+
+#include <set>
+
+namespace simulator_test
+{
+
+using tarn::simulator::Layout;
+using tarn::simulator::layouts;
+using tarn::simulator::parseLayouts;
+namespace contract = tarn::contract;
+
+TEST(LayoutTest, EveryRecordOfTheContractHasOneOfItsSize)
+{
+    for (const contract::Contract& each : contract::all())
+    {
+        for (const contract::Record& record : each.records)
+            EXPECT_EQ(record.size, tarn::simulator::layout(record.name).size) << record.name;
+        for (const contract::Event& event : each.events)
+            EXPECT_LT(0U, tarn::simulator::layout(event.name).size) << event.name;
+    }
+}
+
+// What stands for no record is named FUNCTION.ARGUMENT, and is as long as that argument.
+TEST(LayoutTest, EveryOtherLayoutIsOfAnArgument)
+{
+    for (const Layout& each : layouts())
+    {
+        const std::size_t dot = each.name.find('.');
+        if (dot == std::string::npos || each.name == "tarn_qcsapi_set_params.set_params.entry")
+            continue;
+        const contract::Row row = contract::find(each.name.substr(0, dot));
+        ASSERT_TRUE(row) << each.name;
+        const contract::Argument* argument = row.command->argument(each.name.substr(dot + 1));
+        ASSERT_NE(nullptr, argument) << each.name;
+        EXPECT_EQ(argument->size, each.size) << each.name;
+    }
+}
+
+// A configuration can only be taken into settings that its fields name.
+TEST(LayoutTest, EveryFieldOfAConfigurationIsASetting)
+{
+    const std::pair<const char*, const tarn::simulator::Properties&> kOwners[] = {
+        {"TarnRadioCfg", tarn::simulator::radioProperties()},
+        {"TarnRadioExCfg", tarn::simulator::radioProperties()},
+        {"TarnSsidIntfCfg", tarn::simulator::interfaceProperties()},
+        {"TarnAccessPointCfg", tarn::simulator::interfaceProperties()},
+        {"TarnAccessPointSecurityCfg", tarn::simulator::interfaceProperties()},
+        {"TarnAccessPointWpsCfg", tarn::simulator::interfaceProperties()},
+        {"TarnQuantennaSmartWiFiQcommCfg", tarn::simulator::moduleProperties()},
+        {"TarnQuantennaSmartWiFiQslPart1Cfg", tarn::simulator::steeringProperties()},
+        {"TarnQuantennaSmartWiFiQslPart2Cfg", tarn::simulator::steeringProperties()}};
+    for (const auto& [name, properties] : kOwners)
+    {
+        const tarn::simulator::Settings settings(properties);
+        for (const tarn::simulator::Field& field : tarn::simulator::layout(name).fields)
+        {
+            ASSERT_NE(nullptr, settings.property(field.name)) << name << ' ' << field.name;
+            EXPECT_EQ(field.type == tarn::simulator::FieldType::kText, settings.property(field.name)->isText()) << field.name;
+        }
+    }
+}
+
+// A field that nothing is ever written to would be one that the documentation promises in vain.
+TEST(LayoutTest, EveryFieldOfADescriptionIsFilled)
+{
+    const ManualClock clock;
+    tarn::simulator::Model model(clock);
+    tarn::simulator::readDefaultScenario(model);
+    model.start();
+    tarn::simulator::Radio& radio = model.radio(1);
+    tarn::simulator::Interface& interface = model.interfaceOf(1, 1);
+    const std::vector<std::string> none;
+
+    Record record = blank("TarnRadioData");
+    fillRadio(record, radio);
+    EXPECT_EQ(none, record.untouched());
+    record = blank("TarnNeighborBss");
+    fillNeighbour(record, radio.neighbours.front());
+    EXPECT_EQ(none, record.untouched());
+    record = blank("TarnSsidIntfData");
+    fillInterface(record, interface);
+    EXPECT_EQ(none, record.untouched());
+    record = blank("TarnAccessPointData");
+    fillAccessPoint(record, interface);
+    EXPECT_EQ(none, record.untouched());
+    record = blank("TarnAccessPointWpsData");
+    fillWps(record, model, interface);
+    EXPECT_EQ(none, record.untouched());
+    record = blank("TarnAccessPointAssociatedData");
+    fillStation(record, model, interface, interface.stations.front());
+    EXPECT_EQ(std::vector<std::string>{"name"}, record.untouched());
+    for (const char* name : {"TarnAccessPointSecurityData", "TarnQuantennaSmartWiFiQslData"})
+    {
+        record = blank(name);
+        record.fill(interface.settings);
+        record.fill(model.smartWiFi.domains.front().settings);
+        EXPECT_EQ(none, record.untouched()) << name;
+    }
+}
+
+TEST(LayoutTest, RecordKeepsWhatItIsGiven)
+{
+    Record record = blank("TarnSsidIntfCfg");
+    record.setText("ssid", std::string(40, 'x'));
+    record.setNumber("hidden", 0x101);
+    EXPECT_EQ(std::string(32, 'x'), record.text("ssid")); // cut, and terminated
+    EXPECT_EQ(1U, record.number("hidden"));
+    EXPECT_EQ(0U, record.number("priority"));
+    EXPECT_THROW(record.number("ssid"), std::logic_error);
+    EXPECT_THROW(record.number("nothing"), std::logic_error);
+    EXPECT_THROW(Record(tarn::simulator::layout("TarnSsidIntfCfg"), std::vector<std::uint8_t>(39)), std::logic_error);
+    EXPECT_THROW(tarn::simulator::layout("Nothing"), std::logic_error);
+
+    Record power = blank("TarnGetRadioQuantennaCurrentTransmitPower.power");
+    power.setSigned("chain1", -5);
+    EXPECT_EQ(-5, power.signedNumber("chain1"));
+    EXPECT_EQ(0, power.signedNumber("chain0"));
+}
+
+TEST(LayoutTest, RecordBecomesTheChangesThatAreSelected)
+{
+    Record record = blank("TarnSsidIntfCfg");
+    record.setText("ssid", "a");
+    record.setNumber("enabled", 1);
+    EXPECT_EQ(5U, record.changes(0).size());
+    const tarn::simulator::Changes changes = record.changes(0x11);
+    ASSERT_EQ(2U, changes.size());
+    EXPECT_EQ("ssid", changes[0].first);
+    EXPECT_EQ("enabled", changes[1].first);
+    EXPECT_THROW(record.changes(0x20), tarn::simulator::Refused);
+}
+
+TEST(LayoutTest, UnsoundLayoutsAreRefused)
+{
+    const auto errorOf = [](const std::string& field) -> std::string
+    {
+        try
+        {
+            parseLayouts(
+                R"({"records": {"R": {"size": 8, "fields": [{"name": "a", "offset": 0, "size": 4, "type": "number"}, )" +
+                field + "]}}}");
+        }
+        catch (const std::runtime_error& error)
+        {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ("", errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "number"})"));
+    EXPECT_EQ("layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes",
+              errorOf(R"({"name": "b", "offset": 0, "size": 4, "type": "number"})"));
+    EXPECT_EQ("layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes",
+              errorOf(R"({"name": "b", "offset": 4, "size": 5, "type": "bytes"})"));
+    EXPECT_EQ("layouts: /records/R/fields/1/name: expected a name that no earlier field has",
+              errorOf(R"({"name": "a", "offset": 4, "size": 4, "type": "number"})"));
+    EXPECT_EQ("layouts: /records/R/fields/1: expected a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 "
+              "bytes, or a "
+              "text or bytes of at least 1",
+              errorOf(R"({"name": "b", "offset": 5, "size": 2, "type": "number"})"));
+    EXPECT_EQ("layouts: /records/R/fields/1/type: expected one of number, signed, text, bytes, address",
+              errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "word"})"));
+    EXPECT_EQ("layouts: /records/R/fields/1: expected an object with \"size\"",
+              errorOf(R"({"name": "b", "offset": 4, "type": "text"})"));
+    EXPECT_THROW(parseLayouts("{"), std::runtime_error);
+}
+
+} // namespace simulator_test

@@ -1,0 +1,213 @@
+// The program itself: how it starts, what it says, how it ends.
+#include "support.h"
+
+#include "kor_iil.h"
+#include "kor_iil_service.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace simulator_test
+{
+
+namespace
+{
+
+// tarn-gateway in a process of its own. Its standard output and error come through one pipe.
+class Program
+{
+public:
+    explicit Program(const std::vector<std::string>& arguments)
+    {
+        int ends[2];
+        if (pipe(ends) != 0)
+            throw std::runtime_error("no pipe");
+        processId_ = fork();
+        if (processId_ == 0)
+        {
+            dup2(ends[1], STDOUT_FILENO);
+            dup2(ends[1], STDERR_FILENO);
+            close(ends[0]);
+            close(ends[1]);
+            execute(arguments);
+        }
+        close(ends[1]);
+        output_ = ends[0];
+    }
+
+    ~Program()
+    {
+        if (processId_ > 0)
+        {
+            kill(processId_, SIGKILL);
+            waitpid(processId_, nullptr, 0);
+        }
+        close(output_);
+    }
+
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    std::string line()
+    {
+        std::string text;
+        char character = 0;
+        while (read(output_, &character, 1) == 1 && character != '\n')
+            text += character;
+        return text;
+    }
+
+    std::string rest()
+    {
+        std::string text;
+        char character = 0;
+        while (read(output_, &character, 1) == 1)
+            text += character;
+        return text;
+    }
+
+    void signal(int number)
+    {
+        kill(processId_, number);
+    }
+
+    // Its exit status; -1 if a signal ended it.
+    int wait()
+    {
+        int status = 0;
+        while (waitpid(processId_, &status, 0) < 0 && errno == EINTR)
+        {
+        }
+        processId_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    [[noreturn]] static void execute(const std::vector<std::string>& arguments)
+    {
+        std::vector<std::string> words;
+        const std::string emulator = TARN_GATEWAY_EMULATOR;
+        for (std::size_t begin = 0; begin < emulator.size();)
+        {
+            const std::size_t end = std::min(emulator.find(' ', begin), emulator.size());
+            words.push_back(emulator.substr(begin, end - begin));
+            begin = end + 1;
+        }
+        words.emplace_back(TARN_GATEWAY_PROGRAM);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& word : words)
+            pointers.push_back(word.data());
+        pointers.push_back(nullptr);
+        execvp(pointers[0], pointers.data());
+        _exit(127);
+    }
+
+    pid_t processId_ = -1;
+    int output_ = -1;
+};
+
+class ProcessTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        directory_ = ::testing::TempDir() + "simulator-XXXXXX";
+        ASSERT_NE(nullptr, mkdtemp(directory_.data()));
+        ASSERT_EQ(0, setenv("KORIIL_DIR", directory_.c_str(), 1));
+    }
+
+    void TearDown() override
+    {
+        unsetenv("KORIIL_DIR");
+        std::filesystem::remove_all(directory_);
+    }
+
+    std::string directory_;
+};
+
+} // namespace
+
+TEST_F(ProcessTest, ServesUntilItIsTerminated)
+{
+    for (const int signal : {SIGTERM, SIGINT})
+    {
+        Program gateway({"--directory", directory_});
+        ASSERT_EQ("ready", gateway.line());
+        std::uint32_t number = 0;
+        EXPECT_EQ(kDone, CALL(TarnGetRadioNum)(&number));
+        EXPECT_EQ(2U, number);
+        std::uint32_t status = 99;
+        EXPECT_EQ(kDone, CALL(tarn_qtn_mirror_get_mirror_status)(&status));
+        gateway.signal(signal);
+        EXPECT_EQ(0, gateway.wait());
+        EXPECT_EQ("", gateway.rest());
+        EXPECT_EQ(TARN_FAILED, CALL(TarnGetRadioNum)(&number));
+    }
+}
+
+TEST_F(ProcessTest, PlaysTheScenarioItIsGiven)
+{
+    Program gateway({"--scenario", CROWDED_SCENARIO});
+    ASSERT_EQ("ready", gateway.line());
+    char version[65];
+    EXPECT_EQ(kDone, CALL(tarn_qcsapi_firmware_get_version)(version, sizeof version));
+    EXPECT_STREQ("5.3.9-crowded", version);
+}
+
+TEST_F(ProcessTest, ShutsDownWhenItIsAskedTo)
+{
+    Program gateway({});
+    ASSERT_EQ("ready", gateway.line());
+    TarnGatewayShutDown message = {};
+    message.status = 99;
+    EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_SHUT_DOWN, sizeof message, &message));
+    EXPECT_EQ(TARN_GATEWAY_OK, message.status);
+    EXPECT_EQ(0, gateway.wait());
+}
+
+TEST_F(ProcessTest, SaysReadyWhereItIsTold)
+{
+    Program gateway({"--ready-fd", "2"});
+    EXPECT_EQ("ready", gateway.line());
+    Program closed({"--directory", directory_ + "/other", "--ready-fd", "77"});
+    EXPECT_EQ("tarn-gateway: descriptor 77 cannot be written to: Bad file descriptor; expected one that is open for writing",
+              closed.line());
+    EXPECT_EQ(1, closed.wait());
+}
+
+TEST_F(ProcessTest, SecondOneSaysThatTheNameIsTaken)
+{
+    Program first({});
+    ASSERT_EQ("ready", first.line());
+    Program second({});
+    EXPECT_EQ("tarn-gateway: the identifier TARN is taken: another gateway runs in this runtime directory", second.line());
+    EXPECT_EQ(1, second.wait());
+}
+
+TEST_F(ProcessTest, WrongUsageIsToldSo)
+{
+    Program unknown({"--seed", "1"});
+    EXPECT_NE(std::string::npos, unknown.rest().find("--seed"));
+    EXPECT_EQ(2, unknown.wait());
+    Program negative({"--ready-fd", "-1"});
+    EXPECT_NE(std::string::npos, negative.rest().find("ready-fd"));
+    EXPECT_EQ(2, negative.wait());
+    Program missing({"--scenario", directory_ + "/none.json"});
+    EXPECT_EQ("tarn-gateway: " + directory_ + "/none.json: cannot be read, or is empty; expected a scenario file",
+              missing.line());
+    EXPECT_EQ(1, missing.wait());
+    Program help({"--help"});
+    EXPECT_NE(std::string::npos, help.rest().find("--scenario FILE"));
+    EXPECT_EQ(0, help.wait());
+    Program version({"--version"});
+    EXPECT_EQ(0U, version.line().find("tarn-gateway "));
+    EXPECT_EQ(0, version.wait());
+}
+
+} // namespace simulator_test

@@ -1,0 +1,175 @@
+#include "support.h"
+
+#include "contract.h"
+#include "kor_iil.h"
+#include "scenario.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <deque>
+#include <filesystem>
+#include <mutex>
+#include <set>
+
+namespace simulator_test
+{
+
+const char kWifi0[65] = "wifi0";
+const char kWifi1[65] = "wifi1";
+const char kNobody[65] = "wifi9";
+
+namespace
+{
+
+std::set<std::string>& calledFunctions()
+{
+    static std::set<std::string> functions;
+    return functions;
+}
+
+// --- Events: the IPC library calls them on a thread of its own ---------------------------------------------------------------
+
+std::mutex eventMutex;
+std::condition_variable eventArrived;
+std::deque<ReceivedEvent> events;
+std::set<std::uint32_t> subscriptions; // of the running test
+
+void collect(const char* serviceId, std::uint32_t event, const void* data, std::uint32_t length)
+{
+    const auto* bytes = static_cast<const std::uint8_t*>(data);
+    const std::lock_guard<std::mutex> guard(eventMutex);
+    events.push_back(
+        {serviceId, event, length > 0 ? std::vector<std::uint8_t>(bytes, bytes + length) : std::vector<std::uint8_t>()});
+    eventArrived.notify_all();
+}
+
+// Fails the run if a function of the contract has never been called and had done. Only when no test has been left out.
+class EveryFunction : public ::testing::Environment
+{
+public:
+    void TearDown() override
+    {
+        if (::testing::UnitTest::GetInstance()->test_to_run_count() != ::testing::UnitTest::GetInstance()->total_test_count())
+            return;
+        EXPECT_EQ(247U, tarn::contract::rows().size());
+        EXPECT_EQ(std::vector<std::string>(), neverDone());
+    }
+};
+
+[[maybe_unused]] const ::testing::Environment* const kEveryFunction = ::testing::AddGlobalTestEnvironment(new EveryFunction);
+
+} // namespace
+
+void noteCall(const char* function)
+{
+    calledFunctions().insert(function);
+}
+
+std::vector<std::string> neverDone()
+{
+    std::vector<std::string> names;
+    for (const tarn::contract::Row& row : tarn::contract::rows())
+        if (calledFunctions().count(row.command->function) == 0)
+            names.push_back(row.command->function);
+    return names;
+}
+
+void SimulatorTest::SetUp()
+{
+    std::string path = ::testing::TempDir() + "simulator-XXXXXX";
+    ASSERT_NE(nullptr, mkdtemp(path.data()));
+    directory_ = path;
+    ASSERT_EQ(0, setenv("KORIIL_DIR", directory_.c_str(), 1));
+
+    model_ = std::make_unique<tarn::simulator::Model>(clock_);
+    if (scenario_.empty())
+        tarn::simulator::readDefaultScenario(*model_);
+    else
+        tarn::simulator::readScenario(scenario_, "test", *model_);
+    gateway_ = std::make_unique<tarn::simulator::Gateway>(*model_, [] {});
+    gateway_->start();
+}
+
+void SimulatorTest::TearDown()
+{
+    for (const std::uint32_t event : subscriptions)
+        EXPECT_EQ(TARN_OK, tarnCancelEvent(kCaller, event, nullptr, collect));
+    subscriptions.clear();
+    gateway_.reset();
+    events.clear();
+    unsetenv("KORIIL_DIR");
+    std::filesystem::remove_all(directory_);
+}
+
+void SimulatorTest::passSeconds(double seconds)
+{
+    clock_.advance(static_cast<tarn::simulator::Milliseconds>(seconds * 1000));
+    gateway_->tick();
+}
+
+Json SimulatorTest::state(const std::string& path)
+{
+    const auto message = std::make_unique<TarnGatewayReadState>();
+    path.copy(message->path, sizeof message->path - 1);
+    EXPECT_EQ(0U, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_READ_STATE, sizeof *message, message.get()));
+    EXPECT_EQ(0U, message->status) << path;
+    return message->status == 0 ? Json::parse(message->text) : Json();
+}
+
+void SimulatorTest::subscribe(std::uint32_t event)
+{
+    if (!subscriptions.insert(event).second)
+        return;
+    ASSERT_EQ(TARN_OK, tarnSubscribeEvent(kCaller, event, nullptr, collect));
+}
+
+ReceivedEvent SimulatorTest::nextEvent()
+{
+    std::unique_lock<std::mutex> lock(eventMutex);
+    if (!eventArrived.wait_for(lock, std::chrono::seconds(60), [] { return !events.empty(); }))
+    {
+        ADD_FAILURE() << "no event has come";
+        return {};
+    }
+    ReceivedEvent event = events.front();
+    events.pop_front();
+    return event;
+}
+
+Record SimulatorTest::nextEvent(std::uint32_t event, const char* layoutName)
+{
+    const tarn::simulator::Layout& layout = tarn::simulator::layout(layoutName);
+    ReceivedEvent received = nextEvent();
+    EXPECT_EQ("TARN", received.service);
+    EXPECT_EQ(event, received.event);
+    EXPECT_EQ(layout.size, received.data.size());
+    received.data.resize(layout.size);
+    return Record(layout, received.data);
+}
+
+// Events arrive in the order in which they are published: a last one, of a kind that no test uses this way, shows that all have
+// come.
+bool SimulatorTest::noMoreEvents()
+{
+    TarnGatewayPublish message = {};
+    message.event = TARN_EVT_RADIO_STATUS_CHANGED;
+    message.length = 3;
+    subscribe(message.event);
+    EXPECT_EQ(0U, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_PUBLISH, sizeof message, &message));
+    return nextEvent().data.size() == message.length;
+}
+
+std::size_t SimulatorTest::stationCount(std::uint32_t radioId, std::uint32_t apId)
+{
+    std::uint32_t number = 0;
+    EXPECT_EQ(kDone, CALL(TarnGetAccessPointAssociatedNum)(radioId, apId, &number));
+    return number;
+}
+
+Record blank(const char* layoutName)
+{
+    return Record(tarn::simulator::layout(layoutName));
+}
+
+} // namespace simulator_test
