@@ -5,6 +5,8 @@ install(TARGETS tarn tarn_static EXPORT tarnTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 
+# An installed tree may be moved: pkg-config finds the rest from where the file stands.
+file(RELATIVE_PATH TARN_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(packaging/libtarn.pc.in libtarn.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/libtarn.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT library)
 
@@ -15,8 +17,9 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tarnConfig.cmake ${CMAKE_CURRENT_BINAR
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tarn COMPONENT library)
 
 if(TARN_BUILD_KIT)
-    install(FILES host/kor_iil_service.h mock/kor_iil_mock.h mock/kor_iil_mock.hpp simulator/control.h
+    install(FILES host/kor_iil_service.h mock/kor_iil_mock.h mock/kor_iil_mock.hpp
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT kit)
+    install(FILES simulator/control.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn RENAME tarn_gateway_control.h COMPONENT kit)
     install(TARGETS koriil koriil_static tarn_mock EXPORT tarnTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
@@ -24,6 +27,8 @@ if(TARN_BUILD_KIT)
     install(FILES contract/tarn.json contract/qtn_rpc_proxy.json contract/qtn_mirror.json contract/contract.schema.json
         contract/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/contract COMPONENT kit)
+    install(FILES tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
+    install(DIRECTORY simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     configure_file(packaging/libkoriil.pc.in libkoriil.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/libkoriil.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()

@@ -1,5 +1,5 @@
-# What the kit is built with, as targets of one name on every machine: tarn_json (nlohmann-json) and tarn_cli11 (CLI11), both headers
-# only. A cross compiler must not see the build machine's /usr/include, so it gets them through links of their own.
+# What the kit is built with, as targets of one name on every machine: tarn_json (nlohmann-json) and tarn_cli11 (CLI11), both
+# headers only. A cross compiler must not see the build machine's /usr/include, so it gets them through links of their own.
 find_package(Threads REQUIRED)
 
 function(tarn_header_only target directory header package)

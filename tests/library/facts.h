@@ -1,0 +1,36 @@
+// Reads what the build wrote down about the libraries, and what the library's sources promise.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace facts
+{
+
+std::string readFile(const std::string& path);
+std::vector<std::string> linesOf(const std::string& path);
+
+// Names marked TARN_EXPORT in the public headers.
+std::set<std::string> declaredNames();
+
+// Names in the version script.
+std::set<std::string> scriptedNames();
+
+// Names that libtarn.so exports, and names it needs from elsewhere, without their versions; weak ones are left out.
+std::set<std::string> exportedNames();
+std::set<std::string> undefinedNames();
+
+// File names of the shared libraries that libtarn.so needs.
+std::set<std::string> neededLibraries();
+
+// Total size in bytes of all sections of libtarn.a whose name starts so.
+std::uint64_t sizeOfSections(const std::string& prefix);
+
+// Bytes of stack of each function of one unit, as the compiler worked them out. `unit` is a path below src/, without its
+// ending.
+std::map<std::string, std::uint64_t> stackUsage(const std::string& unit);
+
+} // namespace facts
