@@ -1,7 +1,7 @@
 // What the library adds to a call: each function against the bare memset, IPC and memcpy of the same bytes.
 //
-// The platform is a function that does nothing, so that nothing but the library is timed. Both sides of a pair run by turns, and the
-// pair's figure is the median of the rounds' differences and ratios. Allocations are counted over the whole run.
+// The platform is a function that does nothing, so that nothing but the library is timed. Both sides of a pair run by turns,
+// and the pair's figure is the median of the rounds' differences and ratios. Allocations are counted over the whole run.
 #include <algorithm>
 #include <chrono>
 #include <cstdarg>

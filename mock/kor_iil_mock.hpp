@@ -118,8 +118,8 @@ private:
     KorIilMockCall* call;
 };
 
-// The platform for one test, or one part of it: clean when it is made, verified when it goes. One at a time. The script itself is
-// the process's; that a test needs this object to get at it is what the methods below are not static for.
+// The platform for one test, or one part of it: clean when it is made, verified when it goes. One at a time. The script itself
+// is the process's; that a test needs this object to get at it is what the methods below are not static for.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
 class Platform
 {
