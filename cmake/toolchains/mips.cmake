@@ -1,11 +1,4 @@
-# 32-bit big-endian MIPS, with Debian's cross compiler; programs run under user-mode emulation.
-set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_SYSTEM_PROCESSOR mips)
-set(CMAKE_C_COMPILER mips-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER mips-linux-gnu-g++)
-list(APPEND CMAKE_FIND_ROOT_PATH /usr/mips-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-mips;-L;/usr/mips-linux-gnu)
+# 32-bit big-endian MIPS.
+set(processor mips)
+set(emulator qemu-mips)
+include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)

@@ -1,10 +1,10 @@
 #include "checker.h"
 
 #include "fault_trap.h"
+#include "ipc_status_names.h"
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 
 namespace conformance
 {
@@ -36,37 +36,7 @@ constexpr Style kStyles[] = {
 
 constexpr Placement kPlacements[] = {Placement::kFront, Placement::kBack};
 
-constexpr const char* kStatusNames[] = {
-    "OK",
-    "ERR",
-    "OVERSIZE",
-    "BAD_PARAM",
-    "NO_MEM",
-    "TX_FAIL",
-    "RX_FAIL",
-    "TIMEOUT",
-    "UNKNOWN_SRC_ID",
-    "UNKNOWN_DST_ID",
-    "UNKNOWN_COMM",
-    "MISMATCH_COMM",
-    "UNSUPPORT",
-    "UNKNOWN_CMD",
-    "BAD_CMD",
-    "BAD_RET",
-    "MISMATCH_CMD_LEN",
-    "UNKNOWN_EVT",
-    "BAD_EVT",
-    "MISMATCH_EVT_LEN",
-    "CONFLICT_ID",
-    "BUSY",
-};
-constexpr std::uint32_t kStatusCount = static_cast<std::uint32_t>(std::size(kStatusNames));
 constexpr std::uint32_t kTimeout = 7;
-
-std::string ipcStatusName(std::uint32_t status)
-{
-    return status < kStatusCount ? kStatusNames[status] : "Unknown";
-}
 
 // What a parameter must be for an argument of the contract.
 std::string parameterComplaint(const Argument& argument, const Parameter& parameter, std::uint32_t recordSize)
@@ -400,7 +370,7 @@ std::string Checker::ipcFailures()
         [&]
         {
             std::vector<std::uint32_t> statuses = {22, 100, 255, 256, 0x80000000u, 0xFFFFFFFFu};
-            for (std::uint32_t status = 1; status < kStatusCount; ++status)
+            for (std::uint32_t status = 1; status < tarn::test::kIpcStatusCount; ++status)
                 statuses.push_back(status);
             const std::vector<std::uint8_t> reply = filledReply(command.length, 77);
             for (const std::uint32_t status : statuses)
@@ -412,7 +382,8 @@ std::string Checker::ipcFailures()
                 requireSent(kCaller, prepared);
                 requireTrace("fail to KorIilExecute(), err = %s");
                 const std::string name = recorder.trace.argument == nullptr ? "NULL" : recorder.trace.argument;
-                require(name == ipcStatusName(status), "the name " + ipcStatusName(status), name);
+                require(name == tarn::test::ipcStatusName(status), std::string("the name ") + tarn::test::ipcStatusName(status),
+                        name);
                 requireResult(status == kTimeout ? contract.result.timedOut : contract.result.failed, result);
                 requireMemory(prepared, nullptr);
             }

@@ -1,42 +1,17 @@
 // The names of the IPC statuses.
+#include "ipc_status_names.h"
 #include "tarn_frame.h"
 
 #include <gtest/gtest.h>
-
-#include <iterator>
 
 namespace
 {
 
 TEST(IpcStatusName, EachStatusOfTheTableHasItsName)
 {
-    const char* const names[] = {
-        "OK",
-        "ERR",
-        "OVERSIZE",
-        "BAD_PARAM",
-        "NO_MEM",
-        "TX_FAIL",
-        "RX_FAIL",
-        "TIMEOUT",
-        "UNKNOWN_SRC_ID",
-        "UNKNOWN_DST_ID",
-        "UNKNOWN_COMM",
-        "MISMATCH_COMM",
-        "UNSUPPORT",
-        "UNKNOWN_CMD",
-        "BAD_CMD",
-        "BAD_RET",
-        "MISMATCH_CMD_LEN",
-        "UNKNOWN_EVT",
-        "BAD_EVT",
-        "MISMATCH_EVT_LEN",
-        "CONFLICT_ID",
-        "BUSY",
-    };
-    ASSERT_EQ(std::size(names), 22u);
-    for (uint32_t status = 0; status != std::size(names); ++status)
-        EXPECT_STREQ(tarnIpcStatusName(status), names[status]) << status;
+    ASSERT_EQ(tarn::test::kIpcStatusCount, 22u);
+    for (uint32_t status = 0; status != tarn::test::kIpcStatusCount; ++status)
+        EXPECT_STREQ(tarnIpcStatusName(status), tarn::test::kIpcStatusNames[status]) << status;
 }
 
 TEST(IpcStatusName, AnyOtherStatusIsUnknown)

@@ -1,7 +1,7 @@
 // What every call through the proxy does alike: checks, message, failures, result.
+#include "ipc_status_names.h"
 #include "proxy_test.h"
 
-#include <array>
 #include <limits>
 
 using testing::ElementsAre;
@@ -150,31 +150,7 @@ TEST_F(ProxyFrame, TimeOutGivesTheResultOfARefusalAndLeavesTheOutput)
 
 TEST_F(ProxyFrame, EveryIpcFailureIsTracedByNameAndGivesMinusOne)
 {
-    const std::array<const char*, 23> names = {"OK",
-                                               "ERR",
-                                               "OVERSIZE",
-                                               "BAD_PARAM",
-                                               "NO_MEM",
-                                               "TX_FAIL",
-                                               "RX_FAIL",
-                                               "TIMEOUT",
-                                               "UNKNOWN_SRC_ID",
-                                               "UNKNOWN_DST_ID",
-                                               "UNKNOWN_COMM",
-                                               "MISMATCH_COMM",
-                                               "UNSUPPORT",
-                                               "UNKNOWN_CMD",
-                                               "BAD_CMD",
-                                               "BAD_RET",
-                                               "MISMATCH_CMD_LEN",
-                                               "UNKNOWN_EVT",
-                                               "BAD_EVT",
-                                               "MISMATCH_EVT_LEN",
-                                               "CONFLICT_ID",
-                                               "BUSY",
-                                               "Unknown"};
-
-    for (std::uint32_t status = 1; status != names.size(); ++status)
+    for (std::uint32_t status = 1; status <= kIpcStatusCount; ++status)
     {
         expectCommand(1).fail(status);
         EXPECT_EQ(tarn_qcsapi_init("ledd"), -1);
@@ -182,7 +158,7 @@ TEST_F(ProxyFrame, EveryIpcFailureIsTracedByNameAndGivesMinusOne)
         const std::vector<mock::Trace> traces = platform.traces();
         ASSERT_EQ(traces.size(), status);
         EXPECT_EQ(traces.back().format, "fail to KorIilExecute(), err = %s");
-        EXPECT_EQ(traces.back().text, std::string("fail to KorIilExecute(), err = ") + names[status]);
+        EXPECT_EQ(traces.back().text, std::string("fail to KorIilExecute(), err = ") + ipcStatusName(status));
     }
 }
 
