@@ -17,18 +17,17 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tarnConfig.cmake ${CMAKE_CURRENT_BINAR
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tarn COMPONENT library)
 
 if(TARN_BUILD_KIT)
-    install(FILES host/kor_iil_service.h mock/kor_iil_mock.h mock/kor_iil_mock.hpp
+    install(FILES kit/host/kor_iil_service.h kit/mock/kor_iil_mock.h kit/mock/kor_iil_mock.hpp kit/simulator/tarn_gateway_control.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT kit)
-    install(FILES simulator/control.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn RENAME tarn_gateway_control.h COMPONENT kit)
     install(TARGETS koriil koriil_static tarn_mock EXPORT tarnTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
     install(TARGETS tarn-gateway tarnctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
-    install(FILES contract/tarn.json contract/qtn_rpc_proxy.json contract/qtn_mirror.json contract/contract.schema.json
-        contract/README.md
+    install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json
+        kit/contract/contract.schema.json kit/contract/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/contract COMPONENT kit)
-    install(FILES tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
-    install(DIRECTORY simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
+    install(FILES kit/tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
+    install(DIRECTORY kit/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     configure_file(packaging/libkoriil.pc.in libkoriil.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/libkoriil.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()

@@ -1,7 +1,7 @@
 /* What the platform's IPC library supplies: four functions, resolved when the component is linked.
  *
- * The gateway brings its own implementation; on a workstation `host/` stands in, and in unit tests `mock/` does. All sizes are
- * in bytes, and every function may be called from any thread at any time. */
+ * The gateway brings its own implementation; on a workstation libkoriil stands in, and in unit tests the mock does. All sizes
+ * are in bytes, and every function may be called from any thread at any time. */
 #ifndef KOR_IIL_H
 #define KOR_IIL_H
 

@@ -1,7 +1,7 @@
 #include "checker.h"
 
 #include "fault_trap.h"
-#include "ipc_status_names.h"
+#include "support/ipc_status_names.h"
 
 #include <algorithm>
 #include <cstring>

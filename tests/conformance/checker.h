@@ -4,8 +4,8 @@
 // or an empty text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
 #pragma once
 
-#include "call_by_name.h"
-#include "contract.h"
+#include "contract/call_by_name.h"
+#include "contract/contract.h"
 #include "prepared_call.h"
 #include "recorder.h"
 

@@ -1,8 +1,8 @@
 // The arguments of one call, laid out in guarded memory, and what the contract says they become.
 #pragma once
 
-#include "call_by_name.h"
-#include "contract.h"
+#include "contract/call_by_name.h"
+#include "contract/contract.h"
 #include "guarded_area.h"
 
 #include <cstdint>

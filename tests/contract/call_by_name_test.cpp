@@ -1,6 +1,6 @@
 // The list of functions and their signatures; that calls arrive as they should is the conformance test's matter.
-#include "call_by_name.h"
-#include "contract.h"
+#include "contract/call_by_name.h"
+#include "contract/contract.h"
 #include "kor_iil_mock.hpp"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // The three contracts that are compiled in, and finding one's way in them.
-#include "contract.h"
+#include "contract/contract.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // What the reader refuses: each text differs from a sound one in a single place.
-#include "contract.h"
+#include "contract/contract.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The steps that every function of the device service takes: what is sent, what a failure gives, what is traced.
 #include "kor_iil_mock.hpp"
-#include "samples.h"
+#include "support/samples.h"
 #include "tarn_api.h"
 
 #include <cstring>

@@ -1,6 +1,6 @@
 // Which caller ids are let through, and how they travel.
 #include "kor_iil_mock.hpp"
-#include "samples.h"
+#include "support/samples.h"
 #include "tarn_api.h"
 
 #include <cstdarg>

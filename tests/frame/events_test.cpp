@@ -1,6 +1,6 @@
 // Subscription to the device service's events, and its end.
 #include "kor_iil_mock.hpp"
-#include "samples.h"
+#include "support/samples.h"
 #include "tarn_frame.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // The caller's table of rates.
-#include "samples.h"
+#include "support/samples.h"
 #include "tarn_frame.h"
 
 #include <gmock/gmock.h>

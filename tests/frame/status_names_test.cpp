@@ -1,5 +1,5 @@
 // The names of the IPC statuses.
-#include "ipc_status_names.h"
+#include "support/ipc_status_names.h"
 #include "tarn_frame.h"
 
 #include <gtest/gtest.h>

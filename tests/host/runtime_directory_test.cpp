@@ -1,7 +1,7 @@
 // Where the sockets are, and which directories are refused. Every refusal is UNKNOWN_COMM, for clients and services alike.
 #include "support.h"
 
-#include "runtime_directory.h"
+#include "host/runtime_directory.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "support.h"
 
-#include "identifiers.h"
+#include "host/identifiers.h"
 
 #include <chrono>
 #include <csignal>

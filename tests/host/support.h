@@ -2,10 +2,10 @@
 // made by hand.
 #pragma once
 
-#include "descriptor.h"
+#include "host/descriptor.h"
+#include "host/packet.h"
 #include "kor_iil.h"
 #include "kor_iil_service.h"
-#include "packet.h"
 
 #include <atomic>
 #include <functional>

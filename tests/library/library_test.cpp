@@ -5,8 +5,8 @@
 #include <set>
 #include <string>
 
-#include "call_by_name.h"
-#include "contract.h"
+#include "contract/call_by_name.h"
+#include "contract/contract.h"
 #include "facts.h"
 
 namespace

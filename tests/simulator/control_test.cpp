@@ -2,7 +2,7 @@
 
 #include "kor_iil.h"
 #include "kor_iil_service.h"
-#include "scenario.h"
+#include "simulator/scenario.h"
 
 #include <atomic>
 #include <filesystem>

@@ -1,10 +1,10 @@
 #include "support.h"
 
-#include "contract.h"
-#include "dispatcher.h"
+#include "contract/contract.h"
 #include "kor_iil.h"
 #include "kor_iil_service.h"
-#include "scenario.h"
+#include "simulator/dispatcher.h"
+#include "simulator/scenario.h"
 
 #include <random>
 #include <set>

@@ -1,11 +1,11 @@
 #include "support.h"
 
-#include "contract.h"
-#include "handlers.h"
-#include "layout.h"
-#include "outcome.h"
-#include "records.h"
-#include "scenario.h"
+#include "contract/contract.h"
+#include "simulator/handlers.h"
+#include "simulator/layout.h"
+#include "simulator/outcome.h"
+#include "simulator/records.h"
+#include "simulator/scenario.h"
 
 #include <set>
 

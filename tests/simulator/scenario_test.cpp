@@ -1,6 +1,6 @@
 #include "support.h"
 
-#include "scenario.h"
+#include "simulator/scenario.h"
 
 #include <fstream>
 #include <sstream>

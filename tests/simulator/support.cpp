@@ -1,8 +1,8 @@
 #include "support.h"
 
-#include "contract.h"
+#include "contract/contract.h"
 #include "kor_iil.h"
-#include "scenario.h"
+#include "simulator/scenario.h"
 
 #include <chrono>
 #include <condition_variable>

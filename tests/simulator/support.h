@@ -2,13 +2,13 @@
 // functions that are counted, the state of the gateway, and the events that it publishes.
 #pragma once
 
-#include "clock.h"
-#include "control.h"
-#include "gateway.h"
-#include "layout.h"
-#include "mac_address.h"
-#include "model.h"
+#include "simulator/clock.h"
+#include "simulator/gateway.h"
+#include "simulator/layout.h"
+#include "simulator/mac_address.h"
+#include "simulator/model.h"
 #include "tarn_api.h"
+#include "tarn_gateway_control.h"
 #include "tarn_qtn_monitor_api.h"
 
 #include <cstring>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "kor_iil_mock.hpp"
-#include "samples.h"
+#include "support/samples.h"
 #include "tarn_api.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 // What every call through the proxy does alike: checks, message, failures, result.
-#include "ipc_status_names.h"
 #include "proxy_test.h"
+#include "support/ipc_status_names.h"
 
 #include <limits>
 

@@ -1,6 +1,6 @@
 // `list` and `describe`: all that is exported is there, and what is said of it is the contract's.
-#include "command_line.h"
 #include "support.h"
+#include "tarnctl/command_line.h"
 
 #include <algorithm>
 #include <set>

@@ -1,6 +1,6 @@
 // The everyday commands, each against services that answer as a gateway does.
-#include "control.h"
 #include "support.h"
+#include "tarn_gateway_control.h"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
 #include "support.h"
 
-#include "command_line.h"
 #include "schema.h"
+#include "tarnctl/command_line.h"
 
 #include <cstdlib>
 #include <cstring>

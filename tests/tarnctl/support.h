@@ -2,7 +2,7 @@
 // own.
 #pragma once
 
-#include "contract.h"
+#include "contract/contract.h"
 #include "kor_iil_service.h"
 
 #include <nlohmann/json.hpp>

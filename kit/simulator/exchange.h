@@ -3,7 +3,7 @@
 // Where an argument stands in the message, and how, is the contract's to say.
 #pragma once
 
-#include "contract.h"
+#include "contract/contract.h"
 #include "layout.h"
 #include "mac_address.h"
 

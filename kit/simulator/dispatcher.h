@@ -1,7 +1,7 @@
 // From a request of one service to the handlers of its command, and to the status of the reply.
 #pragma once
 
-#include "contract.h"
+#include "contract/contract.h"
 #include "handlers.h"
 #include "outcome.h"
 

@@ -1,8 +1,8 @@
 #include "control_service.h"
 
-#include "control.h"
 #include "kor_iil_service.h"
 #include "state.h"
+#include "tarn_gateway_control.h"
 
 #include <cstring>
 #include <memory>

@@ -2,8 +2,8 @@
 // that carry no command, which are described here.
 #pragma once
 
-#include "call_by_name.h"
-#include "contract.h"
+#include "contract/call_by_name.h"
+#include "contract/contract.h"
 
 #include <cstdint>
 #include <string>

@@ -2,10 +2,10 @@
 #include "verbs.h"
 
 #include "call.h"
-#include "control.h"
 #include "event_names.h"
 #include "kor_iil.h"
 #include "tarn_frame.h"
+#include "tarn_gateway_control.h"
 #include "usage_error.h"
 #include "values.h"
 

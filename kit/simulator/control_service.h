@@ -1,4 +1,4 @@
-// The requests of the control identifier, those of control.h.
+// The requests of the control identifier, those of tarn_gateway_control.h.
 #pragma once
 
 #include "model.h"

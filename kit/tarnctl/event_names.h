@@ -1,7 +1,7 @@
 // The device service's events by name and number.
 #pragma once
 
-#include "contract.h"
+#include "contract/contract.h"
 
 #include <string>
 #include <vector>

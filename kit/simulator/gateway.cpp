@@ -1,8 +1,8 @@
 #include "gateway.h"
 
-#include "control.h"
 #include "control_service.h"
 #include "kor_iil_service.h"
+#include "tarn_gateway_control.h"
 
 #include <chrono>
 #include <cstdio>
