@@ -114,7 +114,7 @@ bool childrenCanStartThreads()
 #if defined(__SANITIZE_THREAD__)
     return false;
 #else
-    return *HOST_PROBE_EMULATOR == '\0';
+    return *EMULATOR == '\0';
 #endif
 }
 

@@ -68,10 +68,10 @@ private:
             return 101;
 
         std::vector<std::string> words;
-        std::istringstream emulator(HOST_PROBE_EMULATOR);
+        std::istringstream emulator(EMULATOR);
         for (std::string word; emulator >> word;)
             words.push_back(word);
-        words.emplace_back(HOST_PROBE);
+        words.emplace_back(HOST_PROBE_PROGRAM);
         words.insert(words.end(), arguments.begin(), arguments.end());
         std::vector<char*> pointers;
         for (std::string& word : words)

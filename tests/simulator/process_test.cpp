@@ -91,7 +91,7 @@ private:
     [[noreturn]] static void execute(const std::vector<std::string>& arguments)
     {
         std::vector<std::string> words;
-        const std::string emulator = TARN_GATEWAY_EMULATOR;
+        const std::string emulator = EMULATOR;
         for (std::size_t begin = 0; begin < emulator.size();)
         {
             const std::size_t end = std::min(emulator.find(' ', begin), emulator.size());

@@ -45,7 +45,7 @@ std::string readLine(int descriptor)
 Words programCommand(const Words& arguments)
 {
     Words command;
-    std::istringstream emulator(TARNCTL_EMULATOR); // words, or none
+    std::istringstream emulator(EMULATOR); // words, or none
     for (std::string word; emulator >> word;)
         command.push_back(word);
     command.push_back(TARNCTL_PROGRAM);

@@ -1,0 +1,60 @@
+# How a test program is made. Each GoogleTest case becomes a test of CTest's own, "PROGRAM.Suite.Case"; those of another
+# processor run through its emulator.
+include(GoogleTest)
+
+# GoogleTest and GoogleMock with their main, built from the source that Debian ships, so that they are there for every target.
+set(googletest /usr/src/googletest)
+if(NOT EXISTS ${googletest}/googlemock/src/gmock-all.cc)
+    message(FATAL_ERROR "${googletest} is missing: install googletest")
+endif()
+add_library(tarn_gtest STATIC
+    ${googletest}/googletest/src/gtest-all.cc
+    ${googletest}/googlemock/src/gmock-all.cc
+    ${googletest}/googlemock/src/gmock_main.cc)
+target_include_directories(tarn_gtest SYSTEM
+    PUBLIC ${googletest}/googletest/include ${googletest}/googlemock/include
+    PRIVATE ${googletest}/googletest ${googletest}/googlemock)
+target_link_libraries(tarn_gtest PUBLIC Threads::Threads)
+
+# Tests include headers of the rooms, and what several of them need from tests/support.
+add_library(tarn_test_headers INTERFACE)
+target_include_directories(tarn_test_headers INTERFACE ${PROJECT_SOURCE_DIR}/tests)
+target_link_libraries(tarn_test_headers INTERFACE tarn_rooms)
+
+# Compiled quickly: nothing is timed, and what the tests test keeps flags of its own. GoogleTest's headers, which take most of a
+# test's compilation, are compiled once for all programs.
+set(tarn_test_options -O0 -g1)
+add_library(tarn_test_precompiled OBJECT ${PROJECT_SOURCE_DIR}/tests/support/precompiled.cpp)
+target_link_libraries(tarn_test_precompiled PRIVATE tarn_gtest)
+target_compile_options(tarn_test_precompiled PRIVATE ${tarn_test_options})
+tarn_warnings(tarn_test_precompiled)
+target_precompile_headers(tarn_test_precompiled PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+
+string(JOIN " " TARN_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR})
+
+# tarn_test(NAME SOURCES ... LIBRARIES ... [DEFINITIONS ...] [PROGRAMS TARGET...] [TIMEOUT SECONDS])
+#
+# PROGRAMS are started by the tests: TARGET_PROGRAM, in upper case, is defined as the path of each, and EMULATOR as what runs
+# them.
+function(tarn_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS;PROGRAMS")
+    if(NOT test_TIMEOUT)
+        set(test_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${test_SOURCES})
+    target_link_libraries(${name} PRIVATE ${test_LIBRARIES} tarn_test_headers tarn_gtest)
+    target_compile_options(${name} PRIVATE ${tarn_test_options})
+    target_compile_definitions(${name} PRIVATE ${test_DEFINITIONS})
+    target_precompile_headers(${name} REUSE_FROM tarn_test_precompiled)
+    tarn_warnings(${name})
+    foreach(program IN LISTS test_PROGRAMS)
+        string(MAKE_C_IDENTIFIER "${program}_PROGRAM" macro)
+        string(TOUPPER "${macro}" macro)
+        target_compile_definitions(${name} PRIVATE "${macro}=\"$<TARGET_FILE:${program}>\"")
+        add_dependencies(${name} ${program})
+    endforeach()
+    if(test_PROGRAMS)
+        target_compile_definitions(${name} PRIVATE "EMULATOR=\"${TARN_EMULATOR}\"")
+    endif()
+    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${test_TIMEOUT})
+endfunction()
