@@ -1,35 +1,43 @@
+# Two products, two components, two sets of targets: what `library` installs is complete without `kit`.
 include(CMakePackageConfigHelpers)
+
+# An installed tree may be moved: pkg-config finds the rest from where the file stands.
+file(RELATIVE_PATH TARN_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+function(tarn_install_pkg_config name component)
+    configure_file(packaging/${name}.pc.in ${name}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
+endfunction()
+
+set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/tarn)
 
 install(FILES ${TARN_INSTALLED_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT library)
 install(TARGETS tarn tarn_static EXPORT tarnTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
+install(EXPORT tarnTargets NAMESPACE tarn:: DESTINATION ${package_directory} COMPONENT library)
+tarn_install_pkg_config(libtarn library)
 
-# An installed tree may be moved: pkg-config finds the rest from where the file stands.
-file(RELATIVE_PATH TARN_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(packaging/libtarn.pc.in libtarn.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/libtarn.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT library)
-
-configure_package_config_file(packaging/tarnConfig.cmake.in tarnConfig.cmake
-    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tarn)
+configure_package_config_file(packaging/tarnConfig.cmake.in tarnConfig.cmake INSTALL_DESTINATION ${package_directory})
 write_basic_package_version_file(tarnConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tarnConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/tarnConfigVersion.cmake
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tarn COMPONENT library)
+    DESTINATION ${package_directory} COMPONENT library)
 
 if(TARN_BUILD_KIT)
-    install(FILES kit/host/kor_iil_service.h kit/mock/kor_iil_mock.h kit/mock/kor_iil_mock.hpp kit/simulator/tarn_gateway_control.h
+    install(FILES kit/host/kor_iil_service.h kit/mock/kor_iil_mock.h kit/mock/kor_iil_mock.hpp
+        kit/simulator/tarn_gateway_control.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT kit)
-    install(TARGETS koriil koriil_static tarn_mock EXPORT tarnTargets
+    install(TARGETS koriil koriil_static tarn_mock EXPORT tarnKitTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
+    install(EXPORT tarnKitTargets NAMESPACE tarn:: DESTINATION ${package_directory} COMPONENT kit)
+    tarn_install_pkg_config(libkoriil kit)
+    tarn_install_pkg_config(libtarn_mock kit)
+
     install(TARGETS tarn-gateway tarnctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
     install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json
         kit/contract/contract.schema.json kit/contract/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/contract COMPONENT kit)
     install(FILES kit/tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     install(DIRECTORY kit/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
-    configure_file(packaging/libkoriil.pc.in libkoriil.pc @ONLY)
-    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/libkoriil.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
-
-install(EXPORT tarnTargets NAMESPACE tarn:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tarn COMPONENT library)
