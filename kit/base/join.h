@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace tarn::base
 {
@@ -22,11 +23,18 @@ std::string join(const Items& items, std::string_view separator, TextOf textOf)
     return text;
 }
 
+// The same of items that are texts or numbers.
 template <typename Items>
 std::string join(const Items& items, std::string_view separator = ", ")
 {
-    return join(
-        items, separator, [](const auto& item) -> const auto& { return item; });
+    const auto textOf = [](const auto& item)
+    {
+        if constexpr (std::is_arithmetic_v<std::decay_t<decltype(item)>>)
+            return std::to_string(item);
+        else
+            return std::string_view(item);
+    };
+    return join(items, separator, textOf);
 }
 
 } // namespace tarn::base

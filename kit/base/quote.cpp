@@ -8,40 +8,45 @@ namespace tarn::base
 namespace
 {
 
-// `special`: characters to put a backslash in front of. `prefix`: what the two digits of other bytes follow.
-std::string escapedWith(std::string_view text, std::string_view special, std::string_view prefix)
+bool isPrintable(char character)
+{
+    return character >= 0x20 && character < 0x7f;
+}
+
+std::string escapedWith(std::string_view text, std::string_view backslashed)
 {
     std::string result;
     for (const char character : text)
-    {
-        const auto byte = static_cast<unsigned char>(character);
-        if (special.find(character) != std::string_view::npos)
+        if (backslashed.find(character) != std::string_view::npos)
             result += {'\\', character};
-        else if (byte >= 0x20 && byte < 0x7f)
+        else if (isPrintable(character))
             result += character;
         else
-            appendHex(result += prefix, &byte, 1);
-    }
+            appendHex(result += "\\x", &character, 1);
     return result;
 }
-
-constexpr std::string_view kQuoteAndBackslash = "\"\\";
 
 } // namespace
 
 std::string escaped(std::string_view text)
 {
-    return escapedWith(text, "\\", "\\x");
+    return escapedWith(text, "\\");
 }
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
-    return '"' + escapedWith(text, kQuoteAndBackslash, "\\x") + '"';
+    return '"' + escapedWith(text, "\"\\") + '"';
 }
 
-std::string quotedForJson(std::string_view text)
+std::string inJsonQuotes(std::string_view text)
 {
-    return '"' + escapedWith(text, kQuoteAndBackslash, "\\u00") + '"';
+    std::string result = "\"";
+    for (const char character : text)
+        if (isPrintable(character) && character != '"' && character != '\\')
+            result += character;
+        else
+            appendHex(result += "\\u00", &character, 1);
+    return result + '"';
 }
 
 } // namespace tarn::base

@@ -160,12 +160,6 @@ Row find(std::string_view function);
 // The contract of exactly that service, or null.
 const Contract* findService(std::string_view service);
 
-// Functions with a name close to one that is not known, the closest first; none if nothing comes close.
-std::vector<std::string> suggestions(std::string_view function, std::size_t most = 3);
-
-// The same among any names.
-std::vector<std::string> suggestions(std::string_view asked, const std::vector<std::string>& names, std::size_t most = 3);
-
 // Reads one contract. `fileName` only goes into the text of errors. Throws ContractError for a text that is no JSON, for a key
 // that is missing, unknown, given twice or of the wrong kind, and for everything `problems` finds.
 Contract parse(std::string_view text, const std::string& fileName);

@@ -1,5 +1,7 @@
 #include "contract.h"
 
+#include "base/join.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <set>
@@ -22,9 +24,7 @@ std::string misfit(const Argument& argument)
     {
         if (std::find(encodings.begin(), encodings.end(), argument.encoding) != encodings.end())
             return std::string();
-        std::string expected;
-        for (const Encoding encoding : encodings)
-            expected += std::string(expected.empty() ? "" : ", ") + toString(encoding);
+        const std::string expected = base::join(encodings, ", ", [](Encoding encoding) { return toString(encoding); });
         return std::string("the encoding ") + toString(argument.encoding) + " does not go with " + toString(argument.type) +
                " " + toString(argument.direction) + ", expected one of " + expected;
     };

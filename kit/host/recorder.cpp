@@ -1,6 +1,8 @@
 #include "recorder.h"
 
-#include "timestamp.h"
+#include "base/hexadecimal.h"
+#include "base/quote.h"
+#include "base/timestamp.h"
 #include "trace.h"
 
 #include <cerrno>
@@ -36,26 +38,10 @@ int recording()
     return file;
 }
 
-// As JSON. A caller id may hold any bytes: each one becomes the character of its number, so that the line is ASCII and nothing
-// is lost.
-std::string quoted(const char* text)
+// A caller id may hold any bytes, but one of more than 64 is no identifier.
+std::string identifier(const char* text)
 {
-    if (text == nullptr)
-        return "null";
-    std::string result = "\"";
-    for (size_t i = 0; i < 64 && text[i] != '\0'; ++i) // longer ones are no identifiers
-    {
-        const auto character = static_cast<unsigned char>(text[i]);
-        if (character >= 0x20 && character < 0x7F && character != '"' && character != '\\')
-        {
-            result += text[i];
-            continue;
-        }
-        char escaped[8];
-        snprintf(escaped, sizeof(escaped), "\\u%04x", character);
-        result += escaped;
-    }
-    return result + "\"";
+    return text == nullptr ? "null" : tarn::base::inJsonQuotes({text, strnlen(text, 64)});
 }
 
 void appendHexadecimal(std::string& line, const void* bytes, uint32_t length)
@@ -65,14 +51,8 @@ void appendHexadecimal(std::string& line, const void* bytes, uint32_t length)
         line += "null";
         return;
     }
-    static constexpr char kDigits[] = "0123456789abcdef";
     line += '"';
-    for (uint32_t i = 0; i < length; ++i)
-    {
-        const unsigned char byte = static_cast<const unsigned char*>(bytes)[i];
-        line += kDigits[byte >> 4];
-        line += kDigits[byte & 15];
-    }
+    tarn::base::appendHex(line, bytes, length);
     line += '"';
 }
 
@@ -87,8 +67,8 @@ Record::Record(const char* callerId, const char* serviceId, uint32_t wait, uint3
                const void* message)
     : length_(length)
 {
-    line_ = std::string("{\"time\":\"") + Timestamp().text + "\",\"pid\":" + std::to_string(getpid()) +
-            ",\"caller\":" + quoted(callerId) + ",\"service\":" + quoted(serviceId) +
+    line_ = std::string("{\"time\":\"") + tarn::base::Timestamp().text + "\",\"pid\":" + std::to_string(getpid()) +
+            ",\"caller\":" + identifier(callerId) + ",\"service\":" + identifier(serviceId) +
             ",\"command\":" + std::to_string(command) + ",\"wait\":" + std::to_string(wait) +
             ",\"length\":" + std::to_string(length) + ",\"request\":";
     if (message != nullptr)

@@ -1,7 +1,7 @@
 // The trace sink: one line a record, bounded, written at once.
 #include "trace.h"
 
-#include "timestamp.h"
+#include "base/timestamp.h"
 
 #include <cerrno>
 #include <cstdarg>
@@ -167,7 +167,7 @@ extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t number
         }
 
         Line line;
-        line.append(Timestamp().text);
+        line.append(tarn::base::Timestamp().text);
         line.append(" ");
         appendLevel(line, level);
         appendPlace(line, fileTag, number);

@@ -1,5 +1,7 @@
 #include "kor_iil_mock.h"
 
+#include "base/format.h"
+#include "base/quote.h"
 #include "kor_iil.h"
 #include "script.h"
 
@@ -149,16 +151,12 @@ Part bytesPart(std::uint32_t offset, const void* bytes, std::uint32_t size, cons
 
 Part wordPart(std::uint32_t offset, std::uint32_t word)
 {
-    char label[24];
-    std::snprintf(label, sizeof label, "word 0x%08x", static_cast<unsigned>(word));
-    return bytesPart(offset, &word, sizeof word, label);
+    return bytesPart(offset, &word, sizeof word, tarn::base::format("word 0x%08x", word));
 }
 
 Part bytePart(std::uint32_t offset, std::uint8_t byte)
 {
-    char label[16];
-    std::snprintf(label, sizeof label, "byte 0x%02x", static_cast<unsigned>(byte));
-    return bytesPart(offset, &byte, sizeof byte, label);
+    return bytesPart(offset, &byte, sizeof byte, tarn::base::format("byte 0x%02x", byte));
 }
 
 Part runPart(std::uint32_t offset, const void* bytes, std::uint32_t size)
@@ -168,7 +166,7 @@ Part runPart(std::uint32_t offset, const void* bytes, std::uint32_t size)
 
 std::string textLabel(const char* text)
 {
-    return "text \"" + std::string(text) + "\"";
+    return "text " + tarn::base::inQuotes(text);
 }
 
 // Takes the head of the script if it is this call, and complains if it is not or carries something else. Null if it is not.
@@ -199,21 +197,6 @@ const KorIilMockCall* take(const ActualCall& actual)
     if (const std::string text = call->differences(actual); !text.empty())
         complain(*call, "not as scripted\n" + text);
     return call;
-}
-
-std::string render(const char* format, va_list arguments)
-{
-    va_list sameArguments;
-    va_copy(sameArguments, arguments);
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the copy is taken right above.
-    const int length = std::vsnprintf(nullptr, 0, format, sameArguments);
-    va_end(sameArguments);
-    if (length <= 0)
-        return "";
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    text.pop_back();
-    return text;
 }
 
 } // namespace
@@ -465,7 +448,7 @@ void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char*
     }
     else
     {
-        const std::string text = render(format, arguments);
+        const std::string text = tarn::base::vformat(format, arguments);
         const Guard guard(mutex());
         RecordedTrace& trace = platform().traces.emplace_back(RecordedTrace{fileTag, format, text, {}});
         trace.shown = {level, trace.fileTag.c_str(), line, trace.format.c_str(), trace.text.c_str()};

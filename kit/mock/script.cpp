@@ -1,7 +1,9 @@
 #include "script.h"
 
+#include "base/format.h"
+#include "base/quote.h"
+
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 namespace tarn::mock
@@ -13,16 +15,9 @@ namespace
 constexpr std::uint32_t kRowBytes = 16;
 constexpr std::size_t kRowsShown = 8;
 
-std::string hex(const char* format, unsigned value)
+std::string nameOrNull(const char* text)
 {
-    char text[16];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
-std::string quoted(const char* text)
-{
-    return text == nullptr ? "NULL" : "\"" + std::string(text) + "\"";
+    return text == nullptr ? "NULL" : base::inQuotes(text);
 }
 
 // What a script says about each byte of a message.
@@ -63,7 +58,7 @@ public:
 
     std::string byteAt(std::uint32_t offset) const
     {
-        return compared[offset] ? hex("%02x", bytes[offset]) : "..";
+        return compared[offset] ? base::format("%02x", bytes[offset]) : "..";
     }
 
     std::uint32_t size() const
@@ -86,10 +81,10 @@ std::string dumpRow(const Expected& expected, const std::uint8_t* message, std::
     for (std::uint32_t offset = start; offset < std::min(start + kRowBytes, expected.size()); ++offset)
     {
         left += expected.byteAt(offset) + " ";
-        right += hex("%02x ", message[offset]);
+        right += base::format("%02x ", message[offset]);
         marks += expected.differsAt(offset, message) ? "^^ " : "   ";
     }
-    const std::string margin = "  " + hex("0x%04x", start) + "  ";
+    const std::string margin = "  " + base::format("0x%04x", start) + "  ";
     left.resize(kRowBytes * 3 + 1, ' ');
     marks.resize(kRowBytes * 3 + 1, ' ');
     const std::string line = std::string(margin.size(), ' ') + marks + marks;
@@ -121,7 +116,7 @@ std::string byteDifferences(const KorIilMockCall& call, const std::uint8_t* mess
         return "";
     const std::uint32_t first = differences.front();
     return "at offset " + std::to_string(first) + ": expected " + expected.byteAt(first) + " (" + expected.labelAt(first) +
-           "), got " + hex("%02x", message[first]) + "; " + std::to_string(differences.size()) +
+           "), got " + base::format("%02x", message[first]) + "; " + std::to_string(differences.size()) +
            (differences.size() == 1 ? " byte differs\n" : " bytes differ\n") + dump(expected, message, differences);
 }
 
@@ -151,7 +146,8 @@ std::string KorIilMockCall::differences(const tarn::mock::ActualCall& actual) co
 {
     std::string text;
     if (callerId && (actual.callerId == nullptr || *callerId != actual.callerId))
-        text += "caller: expected \"" + *callerId + "\", got " + tarn::mock::quoted(actual.callerId) + "\n";
+        text +=
+            "caller: expected " + tarn::base::inQuotes(*callerId) + ", got " + tarn::mock::nameOrNull(actual.callerId) + "\n";
     if (kind != tarn::mock::Kind::kExecute)
         return text;
     if (wait && *wait != actual.wait)

@@ -1,12 +1,11 @@
-// The data files of this directory, as the build compiled them in.
 #pragma once
 
-#include <string_view>
+#include "base/embedded_files.h"
 
 namespace tarn::simulator
 {
 
-// Throws std::logic_error if none was compiled in under that name.
-std::string_view embeddedFile(std::string_view name);
+// layouts.json and default.json.
+const std::vector<base::EmbeddedFile>& embeddedFiles();
 
 } // namespace tarn::simulator

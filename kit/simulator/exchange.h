@@ -5,7 +5,7 @@
 
 #include "contract/contract.h"
 #include "layout.h"
-#include "mac_address.h"
+#include "mobility_domain.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,5 @@
 // The device service's SSID interfaces and the access points on them: configuration, security, WPS, roaming, block list.
+#include "base/hexadecimal.h"
 #include "handlers.h"
 #include "records.h"
 
@@ -67,7 +68,7 @@ void getRoamingMdid(Model& model, Exchange& exchange)
 
 void setRoamingMdid(Model& model, Exchange& exchange)
 {
-    model.change(interfaceOf(model, exchange), {{"mobilityDomain", toString(exchange.mobilityDomain("mdid"))}});
+    model.change(interfaceOf(model, exchange), {{"mobilityDomain", base::hexText(exchange.mobilityDomain("mdid"))}});
 }
 
 void getBlockAddrNum(Model& model, Exchange& exchange)

@@ -1,5 +1,6 @@
 #include "json_section.h"
 
+#include "base/join.h"
 #include "outcome.h"
 #include "scenario.h"
 
@@ -18,14 +19,6 @@ std::string shown(const Json& value)
     constexpr std::size_t kLongest = 60;
     const std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
     return text.size() <= kLongest ? text : text.substr(0, kLongest) + "...";
-}
-
-std::string joined(const std::vector<std::string>& words)
-{
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : ", ") + word;
-    return text;
 }
 
 } // namespace
@@ -129,8 +122,8 @@ void JsonSection::read(const std::string& key, MacAddress& target)
     const Json* value = take(key);
     if (value == nullptr)
         return;
-    const auto address = value->is_string() ? parseMacAddress(value->get_ref<const std::string&>()) : std::nullopt;
-    if (!address || !isStationAddress(*address))
+    const auto address = value->is_string() ? base::parseMacAddress(value->get_ref<const std::string&>()) : std::nullopt;
+    if (!address || !base::isIndividual(*address))
         reject(key, "a MAC address such as 02:00:00:00:01:05, no group address");
     target = *address;
 }
@@ -146,8 +139,8 @@ void JsonSection::read(const std::string& key, std::vector<MacAddress>& target, 
         reject(key, expected);
     for (const Json& each : *value)
     {
-        const auto address = each.is_string() ? parseMacAddress(each.get_ref<const std::string&>()) : std::nullopt;
-        if (!address || !isStationAddress(*address) || std::find(target.begin(), target.end(), *address) != target.end())
+        const auto address = each.is_string() ? base::parseMacAddress(each.get_ref<const std::string&>()) : std::nullopt;
+        if (!address || !base::isIndividual(*address) || std::find(target.begin(), target.end(), *address) != target.end())
             reject(key, expected);
         target.push_back(*address);
     }
@@ -244,7 +237,7 @@ void JsonSection::rejectUnknown(const std::string& key, const Settings* settings
     if (settings != nullptr)
         for (const Property& property : settings->properties())
             names.push_back(property.name);
-    throw ScenarioError(place_ + "/" + key + ": unknown key; expected one of " + joined(names));
+    throw ScenarioError(place_ + "/" + key + ": unknown key; expected one of " + base::join(names));
 }
 
 } // namespace tarn::simulator

@@ -2,7 +2,7 @@
 // for, is an error that says where it stands and what was expected.
 #pragma once
 
-#include "mac_address.h"
+#include "base/mac_address.h"
 #include "settings.h"
 
 #include <cstdint>
@@ -16,6 +16,8 @@
 
 namespace tarn::simulator
 {
+
+using base::MacAddress;
 
 using Json = nlohmann::ordered_json;
 

@@ -129,7 +129,7 @@ std::vector<Layout> parseLayouts(std::string_view text)
 
 const std::vector<Layout>& layouts()
 {
-    static const std::vector<Layout> all = parseLayouts(embeddedFile("layouts.json"));
+    static const std::vector<Layout> all = parseLayouts(base::embeddedText(embeddedFiles(), "layouts.json"));
     return all;
 }
 

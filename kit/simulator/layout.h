@@ -1,7 +1,7 @@
 // The inside of the opaque records, as layouts.json describes it.
 #pragma once
 
-#include "mac_address.h"
+#include "base/mac_address.h"
 #include "settings.h"
 
 #include <cstddef>
@@ -13,6 +13,8 @@
 
 namespace tarn::simulator
 {
+
+using base::MacAddress;
 
 enum class FieldType
 {

@@ -256,7 +256,7 @@ void Model::stopPolling(Polling what, bool stop)
 
 void Model::addAddress(std::vector<MacAddress>& list, const MacAddress& address, std::size_t room)
 {
-    if (!isStationAddress(address))
+    if (!base::isIndividual(address))
         refuse(Outcome::kInvalidValue);
     if (std::find(list.begin(), list.end(), address) != list.end())
         refuse(Outcome::kAlreadyThere);
@@ -495,7 +495,7 @@ void Model::tell(const char* event, const Record& data) const
 void Model::tellStation(const Interface& interface, const Station& station, bool associated)
 {
     history.push_back({now() - started_, associated ? 1u : 0u,
-                       toString(station.address) + (associated ? " has come to " : " has left ") + interface.name});
+                       base::macText(station.address) + (associated ? " has come to " : " has left ") + interface.name});
     if (history.size() > kHistoryRoom)
         history.pop_front();
     Record data(layout("EVT_AP_ASSOCIATED_CHANGED"));

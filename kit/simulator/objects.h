@@ -1,10 +1,11 @@
 // The objects that the model of the gateway is made of.
 #pragma once
 
+#include "base/mac_address.h"
 #include "channels.h"
 #include "clock.h"
 #include "counters.h"
-#include "mac_address.h"
+#include "mobility_domain.h"
 #include "settings.h"
 
 #include <array>
@@ -18,6 +19,8 @@
 
 namespace tarn::simulator
 {
+
+using base::MacAddress;
 
 struct Radio;
 

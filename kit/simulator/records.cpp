@@ -1,5 +1,7 @@
 #include "records.h"
 
+#include "base/join.h"
+
 namespace tarn::simulator
 {
 
@@ -13,10 +15,7 @@ std::vector<std::uint8_t> channelBytes(const std::vector<std::uint32_t>& channel
 
 std::string channelText(const std::vector<std::uint32_t>& channels)
 {
-    std::string text;
-    for (const std::uint32_t channel : channels)
-        text += (text.empty() ? "" : ",") + std::to_string(channel);
-    return text;
+    return base::join(channels, ",");
 }
 
 void fillRadio(Record& record, const Radio& radio)

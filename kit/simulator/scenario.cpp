@@ -1,5 +1,6 @@
 #include "scenario.h"
 
+#include "base/join.h"
 #include "embedded_files.h"
 #include "json_section.h"
 
@@ -108,10 +109,8 @@ void chooseChannel(JsonSection& section, Radio& radio)
         return;
     if (!section.has("channel"))
         return radio.settings.set("channel", channels.front());
-    std::string expected = "one of";
-    for (const std::uint32_t each : channels)
-        expected += " " + std::to_string(each);
-    section.reject("channel", expected + ", the channels of the " + toString(radio.band) + " band at " +
+    const std::string expected = base::join(channels, " ");
+    section.reject("channel", "one of " + expected + ", the channels of the " + toString(radio.band) + " band at " +
                                   std::to_string(radio.settings.number("bandwidth")) + " MHz in country " +
                                   radio.settings.text("country"));
 }
@@ -187,9 +186,9 @@ void checkUnique(const Model& model, const std::string& fileName)
         for (const Interface& interface : radio.interfaces)
         {
             once(names.insert(interface.name).second, "the interface name " + interface.name);
-            once(addresses.insert(interface.bssid).second, "the address " + toString(interface.bssid));
+            once(addresses.insert(interface.bssid).second, "the address " + base::macText(interface.bssid));
             for (const Station& station : interface.away)
-                once(addresses.insert(station.address).second, "the address " + toString(station.address));
+                once(addresses.insert(station.address).second, "the address " + base::macText(station.address));
         }
 }
 
@@ -239,7 +238,7 @@ void readScenarioFile(const std::string& path, Model& model)
 
 void readDefaultScenario(Model& model)
 {
-    readScenario(embeddedFile("default.json"), "default.json", model);
+    readScenario(base::embeddedText(embeddedFiles(), "default.json"), "default.json", model);
 }
 
 } // namespace tarn::simulator

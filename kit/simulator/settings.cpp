@@ -1,6 +1,7 @@
 #include "settings.h"
 
-#include "mac_address.h"
+#include "base/join.h"
+#include "mobility_domain.h"
 #include "outcome.h"
 
 #include <algorithm>
@@ -43,8 +44,7 @@ Property oneNumberOf(std::string name, const std::vector<std::uint32_t>& choices
     Property property;
     property.name = std::move(name);
     property.initial = initial;
-    for (const std::uint32_t choice : choices)
-        property.expected += (property.expected.empty() ? "one of " : ", ") + std::to_string(choice);
+    property.expected = "one of " + base::join(choices);
     property.accepts = amongThese(choices);
     return property;
 }
@@ -54,8 +54,7 @@ Property oneTextOf(std::string name, const std::vector<std::string>& choices, st
     Property property;
     property.name = std::move(name);
     property.initial = std::move(initial);
-    for (const std::string& choice : choices)
-        property.expected += (property.expected.empty() ? "one of " : ", ") + choice;
+    property.expected = "one of " + base::join(choices);
     property.accepts = amongThese(choices);
     return property;
 }

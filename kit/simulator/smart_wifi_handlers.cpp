@@ -1,4 +1,5 @@
 // The device service's control of the Smart WiFi steering daemon.
+#include "base/hexadecimal.h"
 #include "handlers.h"
 #include "records.h"
 
@@ -288,7 +289,7 @@ void getCfgToFile(Model& model, Exchange& exchange)
     std::string text;
     for (const SteeringDomain& domain : model.smartWiFi.domains)
     {
-        text += "[" + toString(domain.id) + "]\n";
+        text += "[" + base::hexText(domain.id) + "]\n";
         appendLines(text, domain.settings);
     }
     files[path] = text;

@@ -1,5 +1,7 @@
 #include "state.h"
 
+#include "base/hexadecimal.h"
+#include "base/quote.h"
 #include "records.h"
 
 namespace tarn::simulator
@@ -10,29 +12,12 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-// Bytes that a caller has set may be no UTF-8; JSON text has to be. They show as \xNN, and a backslash as two.
-std::string printable(const std::string& text)
-{
-    static const char kDigits[] = "0123456789abcdef";
-    std::string result;
-    for (const char character : text)
-    {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '\\')
-            result += "\\\\";
-        else if (byte >= 0x20 && byte < 0x7f)
-            result += character;
-        else
-            result.append("\\x").append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 15]);
-    }
-    return result;
-}
-
+// Bytes that a caller has set may be no UTF-8; JSON text has to be, and is ASCII here.
 void add(Json& object, const Settings& settings)
 {
     for (const Property& property : settings.properties())
         if (property.isText())
-            object[property.name] = printable(settings.text(property.name));
+            object[property.name] = base::escaped(settings.text(property.name));
         else
             object[property.name] = settings.number(property.name);
 }
@@ -41,7 +26,7 @@ Json list(const std::vector<MacAddress>& addresses)
 {
     Json result = Json::array();
     for (const MacAddress& each : addresses)
-        result.push_back(toString(each));
+        result.push_back(base::macText(each));
     return result;
 }
 
@@ -49,7 +34,7 @@ Json table(const std::map<std::string, std::string>& texts)
 {
     Json result = Json::object();
     for (const auto& [key, value] : texts)
-        result[printable(key)] = printable(value);
+        result[base::escaped(key)] = base::escaped(value);
     return result;
 }
 
@@ -68,7 +53,7 @@ Json mapOf(const DscpMap& map)
 
 Json stationOf(const Model& model, const Station& station, bool isAssociated)
 {
-    Json object = {{"address", toString(station.address)}, {"rssi", station.rssi}};
+    Json object = {{"address", base::macText(station.address)}, {"rssi", station.rssi}};
     if (isAssociated)
         object["secondsAssociated"] = model.secondsAssociated(station);
     return object;
@@ -76,7 +61,7 @@ Json stationOf(const Model& model, const Station& station, bool isAssociated)
 
 Json interfaceOf(const Model& model, const Interface& interface)
 {
-    Json object = {{"id", interface.id}, {"name", interface.name}, {"bssid", toString(interface.bssid)}};
+    Json object = {{"id", interface.id}, {"name", interface.name}, {"bssid", base::macText(interface.bssid)}};
     add(object, interface.settings);
     object["stations"] = Json::array();
     for (const Station& each : interface.stations)
@@ -92,11 +77,11 @@ Json interfaceOf(const Model& model, const Interface& interface)
     object["savedApPin"] = interface.savedApPin;
     object["wpsParameters"] = Json::object();
     for (const auto& [id, value] : interface.wpsParameters)
-        object["wpsParameters"][std::to_string(id)] = printable(value);
+        object["wpsParameters"][std::to_string(id)] = base::escaped(value);
     object["deferredSecurity"] = Json::object();
     for (const auto& [name, value] : interface.deferredSecurity)
         if (const auto* text = std::get_if<std::string>(&value))
-            object["deferredSecurity"][name] = printable(*text);
+            object["deferredSecurity"][name] = base::escaped(*text);
         else
             object["deferredSecurity"][name] = std::get<std::uint32_t>(value);
     for (const auto& [name, numbers] : interface.tables)
@@ -130,19 +115,19 @@ Json radioOf(const Model& model, const Radio& radio)
 Json moduleOf(const Model& model)
 {
     const Module& module = model.module;
-    Json object = {{"firmwareVersion", printable(module.firmwareVersion)}, {"initialised", module.initialised}};
+    Json object = {{"firmwareVersion", base::escaped(module.firmwareVersion)}, {"initialised", module.initialised}};
     add(object, module.settings);
     object["bootParameters"] = table(module.bootParameters);
     object["customValues"] = table(module.customValues);
-    object["lastScript"] = printable(module.lastScript);
-    object["lastScriptParameter"] = printable(module.lastScriptParameter);
+    object["lastScript"] = base::escaped(module.lastScript);
+    object["lastScriptParameter"] = base::escaped(module.lastScriptParameter);
     object["telnetHolders"] = module.telnetHolders;
     object["download"] = {{"state", static_cast<std::uint32_t>(module.download.state)},
-                          {"path", printable(module.download.path)}};
+                          {"path", base::escaped(module.download.path)}};
     object["productionDone"] = module.productionStarted && model.now() >= module.productionDone;
     object["securityAgent"] = Json::object();
     for (const auto& [key, entry] : module.securityAgent)
-        object["securityAgent"][printable(key)] = entry.value;
+        object["securityAgent"][base::escaped(key)] = entry.value;
     object["dscpTables"] = Json::object();
     for (const auto& [id, map] : module.dscpTables)
         object["dscpTables"][std::to_string(id)] = mapOf(map);
@@ -158,7 +143,7 @@ Json smartWiFiOf(const SmartWiFi& smartWiFi)
     Json object = {{"propagations", smartWiFi.propagations}, {"slaves", list(smartWiFi.slaves)}, {"domains", Json::array()}};
     for (const SteeringDomain& domain : smartWiFi.domains)
     {
-        Json each = {{"id", toString(domain.id)}};
+        Json each = {{"id", base::hexText(domain.id)}};
         add(each, domain.settings);
         each["nonSteer"] = list(domain.nonSteer);
         object["domains"].push_back(std::move(each));

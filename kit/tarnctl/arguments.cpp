@@ -1,5 +1,7 @@
 #include "arguments.h"
 
+#include "base/join.h"
+#include "base/suggestions.h"
 #include "usage_error.h"
 
 #include <algorithm>
@@ -20,14 +22,6 @@ std::vector<std::string> parameterNames(const Function& function)
     return names;
 }
 
-std::string listed(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
 void checkNames(const Function& function, const std::vector<Assignment>& assignments)
 {
     const std::vector<std::string> names = parameterNames(function);
@@ -35,8 +29,8 @@ void checkNames(const Function& function, const std::vector<Assignment>& assignm
     {
         if (function.parameter(each->name) == nullptr)
             throw UsageError(function.name + " has no argument " + inQuotes(each->name) + "; " +
-                                 (names.empty() ? "it has none" : "it has " + listed(names)),
-                             contract::suggestions(each->name, names));
+                                 (names.empty() ? "it has none" : "it has " + base::join(names)),
+                             base::suggestions(each->name, names));
         const bool isRepeated =
             std::any_of(assignments.begin(), each, [&](const Assignment& earlier) { return earlier.name == each->name; });
         if (isRepeated)

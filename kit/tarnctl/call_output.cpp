@@ -1,5 +1,6 @@
 #include "call_output.h"
 
+#include "base/join.h"
 #include "tarn_frame.h"
 #include "values.h"
 
@@ -62,10 +63,9 @@ bool isRateTable(const Argument& argument)
 
 void writeNumbers(const Console& console, const Argument& output)
 {
-    std::string line;
-    for (const std::uint32_t number : numbersOf(output))
-        line += (line.empty() ? "" : ", ") + numberText(number, output.parameter->width);
-    console.out << line << '\n';
+    const std::uint32_t width = output.parameter->width;
+    const auto text = [&](std::uint32_t number) { return numberText(number, width); };
+    console.out << base::join(numbersOf(output), ", ", text) << '\n';
 }
 
 void writeBytes(const Console& console, const Argument& output)
@@ -102,7 +102,7 @@ void writeOutput(const Console& console, const Argument& output)
     else if (output.parameter->form == Form::kText)
         console.out << (output.length == 0 ? "untouched, its size is 0" : inQuotes(textOf(output.content()))) << '\n';
     else if (isMacAddress(output))
-        console.out << macText(output.content()) << '\n';
+        console.out << hexText(output.content(), ":") << '\n';
     else
         writeBytes(console, output);
     if (isRateTable(output) && !output.isNull)
@@ -153,7 +153,7 @@ Json outputDocument(const Argument& output)
         document["record"] = output.parameter->record;
     document["hex"] = hexText(output.content());
     if (isMacAddress(output))
-        document["mac"] = macText(output.content());
+        document["mac"] = hexText(output.content(), ":");
     if (isRateTable(output))
         document["rates"] = ratesOf(output.buffer);
     return document;

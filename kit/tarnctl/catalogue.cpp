@@ -1,5 +1,6 @@
 #include "catalogue.h"
 
+#include "base/suggestions.h"
 #include "local_functions.h"
 #include "usage_error.h"
 #include "values.h"
@@ -172,7 +173,7 @@ const Function& functionNamed(const std::string& name)
         names.push_back(function.name);
     }
     throw UsageError("there is no function " + inQuotes(name) + "; tarnctl list shows them all",
-                     contract::suggestions(name, names));
+                     base::suggestions(name, names));
 }
 
 } // namespace tarn::ctl

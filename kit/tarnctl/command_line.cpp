@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include "base/join.h"
+#include "base/suggestions.h"
 #include "call.h"
 #include "call_output.h"
 #include "completion.h"
@@ -367,11 +369,8 @@ ExitCode failParsing(const Console& console, const CLI::App& app, const CLI::Par
     if (isCommand || word.empty())
         return console.fail(ExitCode::kUsage, std::string(error.what()) + "; tarnctl " + (isCommand ? word + " " : "") +
                                                   "--help shows what is expected");
-    std::string expected;
-    for (const std::string& name : names)
-        expected += (expected.empty() ? "" : ", ") + name;
-    return console.fail(ExitCode::kUsage, "there is no command " + inQuotes(word) + "; expected one of " + expected,
-                        contract::suggestions(word, names));
+    return console.fail(ExitCode::kUsage, "there is no command " + inQuotes(word) + "; expected one of " + base::join(names),
+                        base::suggestions(word, names));
 }
 
 ExitCode act(const Session& session)

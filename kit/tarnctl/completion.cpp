@@ -1,5 +1,6 @@
 #include "completion.h"
 
+#include "base/join.h"
 #include "catalogue.h"
 #include "event_names.h"
 
@@ -46,15 +47,6 @@ _tarnctl()
 }
 complete -o default -F _tarnctl tarnctl
 )bash";
-
-// Everything completed is made of letters, digits, '_', '-' and '='; no quoting is needed.
-std::string joined(const std::vector<std::string>& words)
-{
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text;
-}
 
 std::vector<const CLI::App*> commandsOf(const CLI::App& app)
 {
@@ -121,7 +113,7 @@ std::vector<std::string> eventWords()
 
 void writeCase(std::ostream& script, const std::string& pattern, const std::vector<std::string>& words)
 {
-    script << "        " << pattern << ") echo '" << joined(words) << "' ;;\n";
+    script << "        " << pattern << ") echo '" << base::join(words, " ") << "' ;;\n";
 }
 
 } // namespace
@@ -134,7 +126,7 @@ std::string bashCompletion(const CLI::App& app)
            << "_tarnctl_options()\n{\n    case \"$1\" in\n";
     for (const CLI::App* command : commandsOf(app))
         writeCase(script, command->get_name(), optionNames(*command));
-    script << "    esac\n    echo '" << joined(optionNames(app)) << "'\n}\n"
+    script << "    esac\n    echo '" << base::join(optionNames(app), " ") << "'\n}\n"
            << "\n"
            << "_tarnctl_arguments()\n{\n    case \"$1\" in\n";
     for (const Function& function : catalogue())
@@ -144,17 +136,15 @@ std::string bashCompletion(const CLI::App& app)
            << "_tarnctl_words()\n{\n    case \"$1\" in\n";
     writeCase(script, "''", commandNames(app));
     writeCase(script, "describe", functionNames());
-    script << "        call) if [[ -n $2 ]]; then _tarnctl_arguments \"$2\"; else echo '" << joined(functionNames())
+    script << "        call) if [[ -n $2 ]]; then _tarnctl_arguments \"$2\"; else echo '" << base::join(functionNames(), " ")
            << "'; fi ;;\n";
     writeCase(script, "events|publish", eventWords());
     writeCase(script, "mirror|telnet", {"on", "off"});
     writeCase(script, "completion", {"bash"});
     script << "    esac\n}\n";
 
-    std::string patterns;
-    for (const std::string& option : valueOptions(app))
-        patterns += (patterns.empty() ? "" : "|") + option;
-    script << "\n_tarnctl_takes_value()\n{\n    [[ $1 =~ ^(" << patterns << ")$ ]]\n}\n" << kCompletion;
+    script << "\n_tarnctl_takes_value()\n{\n    [[ $1 =~ ^(" << base::join(valueOptions(app), "|") << ")$ ]]\n}\n"
+           << kCompletion;
     return script.str();
 }
 

@@ -37,7 +37,7 @@ std::string inputMeaning(const Argument& argument)
         return inQuotes(textOf(argument.content()));
     case Form::kBytes:
         if (argument.length == kMacAddressSize)
-            return macText(argument.content());
+            return hexText(argument.content(), ":");
         return std::to_string(argument.length) + " bytes";
     case Form::kRecord:
         return argument.parameter->record;

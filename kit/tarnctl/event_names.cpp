@@ -1,5 +1,7 @@
 #include "event_names.h"
 
+#include "base/join.h"
+#include "base/suggestions.h"
 #include "usage_error.h"
 #include "values.h"
 
@@ -14,16 +16,16 @@ const std::vector<contract::Event>& knownEvents()
 const contract::Event& eventNamed(const std::string& text)
 {
     std::vector<std::string> names;
-    std::string expected;
     for (const contract::Event& event : knownEvents())
     {
         if (text == event.name || text == std::to_string(event.event))
             return event;
         names.push_back(event.name);
-        expected += (expected.empty() ? "" : ", ") + std::to_string(event.event) + " " + event.name;
     }
-    throw UsageError("there is no event " + inQuotes(text) + "; expected one of " + expected,
-                     contract::suggestions(text, names));
+    const auto numberAndName = [](const contract::Event& event) { return std::to_string(event.event) + " " + event.name; };
+    throw UsageError("there is no event " + inQuotes(text) + "; expected one of " +
+                         base::join(knownEvents(), ", ", numberAndName),
+                     base::suggestions(text, names));
 }
 
 } // namespace tarn::ctl

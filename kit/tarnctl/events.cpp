@@ -1,5 +1,7 @@
 #include "events.h"
 
+#include "base/join.h"
+#include "base/timestamp.h"
 #include "event_names.h"
 #include "tarn_frame.h"
 #include "usage_error.h"
@@ -8,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -26,20 +27,6 @@ struct Event
     std::uint32_t number = 0;
     Bytes data;
 };
-
-// In UTC, to the millisecond.
-std::string now()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_REALTIME, &time);
-    tm calendar = {};
-    gmtime_r(&time.tv_sec, &calendar);
-    char day[32];
-    std::strftime(day, sizeof day, "%Y-%m-%dT%H:%M:%S", &calendar);
-    char text[48];
-    std::snprintf(text, sizeof text, "%s.%03ldZ", day, static_cast<long>(time.tv_nsec / 1000000));
-    return text;
-}
 
 // Between the platform's thread and ours. The platform's handlers know no context, so the inbox is found through a variable.
 class Inbox
@@ -63,7 +50,7 @@ public:
     static void receive(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
     {
         const auto* const bytes = static_cast<const unsigned char*>(data);
-        Event event = {now(), serviceId, evt, length == 0 ? Bytes() : Bytes(bytes, bytes + length)};
+        Event event = {base::Timestamp().text, serviceId, evt, length == 0 ? Bytes() : Bytes(bytes, bytes + length)};
         const std::lock_guard<std::mutex> guard(mutex);
         if (current == nullptr)
             return;
@@ -229,15 +216,13 @@ ExitCode watchEvents(const Console& whole, const Watch& watch)
     Inbox inbox;
     const StopSignals stop(inbox.wakeup);
     Subscriptions subscriptions(watch.callerId);
-    std::string names;
     for (const contract::Event& event : chosen)
     {
         const Report report = subscriptions.add(event.event);
         if (report.outcome != Outcome::kDone)
             return console.fail(exitCodeOf(report.outcome), failureText(report));
-        names += (names.empty() ? "" : ", ") + event.name;
     }
-    console.remark("watching " + names);
+    console.remark("watching " + base::join(chosen, ", ", [](const contract::Event& event) { return event.name; }));
 
     const std::uint32_t written = writeEvents(console, watch, inbox, stop, deadlineAfter(watch.seconds));
     if (const std::optional<Report> lost = subscriptions.cancelAll())

@@ -1,24 +1,19 @@
 #include "list.h"
 
+#include "base/join.h"
+#include "base/letter_case.h"
+#include "base/suggestions.h"
 #include "catalogue.h"
 #include "usage_error.h"
 #include "values.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace tarn::ctl
 {
 
 namespace
 {
-
-std::string lowered(std::string text)
-{
-    for (char& character : text)
-        character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-    return text;
-}
 
 // A service or group that does not exist is a slip, and not a search without a result.
 void checkKnown(const char* option, const std::string& wanted, std::string Function::*member)
@@ -27,24 +22,22 @@ void checkKnown(const char* option, const std::string& wanted, std::string Funct
     for (const Function& function : catalogue())
     {
         const std::string& each = function.*member;
-        if (wanted.empty() || lowered(each) == lowered(wanted))
+        if (wanted.empty() || base::lowerCase(each) == base::lowerCase(wanted))
             return;
         if (!each.empty() && std::find(known.begin(), known.end(), each) == known.end())
             known.push_back(each);
     }
-    std::string expected;
-    for (const std::string& each : known)
-        expected += (expected.empty() ? "" : ", ") + inQuotes(each);
-    throw UsageError(std::string(option) + ": expected one of " + expected + "; got " + inQuotes(wanted),
-                     contract::suggestions(wanted, known));
+    throw UsageError(std::string(option) + ": expected one of " + base::join(known, ", ", base::inQuotes) + "; got " +
+                         inQuotes(wanted),
+                     base::suggestions(wanted, known));
 }
 
 bool isSelected(const Function& function, const Selection& selection)
 {
-    const std::string text = lowered(function.name + '\n' + function.group + '\n' + function.description);
-    return (selection.service.empty() || lowered(function.service) == lowered(selection.service)) &&
-           (selection.group.empty() || lowered(function.group) == lowered(selection.group)) &&
-           text.find(lowered(selection.text)) != std::string::npos;
+    const std::string text = base::lowerCase(function.name + '\n' + function.group + '\n' + function.description);
+    return (selection.service.empty() || base::lowerCase(function.service) == base::lowerCase(selection.service)) &&
+           (selection.group.empty() || base::lowerCase(function.group) == base::lowerCase(selection.group)) &&
+           text.find(base::lowerCase(selection.text)) != std::string::npos;
 }
 
 std::string commandText(const Function& function)

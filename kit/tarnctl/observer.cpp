@@ -1,5 +1,6 @@
 #include "observer.h"
 
+#include "base/format.h"
 #include "kor_iil.h"
 
 #include <cerrno>
@@ -68,20 +69,6 @@ uint32_t observed(tarn::ctl::Request request, Send send)
     return status;
 }
 
-std::string formatted(const char* format, va_list arguments)
-{
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    if (length < 0)
-        return format;
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    text.pop_back();
-    return text;
-}
-
 } // namespace
 
 uint32_t __wrap_KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
@@ -107,7 +94,7 @@ void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, cons
     const int callersErrno = errno; // %m may stand in the format
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = formatted(format, arguments);
+    const std::string text = tarn::base::vformat(format, arguments);
     va_end(arguments);
 
     if (observing != nullptr)

@@ -1,5 +1,7 @@
 #include "saving.h"
 
+#include "base/join.h"
+#include "base/suggestions.h"
 #include "usage_error.h"
 #include "values.h"
 
@@ -58,13 +60,11 @@ Saving savingOf(const Function& function, const Arguments& arguments, const std:
     const bool isKnown = std::find(names.begin(), names.end(), given.name) != names.end();
     if (!isKnown || given.value.empty())
     {
-        std::string expected;
-        for (const std::string& name : names)
-            expected += (expected.empty() ? "" : " or ") + name + "=FILE";
+        const std::string expected = base::join(names, " or ", [](const std::string& name) { return name + "=FILE"; });
         throw UsageError("--save: expected " +
                              (expected.empty() ? "nothing, " + function.name + " has no output but numbers" : expected) +
                              "; got " + inQuotes(text),
-                         contract::suggestions(given.name, names));
+                         base::suggestions(given.name, names));
     }
     for (const Argument& argument : arguments.all)
         if (argument.parameter->name == given.name && argument.isNull)

@@ -1,13 +1,14 @@
 #include "values.h"
 
+#include "base/format.h"
+#include "base/mac_address.h"
 #include "usage_error.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <optional>
 
 namespace tarn::ctl
 {
@@ -20,14 +21,6 @@ constexpr std::size_t kBytesPerLine = 16;
 std::uint64_t highestOf(std::uint32_t width)
 {
     return (std::uint64_t{1} << (8 * width)) - 1;
-}
-
-int digitValue(char digit)
-{
-    if (digit >= '0' && digit <= '9')
-        return digit - '0';
-    const int letter = std::tolower(static_cast<unsigned char>(digit));
-    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
 [[noreturn]] void refuseNumber(const std::string& argument, std::string_view text, std::uint32_t width)
@@ -51,25 +44,15 @@ Bytes readFile(const std::string& argument, const std::string& path, std::size_t
     return Bytes(characters.begin(), characters.begin() + file.gcount());
 }
 
-bool isMacAddress(std::string_view text)
-{
-    constexpr std::size_t kLength = 17;
-    if (text.size() != kLength || (text[2] != ':' && text[2] != '-'))
-        return false;
-    for (std::size_t i = 0; i < kLength; ++i)
-        if (i % 3 == 2 ? text[i] != text[2] : digitValue(text[i]) < 0)
-            return false;
-    return true;
-}
-
+// With colons or with dashes, the same throughout.
 Bytes parseMacAddress(const std::string& argument, std::string_view text)
 {
-    if (!isMacAddress(text))
+    const bool hasDashes = text.find('-') != std::string_view::npos;
+    const std::optional<base::MacAddress> address = base::parseMacAddress(text, hasDashes ? '-' : ':');
+    if (!address)
         throw UsageError(argument + ": expected a MAC address such as 02:00:00:00:00:01, or 12 hexadecimal digits; got " +
                          inQuotes(text));
-    std::string digits(text);
-    digits.erase(std::remove(digits.begin(), digits.end(), text[2]), digits.end());
-    return parseHex(argument, digits);
+    return Bytes(address->begin(), address->end());
 }
 
 Bytes bytesOf(const std::string& argument, std::string_view text, std::size_t size)
@@ -102,7 +85,7 @@ std::uint32_t parseNumber(const std::string& argument, std::string_view text, st
         refuseNumber(argument, text, width);
     for (const char digit : digits)
     {
-        const int value = digitValue(digit);
+        const int value = base::hexDigitValue(digit);
         if (value < 0 || value >= base)
             refuseNumber(argument, text, width);
         number = number * static_cast<std::uint64_t>(base) + static_cast<std::uint64_t>(value);
@@ -117,17 +100,14 @@ Bytes parseHex(const std::string& argument, std::string_view text)
     if (text.size() % 2 != 0)
         throw UsageError(argument + ": expected hexadecimal digits, two for each byte; got " + std::to_string(text.size()) +
                          " characters");
-    Bytes bytes;
-    for (std::size_t i = 0; i < text.size(); i += 2)
+    const std::optional<Bytes> bytes = base::parseHex(text);
+    if (!bytes)
     {
-        const int high = digitValue(text[i]);
-        const int low = digitValue(text[i + 1]);
-        if (high < 0 || low < 0)
-            throw UsageError(argument + ": expected hexadecimal digits, two for each byte; got " + inQuotes(text.substr(i, 2)) +
-                             " at character " + std::to_string(i + 1));
-        bytes.push_back(static_cast<unsigned char>(high * 16 + low));
+        const std::size_t pair = text.find_first_not_of(base::kHexDigits) / 2 * 2;
+        throw UsageError(argument + ": expected hexadecimal digits, two for each byte; got " + inQuotes(text.substr(pair, 2)) +
+                         " at character " + std::to_string(pair + 1));
     }
-    return bytes;
+    return *bytes;
 }
 
 Bytes parseBytes(const std::string& argument, std::string_view text, std::size_t size)
@@ -145,52 +125,11 @@ Bytes parseBytes(const std::string& argument, std::string_view text, std::size_t
 
 std::string numberText(std::uint32_t number, std::uint32_t width)
 {
-    char text[40];
-    std::snprintf(text, sizeof text, "%lu (0x%0*lX)", static_cast<unsigned long>(number), static_cast<int>(2 * width),
-                  static_cast<unsigned long>(number));
-    std::string result = text;
+    std::string result = base::format("%lu (0x%0*lX)", static_cast<unsigned long>(number), static_cast<int>(2 * width),
+                                      static_cast<unsigned long>(number));
     if (width == 4 && number > INT32_MAX)
         result.insert(result.size() - 1, ", " + std::to_string(static_cast<std::int32_t>(number)));
     return result;
-}
-
-std::string inQuotes(std::string_view text)
-{
-    std::string result = "\"";
-    for (const char character : text)
-    {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '"' || character == '\\')
-            result += {'\\', character};
-        else if (byte >= 0x20 && byte < 0x7F)
-            result += character;
-        else
-            result += "\\x" + hexText(&byte, 1);
-    }
-    return result + "\"";
-}
-
-std::string hexText(const unsigned char* bytes, std::size_t size, std::string_view separator)
-{
-    static const char digits[] = "0123456789abcdef";
-    std::string result;
-    for (std::size_t i = 0; i < size; ++i)
-    {
-        if (i != 0)
-            result += separator;
-        result += {digits[bytes[i] >> 4], digits[bytes[i] & 15]};
-    }
-    return result;
-}
-
-std::string hexText(const Bytes& bytes)
-{
-    return hexText(bytes.data(), bytes.size());
-}
-
-std::string macText(const Bytes& bytes)
-{
-    return hexText(bytes.data(), bytes.size(), ":");
 }
 
 std::string textOf(const Bytes& bytes)

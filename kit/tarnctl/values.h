@@ -1,6 +1,9 @@
 // Numbers, bytes and texts as they stand on a command line, and the way back.
 #pragma once
 
+#include "base/hexadecimal.h"
+#include "base/quote.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,7 +13,9 @@
 namespace tarn::ctl
 {
 
-using Bytes = std::vector<unsigned char>;
+using base::Bytes;
+using base::hexText;
+using base::inQuotes;
 
 inline constexpr std::size_t kMacAddressSize = 6;
 
@@ -28,14 +33,6 @@ Bytes parseHex(const std::string& argument, std::string_view text);
 
 // "5 (0x00000005)", and for what may be a negative number also that.
 std::string numberText(std::uint32_t number, std::uint32_t width);
-
-// Between quotation marks; whatever is not printable ASCII as \xNN.
-std::string inQuotes(std::string_view text);
-
-// Two digits a byte, with `separator` between the bytes.
-std::string hexText(const unsigned char* bytes, std::size_t size, std::string_view separator = "");
-std::string hexText(const Bytes& bytes);
-std::string macText(const Bytes& bytes);
 
 // The characters up to the first NUL, or all of them.
 std::string textOf(const Bytes& bytes);

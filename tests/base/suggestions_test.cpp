@@ -22,6 +22,12 @@ TEST(Suggestions, PreferTheShorterOfNamesEquallyClose)
     EXPECT_THAT(suggestions("lampLevel", kNames), ElementsAre("lampLevel", "lampLevelOfRoom", "LampLever"));
 }
 
+TEST(Suggestions, FindACorrectlySpeltWordInAMisspeltName)
+{
+    EXPECT_THAT(suggestions("NumberOfAssociatedLamps", {"NumberOfLamps", "NumberOfAssoiatedLamps"}),
+                ElementsAre("NumberOfAssoiatedLamps"));
+}
+
 TEST(Suggestions, FindAPartOfAName)
 {
     EXPECT_THAT(suggestions("room", kNames), ElementsAre("lampLevelOfRoom"));

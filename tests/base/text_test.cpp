@@ -22,24 +22,25 @@ const std::string kOdd = "a\"b\\c\n\x7f\xe4 z\0"s;
 TEST(Quote, ShowsUnprintableBytesAsHexadecimal)
 {
     EXPECT_EQ(base::escaped(kOdd), R"(a"b\\c\x0a\x7f\xe4 z\x00)");
-    EXPECT_EQ(base::quoted(kOdd), R"("a\"b\\c\x0a\x7f\xe4 z\x00")");
+    EXPECT_EQ(base::inQuotes(kOdd), R"("a\"b\\c\x0a\x7f\xe4 z\x00")");
 }
 
 TEST(Quote, LeavesPrintableTextAsItIs)
 {
     EXPECT_EQ(base::escaped("Wi-Fi ~!"), "Wi-Fi ~!");
-    EXPECT_EQ(base::quoted(""), "\"\"");
+    EXPECT_EQ(base::inQuotes(""), "\"\"");
 }
 
 TEST(Quote, ForJsonGivesEachByteTheCharacterOfItsNumber)
 {
-    EXPECT_EQ(base::quotedForJson(kOdd), R"("a\"b\\c\u000a\u007f\u00e4 z\u0000")");
+    EXPECT_EQ(base::inJsonQuotes(kOdd), R"("a\u0022b\u005cc\u000a\u007f\u00e4 z\u0000")");
 }
 
 TEST(Join, PutsTheSeparatorBetweenTheItems)
 {
     EXPECT_EQ(base::join(std::vector<std::string>{"one", "two", "three"}), "one, two, three");
     EXPECT_EQ(base::join(std::list<const char*>{"one", "two"}, "|"), "one|two");
+    EXPECT_EQ(base::join(std::vector<int>{1, -2}), "1, -2");
     EXPECT_EQ(base::join(std::vector<std::string>{"one"}), "one");
     EXPECT_EQ(base::join(std::vector<std::string>{}), "");
 }

@@ -1,5 +1,7 @@
 #include "prepared_call.h"
 
+#include "base/hexadecimal.h"
+
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
@@ -61,12 +63,6 @@ std::size_t textLength(const Style& style, std::uint32_t size)
 void storeWord(std::vector<std::uint8_t>& message, std::uint32_t offset, std::uint32_t value)
 {
     std::memcpy(message.data() + offset, &value, sizeof value);
-}
-
-std::string hex(std::uint8_t value)
-{
-    static const char digits[] = "0123456789abcdef";
-    return {digits[value >> 4], digits[value & 15]};
 }
 
 } // namespace
@@ -250,8 +246,9 @@ std::string PreparedCall::memoryComplaint(const std::vector<std::uint8_t>* reply
             expected = expectedOutput(slot, *reply);
         GuardedArea::Difference difference{};
         if (slot.area->differs(expected.data(), expected.size(), difference))
-            return slot.argument->name + "[" + std::to_string(difference.offset) + "]: expected " + hex(difference.expected) +
-                   ", got " + hex(difference.got) + " (of " + std::to_string(slot.area->runSize()) + " bytes, of which " +
+            return slot.argument->name + "[" + std::to_string(difference.offset) + "]: expected " +
+                   tarn::base::hexText(&difference.expected, 1) + ", got " + tarn::base::hexText(&difference.got, 1) + " (of " +
+                   std::to_string(slot.area->runSize()) + " bytes, of which " +
                    std::to_string(slot.argument->direction == Direction::kOut ? expected.size() : 0) + " are to be written)";
     }
     return "";

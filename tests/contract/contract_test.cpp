@@ -8,7 +8,6 @@
 #include <set>
 
 namespace contract = tarn::contract;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -115,46 +114,6 @@ TEST(Find, FindsEveryRow)
 {
     for (const contract::Row& row : contract::rows())
         EXPECT_EQ(contract::find(row.command->function).command, row.command);
-}
-
-TEST(Suggestions, ComeClosestFirst)
-{
-    const auto names = contract::suggestions("TarnGetRadoi");
-    ASSERT_FALSE(names.empty());
-    EXPECT_EQ(names[0], "TarnGetRadio");
-}
-
-TEST(Suggestions, FindACorrectlySpeltWordInAMisspeltName)
-{
-    EXPECT_THAT(contract::suggestions("TarnGetQuantennaSmartWiFiAssociatedNumber"),
-                Contains("TarnGetQuantennaSmartWiFiAssoiatedNumber"));
-}
-
-TEST(Suggestions, FindAPartOfAName)
-{
-    EXPECT_THAT(contract::suggestions("cca_stats"), ElementsAre("tarn_qcsapi_get_cca_stats"));
-}
-
-TEST(Suggestions, IgnoreCase)
-{
-    EXPECT_THAT(contract::suggestions("TARNGETLOGLEVEL", 1), ElementsAre("TarnGetLogLevel"));
-}
-
-TEST(Suggestions, AreNoneForSomethingElse)
-{
-    EXPECT_THAT(contract::suggestions("zzzzzzzzzzzz"), IsEmpty());
-    EXPECT_THAT(contract::suggestions(""), IsEmpty());
-}
-
-TEST(Suggestions, AreMadeAmongAnyNames)
-{
-    EXPECT_THAT(contract::suggestions("radoiId", {"apId", "radioId", "index"}), ElementsAre("radioId"));
-}
-
-TEST(Suggestions, AreNoMoreThanAskedFor)
-{
-    EXPECT_THAT(contract::suggestions("TarnGet", 5), SizeIs(5));
-    EXPECT_THAT(contract::suggestions("TarnGet", 0), IsEmpty());
 }
 
 TEST(Words, AreThoseOfTheFiles)

@@ -4,6 +4,7 @@
 //   host_probe trace-again COUNT TEXT         writes COUNT of them
 //   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
 //   host_probe end SERVICE                    subscribes, and ends with everything open; the destructor of a static calls
+#include "base/hexadecimal.h"
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 
@@ -32,9 +33,7 @@ int number(const char* text)
 
 int call(const char* callerId, const char* serviceId, const std::string& hexadecimal)
 {
-    std::vector<unsigned char> message;
-    for (size_t i = 0; i + 1 < hexadecimal.size(); i += 2)
-        message.push_back(static_cast<unsigned char>(std::stoi(hexadecimal.substr(i, 2), nullptr, 16)));
+    tarn::base::Bytes message = tarn::base::parseHex(hexadecimal).value();
     return static_cast<int>(KorIilExecute(callerId, serviceId, 30, 1, static_cast<uint32_t>(message.size()), message.data()));
 }
 

@@ -5,7 +5,6 @@
 #include "simulator/clock.h"
 #include "simulator/gateway.h"
 #include "simulator/layout.h"
-#include "simulator/mac_address.h"
 #include "simulator/model.h"
 #include "tarn_api.h"
 #include "tarn_gateway_control.h"

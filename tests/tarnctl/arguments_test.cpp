@@ -172,7 +172,7 @@ TEST_F(ArgumentsTest, BytesAndRecords)
     EXPECT_EQ(run(with("zero")).exit, 0);
     const RanJson fromFile = runJson(with(file("right", 60)));
     EXPECT_EQ(fromFile.exit, 0);
-    EXPECT_NE(fromFile.document.at("message").get<std::string>().find(hex(Bytes(60, 'f'))), std::string::npos);
+    EXPECT_NE(fromFile.document.at("message").get<std::string>().find(hexText(Bytes(60, 'f'))), std::string::npos);
 }
 
 TEST_F(ArgumentsTest, TextsThatTheLibraryCopiesAsBlocks)
@@ -182,7 +182,7 @@ TEST_F(ArgumentsTest, TextsThatTheLibraryCopiesAsBlocks)
     };
     EXPECT_EQ(run(with("")).exit, 0);
     EXPECT_EQ(runJson(with(std::string(65, 'n'))).document.at("message").get<std::string>().substr(0, 132),
-              hex(Bytes(65, 'n')) + "00");
+              hexText(Bytes(65, 'n')) + "00");
     expectUsageError(with(std::string(66, 'n')), "name: expected a text of at most 65 bytes; got 66 bytes");
 }
 
@@ -251,7 +251,7 @@ TEST_F(ArgumentsTest, TextsAreTakenAsTheyStand)
             runJson({"call", "tarn_qcsapi_set_custom_value", "custom_key=" + text, "custom_value=x", "--dry-run"});
         EXPECT_EQ(ran.exit, 0) << text;
         EXPECT_EQ(ran.document.at("message").get<std::string>().substr(2 * 68, 2 * text.size() + 2),
-                  hex(Bytes(text.begin(), text.end())) + "00")
+                  hexText(Bytes(text.begin(), text.end())) + "00")
             << text;
     }
 }

@@ -71,10 +71,10 @@ void expectOutput(const Json& output, const Argument& argument)
             EXPECT_EQ(output.at("values").at(i), wordAt(letters(argument.offset, size), 4 * i));
         return;
     case Encoding::kText:
-        EXPECT_EQ(output.at("hex"), hex(letters(argument.offset, size - 1)));
+        EXPECT_EQ(output.at("hex"), hexText(letters(argument.offset, size - 1)));
         return;
     default:
-        EXPECT_EQ(output.at("hex"), hex(letters(argument.offset, size)));
+        EXPECT_EQ(output.at("hex"), hexText(letters(argument.offset, size)));
     }
 }
 
@@ -328,7 +328,7 @@ TEST_F(CallTest, RatesAreReadIntoABufferOfTheSizeAskedFor)
         const std::string bytes = rates.at("hex");
         EXPECT_EQ(bytes.size(), 2 * length);
         const std::size_t known = std::min<std::size_t>(length, 8220);
-        EXPECT_EQ(bytes.substr(0, 2 * known), hex(letters(1152, known)));
+        EXPECT_EQ(bytes.substr(0, 2 * known), hexText(letters(1152, known)));
         EXPECT_EQ(bytes.find_first_not_of('0', 2 * 8220), std::string::npos)
             << "the status, then what is behind the message's end";
     }

@@ -121,7 +121,7 @@ TEST_F(DryRunTest, EveryFunctionSendsWhatTheContractPromises)
         EXPECT_EQ(ran.document.at("wait"), row.command->wait);
         EXPECT_EQ(ran.document.at("length"), row.command->length);
         EXPECT_EQ(ran.document.at("caller"), "tarnctl");
-        EXPECT_EQ(ran.document.at("message"), hex(promisedMessage(*row.command, assignments)));
+        EXPECT_EQ(ran.document.at("message"), hexText(promisedMessage(*row.command, assignments)));
     }
 }
 
@@ -133,7 +133,7 @@ TEST_F(DryRunTest, EveryTableShowsTheWholeMessage)
         const Words assignments = validArguments(*row.command);
         const Ran ran = run(dryRun(*row.command, assignments));
         ASSERT_EQ(ran.exit, 0) << ran.err;
-        EXPECT_EQ(hex(messageInText(ran.out, row.command->length)), hex(promisedMessage(*row.command, assignments)));
+        EXPECT_EQ(hexText(messageInText(ran.out, row.command->length)), hexText(promisedMessage(*row.command, assignments)));
     }
 }
 
@@ -178,7 +178,7 @@ TEST_F(DryRunTest, LongTextsAreCutAndSaidToBe)
                 if (each.rfind(argument.name + "=", 0) == 0)
                     each = argument.name + "=" + std::string(argument.size, 'x') + "yz";
             const RanJson ran = runJson(dryRun(*row.command, assignments));
-            EXPECT_EQ(ran.document.at("message"), hex(promisedMessage(*row.command, assignments)));
+            EXPECT_EQ(ran.document.at("message"), hexText(promisedMessage(*row.command, assignments)));
             ASSERT_EQ(ran.document.at("notes").size(), 1u);
             EXPECT_EQ(ran.document.at("notes")[0], argument.name + " is cut to " + std::to_string(argument.size - 1) +
                                                        " characters; it has " + std::to_string(argument.size + 2));

@@ -172,24 +172,9 @@ std::uint32_t wordAt(const Bytes& message, std::size_t offset)
     return word;
 }
 
-std::string hex(const Bytes& bytes)
-{
-    std::string text;
-    for (const unsigned char byte : bytes)
-    {
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02x", byte);
-        text += digits;
-    }
-    return text;
-}
-
 Bytes fromHex(const std::string& text)
 {
-    Bytes bytes;
-    for (std::size_t i = 0; i + 1 < text.size(); i += 2)
-        bytes.push_back(static_cast<unsigned char>(std::stoul(text.substr(i, 2), nullptr, 16)));
-    return bytes;
+    return tarn::base::parseHex(text).value();
 }
 
 Program::Program(const Words& arguments)
@@ -272,7 +257,7 @@ std::string validValue(const tarn::contract::Argument& argument, std::size_t see
     Bytes bytes(argument.size);
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<unsigned char>(i * 7 + seed + 1);
-    return hex(bytes);
+    return hexText(bytes);
 }
 
 Words validArguments(const tarn::contract::Command& command)

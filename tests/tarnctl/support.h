@@ -2,6 +2,7 @@
 // own.
 #pragma once
 
+#include "base/hexadecimal.h"
 #include "contract/contract.h"
 #include "kor_iil_service.h"
 
@@ -19,7 +20,8 @@
 namespace tarnctl_test
 {
 
-using Bytes = std::vector<unsigned char>;
+using tarn::base::Bytes;
+using tarn::base::hexText;
 using Words = std::vector<std::string>;
 using Json = nlohmann::json;
 
@@ -100,8 +102,6 @@ Answer ipcAnswer(std::uint32_t status);
 
 void putWord(Bytes& message, std::size_t offset, std::uint32_t word);
 std::uint32_t wordAt(const Bytes& message, std::size_t offset);
-
-std::string hex(const Bytes& bytes);
 Bytes fromHex(const std::string& text);
 
 // The program in a process of its own.
