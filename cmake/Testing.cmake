@@ -1,6 +1,7 @@
-# How a test program is made. Each GoogleTest case becomes a test of CTest's own, "PROGRAM.Suite.Case"; those of another
-# processor run through its emulator.
+# How a test program is made.
 include(GoogleTest)
+
+option(TARN_DISCOVER_TEST_CASES "Make each GoogleTest case a test of CTest's own: quick where starting a program is" ON)
 
 # GoogleTest and GoogleMock with their main, built from the source that Debian ships, so that they are there for every target.
 set(googletest /usr/src/googletest)
@@ -32,14 +33,15 @@ target_precompile_headers(tarn_test_precompiled PRIVATE <gmock/gmock.h> <gtest/g
 
 string(JOIN " " TARN_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR})
 
-# tarn_test(NAME SOURCES ... LIBRARIES ... [DEFINITIONS ...] [PROGRAMS TARGET...] [TIMEOUT SECONDS])
+# tarn_test(NAME [HOST_ONLY] SOURCES ... LIBRARIES ... [DEFINITIONS ...] [PROGRAMS TARGET...])
 #
+# HOST_ONLY: nothing in it depends on byte order or word size, so other targets leave it out.
 # PROGRAMS are started by the tests: TARGET_PROGRAM, in upper case, is defined as the path of each, and EMULATOR as what runs
 # them.
 function(tarn_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 test "" "TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS;PROGRAMS")
-    if(NOT test_TIMEOUT)
-        set(test_TIMEOUT 120)
+    cmake_parse_arguments(PARSE_ARGV 1 test "HOST_ONLY" "" "SOURCES;LIBRARIES;DEFINITIONS;PROGRAMS")
+    if(test_HOST_ONLY AND CMAKE_CROSSCOMPILING)
+        return()
     endif()
     add_executable(${name} ${test_SOURCES})
     target_link_libraries(${name} PRIVATE ${test_LIBRARIES} tarn_test_headers tarn_gtest)
@@ -56,5 +58,25 @@ function(tarn_test name)
     if(test_PROGRAMS)
         target_compile_definitions(${name} PRIVATE "EMULATOR=\"${TARN_EMULATOR}\"")
     endif()
-    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${test_TIMEOUT})
+    if(test_HOST_ONLY)
+        set(labels LABELS host_only)
+    endif()
+    if(TARN_DISCOVER_TEST_CASES)
+        gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 ${labels})
+    else()
+        tarn_test_shards(${name})
+    endif()
+endfunction()
+
+# A few processes share the cases of a program among them; each leaves GoogleTest's results in the folder `cases`.
+function(tarn_test_shards name)
+    set(shards 4)
+    math(EXPR last "${shards} - 1")
+    foreach(shard RANGE ${last})
+        add_test(NAME ${name}.${shard} COMMAND ${name})
+        set_tests_properties(${name}.${shard} PROPERTIES
+            ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${shard}"
+            ENVIRONMENT_MODIFICATION "GTEST_OUTPUT=set:xml:${CMAKE_BINARY_DIR}/cases/${name}.${shard}.xml"
+            TIMEOUT 600)
+    endforeach()
 endfunction()
