@@ -108,6 +108,7 @@ Checker::Checker(const tarn::contract::Contract& contractToHold, const tarn::con
     : contract(contractToHold),
       command(commandToHold),
       function(functionToCheck),
+      lines(linesOf(commandToHold.function)),
       callerArea(sharedArea(commandToHold.arguments.size()))
 {
 }
@@ -197,7 +198,9 @@ void Checker::requireTrace(const std::string& format) const
     require(recorder.trace.format == format, "the trace \"" + format + "\"", "\"" + recorder.trace.format + "\"");
     require(recorder.trace.level == 1, "a trace of level 1", std::to_string(recorder.trace.level));
     require(recorder.trace.tag == contract.traceTag, "the trace tag " + contract.traceTag, recorder.trace.tag);
-    require(recorder.trace.line != 0, "a line in the trace", "0");
+    require(lines.contain(recorder.trace.line),
+            "a line of the function in the trace, " + std::to_string(lines.first) + " to " + std::to_string(lines.last),
+            std::to_string(recorder.trace.line));
 }
 
 void Checker::requireNoTrace() const

@@ -6,6 +6,7 @@
 
 #include "contract/call_by_name.h"
 #include "contract/contract.h"
+#include "function_lines.h"
 #include "prepared_call.h"
 #include "recorder.h"
 
@@ -88,6 +89,7 @@ private:
     const tarn::contract::Contract& contract;
     const tarn::contract::Command& command;
     const tarn::contract::Function& function;
+    const FunctionLines& lines;
     std::string doing; // the case at hand, for complaints
     Recorder recorder;
     GuardedArea& callerArea;

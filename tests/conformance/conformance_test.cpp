@@ -1,5 +1,6 @@
 // The library held against the contract, function by function and byte by byte.
 #include "checker.h"
+#include "function_lines.h"
 
 #include "kor_iil_mock.hpp"
 #include "tarn_frame.h"
@@ -77,7 +78,6 @@ TEST(FailureTraces, TellEveryFunctionFromEveryOther)
     std::map<std::pair<std::string, std::uint32_t>, std::string> functionsBySite;
     const auto add = [&](const std::string& tag, std::uint32_t line, const std::string& function)
     {
-        EXPECT_NE(line, 0u) << function;
         const auto [other, isNew] = functionsBySite.insert({{tag, line}, function});
         EXPECT_TRUE(isNew) << function << " and " << other->second << " both trace " << tag << " line " << line;
     };
@@ -100,6 +100,29 @@ TEST(FailureTraces, TellEveryFunctionFromEveryOther)
     add(platform.traces()[0].fileTag, platform.traces()[0].line, "tarnSubscribeEvent");
     add(platform.traces()[1].fileTag, platform.traces()[1].line, "tarnCancelEvent");
     EXPECT_EQ(functionsBySite.size(), contract::rows().size() + 2);
+}
+
+// The checker holds the command functions to the same.
+TEST(FailureTraces, OfTheEventFunctionsCarryALineOfTheFunction)
+{
+    const auto handler = [](const char*, std::uint32_t, const void*, std::uint32_t) {};
+    tarn::mock::Platform platform;
+    platform.expectSubscribe("TARN", 1).fail(1);
+    platform.expectCancel("TARN", 1).fail(1);
+    for (const auto& [name, function] :
+         {std::pair("tarnSubscribeEvent", tarnSubscribeEvent), {"tarnCancelEvent", tarnCancelEvent}})
+    {
+        const std::size_t before = platform.traces().size();
+        function(nullptr, 1, nullptr, handler);
+        function("", 1, nullptr, handler);
+        function("conformance", 0, nullptr, handler);
+        function("conformance", 1, nullptr, handler);
+
+        const std::vector<tarn::mock::Trace> traces = platform.traces();
+        ASSERT_EQ(traces.size(), before + 4) << name;
+        for (std::size_t i = before; i < traces.size(); ++i)
+            EXPECT_TRUE(conformance::linesOf(name).contain(traces[i].line)) << name << ": " << traces[i].text;
+    }
 }
 
 } // namespace

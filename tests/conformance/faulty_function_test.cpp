@@ -1,6 +1,7 @@
 // The conformance checks must notice a function that does something wrong. Here is one that can make each of many mistakes,
 // held against the row of the function whose work it does.
 #include "checker.h"
+#include "function_lines.h"
 
 #include "kor_iil.h"
 #include "tarn_frame.h"
@@ -43,7 +44,8 @@ enum class Mistake
     kTracesTwice,
     kTracesOtherLevel,
     kTracesOtherTag,
-    kTracesNoLine,
+    kTracesLineInFrontOfFunction,
+    kTracesLineBehindFunction,
     kTracesOtherText,
     kTracesStatusNumber,
     kTracesReplyStatus,
@@ -75,7 +77,10 @@ void trace(const char* format, const char* argument)
 {
     const std::uint32_t level = makes(Mistake::kTracesOtherLevel) ? 2 : 1;
     const char* const tag = makes(Mistake::kTracesOtherTag) ? "tarn_api" : "tarn_qtn_monitor_api";
-    const std::uint32_t line = makes(Mistake::kTracesNoLine) ? 0 : 77;
+    const conformance::FunctionLines& lines = conformance::linesOf(kModel);
+    const std::uint32_t line = makes(Mistake::kTracesLineInFrontOfFunction) ? lines.first - 1
+                               : makes(Mistake::kTracesLineBehindFunction)  ? lines.last + 1
+                                                                            : lines.first;
     for (int i = 0; i < (makes(Mistake::kTracesTwice) ? 2 : 1); ++i)
         KorIilTrace(level, tag, line, format, argument);
 }
@@ -252,7 +257,8 @@ const Case kCases[] = {
     {Mistake::kTracesTwice, "TracesTwice", "expected one trace"},
     {Mistake::kTracesOtherLevel, "TracesOtherLevel", "expected a trace of level 1, got 2"},
     {Mistake::kTracesOtherTag, "TracesOtherTag", "expected the trace tag tarn_qtn_monitor_api, got tarn_api"},
-    {Mistake::kTracesNoLine, "TracesNoLine", "expected a line in the trace"},
+    {Mistake::kTracesLineInFrontOfFunction, "TracesLineInFrontOfFunction", "expected a line of the function in the trace"},
+    {Mistake::kTracesLineBehindFunction, "TracesLineBehindFunction", "expected a line of the function in the trace"},
     {Mistake::kTracesOtherText, "TracesOtherText", "expected the trace \"ifname is NULL\", got \"ifname is null\""},
     {Mistake::kTracesStatusNumber, "TracesStatusNumber", "expected the trace \"fail to KorIilExecute(), err = %s\""},
     {Mistake::kTracesReplyStatus, "TracesReplyStatus", "expected no trace, got \"fail\""},
