@@ -110,7 +110,7 @@ TEST(FailureTraces, OfTheEventFunctionsCarryALineOfTheFunction)
     platform.expectSubscribe("TARN", 1).fail(1);
     platform.expectCancel("TARN", 1).fail(1);
     for (const auto& [name, function] :
-         {std::pair("tarnSubscribeEvent", tarnSubscribeEvent), {"tarnCancelEvent", tarnCancelEvent}})
+         {std::pair("tarnSubscribeEvent", &tarnSubscribeEvent), std::pair("tarnCancelEvent", &tarnCancelEvent)})
     {
         const std::size_t before = platform.traces().size();
         function(nullptr, 1, nullptr, handler);
