@@ -13,8 +13,8 @@ namespace
 
 constexpr std::uint32_t kTimeout = 7;
 
-// What a family's steps differ in. Texts stand in arrays, not behind pointers, so that the loader has nothing to relocate.
-struct Manner
+// What the steps do differently for each family. Texts are arrays, not pointers, so that the loader has nothing to relocate.
+struct Convention
 {
     char service[16];
     char tag[24];
@@ -26,22 +26,15 @@ struct Manner
 
 constexpr std::uint32_t kQtnFailed = static_cast<std::uint32_t>(TARN_QTN_FAILED);
 
-constexpr Manner kManners[] = {
+constexpr Convention kConventions[] = {
     {"TARN", "tarn_api", "invalid id is %s", TARN_REJECTED, TARN_FAILED, TARN_TIMED_OUT},
     {"QTN_RPC_PROXY", "tarn_qtn_monitor_api", "handle is invalid", kQtnFailed, kQtnFailed, kQtnFailed},
     {"QTN_MIRROR", "tarn_qtn_monitor_api", "handle is invalid", kQtnFailed, kQtnFailed, kQtnFailed},
 };
 
-Site siteOf(const CallHead& head)
+const Convention& conventionOf(const CallHead& head)
 {
-    Site site(0, Family::kDevice, 0);
-    site.packed = head.site;
-    return site;
-}
-
-const Manner& mannerOf(const CallHead& head)
-{
-    return kManners[siteOf(head).family()];
+    return kConventions[head.site.family()];
 }
 
 unsigned char* messageBehind(CallHead& head)
@@ -54,8 +47,9 @@ const CallHead& headOf(const void* message)
     return static_cast<const CallHead*>(message)[-1];
 }
 
-std::uint32_t openRequiring(const Required* required, std::uint32_t count, CallHead& head, const char* callerId,
-                            std::uint32_t site)
+} // namespace
+
+std::uint32_t open(CallHead& head, const char* callerId, Site site)
 {
     head.callerId = callerId;
     head.site = site;
@@ -64,61 +58,44 @@ std::uint32_t openRequiring(const Required* required, std::uint32_t count, CallH
         return reject(head, "handle is NULL");
     if (!isCallerId(callerId))
     {
-        const Manner& manner = mannerOf(head);
-        KorIilTrace(kTraceLevel, manner.tag, siteOf(head).line(), manner.invalidCaller, callerId);
-        return manner.rejected;
+        const Convention& convention = conventionOf(head);
+        KorIilTrace(kTraceLevel, convention.tag, site.line(), convention.invalidCaller, callerId);
+        return convention.rejected;
     }
-    for (const Required* each = required; each != required + count; ++each)
-        if (each->pointer == nullptr)
-            return reject(head, each->complaint);
+    for (std::uint32_t i = 0; i != site.pointers(); ++i)
+        if (head.required[i].pointer == nullptr)
+            return reject(head, head.required[i].text);
 
-    std::memset(messageBehind(head), 0, siteOf(head).length());
+    std::memset(messageBehind(head), 0, site.length());
     return 0;
 }
 
-} // namespace
-
-std::uint32_t open(CallHead& head, const char* callerId, std::uint32_t site)
+std::uint32_t reject(const CallHead& head, const char* text)
 {
-    return openRequiring(nullptr, 0, head, callerId, site);
+    const Convention& convention = conventionOf(head);
+    trace(convention.tag, head.site.line(), text);
+    return convention.rejected;
 }
 
-std::uint32_t open(CallHead& head, const char* callerId, const void* pointer, const char* complaint, std::uint32_t site)
-{
-    const Required required[] = {{pointer, complaint}};
-    return openRequiring(required, 1, head, callerId, site);
-}
-
-std::uint32_t open(CallHead& head, const char* callerId, Required first, Required second, std::uint32_t site)
-{
-    const Required required[] = {first, second};
-    return openRequiring(required, 2, head, callerId, site);
-}
-
-std::uint32_t open(CallHead& head, const char* callerId, Required first, Required second, Required third, std::uint32_t site)
-{
-    const Required required[] = {first, second, third};
-    return openRequiring(required, 3, head, callerId, site);
-}
-
-std::uint32_t reject(const CallHead& head, const char* complaint)
-{
-    const Manner& manner = mannerOf(head);
-    trace(manner.tag, siteOf(head).line(), complaint);
-    return manner.rejected;
-}
-
-std::uint32_t execute(void* message, std::uint32_t commandAndWait)
+std::uint32_t execute(void* message, std::uint32_t command, std::uint32_t wait)
 {
     const CallHead& head = headOf(message);
-    const Manner& manner = mannerOf(head);
-    const Site site = siteOf(head);
-    const std::uint32_t status =
-        KorIilExecute(head.callerId, manner.service, commandAndWait >> 8, commandAndWait & 0xFF, site.length(), message);
+    const Convention& convention = conventionOf(head);
+    const std::uint32_t status = KorIilExecute(head.callerId, convention.service, wait, command, head.site.length(), message);
     if (status == 0)
         return 0;
-    KorIilTrace(kTraceLevel, manner.tag, site.line(), "fail to KorIilExecute(), err = %s", tarnIpcStatusName(status));
-    return status == kTimeout ? manner.timedOut : manner.failed;
+    KorIilTrace(kTraceLevel, convention.tag, head.site.line(), "fail to KorIilExecute(), err = %s", tarnIpcStatusName(status));
+    return status == kTimeout ? convention.timedOut : convention.failed;
+}
+
+std::uint32_t finish(void* message, std::uint32_t command, std::uint32_t wait)
+{
+    if (const std::uint32_t failure = execute(message, command, wait))
+        return failure;
+
+    std::uint32_t status;
+    std::memcpy(&status, static_cast<unsigned char*>(message) + headOf(message).site.length() - sizeof status, sizeof status);
+    return status;
 }
 
 } // namespace tarn

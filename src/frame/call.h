@@ -2,8 +2,8 @@
 //
 // A command function holds one call: the message, and in front of it what the steps have to remember. It opens the call (which
 // checks the caller id and the pointers, and clears the message), fills the message, executes the call, copies the outputs out,
-// and returns the reply status. The steps themselves are out of line, so that a command function stays a few dozen
-// instructions.
+// and returns the reply status. A function without outputs finishes the call instead: the last three in one step. What the steps
+// do is out of line, so that a command function is a few dozen instructions.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace tarn
 {
 
 // How long most replies may take, in the unit of the platform's IPC library.
-inline constexpr std::uint32_t kWait = 3;
+constexpr std::uint32_t kWait = 3;
 
 // The three families of command functions. They differ in service, trace tag, one trace text, and results.
 enum class Family : std::uint8_t
@@ -23,109 +23,123 @@ enum class Family : std::uint8_t
     kMirror
 };
 
-// A pointer that must not be null, and the trace text for when it is.
+// A pointer that must not be null, and the trace text for when it is. Without a text there is nothing to check.
 struct Required
 {
     const void* pointer;
-    const char* complaint;
+    const char* text;
 };
 
-// What is known of a call before it runs, in one word, because each argument more costs every command function an instruction.
-struct Site
+// What a function's source says of its call: where it is made, by which family, how many pointers it requires, and how long the
+// message is. One word, because each further argument costs every command function an instruction.
+class Site
 {
-    std::uint32_t packed; // line in 14 bits, family in 2, bytes of the message in 16
+public:
+    Site() = default;
 
-    constexpr Site(std::uint32_t line, Family family, std::size_t length)
-        : packed(line << 18 | static_cast<std::uint32_t>(family) << 16 | static_cast<std::uint32_t>(length))
+    constexpr Site(std::uint32_t line, std::uint32_t pointers, Family family, std::size_t length)
+        : packed_(line << 20 | pointers << 18 | static_cast<std::uint32_t>(family) << 16 | static_cast<std::uint32_t>(length))
     {
     }
 
-    constexpr std::uint32_t line() const // of the exported function: the only clue a trace gives to which function failed
+    constexpr std::uint32_t line() const // of the exported function: all that a trace tells of which function failed
     {
-        return packed >> 18;
+        return packed_ >> 20;
+    }
+
+    constexpr std::uint32_t pointers() const
+    {
+        return packed_ >> 18 & 3;
     }
 
     constexpr std::uint32_t family() const
     {
-        return packed >> 16 & 3;
+        return packed_ >> 16 & 3;
     }
 
-    constexpr std::uint32_t length() const
+    constexpr std::uint32_t length() const // of the message, in bytes
     {
-        return packed & 0xFFFF;
+        return packed_ & 0xFFFF;
     }
+
+private:
+    std::uint32_t packed_; // line in 12 bits, pointers and family in 2 each, length in 16
 };
 
-// What a call remembers between its steps. The message stands right behind it.
+// What a call remembers between its steps. The message follows it directly.
 struct CallHead
 {
+    Required required[3];
     const char* callerId;
-    std::uint32_t site;
+    Site site;
+
+    // Remembers the pointers to check, and returns how many there are. Inlined, or their number would not be a constant.
+    [[gnu::always_inline]] std::uint32_t require(Required first, Required second, Required third)
+    {
+        if (first.text == nullptr)
+            return 0;
+        required[0] = first;
+        if (second.text == nullptr)
+            return 1;
+        required[1] = second;
+        if (third.text == nullptr)
+            return 2;
+        required[2] = third;
+        return 3;
+    }
 };
 
-// Checks the caller id, then the pointers in the order given. The first that fails is traced, and the family's result for a
+// Checks the caller id, then the required pointers in their order. The first that fails is traced, and the family's result for a
 // refusal returned. Otherwise the message is cleared and 0 returned.
-std::uint32_t open(CallHead& head, const char* callerId, std::uint32_t site);
-std::uint32_t open(CallHead& head, const char* callerId, const void* pointer, const char* complaint, std::uint32_t site);
-std::uint32_t open(CallHead& head, const char* callerId, Required first, Required second, std::uint32_t site);
-std::uint32_t open(CallHead& head, const char* callerId, Required first, Required second, Required third, std::uint32_t site);
+std::uint32_t open(CallHead& head, const char* callerId, Site site);
 
-// Traces a refusal that is no matter of a null pointer, and returns the family's result for it.
-std::uint32_t reject(const CallHead& head, const char* complaint);
+// Traces a refusal for another reason than a null pointer, and returns the family's result for it.
+std::uint32_t reject(const CallHead& head, const char* text);
 
-// Sends the message and waits for the reply, which then stands in its place. Returns 0, or the family's result for the failure.
+// Sends the message and waits for the reply, which takes its place. Returns 0, or the family's result for the failure.
 //
-// This step takes the message of a call, the others the head in front of it: two addresses that are computed apart cost a
-// command function less than one that is kept in a register in between. A message without a head is not for this step.
-std::uint32_t execute(void* message, std::uint32_t commandAndWait);
+// This step and the next take the message of a call, the others the head in front of it: two addresses that are computed
+// separately cost a command function less than one that is kept in a register between the steps. The message must have a head.
+std::uint32_t execute(void* message, std::uint32_t command, std::uint32_t wait);
 
-constexpr std::uint32_t commandAndWait(std::uint32_t command, std::uint32_t wait)
-{
-    return command | wait << 8;
-}
+// The same, but returns the reply status instead of 0.
+std::uint32_t finish(void* message, std::uint32_t command, std::uint32_t wait);
 
-template <Family family, class Result, class Layout>
+template <Family family, class Result, class Message>
 struct BasicCall
 {
     CallHead head;
-    Layout message;
+    Message message;
 
-    Result open(const char* callerId, std::uint32_t line = __builtin_LINE())
+    [[gnu::always_inline]] Result open(const char* callerId, Required first = {}, Required second = {}, Required third = {},
+                                       std::uint32_t line = __builtin_LINE())
     {
-        return static_cast<Result>(tarn::open(head, callerId, site(line)));
+        return static_cast<Result>(tarn::open(head, callerId, prepare(line, first, second, third)));
     }
 
-    Result open(const char* callerId, Required pointer, std::uint32_t line = __builtin_LINE())
+    Result reject(const char* text) const
     {
-        return static_cast<Result>(tarn::open(head, callerId, pointer.pointer, pointer.complaint, site(line)));
-    }
-
-    Result open(const char* callerId, Required first, Required second, std::uint32_t line = __builtin_LINE())
-    {
-        return static_cast<Result>(tarn::open(head, callerId, first, second, site(line)));
-    }
-
-    Result open(const char* callerId, Required first, Required second, Required third, std::uint32_t line = __builtin_LINE())
-    {
-        return static_cast<Result>(tarn::open(head, callerId, first, second, third, site(line)));
-    }
-
-    Result reject(const char* complaint) const
-    {
-        return static_cast<Result>(tarn::reject(head, complaint));
+        return static_cast<Result>(tarn::reject(head, text));
     }
 
     Result execute(std::uint32_t command, std::uint32_t wait = kWait)
     {
-        return static_cast<Result>(tarn::execute(&message, commandAndWait(command, wait)));
+        return static_cast<Result>(tarn::execute(&message, command, wait));
+    }
+
+    Result finish(std::uint32_t command, std::uint32_t wait = kWait)
+    {
+        return static_cast<Result>(tarn::finish(&message, command, wait));
     }
 
 protected:
-    static constexpr std::uint32_t site(std::uint32_t line)
+    [[gnu::always_inline]] Site prepare(std::uint32_t line, Required first, Required second, Required third)
     {
-        static_assert(offsetof(BasicCall, message) == sizeof(CallHead), "the steps look for the message right behind the head");
-        static_assert(sizeof(Layout) <= 0xFFFF, "the length has 16 bits of the site");
-        return Site(line, family, sizeof(Layout)).packed;
+        static_assert(offsetof(BasicCall, message) == sizeof(CallHead),
+                      "the steps look for the message directly behind the head");
+        static_assert(sizeof(Message) <= 0xFFFF, "the length has 16 bits of the site");
+        static_assert(offsetof(Message, status) == sizeof(Message) - sizeof(Result), "the last word is the reply status");
+        return Site(line, head.require(first, second, third), family, sizeof(Message));
     }
 };
 

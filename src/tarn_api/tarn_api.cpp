@@ -21,8 +21,8 @@ namespace
 
 using namespace tarn;
 
-template <class Layout>
-using Call = BasicCall<Family::kDevice, uint32_t, Layout>;
+template <class Message>
+using Call = BasicCall<Family::kDevice, uint32_t, Message>;
 
 // Some commands are given longer than most. Which ones is fixed.
 constexpr uint32_t kLongWait = 4;
@@ -81,10 +81,7 @@ uint32_t TarnSetLogLevel(const char* callerId, uint32_t level)
 
     call.message.levelToSet = level;
 
-    if (const uint32_t failure = call.execute(1))
-        return failure;
-
-    return call.message.status;
+    return call.finish(1);
 }
 
 uint32_t TarnGetLastErrorMask(const char* callerId, uint32_t* mask)
@@ -109,10 +106,7 @@ uint32_t TarnSetStopPollingEnable(const char* callerId, uint32_t value1, uint32_
     call.message.value1 = value1;
     call.message.value2 = value2;
 
-    if (const uint32_t failure = call.execute(3))
-        return failure;
-
-    return call.message.status;
+    return call.finish(3);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -200,10 +194,7 @@ uint32_t TarnSetRadioCfg(const char* callerId, uint32_t radioId, uint32_t param,
     call.message.param = param;
     call.message.configuration = cfg;
 
-    if (const uint32_t failure = call.execute(9))
-        return failure;
-
-    return call.message.status;
+    return call.finish(9);
 }
 
 uint32_t TarnSetRadioExCfg(const char* callerId, uint32_t radioId, uint32_t param, TarnRadioExCfg cfg)
@@ -216,10 +207,7 @@ uint32_t TarnSetRadioExCfg(const char* callerId, uint32_t radioId, uint32_t para
     call.message.param = param;
     call.message.extendedConfiguration = cfg; // 60 bytes of the same long message
 
-    if (const uint32_t failure = call.execute(10))
-        return failure;
-
-    return call.message.status;
+    return call.finish(10);
 }
 
 uint32_t TarnGetRadioStats(const char* callerId, uint32_t radioId, TarnRadioStats* stats)
@@ -401,10 +389,7 @@ uint32_t TarnScanRadioNeighborhood(const char* callerId, uint32_t radioId)
 
     call.message.radio = radioId - 1;
 
-    if (const uint32_t failure = call.execute(21))
-        return failure;
-
-    return call.message.status;
+    return call.finish(21);
 }
 
 uint32_t TarnCancelRadioNeighborhoodScanning(const char* callerId, uint32_t radioId)
@@ -415,10 +400,7 @@ uint32_t TarnCancelRadioNeighborhoodScanning(const char* callerId, uint32_t radi
 
     call.message.radio = radioId - 1;
 
-    if (const uint32_t failure = call.execute(22))
-        return failure;
-
-    return call.message.status;
+    return call.finish(22);
 }
 
 uint32_t TarnGetRadioNeighboringResultNum(const char* callerId, uint32_t radioId, uint32_t* number)
@@ -481,10 +463,7 @@ uint32_t TarnSetRadioQuantennaQhopEnable(const char* callerId, uint32_t radioId,
     call.message.radio = radioId - 1;
     call.message.value = enable;
 
-    if (const uint32_t failure = call.execute(27))
-        return failure;
-
-    return call.message.status;
+    return call.finish(27);
 }
 
 uint32_t TarnGetRadioQuantennaCurrentTransmitPower(const char* callerId, uint32_t radioId, uint8_t* power)
@@ -523,10 +502,7 @@ uint32_t TarnSetQuantennaATM(const char* callerId, uint32_t value)
 
     call.message.value = value;
 
-    if (const uint32_t failure = call.execute(30))
-        return failure;
-
-    return call.message.status;
+    return call.finish(30);
 }
 
 uint32_t TarnGetQuantennaATMState(const char* callerId, uint32_t* state)
@@ -550,10 +526,7 @@ uint32_t TarnSetQuantennaAtmActuate(const char* callerId, uint32_t value)
 
     call.message.value = value;
 
-    if (const uint32_t failure = call.execute(32))
-        return failure;
-
-    return call.message.status;
+    return call.finish(32);
 }
 
 uint32_t TarnGetQuantennaAtmActuateState(const char* callerId, uint32_t* state)
@@ -577,10 +550,7 @@ uint32_t TarnSetQuantennaDFSDaemon(const char* callerId, uint32_t value)
 
     call.message.value = value;
 
-    if (const uint32_t failure = call.execute(34))
-        return failure;
-
-    return call.message.status;
+    return call.finish(34);
 }
 
 uint32_t TarnGetQuantennaDFSDaemonState(const char* callerId, uint32_t* state)
@@ -617,10 +587,7 @@ uint32_t TarnSetQuantennaMauiEnable(const char* callerId, uint32_t enable)
 
     call.message.value = enable;
 
-    if (const uint32_t failure = call.execute(37))
-        return failure;
-
-    return call.message.status;
+    return call.finish(37);
 }
 
 uint32_t TarnGetQuantennaMauiVersion(const char* callerId, char* version)
@@ -646,10 +613,7 @@ uint32_t TarnDownloadQuantennaWirelessConf(const char* callerId, const char* pat
 
     copyText(call.message.path.text, path);
 
-    if (const uint32_t failure = call.execute(39))
-        return failure;
-
-    return call.message.status;
+    return call.finish(39);
 }
 
 uint32_t TarnUpdateQuantennaPasswordFile(const char* callerId)
@@ -658,10 +622,7 @@ uint32_t TarnUpdateQuantennaPasswordFile(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(40))
-        return failure;
-
-    return call.message.status;
+    return call.finish(40);
 }
 
 uint32_t TarnGetQuantennaDownloadState(const char* callerId, uint32_t* state)
@@ -685,10 +646,7 @@ uint32_t TarnSetQuantennaRPCDebugEnable(const char* callerId, uint32_t enable)
 
     call.message.value = enable;
 
-    if (const uint32_t failure = call.execute(77))
-        return failure;
-
-    return call.message.status;
+    return call.finish(77);
 }
 
 uint32_t TarnGetQuantennaSoniqCurrentAssociationNumber(const char* callerId, uint32_t* number)
@@ -745,10 +703,7 @@ uint32_t TarnSetQuantennaTdwrChannelsEnable(const char* callerId, uint32_t radio
     call.message.radio = radioId - 1;
     call.message.value = enable;
 
-    if (const uint32_t failure = call.execute(114))
-        return failure;
-
-    return call.message.status;
+    return call.finish(114);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -813,10 +768,7 @@ uint32_t TarnSetSsidIntfCfg(const char* callerId, uint32_t radioId, uint32_t ssi
     call.message.param = param;
     call.message.configuration = cfg;
 
-    if (const uint32_t failure = call.execute(45))
-        return failure;
-
-    return call.message.status;
+    return call.finish(45);
 }
 
 uint32_t TarnGetSsidIntfStats(const char* callerId, uint32_t radioId, uint32_t ssidId, TarnSsidIntfStats* stats)
@@ -877,10 +829,7 @@ uint32_t TarnSetSsidOPXRoamingEnable(const char* callerId, uint32_t radioId, uin
     call.message.ssid = ssidId - 1;
     call.message.enabled = enable;
 
-    if (const uint32_t failure = call.execute(49))
-        return failure;
-
-    return call.message.status;
+    return call.finish(49);
 }
 
 uint32_t TarnGetSsidOPXRoamingMdid(const char* callerId, uint32_t radioId, uint32_t ssidId, uint8_t* mdid)
@@ -909,10 +858,7 @@ uint32_t TarnSetSsidOPXRoamingMdid(const char* callerId, uint32_t radioId, uint3
     call.message.ssid = ssidId - 1;
     copyMobilityDomain(call.message.mobilityDomain, mdid);
 
-    if (const uint32_t failure = call.execute(51))
-        return failure;
-
-    return call.message.status;
+    return call.finish(51);
 }
 
 uint32_t TarnGetSsidOPXShgwBlockAddrNum(const char* callerId, uint32_t radioId, uint32_t ssidId, uint32_t* number)
@@ -941,10 +887,7 @@ uint32_t TarnGetSsidOPXShgwBlockAddrAt(const char* callerId, uint32_t radioId, u
     call.message.ssid = ssidId - 1;
     call.message.index = index;
 
-    if (const uint32_t failure = call.execute(53))
-        return failure;
-
-    return call.message.status; // meant: the address in the reply is not copied out, mac stays as it was
+    return call.finish(53); // meant: the address in the reply is not copied out, mac stays as it was
 }
 
 uint32_t TarnAddSsidOPXShgwBlockAddr(const char* callerId, uint32_t radioId, uint32_t ssidId, const uint8_t* mac)
@@ -957,10 +900,7 @@ uint32_t TarnAddSsidOPXShgwBlockAddr(const char* callerId, uint32_t radioId, uin
     call.message.ssid = ssidId - 1;
     copyAddress(call.message.macAddress, mac);
 
-    if (const uint32_t failure = call.execute(54))
-        return failure;
-
-    return call.message.status;
+    return call.finish(54);
 }
 
 uint32_t TarnDelSsidOPXShgwBlockAddr(const char* callerId, uint32_t radioId, uint32_t ssidId, const uint8_t* mac)
@@ -973,10 +913,7 @@ uint32_t TarnDelSsidOPXShgwBlockAddr(const char* callerId, uint32_t radioId, uin
     call.message.ssid = ssidId - 1;
     copyAddress(call.message.macAddress, mac);
 
-    if (const uint32_t failure = call.execute(55))
-        return failure;
-
-    return call.message.status;
+    return call.finish(55);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -1009,10 +946,7 @@ uint32_t TarnSetAccessPointCfg(const char* callerId, uint32_t radioId, uint32_t 
     call.message.accessPoint = apId - 1;
     call.message.configuration = cfg;
 
-    if (const uint32_t failure = call.execute(57))
-        return failure;
-
-    return call.message.status;
+    return call.finish(57);
 }
 
 uint32_t TarnGetAccessPointSecurity(const char* callerId, uint32_t radioId, uint32_t apId, TarnAccessPointSecurityData* data)
@@ -1041,10 +975,7 @@ uint32_t TarnSetAccessPointSecurityCfg(const char* callerId, uint32_t radioId, u
     call.message.accessPoint = apId - 1;
     call.message.securityConfiguration = cfg;
 
-    if (const uint32_t failure = call.execute(59))
-        return failure;
-
-    return call.message.status;
+    return call.finish(59);
 }
 
 uint32_t TarnSetAccessPointSecurityExCfg(const char* callerId, uint32_t radioId, uint32_t apId, uint32_t value1,
@@ -1059,10 +990,7 @@ uint32_t TarnSetAccessPointSecurityExCfg(const char* callerId, uint32_t radioId,
     call.message.securityExtension[0] = value1;
     call.message.securityExtension[1] = value2;
 
-    if (const uint32_t failure = call.execute(60))
-        return failure;
-
-    return call.message.status;
+    return call.finish(60);
 }
 
 uint32_t TarnGetAccessPointWps(const char* callerId, uint32_t radioId, uint32_t apId, TarnAccessPointWpsData* data)
@@ -1093,10 +1021,7 @@ uint32_t TarnSetAccessPointWpsCfg(const char* callerId, uint32_t radioId, uint32
     call.message.configuration = cfg;
     call.message.configurationValue = value; // meant: the argument in front stands behind the record on the wire
 
-    if (const uint32_t failure = call.execute(62))
-        return failure;
-
-    return call.message.status;
+    return call.finish(62);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -1131,10 +1056,7 @@ uint32_t TarnTriggerAccessPointWpsWindow(const char* callerId, uint32_t radioId,
     call.message.triggerValue1 = value1;
     call.message.triggerValue2 = value2;
 
-    if (const uint32_t failure = call.execute(64, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(64, kLongWait);
 }
 
 uint32_t TarnCancelAccessPointWpsWindow(const char* callerId, uint32_t radioId, uint32_t apId)
@@ -1146,10 +1068,7 @@ uint32_t TarnCancelAccessPointWpsWindow(const char* callerId, uint32_t radioId, 
     call.message.radio = radioId - 1;
     call.message.accessPoint = apId - 1;
 
-    if (const uint32_t failure = call.execute(65, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(65, kLongWait);
 }
 
 uint32_t TarnGetAccessPointAssociatedNum(const char* callerId, uint32_t radioId, uint32_t apId, uint32_t* number)
@@ -1232,10 +1151,7 @@ uint32_t TarnKickOutAccessPointAssociated(const char* callerId, uint32_t radioId
     call.message.accessPoint = apId - 1;
     copyAddress(call.message.macAddress, macAddress);
 
-    if (const uint32_t failure = call.execute(70, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(70, kLongWait);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -1268,10 +1184,7 @@ uint32_t TarnSetAccessPointMacFilterMode(const char* callerId, uint32_t radioId,
     call.message.accessPoint = apId - 1;
     call.message.modeToSet = mode;
 
-    if (const uint32_t failure = call.execute(72))
-        return failure;
-
-    return call.message.status;
+    return call.finish(72);
 }
 
 uint32_t TarnAddAccessPointMacFilter(const char* callerId, uint32_t radioId, uint32_t apId, const uint8_t* macAddress)
@@ -1284,10 +1197,7 @@ uint32_t TarnAddAccessPointMacFilter(const char* callerId, uint32_t radioId, uin
     call.message.accessPoint = apId - 1;
     copyAddress(call.message.macAddress, macAddress);
 
-    if (const uint32_t failure = call.execute(73))
-        return failure;
-
-    return call.message.status;
+    return call.finish(73);
 }
 
 uint32_t TarnDelAccessPointMacFilter(const char* callerId, uint32_t radioId, uint32_t apId, const uint8_t* macAddress)
@@ -1300,10 +1210,7 @@ uint32_t TarnDelAccessPointMacFilter(const char* callerId, uint32_t radioId, uin
     call.message.accessPoint = apId - 1;
     copyAddress(call.message.macAddress, macAddress);
 
-    if (const uint32_t failure = call.execute(74))
-        return failure;
-
-    return call.message.status;
+    return call.finish(74);
 }
 
 uint32_t TarnGetAccessPointMacFilterNum(const char* callerId, uint32_t radioId, uint32_t apId, uint32_t* number)
@@ -1353,10 +1260,7 @@ uint32_t TarnResetQuantennaSmartWiFiDaemon(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(78))
-        return failure;
-
-    return call.message.status;
+    return call.finish(78);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiState(const char* callerId, uint32_t* enable)
@@ -1380,10 +1284,7 @@ uint32_t TarnSetQuantennaSmartWiFiEnable(const char* callerId, uint32_t enable)
 
     call.message.enabled = enable;
 
-    if (const uint32_t failure = call.execute(80))
-        return failure;
-
-    return call.message.status;
+    return call.finish(80);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiVersion(const char* callerId, char* version)
@@ -1420,10 +1321,7 @@ uint32_t TarnSetQuantennaSmartWiFiBindingInterface(const char* callerId, const c
 
     copyText(call.message.interfaceName, intf_name);
 
-    if (const uint32_t failure = call.execute(83))
-        return failure;
-
-    return call.message.status;
+    return call.finish(83);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiQcomm(const char* callerId, TarnQuantennaSmartWiFiQcommData* data)
@@ -1448,10 +1346,7 @@ uint32_t TarnSetQuantennaSmartWiFiQcommCfg(const char* callerId, uint32_t value,
     call.message.value = value;
     call.message.qcommConfiguration = cfg;
 
-    if (const uint32_t failure = call.execute(85))
-        return failure;
-
-    return call.message.status;
+    return call.finish(85);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiQslCfgSyncing(const char* callerId, uint32_t* state)
@@ -1475,10 +1370,7 @@ uint32_t TarnSetQuantennaSmartWiFiQslCfgSyncing(const char* callerId, uint32_t v
 
     call.message.enabled = value; // meant: the switch's word, not the value's
 
-    if (const uint32_t failure = call.execute(87))
-        return failure;
-
-    return call.message.status;
+    return call.finish(87);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiQslMdidNumber(const char* callerId, uint32_t* number)
@@ -1535,10 +1427,7 @@ uint32_t TarnSetQuantennaSmartWiFiQslPart1Cfg(const char* callerId, const uint8_
     call.message.value = value;
     call.message.qslPart1 = cfg;
 
-    if (const uint32_t failure = call.execute(91))
-        return failure;
-
-    return call.message.status;
+    return call.finish(91);
 }
 
 uint32_t TarnSetQuantennaSmartWiFiQslPart2Cfg(const char* callerId, const uint8_t* mdid, uint32_t value,
@@ -1552,10 +1441,7 @@ uint32_t TarnSetQuantennaSmartWiFiQslPart2Cfg(const char* callerId, const uint8_
     call.message.value = value;
     call.message.qslPart2 = cfg;
 
-    if (const uint32_t failure = call.execute(92))
-        return failure;
-
-    return call.message.status;
+    return call.finish(92);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiNonSteerNumber(const char* callerId, const uint8_t* mdid, uint32_t* number)
@@ -1598,10 +1484,7 @@ uint32_t TarnAddQuantennaSmartWiFiNonSteer(const char* callerId, const uint8_t* 
     copyMobilityDomain(call.message.mobilityDomain, mdid);
     copyAddress(call.message.macAddress, mac_addr);
 
-    if (const uint32_t failure = call.execute(95))
-        return failure;
-
-    return call.message.status;
+    return call.finish(95);
 }
 
 uint32_t TarnDelQuantennaSmartWiFiNonSteer(const char* callerId, const uint8_t* mdid, const uint8_t* mac_addr)
@@ -1613,10 +1496,7 @@ uint32_t TarnDelQuantennaSmartWiFiNonSteer(const char* callerId, const uint8_t* 
     copyMobilityDomain(call.message.mobilityDomain, mdid);
     copyAddress(call.message.macAddress, mac_addr);
 
-    if (const uint32_t failure = call.execute(96))
-        return failure;
-
-    return call.message.status;
+    return call.finish(96);
 }
 
 uint32_t TarnSyncQuantennaSmartWiFiBSSTable(const char* callerId)
@@ -1625,10 +1505,7 @@ uint32_t TarnSyncQuantennaSmartWiFiBSSTable(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(97))
-        return failure;
-
-    return call.message.status;
+    return call.finish(97);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiBSSEntryNumber(const char* callerId, uint32_t* number)
@@ -1667,10 +1544,7 @@ uint32_t TarnSyncQuantennaSmartWiFiAssoiated(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(100))
-        return failure;
-
-    return call.message.status;
+    return call.finish(100);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiAssoiatedNumber(const char* callerId, uint32_t* number)
@@ -1707,10 +1581,7 @@ uint32_t TarnSyncQuantennaSmartWiFiRecordInfo(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(103))
-        return failure;
-
-    return call.message.status;
+    return call.finish(103);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiRecordInfoNumber(const char* callerId, uint32_t* number)
@@ -1750,10 +1621,7 @@ uint32_t TarnSyncQuantennaSmartWiFiSlaveDevice(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(106))
-        return failure;
-
-    return call.message.status;
+    return call.finish(106);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiSlaveDeviceNumber(const char* callerId, uint32_t* number)
@@ -1790,10 +1658,7 @@ uint32_t TarnDoQuantennaSmartWiFiCfgPropagation(const char* callerId)
     if (const uint32_t refusal = call.open(callerId))
         return refusal;
 
-    if (const uint32_t failure = call.execute(109, kPropagationWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(109, kPropagationWait);
 }
 
 uint32_t TarnGetQuantennaSmartWiFiCfgToFile(const char* callerId, const char* path)
@@ -1804,8 +1669,5 @@ uint32_t TarnGetQuantennaSmartWiFiCfgToFile(const char* callerId, const char* pa
 
     copyText(call.message.path.text, path);
 
-    if (const uint32_t failure = call.execute(110))
-        return failure;
-
-    return call.message.status;
+    return call.finish(110);
 }

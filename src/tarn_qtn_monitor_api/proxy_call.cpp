@@ -3,26 +3,11 @@
 namespace tarn
 {
 
-std::int32_t ProxyCall::check(const char* handle, const void* interface, const char* complaint, std::uint32_t site)
+std::int32_t ProxyCall::openOn(const char* handle, Site site)
 {
-    return name(tarn::open(head, handle, interface, complaint, site), interface);
-}
-
-std::int32_t ProxyCall::check(const char* handle, Required interface, Required first, std::uint32_t site)
-{
-    return name(tarn::open(head, handle, interface, first, site), interface.pointer);
-}
-
-std::int32_t ProxyCall::check(const char* handle, Required interface, Required first, Required second, std::uint32_t site)
-{
-    return name(tarn::open(head, handle, interface, first, second, site), interface.pointer);
-}
-
-// Stores the name of a call that was not refused.
-std::int32_t ProxyCall::name(std::uint32_t refusal, const void* interface)
-{
+    const std::uint32_t refusal = tarn::open(head, handle, site);
     if (refusal == 0)
-        copyText(message.ifname, static_cast<const char*>(interface));
+        copyText(message.ifname, static_cast<const char*>(head.required[0].pointer));
     return static_cast<std::int32_t>(refusal);
 }
 

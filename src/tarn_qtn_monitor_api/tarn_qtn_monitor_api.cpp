@@ -54,10 +54,7 @@ int32_t tarn_qcsapi_debug(const char* handle, uint32_t value)
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(0))
-        return failure;
-
-    return call.message.status;
+    return call.finish(0);
 }
 
 int32_t tarn_qcsapi_init(const char* handle)
@@ -66,10 +63,7 @@ int32_t tarn_qcsapi_init(const char* handle)
     if (const int32_t refusal = call.open(handle))
         return refusal;
 
-    if (const int32_t failure = call.execute(1))
-        return failure;
-
-    return call.message.status;
+    return call.finish(1);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -113,10 +107,7 @@ int32_t tarn_qcsapi_wifi_startprod(const char* handle)
     if (const int32_t refusal = call.open(handle))
         return refusal;
 
-    if (const int32_t failure = call.execute(10))
-        return failure;
-
-    return call.message.status;
+    return call.finish(10);
 }
 
 int32_t tarn_qcsapi_is_startprod_done(const char* handle, uint32_t* is_start_prod_done)
@@ -140,10 +131,7 @@ int32_t tarn_qcsapi_wifi_rfenable(const char* handle, uint32_t value)
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(12, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(12, kLongWait);
 }
 
 int32_t tarn_qcsapi_radio_rfenable(const char* handle, const char* ifname, uint32_t value)
@@ -154,10 +142,7 @@ int32_t tarn_qcsapi_radio_rfenable(const char* handle, const char* ifname, uint3
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(13, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(13, kLongWait);
 }
 
 int32_t tarn_qcsapi_set_custom_value(const char* handle, const char* custom_key, const char* custom_value)
@@ -169,10 +154,7 @@ int32_t tarn_qcsapi_set_custom_value(const char* handle, const char* custom_key,
     call.message.param1.text<33>(custom_key);
     call.message.param2.text<129>(custom_value);
 
-    if (const int32_t failure = call.execute(14)) // read back by command 98
-        return failure;
-
-    return call.message.status;
+    return call.finish(14); // read back by command 98
 }
 
 int32_t tarn_qcsapi_wifi_run_script(const char* handle, const char* scriptname, const char* param)
@@ -184,10 +166,7 @@ int32_t tarn_qcsapi_wifi_run_script(const char* handle, const char* scriptname, 
     call.message.param1.text<33>(scriptname);
     call.message.param2.text<129>(param);
 
-    if (const int32_t failure = call.execute(15))
-        return failure;
-
-    return call.message.status;
+    return call.finish(15);
 }
 
 int32_t tarn_qcsapi_bootcfg_get_parameter(const char* handle, const char* param_name, char* param_value, uint32_t size)
@@ -216,10 +195,7 @@ int32_t tarn_qcsapi_config_update_parameter(const char* handle, const char* intf
     call.message.param1.text<33>(param_name);
     call.message.param2.text<129>(param_value);
 
-    if (const int32_t failure = call.execute(17))
-        return failure;
-
-    return call.message.status;
+    return call.finish(17);
 }
 
 int32_t tarn_qcsapi_telnet_enable(const char* handle, uint32_t value)
@@ -230,10 +206,7 @@ int32_t tarn_qcsapi_telnet_enable(const char* handle, uint32_t value)
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(18))
-        return failure;
-
-    return call.message.status;
+    return call.finish(18);
 }
 
 int32_t tarn_qcsapi_service_control(const char* handle, uint32_t service, uint32_t action)
@@ -245,10 +218,7 @@ int32_t tarn_qcsapi_service_control(const char* handle, uint32_t service, uint32
     call.message.param1.word(service);
     call.message.param2.word(action);
 
-    if (const int32_t failure = call.execute(19))
-        return failure;
-
-    return call.message.status;
+    return call.finish(19);
 }
 
 int32_t tarn_qcsapi_get_carrier_id(const char* handle, uint32_t* p_carrier_id)
@@ -273,10 +243,7 @@ int32_t tarn_qcsapi_set_carrier_id(const char* handle, uint32_t carrier_id, uint
     call.message.param1.word(carrier_id);
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(21))
-        return failure;
-
-    return call.message.status;
+    return call.finish(21);
 }
 
 int32_t tarn_qcsapi_pm_set_mode(const char* handle, uint32_t mode)
@@ -287,10 +254,7 @@ int32_t tarn_qcsapi_pm_set_mode(const char* handle, uint32_t mode)
 
     call.message.param2.word(mode);
 
-    if (const int32_t failure = call.execute(22))
-        return failure;
-
-    return call.message.status;
+    return call.finish(22);
 }
 
 int32_t tarn_qcsapi_system_get_time_since_start(const char* handle, uint32_t* p_elapsed_time)
@@ -442,10 +406,7 @@ int32_t tarn_qcsapi_regulatory_overwrite_country_code(const char* handle, const 
     call.message.param1.text<33>(curr_country_name);
     call.message.param2.text<33>(new_country_name);
 
-    if (const int32_t failure = call.execute(43))
-        return failure;
-
-    return call.message.status;
+    return call.finish(43);
 }
 
 int32_t tarn_qcsapi_wifi_set_bw(const char* handle, const char* ifname, uint32_t bandwidth)
@@ -456,10 +417,7 @@ int32_t tarn_qcsapi_wifi_set_bw(const char* handle, const char* ifname, uint32_t
 
     call.message.param2.word(bandwidth);
 
-    if (const int32_t failure = call.execute(47))
-        return failure;
-
-    return call.message.status;
+    return call.finish(47);
 }
 
 int32_t tarn_qcsapi_wifi_set_channel(const char* handle, const char* ifname, uint32_t channel)
@@ -470,10 +428,7 @@ int32_t tarn_qcsapi_wifi_set_channel(const char* handle, const char* ifname, uin
 
     call.message.param1.word(channel);
 
-    if (const int32_t failure = call.execute(48))
-        return failure;
-
-    return call.message.status;
+    return call.finish(48);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -501,10 +456,7 @@ int32_t tarn_qcsapi_wifi_set_SSID(const char* handle, const char* intf_name, con
 
     call.message.param1.text<33>(ssid);
 
-    if (const int32_t failure = call.execute(26))
-        return failure;
-
-    return call.message.status;
+    return call.finish(26);
 }
 
 // The next two share command 27, which is meant: the service tells them apart by what the message holds. Their two trailing
@@ -522,10 +474,7 @@ int32_t tarn_qcsapi_wifi_set_dscp_ac_table(const char* handle, uint32_t table_id
     call.message.param3.byte(value_a);
     call.message.param4.byte(value_b);
 
-    if (const int32_t failure = call.execute(27))
-        return failure;
-
-    return call.message.status;
+    return call.finish(27);
 }
 
 int32_t tarn_qcsapi_wifi_set_dscp_ac_map(const char* handle, const char* intf_name, const uint8_t* dscp_list, uint8_t value_a,
@@ -539,10 +488,7 @@ int32_t tarn_qcsapi_wifi_set_dscp_ac_map(const char* handle, const char* intf_na
     call.message.param3.byte(value_a);
     call.message.param4.byte(value_b);
 
-    if (const int32_t failure = call.execute(27))
-        return failure;
-
-    return call.message.status;
+    return call.finish(27);
 }
 
 int32_t tarn_qcsapi_wifi_set_ieee80211r_mobility_domain(const char* handle, const char* intf_name, const char* value)
@@ -553,10 +499,7 @@ int32_t tarn_qcsapi_wifi_set_ieee80211r_mobility_domain(const char* handle, cons
 
     call.message.param1.text<17>(value);
 
-    if (const int32_t failure = call.execute(28))
-        return failure;
-
-    return call.message.status;
+    return call.finish(28);
 }
 
 int32_t tarn_qcsapi_wps_registrar_report_pin(const char* handle, const char* ifname, const char* wps_pin)
@@ -567,10 +510,7 @@ int32_t tarn_qcsapi_wps_registrar_report_pin(const char* handle, const char* ifn
 
     call.message.param1.text<33>(wps_pin);
 
-    if (const int32_t failure = call.execute(30))
-        return failure;
-
-    return call.message.status;
+    return call.finish(30);
 }
 
 int32_t tarn_qcsapi_wps_registrar_report_button_press(const char* handle, const char* ifname)
@@ -579,10 +519,7 @@ int32_t tarn_qcsapi_wps_registrar_report_button_press(const char* handle, const 
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}))
         return refusal;
 
-    if (const int32_t failure = call.execute(31))
-        return failure;
-
-    return call.message.status;
+    return call.finish(31);
 }
 
 int32_t tarn_qcsapi_wifi_disable_wps(const char* handle, const char* ifname, uint32_t disable)
@@ -593,10 +530,7 @@ int32_t tarn_qcsapi_wifi_disable_wps(const char* handle, const char* ifname, uin
 
     call.message.param2.word(disable == 0 ? 1 : 0); // meant: the flag goes out inverted
 
-    if (const int32_t failure = call.execute(32))
-        return failure;
-
-    return call.message.status;
+    return call.finish(32);
 }
 
 int32_t tarn_qcsapi_wps_upnp_enable(const char* handle, const char* ifname, uint32_t value)
@@ -607,10 +541,7 @@ int32_t tarn_qcsapi_wps_upnp_enable(const char* handle, const char* ifname, uint
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(33))
-        return failure;
-
-    return call.message.status;
+    return call.finish(33);
 }
 
 int32_t tarn_qcsapi_wps_enable_ap_pin(const char* handle, const char* ifname, uint32_t value)
@@ -621,10 +552,7 @@ int32_t tarn_qcsapi_wps_enable_ap_pin(const char* handle, const char* ifname, ui
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(34))
-        return failure;
-
-    return call.message.status;
+    return call.finish(34);
 }
 
 int32_t tarn_qcsapi_wps_set_ap_pin(const char* handle, const char* ifname, const char* wps_pin)
@@ -635,10 +563,7 @@ int32_t tarn_qcsapi_wps_set_ap_pin(const char* handle, const char* ifname, const
 
     call.message.param1.text<33>(wps_pin);
 
-    if (const int32_t failure = call.execute(35))
-        return failure;
-
-    return call.message.status;
+    return call.finish(35);
 }
 
 int32_t tarn_qcsapi_wps_save_ap_pin(const char* handle, const char* ifname)
@@ -647,10 +572,7 @@ int32_t tarn_qcsapi_wps_save_ap_pin(const char* handle, const char* ifname)
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}))
         return refusal;
 
-    if (const int32_t failure = call.execute(36))
-        return failure;
-
-    return call.message.status;
+    return call.finish(36);
 }
 
 int32_t tarn_qcsapi_wps_set_param(const char* handle, const char* ifname, uint32_t param_id, const char* param_value)
@@ -663,10 +585,7 @@ int32_t tarn_qcsapi_wps_set_param(const char* handle, const char* ifname, uint32
     call.message.param1.word(param_id);
     call.message.param2.text<129>(param_value);
 
-    if (const int32_t failure = call.execute(37))
-        return failure;
-
-    return call.message.status;
+    return call.finish(37);
 }
 
 int32_t tarn_qcsapi_wps_get_param(const char* handle, const char* ifname, uint32_t param_id, char* param_value, uint32_t size)
@@ -692,10 +611,7 @@ int32_t tarn_qcsapi_wps_set_configured_state(const char* handle, const char* ifn
 
     call.message.param1.word(state);
 
-    if (const int32_t failure = call.execute(39))
-        return failure;
-
-    return call.message.status;
+    return call.finish(39);
 }
 
 int32_t tarn_qcsapi_wifi_disassociate_sta(const char* handle, const char* ifname, const uint8_t* mac)
@@ -706,10 +622,7 @@ int32_t tarn_qcsapi_wifi_disassociate_sta(const char* handle, const char* ifname
 
     call.message.param2.block<kMacAddressSize>(mac);
 
-    if (const int32_t failure = call.execute(40))
-        return failure;
-
-    return call.message.status;
+    return call.finish(40);
 }
 
 int32_t tarn_qcsapi_wifi_apply_security_config(const char* handle, const char* ifname)
@@ -718,10 +631,7 @@ int32_t tarn_qcsapi_wifi_apply_security_config(const char* handle, const char* i
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}))
         return refusal;
 
-    if (const int32_t failure = call.execute(41, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(41, kLongWait);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -736,10 +646,7 @@ int32_t tarn_qcsapi_interface_enable(const char* handle, const char* ifname, uin
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(44))
-        return failure;
-
-    return call.message.status;
+    return call.finish(44);
 }
 
 int32_t tarn_qcsapi_wifi_set_phy_mode(const char* handle, const char* ifname, const char* new_phy_mode)
@@ -750,10 +657,7 @@ int32_t tarn_qcsapi_wifi_set_phy_mode(const char* handle, const char* ifname, co
 
     call.message.param1.text<33>(new_phy_mode);
 
-    if (const int32_t failure = call.execute(45))
-        return failure;
-
-    return call.message.status;
+    return call.finish(45);
 }
 
 int32_t tarn_qcsapi_wifi_get_phy_mode(const char* handle, const char* ifname, char* p_wifi_phy_mode, uint32_t size)
@@ -790,10 +694,7 @@ int32_t tarn_qcsapi_wifi_scs_enable(const char* handle, const char* ifname, uint
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(50))
-        return failure;
-
-    return call.message.status;
+    return call.finish(50);
 }
 
 int32_t tarn_qcsapi_wifi_set_option(const char* handle, const char* ifname, uint32_t option, uint32_t value)
@@ -805,10 +706,7 @@ int32_t tarn_qcsapi_wifi_set_option(const char* handle, const char* ifname, uint
     call.message.param1.word(option);
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(51))
-        return failure;
-
-    return call.message.status;
+    return call.finish(51);
 }
 
 int32_t tarn_qcsapi_wifi_set_mcs_rate(const char* handle, const char* ifname, const char* new_mcs_rate)
@@ -819,10 +717,7 @@ int32_t tarn_qcsapi_wifi_set_mcs_rate(const char* handle, const char* ifname, co
 
     call.message.param1.text<9>(new_mcs_rate);
 
-    if (const int32_t failure = call.execute(52))
-        return failure;
-
-    return call.message.status;
+    return call.finish(52);
 }
 
 int32_t tarn_qcsapi_wifi_set_rts_threshold(const char* handle, const char* ifname, uint32_t value)
@@ -833,10 +728,7 @@ int32_t tarn_qcsapi_wifi_set_rts_threshold(const char* handle, const char* ifnam
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(53))
-        return failure;
-
-    return call.message.status;
+    return call.finish(53);
 }
 
 int32_t tarn_qcsapi_wifi_set_beacon_interval(const char* handle, const char* ifname, uint32_t value)
@@ -847,10 +739,7 @@ int32_t tarn_qcsapi_wifi_set_beacon_interval(const char* handle, const char* ifn
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(54))
-        return failure;
-
-    return call.message.status;
+    return call.finish(54);
 }
 
 int32_t tarn_qcsapi_wifi_set_dtim(const char* handle, const char* ifname, uint32_t value)
@@ -861,10 +750,7 @@ int32_t tarn_qcsapi_wifi_set_dtim(const char* handle, const char* ifname, uint32
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(55))
-        return failure;
-
-    return call.message.status;
+    return call.finish(55);
 }
 
 int32_t tarn_qcsapi_wifi_set_assoc_limit(const char* handle, const char* ifname, uint32_t value)
@@ -875,10 +761,7 @@ int32_t tarn_qcsapi_wifi_set_assoc_limit(const char* handle, const char* ifname,
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(56))
-        return failure;
-
-    return call.message.status;
+    return call.finish(56);
 }
 
 int32_t tarn_qcsapi_wifi_set_tx_amsdu(const char* handle, const char* ifname, uint32_t value)
@@ -889,10 +772,7 @@ int32_t tarn_qcsapi_wifi_set_tx_amsdu(const char* handle, const char* ifname, ui
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(57))
-        return failure;
-
-    return call.message.status;
+    return call.finish(57);
 }
 
 int32_t tarn_qcsapi_wifi_set_airfair(const char* handle, const char* ifname, uint32_t value)
@@ -903,10 +783,7 @@ int32_t tarn_qcsapi_wifi_set_airfair(const char* handle, const char* ifname, uin
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(58))
-        return failure;
-
-    return call.message.status;
+    return call.finish(58);
 }
 
 int32_t tarn_qcsapi_wifi_set_extender_params(const char* handle, const char* ifname, uint32_t parameter, uint32_t value)
@@ -918,10 +795,7 @@ int32_t tarn_qcsapi_wifi_set_extender_params(const char* handle, const char* ifn
     call.message.param1.word(parameter);
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(59))
-        return failure;
-
-    return call.message.status;
+    return call.finish(59);
 }
 
 int32_t tarn_qcsapi_wifi_set_security_defer_mode(const char* handle, const char* ifname, uint32_t value)
@@ -932,10 +806,7 @@ int32_t tarn_qcsapi_wifi_set_security_defer_mode(const char* handle, const char*
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(60))
-        return failure;
-
-    return call.message.status;
+    return call.finish(60);
 }
 
 int32_t tarn_qcsapi_wifi_create_bss_with_ifstate(const char* handle, const char* ifname, uint32_t value)
@@ -946,10 +817,7 @@ int32_t tarn_qcsapi_wifi_create_bss_with_ifstate(const char* handle, const char*
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(61, kLongWait))
-        return failure;
-
-    return call.message.status;
+    return call.finish(61, kLongWait);
 }
 
 int32_t tarn_qcsapi_wifi_set_SSID_group_id(const char* handle, const char* ifname, uint32_t value)
@@ -960,10 +828,7 @@ int32_t tarn_qcsapi_wifi_set_SSID_group_id(const char* handle, const char* ifnam
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(62))
-        return failure;
-
-    return call.message.status;
+    return call.finish(62);
 }
 
 int32_t tarn_qcsapi_wifi_set_priority(const char* handle, const char* ifname, uint8_t priority)
@@ -974,10 +839,7 @@ int32_t tarn_qcsapi_wifi_set_priority(const char* handle, const char* ifname, ui
 
     call.message.param1.byte(priority); // meant: a byte, unlike its neighbours' words
 
-    if (const int32_t failure = call.execute(63))
-        return failure;
-
-    return call.message.status;
+    return call.finish(63);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -993,10 +855,7 @@ int32_t tarn_qcsapi_wifi_set_bss_assoc_limit(const char* handle, uint32_t value1
     call.message.param1.word(value1);
     call.message.param2.word(value2);
 
-    if (const int32_t failure = call.execute(64))
-        return failure;
-
-    return call.message.status;
+    return call.finish(64);
 }
 
 int32_t tarn_qcsapi_wifi_set_intra_bss_isolate(const char* handle, const char* ifname, uint32_t value)
@@ -1007,10 +866,7 @@ int32_t tarn_qcsapi_wifi_set_intra_bss_isolate(const char* handle, const char* i
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(65))
-        return failure;
-
-    return call.message.status;
+    return call.finish(65);
 }
 
 int32_t tarn_qcsapi_wifi_set_beacon_type(const char* handle, const char* ifname, const char* p_new_beacon)
@@ -1021,10 +877,7 @@ int32_t tarn_qcsapi_wifi_set_beacon_type(const char* handle, const char* ifname,
 
     call.message.param1.text<33>(p_new_beacon);
 
-    if (const int32_t failure = call.execute(66))
-        return failure;
-
-    return call.message.status;
+    return call.finish(66);
 }
 
 int32_t tarn_qcsapi_wifi_set_WPA_authentication_mode(const char* handle, const char* ifname, const char* authentication_mode)
@@ -1036,10 +889,7 @@ int32_t tarn_qcsapi_wifi_set_WPA_authentication_mode(const char* handle, const c
 
     call.message.param1.text<33>(authentication_mode);
 
-    if (const int32_t failure = call.execute(67))
-        return failure;
-
-    return call.message.status;
+    return call.finish(67);
 }
 
 int32_t tarn_qcsapi_wifi_set_WPA_encryption_modes(const char* handle, const char* ifname, const char* encryption_modes)
@@ -1050,10 +900,7 @@ int32_t tarn_qcsapi_wifi_set_WPA_encryption_modes(const char* handle, const char
 
     call.message.param1.text<33>(encryption_modes);
 
-    if (const int32_t failure = call.execute(68))
-        return failure;
-
-    return call.message.status;
+    return call.finish(68);
 }
 
 int32_t tarn_qcsapi_wifi_set_key_passphrase(const char* handle, const char* ifname, const char* passphrase)
@@ -1065,10 +912,7 @@ int32_t tarn_qcsapi_wifi_set_key_passphrase(const char* handle, const char* ifna
     // Meant: 63 characters, the longest passphrase (IEEE 802.11). A key of 64 digits loses its last.
     call.message.param2.text<64>(passphrase);
 
-    if (const int32_t failure = call.execute(69))
-        return failure;
-
-    return call.message.status;
+    return call.finish(69);
 }
 
 int32_t tarn_qcsapi_wifi_set_group_key_interval(const char* handle, const char* ifname, uint32_t value)
@@ -1079,10 +923,7 @@ int32_t tarn_qcsapi_wifi_set_group_key_interval(const char* handle, const char* 
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(70))
-        return failure;
-
-    return call.message.status;
+    return call.finish(70);
 }
 
 int32_t tarn_qcsapi_wifi_set_pmf(const char* handle, const char* ifname, uint32_t value)
@@ -1093,10 +934,7 @@ int32_t tarn_qcsapi_wifi_set_pmf(const char* handle, const char* ifname, uint32_
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(71))
-        return failure;
-
-    return call.message.status;
+    return call.finish(71);
 }
 
 int32_t tarn_qcsapi_wifi_set_mac_address_filtering(const char* handle, const char* ifname, uint32_t value)
@@ -1107,10 +945,7 @@ int32_t tarn_qcsapi_wifi_set_mac_address_filtering(const char* handle, const cha
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(72))
-        return failure;
-
-    return call.message.status;
+    return call.finish(72);
 }
 
 int32_t tarn_qcsapi_wifi_clear_mac_address_filters(const char* handle, const char* ifname)
@@ -1119,10 +954,7 @@ int32_t tarn_qcsapi_wifi_clear_mac_address_filters(const char* handle, const cha
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}))
         return refusal;
 
-    if (const int32_t failure = call.execute(73))
-        return failure;
-
-    return call.message.status;
+    return call.finish(73);
 }
 
 int32_t tarn_qcsapi_wifi_get_mac_address_filtering(const char* handle, const char* ifname,
@@ -1149,10 +981,7 @@ int32_t tarn_qcsapi_wifi_authorize_mac_address(const char* handle, const char* i
 
     call.message.param2.block<kMacAddressSize>(address_to_authorize);
 
-    if (const int32_t failure = call.execute(75))
-        return failure;
-
-    return call.message.status;
+    return call.finish(75);
 }
 
 int32_t tarn_qcsapi_wifi_deny_mac_address(const char* handle, const char* ifname, const uint8_t* address_to_deny)
@@ -1163,10 +992,7 @@ int32_t tarn_qcsapi_wifi_deny_mac_address(const char* handle, const char* ifname
 
     call.message.param2.block<kMacAddressSize>(address_to_deny);
 
-    if (const int32_t failure = call.execute(76))
-        return failure;
-
-    return call.message.status;
+    return call.finish(76);
 }
 
 int32_t tarn_qcsapi_wifi_vlan_config(const char* handle, const char* ifname, uint32_t value1, uint32_t value2)
@@ -1178,10 +1004,7 @@ int32_t tarn_qcsapi_wifi_vlan_config(const char* handle, const char* ifname, uin
     call.message.param1.word(value1);
     call.message.param2.word(value2);
 
-    if (const int32_t failure = call.execute(77))
-        return failure;
-
-    return call.message.status;
+    return call.finish(77);
 }
 
 int32_t tarn_qcsapi_wifi_set_bss_isolate(const char* handle, const char* ifname, uint32_t value)
@@ -1192,10 +1015,7 @@ int32_t tarn_qcsapi_wifi_set_bss_isolate(const char* handle, const char* ifname,
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(78))
-        return failure;
-
-    return call.message.status;
+    return call.finish(78);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -1225,10 +1045,7 @@ int32_t tarn_qcsapi_wifi_set_current_tx_power_level(const char* handle, const ch
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(80))
-        return failure;
-
-    return call.message.status;
+    return call.finish(80);
 }
 
 int32_t tarn_qcsapi_reg_chan_txpower_backoff_set(const char* handle, const char* ifname, uint8_t value1, uint8_t value2,
@@ -1242,10 +1059,7 @@ int32_t tarn_qcsapi_reg_chan_txpower_backoff_set(const char* handle, const char*
     call.message.param2.word(value2);
     call.message.param3.word(value3);
 
-    if (const int32_t failure = call.execute(81))
-        return failure;
-
-    return call.message.status;
+    return call.finish(81);
 }
 
 int32_t tarn_qcsapi_wifi_set_nac_mon_mode(const char* handle, const char* ifname, uint32_t value1, uint32_t value2,
@@ -1259,10 +1073,7 @@ int32_t tarn_qcsapi_wifi_set_nac_mon_mode(const char* handle, const char* ifname
     call.message.param1.word(value2);
     call.message.param3.word(value3);
 
-    if (const int32_t failure = call.execute(82))
-        return failure;
-
-    return call.message.status;
+    return call.finish(82);
 }
 
 int32_t tarn_qcsapi_wifi_start_dfs_s_radio(const char* handle, const char* ifname, uint32_t value)
@@ -1273,10 +1084,7 @@ int32_t tarn_qcsapi_wifi_start_dfs_s_radio(const char* handle, const char* ifnam
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(83))
-        return failure;
-
-    return call.message.status;
+    return call.finish(83);
 }
 
 int32_t tarn_qcsapi_wifi_stop_dfs_s_radio(const char* handle, const char* ifname)
@@ -1285,10 +1093,7 @@ int32_t tarn_qcsapi_wifi_stop_dfs_s_radio(const char* handle, const char* ifname
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}))
         return refusal;
 
-    if (const int32_t failure = call.execute(84))
-        return failure;
-
-    return call.message.status;
+    return call.finish(84);
 }
 
 int32_t tarn_qcsapi_wifi_get_cac_status(const char* handle, const char* ifname, uint32_t* cacstatus)
@@ -1313,10 +1118,7 @@ int32_t tarn_qcsapi_wifi_set_chan_pri_inactive(const char* handle, const char* i
     call.message.param1.word(value1);
     call.message.param2.word(value2);
 
-    if (const int32_t failure = call.execute(95))
-        return failure;
-
-    return call.message.status;
+    return call.finish(95);
 }
 
 int32_t tarn_qcsapi_regulatory_apply_tx_power_cap(const char* handle, uint32_t value)
@@ -1327,10 +1129,7 @@ int32_t tarn_qcsapi_regulatory_apply_tx_power_cap(const char* handle, uint32_t v
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(97))
-        return failure;
-
-    return call.message.status;
+    return call.finish(97);
 }
 
 int32_t tarn_qcsapi_wifi_get_icac_status(const char* handle, const char* intf_name, uint32_t* status)
@@ -1356,10 +1155,7 @@ int32_t tarn_qcsapi_wifi_set_sec_chan(const char* handle, const char* ifname, ui
     call.message.param1.word(value1);
     call.message.param2.word(value2);
 
-    if (const int32_t failure = call.execute(113))
-        return failure;
-
-    return call.message.status;
+    return call.finish(113);
 }
 
 int32_t tarn_qcsapi_wifi_get_chan_avail_status(const char* handle, const char* intf_name, void* chan_avail_status)
@@ -1384,10 +1180,7 @@ int32_t tarn_qcsapi_wifi_set_wea_cac_en(const char* handle, const char* intf_nam
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(127))
-        return failure;
-
-    return call.message.status;
+    return call.finish(127);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -1711,10 +1504,7 @@ int32_t tarn_qcsapi_wifi_start_scan_ext(const char* handle, const char* intf_nam
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(101))
-        return failure;
-
-    return call.message.status;
+    return call.finish(101);
 }
 
 int32_t tarn_qcsapi_wifi_get_scan_status(const char* handle, const char* intf_name, uint32_t* scanstatus)
@@ -1751,10 +1541,7 @@ int32_t tarn_qcsapi_wps_cancel(const char* handle, const char* ifname)
 
     copyName(call, ifname);
 
-    if (const int32_t failure = call.execute(107))
-        return failure;
-
-    return call.message.status;
+    return call.finish(107);
 }
 
 int32_t tarn_qcsapi_security_set_sec_agent(const char* handle, const char* action, const char* key, uint32_t value)
@@ -1767,10 +1554,7 @@ int32_t tarn_qcsapi_security_set_sec_agent(const char* handle, const char* actio
     call.message.param2.block<33>(key);
     call.message.param3.word(value);
 
-    if (const int32_t failure = call.execute(108))
-        return failure;
-
-    return call.message.status;
+    return call.finish(108);
 }
 
 int32_t tarn_qcsapi_wifi_get_parameter(const char* handle, const char* ifname, uint32_t param, uint32_t* p_value)
@@ -1799,10 +1583,7 @@ int32_t tarn_qcsapi_wifi_set_parameter(const char* handle, const char* ifname, u
     call.message.param1.word(param);
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(111))
-        return failure;
-
-    return call.message.status;
+    return call.finish(111);
 }
 
 int32_t tarn_qcsapi_wifi_disable_11b(const char* handle, const char* ifname, uint32_t value)
@@ -1814,10 +1595,7 @@ int32_t tarn_qcsapi_wifi_disable_11b(const char* handle, const char* ifname, uin
     copyName(call, ifname);
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(112))
-        return failure;
-
-    return call.message.status;
+    return call.finish(112);
 }
 
 int32_t tarn_qcsapi_wifi_set_enable_mu(const char* handle, const char* ifname, uint32_t value)
@@ -1829,10 +1607,7 @@ int32_t tarn_qcsapi_wifi_set_enable_mu(const char* handle, const char* ifname, u
     copyName(call, ifname);
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(114))
-        return failure;
-
-    return call.message.status;
+    return call.finish(114);
 }
 
 int32_t tarn_qcsapi_set_params(const char* handle, const char* ifname, const char* param_name, const void* set_params)
@@ -1846,10 +1621,7 @@ int32_t tarn_qcsapi_set_params(const char* handle, const char* ifname, const cha
         call.message.param1.text<33>(param_name);
     call.message.param2.block<1040>(set_params);
 
-    if (const int32_t failure = call.execute(115))
-        return failure;
-
-    return call.message.status;
+    return call.finish(115);
 }
 
 int32_t tarn_qcsapi_wifi_set_ac_agg_hold_time(const char* handle, const char* ifname, uint32_t value1, uint32_t value2)
@@ -1862,10 +1634,7 @@ int32_t tarn_qcsapi_wifi_set_ac_agg_hold_time(const char* handle, const char* if
     call.message.param1.word(value1);
     call.message.param2.word(value2);
 
-    if (const int32_t failure = call.execute(117))
-        return failure;
-
-    return call.message.status;
+    return call.finish(117);
 }
 
 int32_t tarn_qcsapi_wifi_set_legacy_bbic(const char* handle, const char* ifname, uint32_t value)
@@ -1877,10 +1646,7 @@ int32_t tarn_qcsapi_wifi_set_legacy_bbic(const char* handle, const char* ifname,
     copyName(call, ifname);
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(118))
-        return failure;
-
-    return call.message.status;
+    return call.finish(118);
 }
 
 int32_t tarn_qcsapi_thermal_mitig_init(const char* handle, uint32_t value)
@@ -1891,10 +1657,7 @@ int32_t tarn_qcsapi_thermal_mitig_init(const char* handle, uint32_t value)
 
     call.message.param1.word(value);
 
-    if (const int32_t failure = call.execute(119))
-        return failure;
-
-    return call.message.status;
+    return call.finish(119);
 }
 
 int32_t tarn_qcsapi_thermal_mitig_start(const char* handle, const char* name, uint32_t value1, uint32_t value2)
@@ -1907,10 +1670,7 @@ int32_t tarn_qcsapi_thermal_mitig_start(const char* handle, const char* name, ui
     call.message.param1.word(value1);
     call.message.param2.word(value2);
 
-    if (const int32_t failure = call.execute(120))
-        return failure;
-
-    return call.message.status;
+    return call.finish(120);
 }
 
 int32_t tarn_qcsapi_thermal_mitig_stop(const char* handle, const char* name)
@@ -1921,10 +1681,7 @@ int32_t tarn_qcsapi_thermal_mitig_stop(const char* handle, const char* name)
 
     copyName(call, name);
 
-    if (const int32_t failure = call.execute(121))
-        return failure;
-
-    return call.message.status;
+    return call.finish(121);
 }
 
 int32_t tarn_qcsapi_thermal_mitig_exit(const char* handle)
@@ -1933,10 +1690,7 @@ int32_t tarn_qcsapi_thermal_mitig_exit(const char* handle)
     if (const int32_t refusal = call.open(handle))
         return refusal;
 
-    if (const int32_t failure = call.execute(122))
-        return failure;
-
-    return call.message.status;
+    return call.finish(122);
 }
 
 int32_t tarn_qcsapi_wifi_set_ieee80211r(const char* handle, const char* ifname, uint32_t value)
@@ -1947,10 +1701,7 @@ int32_t tarn_qcsapi_wifi_set_ieee80211r(const char* handle, const char* ifname, 
 
     call.message.param2.word(value);
 
-    if (const int32_t failure = call.execute(125))
-        return failure;
-
-    return call.message.status;
+    return call.finish(125);
 }
 
 // ----------------------------------------------------------------------------------------------------------------------------
@@ -1995,10 +1746,7 @@ int32_t tarn_qtn_mirror_set_telnet_enable(const char* handle, uint32_t enable, u
     call.message.enable = enable;
     call.message.processId = pid;
 
-    if (const int32_t failure = call.execute(1))
-        return failure;
-
-    return call.message.status;
+    return call.finish(1);
 }
 
 int32_t tarn_qtn_mirror_set_mirror_enable(const char* handle, uint32_t enable)
@@ -2009,8 +1757,5 @@ int32_t tarn_qtn_mirror_set_mirror_enable(const char* handle, uint32_t enable)
 
     call.message.enable = enable;
 
-    if (const int32_t failure = call.execute(2))
-        return failure;
-
-    return call.message.status;
+    return call.finish(2);
 }
