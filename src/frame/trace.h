@@ -6,7 +6,7 @@
 namespace tarn
 {
 
-inline constexpr std::uint32_t kTraceLevel = 1;
+constexpr std::uint32_t kTraceLevel = 1;
 
 // Writes a text that takes no arguments.
 void trace(const char* tag, std::uint32_t line, const char* text);

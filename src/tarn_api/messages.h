@@ -1,18 +1,20 @@
-// The device service's messages, byte by byte. One struct a layout; which commands speak it stands above each.
+// The device service's messages, byte by byte. One struct for each layout, with the commands that use it.
 //
-// Words are 32 bits in the host's byte order. A service reads and writes these very bytes, so every field's offset is asserted.
+// Words are 32 bits in the host's byte order. A service reads and writes these very bytes, so every field's offset and size is
+// asserted.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
+#include "layout.h"
 #include "tarn_api.h"
 
 namespace tarn
 {
 
-inline constexpr std::size_t kMacAddressSize = 6;
-inline constexpr std::size_t kMobilityDomainSize = 2;
+constexpr std::size_t kMacAddressSize = 6;
+constexpr std::size_t kMobilityDomainSize = 2;
 
 // Commands 0 and 1. The level is set in one word and read in another.
 struct LogLevelMessage
@@ -21,10 +23,10 @@ struct LogLevelMessage
     std::uint32_t levelReported;
     std::uint32_t status;
 };
-static_assert(sizeof(LogLevelMessage) == 12);
-static_assert(offsetof(LogLevelMessage, levelToSet) == 0);
-static_assert(offsetof(LogLevelMessage, levelReported) == 4);
-static_assert(offsetof(LogLevelMessage, status) == 8);
+TARN_LENGTH(LogLevelMessage, 12);
+TARN_FIELD(LogLevelMessage, levelToSet, 0, 4);
+TARN_FIELD(LogLevelMessage, levelReported, 4, 4);
+TARN_FIELD(LogLevelMessage, status, 8, 4);
 
 // Command 2.
 struct LastErrorMaskMessage
@@ -32,9 +34,9 @@ struct LastErrorMaskMessage
     std::uint32_t mask;
     std::uint32_t status;
 };
-static_assert(sizeof(LastErrorMaskMessage) == 8);
-static_assert(offsetof(LastErrorMaskMessage, mask) == 0);
-static_assert(offsetof(LastErrorMaskMessage, status) == 4);
+TARN_LENGTH(LastErrorMaskMessage, 8);
+TARN_FIELD(LastErrorMaskMessage, mask, 0, 4);
+TARN_FIELD(LastErrorMaskMessage, status, 4, 4);
 
 // Command 3.
 struct StopPollingMessage
@@ -43,10 +45,10 @@ struct StopPollingMessage
     std::uint32_t value2;
     std::uint32_t status;
 };
-static_assert(sizeof(StopPollingMessage) == 12);
-static_assert(offsetof(StopPollingMessage, value1) == 0);
-static_assert(offsetof(StopPollingMessage, value2) == 4);
-static_assert(offsetof(StopPollingMessage, status) == 8);
+TARN_LENGTH(StopPollingMessage, 12);
+TARN_FIELD(StopPollingMessage, value1, 0, 4);
+TARN_FIELD(StopPollingMessage, value2, 4, 4);
+TARN_FIELD(StopPollingMessage, status, 8, 4);
 
 // Commands 4 to 8, 11 to 20, 23 and 24: everything that is read from a radio.
 struct RadioQueryMessage
@@ -66,18 +68,18 @@ struct RadioQueryMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(RadioQueryMessage) == 9584);
-static_assert(offsetof(RadioQueryMessage, radio) == 0);
-static_assert(offsetof(RadioQueryMessage, index) == 4);
-static_assert(offsetof(RadioQueryMessage, query) == 8 && sizeof(RadioQueryMessage::query) == 20);
-static_assert(offsetof(RadioQueryMessage, word) == 28);
-static_assert(offsetof(RadioQueryMessage, byte) == 28);
-static_assert(offsetof(RadioQueryMessage, driverVersion) == 28 && sizeof(RadioQueryMessage::driverVersion) == 65);
-static_assert(offsetof(RadioQueryMessage, channels) == 28 && sizeof(RadioQueryMessage::channels) == 256);
-static_assert(offsetof(RadioQueryMessage, stats) == 28 && sizeof(RadioQueryMessage::stats) == 96);
-static_assert(offsetof(RadioQueryMessage, neighbor) == 28 && sizeof(RadioQueryMessage::neighbor) == 88);
-static_assert(offsetof(RadioQueryMessage, data) == 28 && sizeof(RadioQueryMessage::data) == 9552);
-static_assert(offsetof(RadioQueryMessage, status) == 9580);
+TARN_LENGTH(RadioQueryMessage, 9584);
+TARN_FIELD(RadioQueryMessage, radio, 0, 4);
+TARN_FIELD(RadioQueryMessage, index, 4, 4);
+TARN_FIELD(RadioQueryMessage, query, 8, 20);
+TARN_FIELD(RadioQueryMessage, word, 28, 4);
+TARN_FIELD(RadioQueryMessage, byte, 28, 1);
+TARN_FIELD(RadioQueryMessage, driverVersion, 28, 65);
+TARN_FIELD(RadioQueryMessage, channels, 28, 256);
+TARN_FIELD(RadioQueryMessage, stats, 28, 96);
+TARN_FIELD(RadioQueryMessage, neighbor, 28, 88);
+TARN_FIELD(RadioQueryMessage, data, 28, 9552);
+TARN_FIELD(RadioQueryMessage, status, 9580, 4);
 
 // Commands 9, 10, 21 and 22: what is set or started on a radio.
 struct RadioCommandMessage
@@ -91,13 +93,12 @@ struct RadioCommandMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(RadioCommandMessage) == 4444);
-static_assert(offsetof(RadioCommandMessage, radio) == 0);
-static_assert(offsetof(RadioCommandMessage, param) == 4);
-static_assert(offsetof(RadioCommandMessage, extendedConfiguration) == 8);
-static_assert(sizeof(RadioCommandMessage::extendedConfiguration) == 60);
-static_assert(offsetof(RadioCommandMessage, configuration) == 8 && sizeof(RadioCommandMessage::configuration) == 4432);
-static_assert(offsetof(RadioCommandMessage, status) == 4440);
+TARN_LENGTH(RadioCommandMessage, 4444);
+TARN_FIELD(RadioCommandMessage, radio, 0, 4);
+TARN_FIELD(RadioCommandMessage, param, 4, 4);
+TARN_FIELD(RadioCommandMessage, extendedConfiguration, 8, 60);
+TARN_FIELD(RadioCommandMessage, configuration, 8, 4432);
+TARN_FIELD(RadioCommandMessage, status, 4440, 4);
 
 // Commands 25, 26, 28, 29, 31, 33, 35, 36, 38, 41, 81 and 82: short reads, of a word or a text, most of the chip module.
 struct ModuleStateMessage
@@ -111,12 +112,12 @@ struct ModuleStateMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(ModuleStateMessage) == 76);
-static_assert(offsetof(ModuleStateMessage, radio) == 0);
-static_assert(offsetof(ModuleStateMessage, word) == 4);
-static_assert(offsetof(ModuleStateMessage, transmitPower) == 4 && sizeof(ModuleStateMessage::transmitPower) == 8);
-static_assert(offsetof(ModuleStateMessage, version) == 4 && sizeof(ModuleStateMessage::version) == 68);
-static_assert(offsetof(ModuleStateMessage, status) == 72);
+TARN_LENGTH(ModuleStateMessage, 76);
+TARN_FIELD(ModuleStateMessage, radio, 0, 4);
+TARN_FIELD(ModuleStateMessage, word, 4, 4);
+TARN_FIELD(ModuleStateMessage, transmitPower, 4, 8);
+TARN_FIELD(ModuleStateMessage, version, 4, 68);
+TARN_FIELD(ModuleStateMessage, status, 72, 4);
 
 // The path of a configuration to download, at most 256 characters and a NUL.
 struct ConfigurationPath
@@ -124,6 +125,8 @@ struct ConfigurationPath
     char text[257];
     std::uint8_t reserved[3];
 };
+TARN_FIELD(ConfigurationPath, text, 0, 257);
+TARN_FIELD(ConfigurationPath, reserved, 257, 3);
 
 // Commands 27, 30, 32, 34, 37, 39, 40, 77 and 114: what is switched or started on the chip module.
 struct ModuleControlMessage
@@ -136,12 +139,11 @@ struct ModuleControlMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(ModuleControlMessage) == 268);
-static_assert(offsetof(ModuleControlMessage, radio) == 0);
-static_assert(offsetof(ModuleControlMessage, value) == 4);
-static_assert(offsetof(ModuleControlMessage, path) == 4);
-static_assert(offsetof(ModuleControlMessage, path.reserved) == 261);
-static_assert(offsetof(ModuleControlMessage, status) == 264);
+TARN_LENGTH(ModuleControlMessage, 268);
+TARN_FIELD(ModuleControlMessage, radio, 0, 4);
+TARN_FIELD(ModuleControlMessage, value, 4, 4);
+TARN_FIELD(ModuleControlMessage, path, 4, 260);
+TARN_FIELD(ModuleControlMessage, status, 264, 4);
 
 // Commands 111 to 113.
 struct SoniqAssociationMessage
@@ -153,13 +155,13 @@ struct SoniqAssociationMessage
     TarnQuantennaSoniqCurrentAssociationData association;
     std::uint32_t status;
 };
-static_assert(sizeof(SoniqAssociationMessage) == 148);
-static_assert(offsetof(SoniqAssociationMessage, index) == 0);
-static_assert(offsetof(SoniqAssociationMessage, macAddress) == 4);
-static_assert(offsetof(SoniqAssociationMessage, reserved) == 10);
-static_assert(offsetof(SoniqAssociationMessage, number) == 12);
-static_assert(offsetof(SoniqAssociationMessage, association) == 16 && sizeof(SoniqAssociationMessage::association) == 128);
-static_assert(offsetof(SoniqAssociationMessage, status) == 144);
+TARN_LENGTH(SoniqAssociationMessage, 148);
+TARN_FIELD(SoniqAssociationMessage, index, 0, 4);
+TARN_FIELD(SoniqAssociationMessage, macAddress, 4, 6);
+TARN_FIELD(SoniqAssociationMessage, reserved, 10, 2);
+TARN_FIELD(SoniqAssociationMessage, number, 12, 4);
+TARN_FIELD(SoniqAssociationMessage, association, 16, 128);
+TARN_FIELD(SoniqAssociationMessage, status, 144, 4);
 
 // Commands 42 to 44, 46 and 47: everything that is read from an SSID interface.
 struct SsidQueryMessage
@@ -175,14 +177,14 @@ struct SsidQueryMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(SsidQueryMessage) == 144);
-static_assert(offsetof(SsidQueryMessage, radio) == 0);
-static_assert(offsetof(SsidQueryMessage, ssid) == 4);
-static_assert(offsetof(SsidQueryMessage, index) == 8);
-static_assert(offsetof(SsidQueryMessage, word) == 12);
-static_assert(offsetof(SsidQueryMessage, stats) == 12 && sizeof(SsidQueryMessage::stats) == 84);
-static_assert(offsetof(SsidQueryMessage, data) == 12 && sizeof(SsidQueryMessage::data) == 128);
-static_assert(offsetof(SsidQueryMessage, status) == 140);
+TARN_LENGTH(SsidQueryMessage, 144);
+TARN_FIELD(SsidQueryMessage, radio, 0, 4);
+TARN_FIELD(SsidQueryMessage, ssid, 4, 4);
+TARN_FIELD(SsidQueryMessage, index, 8, 4);
+TARN_FIELD(SsidQueryMessage, word, 12, 4);
+TARN_FIELD(SsidQueryMessage, stats, 12, 84);
+TARN_FIELD(SsidQueryMessage, data, 12, 128);
+TARN_FIELD(SsidQueryMessage, status, 140, 4);
 
 // Command 45.
 struct SsidCommandMessage
@@ -193,12 +195,12 @@ struct SsidCommandMessage
     TarnSsidIntfCfg configuration;
     std::uint32_t status;
 };
-static_assert(sizeof(SsidCommandMessage) == 56);
-static_assert(offsetof(SsidCommandMessage, radio) == 0);
-static_assert(offsetof(SsidCommandMessage, ssid) == 4);
-static_assert(offsetof(SsidCommandMessage, param) == 8);
-static_assert(offsetof(SsidCommandMessage, configuration) == 12 && sizeof(SsidCommandMessage::configuration) == 40);
-static_assert(offsetof(SsidCommandMessage, status) == 52);
+TARN_LENGTH(SsidCommandMessage, 56);
+TARN_FIELD(SsidCommandMessage, radio, 0, 4);
+TARN_FIELD(SsidCommandMessage, ssid, 4, 4);
+TARN_FIELD(SsidCommandMessage, param, 8, 4);
+TARN_FIELD(SsidCommandMessage, configuration, 12, 40);
+TARN_FIELD(SsidCommandMessage, status, 52, 4);
 
 // Commands 48 to 51.
 struct RoamingMessage
@@ -212,14 +214,14 @@ struct RoamingMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(RoamingMessage) == 16);
-static_assert(offsetof(RoamingMessage, radio) == 0);
-static_assert(offsetof(RoamingMessage, ssid) == 4);
-static_assert(offsetof(RoamingMessage, enabled) == 8);
-static_assert(offsetof(RoamingMessage, mobilityDomain) == 8);
-static_assert(offsetof(RoamingMessage, status) == 12);
+TARN_LENGTH(RoamingMessage, 16);
+TARN_FIELD(RoamingMessage, radio, 0, 4);
+TARN_FIELD(RoamingMessage, ssid, 4, 4);
+TARN_FIELD(RoamingMessage, enabled, 8, 4);
+TARN_FIELD(RoamingMessage, mobilityDomain, 8, 2);
+TARN_FIELD(RoamingMessage, status, 12, 4);
 
-// Commands 52 to 55. The count is not where the address stands.
+// Commands 52 to 55. The count does not share the address's bytes.
 struct BlockAddressMessage
 {
     std::uint32_t radio;
@@ -231,15 +233,15 @@ struct BlockAddressMessage
     std::uint8_t reservedBehindNumber[8];
     std::uint32_t status;
 };
-static_assert(sizeof(BlockAddressMessage) == 36);
-static_assert(offsetof(BlockAddressMessage, radio) == 0);
-static_assert(offsetof(BlockAddressMessage, ssid) == 4);
-static_assert(offsetof(BlockAddressMessage, index) == 8);
-static_assert(offsetof(BlockAddressMessage, macAddress) == 12);
-static_assert(offsetof(BlockAddressMessage, reserved) == 18);
-static_assert(offsetof(BlockAddressMessage, number) == 20);
-static_assert(offsetof(BlockAddressMessage, reservedBehindNumber) == 24);
-static_assert(offsetof(BlockAddressMessage, status) == 32);
+TARN_LENGTH(BlockAddressMessage, 36);
+TARN_FIELD(BlockAddressMessage, radio, 0, 4);
+TARN_FIELD(BlockAddressMessage, ssid, 4, 4);
+TARN_FIELD(BlockAddressMessage, index, 8, 4);
+TARN_FIELD(BlockAddressMessage, macAddress, 12, 6);
+TARN_FIELD(BlockAddressMessage, reserved, 18, 2);
+TARN_FIELD(BlockAddressMessage, number, 20, 4);
+TARN_FIELD(BlockAddressMessage, reservedBehindNumber, 24, 8);
+TARN_FIELD(BlockAddressMessage, status, 32, 4);
 
 // Commands 56 and 58. Reads and writes of an access point share their head but not their length: they are two layouts.
 struct AccessPointReadMessage
@@ -253,12 +255,12 @@ struct AccessPointReadMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(AccessPointReadMessage) == 344);
-static_assert(offsetof(AccessPointReadMessage, radio) == 0);
-static_assert(offsetof(AccessPointReadMessage, accessPoint) == 4);
-static_assert(offsetof(AccessPointReadMessage, data) == 8 && sizeof(AccessPointReadMessage::data) == 32);
-static_assert(offsetof(AccessPointReadMessage, security) == 8 && sizeof(AccessPointReadMessage::security) == 332);
-static_assert(offsetof(AccessPointReadMessage, status) == 340);
+TARN_LENGTH(AccessPointReadMessage, 344);
+TARN_FIELD(AccessPointReadMessage, radio, 0, 4);
+TARN_FIELD(AccessPointReadMessage, accessPoint, 4, 4);
+TARN_FIELD(AccessPointReadMessage, data, 8, 32);
+TARN_FIELD(AccessPointReadMessage, security, 8, 332);
+TARN_FIELD(AccessPointReadMessage, status, 340, 4);
 
 // Commands 57, 59 and 60.
 struct AccessPointWriteMessage
@@ -273,14 +275,13 @@ struct AccessPointWriteMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(AccessPointWriteMessage) == 336);
-static_assert(offsetof(AccessPointWriteMessage, radio) == 0);
-static_assert(offsetof(AccessPointWriteMessage, accessPoint) == 4);
-static_assert(offsetof(AccessPointWriteMessage, configuration) == 8 && sizeof(AccessPointWriteMessage::configuration) == 28);
-static_assert(offsetof(AccessPointWriteMessage, securityExtension) == 8);
-static_assert(offsetof(AccessPointWriteMessage, securityConfiguration) == 8);
-static_assert(sizeof(AccessPointWriteMessage::securityConfiguration) == 324);
-static_assert(offsetof(AccessPointWriteMessage, status) == 332);
+TARN_LENGTH(AccessPointWriteMessage, 336);
+TARN_FIELD(AccessPointWriteMessage, radio, 0, 4);
+TARN_FIELD(AccessPointWriteMessage, accessPoint, 4, 4);
+TARN_FIELD(AccessPointWriteMessage, configuration, 8, 28);
+TARN_FIELD(AccessPointWriteMessage, securityExtension, 8, 8);
+TARN_FIELD(AccessPointWriteMessage, securityConfiguration, 8, 324);
+TARN_FIELD(AccessPointWriteMessage, status, 332, 4);
 
 // Commands 61 to 65: an access point's WPS configuration and its WPS window.
 struct WpsMessage
@@ -295,16 +296,16 @@ struct WpsMessage
     TarnAccessPointWpsData data;
     std::uint32_t status;
 };
-static_assert(sizeof(WpsMessage) == 220);
-static_assert(offsetof(WpsMessage, radio) == 0);
-static_assert(offsetof(WpsMessage, accessPoint) == 4);
-static_assert(offsetof(WpsMessage, triggerValue1) == 8);
-static_assert(offsetof(WpsMessage, triggerValue2) == 12);
-static_assert(offsetof(WpsMessage, configuration) == 16 && sizeof(WpsMessage::configuration) == 28);
-static_assert(offsetof(WpsMessage, configurationValue) == 44);
-static_assert(offsetof(WpsMessage, windowStatus) == 48);
-static_assert(offsetof(WpsMessage, data) == 52 && sizeof(WpsMessage::data) == 164);
-static_assert(offsetof(WpsMessage, status) == 216);
+TARN_LENGTH(WpsMessage, 220);
+TARN_FIELD(WpsMessage, radio, 0, 4);
+TARN_FIELD(WpsMessage, accessPoint, 4, 4);
+TARN_FIELD(WpsMessage, triggerValue1, 8, 4);
+TARN_FIELD(WpsMessage, triggerValue2, 12, 4);
+TARN_FIELD(WpsMessage, configuration, 16, 28);
+TARN_FIELD(WpsMessage, configurationValue, 44, 4);
+TARN_FIELD(WpsMessage, windowStatus, 48, 4);
+TARN_FIELD(WpsMessage, data, 52, 164);
+TARN_FIELD(WpsMessage, status, 216, 4);
 
 // Commands 66 to 70.
 struct StationMessage
@@ -319,16 +320,16 @@ struct StationMessage
     TarnAccessPointAssociatedStats stats;
     std::uint32_t status;
 };
-static_assert(sizeof(StationMessage) == 140);
-static_assert(offsetof(StationMessage, radio) == 0);
-static_assert(offsetof(StationMessage, accessPoint) == 4);
-static_assert(offsetof(StationMessage, index) == 8);
-static_assert(offsetof(StationMessage, macAddress) == 12);
-static_assert(offsetof(StationMessage, reserved) == 18);
-static_assert(offsetof(StationMessage, number) == 20);
-static_assert(offsetof(StationMessage, associated) == 24 && sizeof(StationMessage::associated) == 76);
-static_assert(offsetof(StationMessage, stats) == 100 && sizeof(StationMessage::stats) == 36);
-static_assert(offsetof(StationMessage, status) == 136);
+TARN_LENGTH(StationMessage, 140);
+TARN_FIELD(StationMessage, radio, 0, 4);
+TARN_FIELD(StationMessage, accessPoint, 4, 4);
+TARN_FIELD(StationMessage, index, 8, 4);
+TARN_FIELD(StationMessage, macAddress, 12, 6);
+TARN_FIELD(StationMessage, reserved, 18, 2);
+TARN_FIELD(StationMessage, number, 20, 4);
+TARN_FIELD(StationMessage, associated, 24, 76);
+TARN_FIELD(StationMessage, stats, 100, 36);
+TARN_FIELD(StationMessage, status, 136, 4);
 
 // Commands 71 to 76. Mode and address are set in one place and read in another.
 struct MacFilterMessage
@@ -345,18 +346,18 @@ struct MacFilterMessage
     std::uint8_t reservedBehindAddress[2];
     std::uint32_t status;
 };
-static_assert(sizeof(MacFilterMessage) == 44);
-static_assert(offsetof(MacFilterMessage, radio) == 0);
-static_assert(offsetof(MacFilterMessage, accessPoint) == 4);
-static_assert(offsetof(MacFilterMessage, index) == 8);
-static_assert(offsetof(MacFilterMessage, modeToSet) == 12);
-static_assert(offsetof(MacFilterMessage, macAddress) == 16);
-static_assert(offsetof(MacFilterMessage, reserved) == 22);
-static_assert(offsetof(MacFilterMessage, modeReported) == 24);
-static_assert(offsetof(MacFilterMessage, number) == 28);
-static_assert(offsetof(MacFilterMessage, macAddressReported) == 32);
-static_assert(offsetof(MacFilterMessage, reservedBehindAddress) == 38);
-static_assert(offsetof(MacFilterMessage, status) == 40);
+TARN_LENGTH(MacFilterMessage, 44);
+TARN_FIELD(MacFilterMessage, radio, 0, 4);
+TARN_FIELD(MacFilterMessage, accessPoint, 4, 4);
+TARN_FIELD(MacFilterMessage, index, 8, 4);
+TARN_FIELD(MacFilterMessage, modeToSet, 12, 4);
+TARN_FIELD(MacFilterMessage, macAddress, 16, 6);
+TARN_FIELD(MacFilterMessage, reserved, 22, 2);
+TARN_FIELD(MacFilterMessage, modeReported, 24, 4);
+TARN_FIELD(MacFilterMessage, number, 28, 4);
+TARN_FIELD(MacFilterMessage, macAddressReported, 32, 6);
+TARN_FIELD(MacFilterMessage, reservedBehindAddress, 38, 2);
+TARN_FIELD(MacFilterMessage, status, 40, 4);
 
 // The path of a file to write, at most 512 characters and a NUL.
 struct FilePath
@@ -364,6 +365,8 @@ struct FilePath
     char text[513];
     std::uint8_t reserved[3];
 };
+TARN_FIELD(FilePath, text, 0, 513);
+TARN_FIELD(FilePath, reserved, 513, 3);
 
 // Commands 78 to 80 and 83 to 110.
 struct SmartWiFiMessage
@@ -396,28 +399,27 @@ struct SmartWiFiMessage
     };
     std::uint32_t status;
 };
-static_assert(sizeof(SmartWiFiMessage) == 2240);
-static_assert(offsetof(SmartWiFiMessage, enabled) == 0);
-static_assert(offsetof(SmartWiFiMessage, index) == 4);
-static_assert(offsetof(SmartWiFiMessage, mobilityDomain) == 8);
-static_assert(offsetof(SmartWiFiMessage, reserved) == 10);
-static_assert(offsetof(SmartWiFiMessage, value) == 12);
-static_assert(offsetof(SmartWiFiMessage, macAddress) == 16);
-static_assert(offsetof(SmartWiFiMessage, interfaceName) == 16);
-static_assert(offsetof(SmartWiFiMessage, qcommConfiguration) == 16 && sizeof(SmartWiFiMessage::qcommConfiguration) == 64);
-static_assert(offsetof(SmartWiFiMessage, qslPart1) == 16 && sizeof(SmartWiFiMessage::qslPart1) == 120);
-static_assert(offsetof(SmartWiFiMessage, qslPart2) == 16 && sizeof(SmartWiFiMessage::qslPart2) == 112);
-static_assert(offsetof(SmartWiFiMessage, path) == 16);
-static_assert(offsetof(SmartWiFiMessage, path.reserved) == 529);
-static_assert(offsetof(SmartWiFiMessage, recordStatus) == 532);
-static_assert(offsetof(SmartWiFiMessage, word) == 536);
-static_assert(offsetof(SmartWiFiMessage, mobilityDomainReported) == 536);
-static_assert(offsetof(SmartWiFiMessage, macAddressReported) == 536);
-static_assert(offsetof(SmartWiFiMessage, associated) == 536 && sizeof(SmartWiFiMessage::associated) == 88);
-static_assert(offsetof(SmartWiFiMessage, qsl) == 536 && sizeof(SmartWiFiMessage::qsl) == 232);
-static_assert(offsetof(SmartWiFiMessage, bssEntry) == 536 && sizeof(SmartWiFiMessage::bssEntry) == 256);
-static_assert(offsetof(SmartWiFiMessage, recordInfo) == 536 && sizeof(SmartWiFiMessage::recordInfo) == 257);
-static_assert(offsetof(SmartWiFiMessage, qcomm) == 536 && sizeof(SmartWiFiMessage::qcomm) == 1700);
-static_assert(offsetof(SmartWiFiMessage, status) == 2236);
+TARN_LENGTH(SmartWiFiMessage, 2240);
+TARN_FIELD(SmartWiFiMessage, enabled, 0, 4);
+TARN_FIELD(SmartWiFiMessage, index, 4, 4);
+TARN_FIELD(SmartWiFiMessage, mobilityDomain, 8, 2);
+TARN_FIELD(SmartWiFiMessage, reserved, 10, 2);
+TARN_FIELD(SmartWiFiMessage, value, 12, 4);
+TARN_FIELD(SmartWiFiMessage, macAddress, 16, 6);
+TARN_FIELD(SmartWiFiMessage, interfaceName, 16, 65);
+TARN_FIELD(SmartWiFiMessage, qcommConfiguration, 16, 64);
+TARN_FIELD(SmartWiFiMessage, qslPart1, 16, 120);
+TARN_FIELD(SmartWiFiMessage, qslPart2, 16, 112);
+TARN_FIELD(SmartWiFiMessage, path, 16, 516);
+TARN_FIELD(SmartWiFiMessage, recordStatus, 532, 4);
+TARN_FIELD(SmartWiFiMessage, word, 536, 4);
+TARN_FIELD(SmartWiFiMessage, mobilityDomainReported, 536, 2);
+TARN_FIELD(SmartWiFiMessage, macAddressReported, 536, 6);
+TARN_FIELD(SmartWiFiMessage, associated, 536, 88);
+TARN_FIELD(SmartWiFiMessage, qsl, 536, 232);
+TARN_FIELD(SmartWiFiMessage, bssEntry, 536, 256);
+TARN_FIELD(SmartWiFiMessage, recordInfo, 536, 257);
+TARN_FIELD(SmartWiFiMessage, qcomm, 536, 1700);
+TARN_FIELD(SmartWiFiMessage, status, 2236, 4);
 
 } // namespace tarn

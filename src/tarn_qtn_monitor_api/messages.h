@@ -1,6 +1,6 @@
 // The messages to the Wi-Fi module, byte by byte: one for all calls through the proxy, and the mirror service's.
 //
-// Words are 32 bits in the host's byte order. The services read and write these very bytes, so every field's offset is
+// Words are 32 bits in the host's byte order. The services read and write these very bytes, so every field's offset and size is
 // asserted.
 #pragma once
 
@@ -8,12 +8,13 @@
 #include <cstdint>
 #include <cstring>
 
+#include "layout.h"
 #include "text.h"
 
 namespace tarn
 {
 
-// A place in the message for one argument of whatever kind. What does not fit does not compile.
+// A place in the message for one argument of any kind. What does not fit does not compile.
 template <std::size_t size>
 struct Slot
 {
@@ -40,7 +41,7 @@ struct Slot
     template <std::size_t room>
     void text(const char* from)
     {
-        static_assert(room <= size);
+        static_assert(room <= size, "the text does not fit into the slot");
         copyText(reinterpret_cast<char*>(bytes), room, from, room);
     }
 
@@ -48,7 +49,7 @@ struct Slot
     template <std::size_t length>
     void block(const void* from)
     {
-        static_assert(length <= size);
+        static_assert(length <= size, "the block does not fit into the slot");
         std::memcpy(bytes, from, length);
     }
 };
@@ -62,7 +63,7 @@ struct ResultArea
     template <std::size_t length>
     void block(void* to) const
     {
-        static_assert(length <= sizeof words);
+        static_assert(length <= sizeof words, "the result area has fewer bytes");
         std::memcpy(to, words, length);
     }
 
@@ -81,7 +82,7 @@ struct ResultArea
     }
 };
 
-inline constexpr std::size_t kInterfaceNameSize = 65;
+constexpr std::size_t kInterfaceNameSize = 65;
 
 // All commands of the proxy. Which slot takes which argument is each command's own.
 struct ProxyMessage
@@ -99,16 +100,16 @@ struct ProxyMessage
     // All that the caller asks for, from the result area on. What lies behind the end of the message arrives as zeros.
     void copyFromOut(void* to, std::size_t length) const;
 };
-static_assert(sizeof(ProxyMessage) == 9376);
-static_assert(offsetof(ProxyMessage, ifname) == 0 && sizeof(ProxyMessage::ifname) == 65);
-static_assert(offsetof(ProxyMessage, reserved) == 65);
-static_assert(offsetof(ProxyMessage, param1) == 68 && sizeof(ProxyMessage::param1) == 36);
-static_assert(offsetof(ProxyMessage, param2) == 104 && sizeof(ProxyMessage::param2) == 1040);
-static_assert(offsetof(ProxyMessage, param3) == 1144);
-static_assert(offsetof(ProxyMessage, param4) == 1148);
-static_assert(offsetof(ProxyMessage, out) == 1152 && sizeof(ProxyMessage::out) == 8200);
-static_assert(offsetof(ProxyMessage, out_words) == 9352);
-static_assert(offsetof(ProxyMessage, status) == 9372);
+TARN_LENGTH(ProxyMessage, 9376);
+TARN_FIELD(ProxyMessage, ifname, 0, 65);
+TARN_FIELD(ProxyMessage, reserved, 65, 3);
+TARN_FIELD(ProxyMessage, param1, 68, 36);
+TARN_FIELD(ProxyMessage, param2, 104, 1040);
+TARN_FIELD(ProxyMessage, param3, 1144, 4);
+TARN_FIELD(ProxyMessage, param4, 1148, 4);
+TARN_FIELD(ProxyMessage, out, 1152, 8200);
+TARN_FIELD(ProxyMessage, out_words, 9352, 20);
+TARN_FIELD(ProxyMessage, status, 9372, 4);
 
 // All commands of the mirror service.
 struct MirrorMessage
@@ -120,12 +121,12 @@ struct MirrorMessage
     std::uint32_t mirrorStatus;
     std::int32_t status;
 };
-static_assert(sizeof(MirrorMessage) == 24);
-static_assert(offsetof(MirrorMessage, enable) == 0);
-static_assert(offsetof(MirrorMessage, processId) == 4);
-static_assert(offsetof(MirrorMessage, telnetReferenceCount) == 8);
-static_assert(offsetof(MirrorMessage, telnetStatus) == 12);
-static_assert(offsetof(MirrorMessage, mirrorStatus) == 16);
-static_assert(offsetof(MirrorMessage, status) == 20);
+TARN_LENGTH(MirrorMessage, 24);
+TARN_FIELD(MirrorMessage, enable, 0, 4);
+TARN_FIELD(MirrorMessage, processId, 4, 4);
+TARN_FIELD(MirrorMessage, telnetReferenceCount, 8, 4);
+TARN_FIELD(MirrorMessage, telnetStatus, 12, 4);
+TARN_FIELD(MirrorMessage, mirrorStatus, 16, 4);
+TARN_FIELD(MirrorMessage, status, 20, 4);
 
 } // namespace tarn
