@@ -1,6 +1,6 @@
 /* What the platform's IPC library supplies: four functions, resolved when the component is linked.
  *
- * The gateway brings its own implementation; on a workstation libkoriil stands in, and in unit tests the mock does. All sizes
+ * The gateway brings its own implementation; on a workstation libkoriil takes its place, and in unit tests the mock. All sizes
  * are in bytes, and every function may be called from any thread at any time. */
 #ifndef KOR_IIL_H
 #define KOR_IIL_H
@@ -19,7 +19,7 @@ extern "C" {
  *   length     in: bytes at data */
 typedef void (*KorIilEventHandler)(const char* serviceId, uint32_t evt, const void* data, uint32_t length);
 
-/* Sends a message to a service and blocks until its reply stands in the same buffer or the wait is over.
+/* Sends a message to a service and blocks until its reply is in the same buffer or the wait is over.
  *
  *   callerId   in: IPC identifier of the calling component, 1 to 31 characters
  *   serviceId  in: IPC identifier of the service
@@ -32,10 +32,10 @@ typedef void (*KorIilEventHandler)(const char* serviceId, uint32_t evt, const vo
  * `tarnIpcStatusName`). After a status other than 0 nothing may be read from the buffer. */
 uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen, void* msg);
 
-/* Registers a handler for one event of a service. Returns an IPC status, 0 when the registration stands. */
+/* Registers a handler for one event of a service. Returns an IPC status, 0 when it is registered. */
 uint32_t KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler);
 
-/* Takes a registration back. Returns an IPC status, 0 when it is gone. */
+/* Cancels a registration. Returns an IPC status, 0 when it is cancelled. */
 uint32_t KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler);
 
 /* Writes one trace record.

@@ -1,3 +1,5 @@
+#include <cstdint>
+
 #include "tarn_frame.h"
 
 namespace
@@ -28,7 +30,7 @@ constexpr char kNames[][17] = {
     "CONFLICT_ID",
     "BUSY",
 };
-constexpr uint32_t kCount = sizeof kNames / sizeof kNames[0];
+constexpr std::uint32_t kCount = sizeof kNames / sizeof kNames[0];
 static_assert(kCount == 22, "statuses 0 to 21");
 
 } // namespace

@@ -68,14 +68,14 @@ extern "C" {
  *   callerId  in: the caller id
  *   evt       in: 1 to 5, one of TARN_EVT_..., sent as it is
  *   ignored   never read; pass NULL
- *   handler   in: called for each event; handed on unchecked
+ *   handler   in: called for each event; passed on unchecked
  *
  * Returns TARN_OK, TARN_REJECTED (caller id, evt), or TARN_FAILED for every failure of the IPC library, a time-out included.
- * Whether a second subscription to the same event is an error is the IPC library's to say. */
+ * The IPC library decides whether a second subscription to the same event is an error. */
 TARN_EXPORT uint32_t tarnSubscribeEvent(const char* callerId, uint32_t evt, const void* ignored, KorIilEventHandler handler);
 
-/* Takes a subscription back. Arguments and results are those of tarnSubscribeEvent; whether it is an error to cancel what is
- * not subscribed is the IPC library's to say. */
+/* Cancels a subscription. Arguments and results are those of tarnSubscribeEvent; the IPC library decides whether it is an
+ * error to cancel what is not subscribed. */
 TARN_EXPORT uint32_t tarnCancelEvent(const char* callerId, uint32_t evt, const void* ignored, KorIilEventHandler handler);
 
 /* Names an IPC status: "OK" for 0, "TIMEOUT" for 7 ... "BUSY" for 21, "Unknown" for every other value. The text is constant and
@@ -109,10 +109,10 @@ typedef struct TarnRateTable
  *
  *   table  in, out: the table, 4336 bytes
  *   rate   in: a NUL-terminated decimal text in a buffer of at least 17 readable bytes, all 17 of which are copied. Of a longer
- *          text the first 17 characters are kept. Its value is what strtod makes of it in the process's locale; "nan" is let in
+ *          text the first 17 characters are kept. Its value is what strtod makes of it in the process's locale; "nan" is accepted
  *
- * Returns TARN_RATE_ADDED (also when the rate stands in the table already), TARN_RATE_REJECTED (a NULL pointer, or a value of
- * zero or less, which includes a text without a number), TARN_RATE_TABLE_FULL (255 rates; the text is not looked at). */
+ * Returns TARN_RATE_ADDED (also when the rate is in the table already), TARN_RATE_REJECTED (a NULL pointer, or a value of
+ * zero or less, which includes a text without a number), TARN_RATE_TABLE_FULL (255 rates; the text is not read). */
 TARN_EXPORT uint32_t tarnAddRateEntries(TarnRateTable* table, const char* rate);
 
 /* Deletes a rate and closes the gap. Rates are compared by value.

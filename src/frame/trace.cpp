@@ -5,7 +5,7 @@
 namespace tarn
 {
 
-// The text is the format, because a trace sink may go by the format. All texts are this library's own and hold no conversions.
+// The text is the format, because a trace sink may sort by format. All texts are this library's own and have no conversions.
 #pragma GCC diagnostic ignored "-Wformat-security"
 void trace(const char* tag, std::uint32_t line, const char* text)
 {

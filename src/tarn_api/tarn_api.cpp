@@ -1,13 +1,13 @@
 // The command functions of the device service, in sections of one subject and, within a section, in command order.
 //
 // Each function reads the same way: refuse, fill, send, copy out, return. What looks irregular (a slot, an order, a text, a
-// name) is so on the wire or in callers' code; a comment says that it is meant.
+// name) is that way on the wire or in callers' code; a comment says that it is meant.
 //
 // A trace record shows the unit's tag and a line of this file, which is how a reader of a log finds the function that failed.
-// All command functions therefore stand in this one file, below the lines that events.cpp takes up under the same tag.
+// All command functions are therefore in this one file, below the lines that events.cpp takes up under the same tag.
 //
 // Ids of radios, SSID interfaces and access points count from 1 for the caller and from 0 on the wire: an id is sent less one,
-// and 0 wraps round. An index is sent as it is. Neither is checked for its range: that is the service's to say.
+// and 0 wraps round. An index is sent as it is. Neither is checked for its range, which the service defines.
 #include "tarn_api.h"
 
 #include <cstring>
@@ -22,26 +22,26 @@ namespace
 using namespace tarn;
 
 template <class Message>
-using Call = BasicCall<Family::kDevice, uint32_t, Message>;
+using Call = BasicCall<Family::kDevice, std::uint32_t, Message>;
 
-// Some commands are given longer than most. Which ones is fixed.
-constexpr uint32_t kLongWait = 4;
+// Some commands have a longer wait than most; which ones is fixed.
+constexpr std::uint32_t kLongWait = 4;
 
 // The longest of all: propagating a configuration.
-constexpr uint32_t kPropagationWait = 10;
+constexpr std::uint32_t kPropagationWait = 10;
 
-void copyAddress(uint8_t (&to)[kMacAddressSize], const uint8_t* from)
+void copyAddress(std::uint8_t (&to)[kMacAddressSize], const std::uint8_t* from)
 {
     std::memcpy(to, from, kMacAddressSize);
 }
 
-void copyAddress(uint8_t* to, const uint8_t (&from)[kMacAddressSize])
+void copyAddress(std::uint8_t* to, const std::uint8_t (&from)[kMacAddressSize])
 {
     std::memcpy(to, from, kMacAddressSize);
 }
 
 // A mobility domain id (IEEE 802.11, fast BSS transition) is two bytes, moved one by one and never read as an integer.
-void copyMobilityDomain(uint8_t* to, const uint8_t* from)
+void copyMobilityDomain(std::uint8_t* to, const std::uint8_t* from)
 {
     to[0] = from[0];
     to[1] = from[1];
@@ -236,7 +236,7 @@ uint32_t TarnGetRadioDriverVersion(const char* callerId, uint32_t radioId, char*
     if (const uint32_t failure = call.execute(12))
         return failure;
 
-    std::memcpy(version, call.message.driverVersion, sizeof call.message.driverVersion); // all 65 bytes as they stand
+    std::memcpy(version, call.message.driverVersion, sizeof call.message.driverVersion); // all 65 bytes, unchanged
     return call.message.status;
 }
 
@@ -609,7 +609,7 @@ uint32_t TarnDownloadQuantennaWirelessConf(const char* callerId, const char* pat
     if (const uint32_t refusal = call.open(callerId, {path, "path is invalid"}))
         return refusal;
     if (*path == '\0')
-        return call.reject("path is invalid"); // meant: the text of a NULL path, which is why that one does not say NULL
+        return call.reject("path is invalid"); // meant: the same text as for a NULL path
 
     copyText(call.message.path.text, path);
 
@@ -877,6 +877,7 @@ uint32_t TarnGetSsidOPXShgwBlockAddrNum(const char* callerId, uint32_t radioId, 
     return call.message.status;
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): meant, the address in the reply is not copied out, mac is left unchanged
 uint32_t TarnGetSsidOPXShgwBlockAddrAt(const char* callerId, uint32_t radioId, uint32_t ssidId, uint32_t index, uint8_t* mac)
 {
     Call<BlockAddressMessage> call;
@@ -887,7 +888,7 @@ uint32_t TarnGetSsidOPXShgwBlockAddrAt(const char* callerId, uint32_t radioId, u
     call.message.ssid = ssidId - 1;
     call.message.index = index;
 
-    return call.finish(53); // meant: the address in the reply is not copied out, mac stays as it was
+    return call.finish(53);
 }
 
 uint32_t TarnAddSsidOPXShgwBlockAddr(const char* callerId, uint32_t radioId, uint32_t ssidId, const uint8_t* mac)
@@ -1019,7 +1020,7 @@ uint32_t TarnSetAccessPointWpsCfg(const char* callerId, uint32_t radioId, uint32
     call.message.radio = radioId - 1;
     call.message.accessPoint = apId - 1;
     call.message.configuration = cfg;
-    call.message.configurationValue = value; // meant: the argument in front stands behind the record on the wire
+    call.message.configurationValue = value; // meant: behind the record on the wire, in front of it as an argument
 
     return call.finish(62);
 }
@@ -1170,7 +1171,7 @@ uint32_t TarnGetAccessPointMacFilterMode(const char* callerId, uint32_t radioId,
     if (const uint32_t failure = call.execute(71))
         return failure;
 
-    *mode = call.message.modeReported; // meant: not where the mode to set stands
+    *mode = call.message.modeReported; // meant: not the word of the mode to set
     return call.message.status;
 }
 
@@ -1251,7 +1252,7 @@ uint32_t TarnGetAccessPointMacFilterAt(const char* callerId, uint32_t radioId, u
 // Smart WiFi: commands 78 to 110
 //
 // The tables (BSS entries, associated stations, record info, slave devices) are read in three steps: Sync has the service take
-// a snapshot, Number counts its entries, At reads one. A mobility domain id that goes in is not checked: it must not be NULL.
+// a snapshot, Number counts its entries, At reads one. A mobility domain id passed in is not checked: it must not be NULL.
 // ----------------------------------------------------------------------------------------------------------------------------
 
 uint32_t TarnResetQuantennaSmartWiFiDaemon(const char* callerId)

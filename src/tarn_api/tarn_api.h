@@ -1,17 +1,17 @@
 /* The wireless device service, IPC identifier "TARN": one function per command, commands 0 to 114.
  *
- * Every function sends one request and waits for its reply. What they all share stands in `tarn_frame.h`: the caller id, the
+ * Every function sends one request and waits for its reply. `tarn_frame.h` describes what they all share: the caller id, the
  * results, the traces, ids and indices. Here each comment says what is particular to one function.
  *
  * Reading the comments
  *   in, out      the caller's own storage either way; no pointer is kept after the call
- *   NULL         the arguments listed behind TARN_REJECTED are checked, in the order listed; the first one at fault ends the
+ *   NULL         the arguments listed behind TARN_REJECTED are checked, in the order listed; the first that is NULL ends the
  *                call with one trace, and nothing is sent. A listed pointer must not be NULL; one that is not listed is not
  *                checked
- *   wait         handed to the IPC library, which knows its unit and ends the call when it is over (TARN_TIMED_OUT)
+ *   wait         passed to the IPC library, which knows its unit and ends the call when it is over (TARN_TIMED_OUT)
  *   outputs      written after every IPC call that succeeded, whatever the reply status says: look at the result first
- *   ids          counted from 1 and sent less 1; an id of 0 is not refused, it travels as 0xFFFFFFFF
- *   values       words, flags and bytes are handed over unchanged. Where a comment says "as the service defines it", the
+ *   ids          counted from 1 and sent less 1; an id of 0 is not refused, it is sent as 0xFFFFFFFF
+ *   values       words, flags and bytes are sent and returned unchanged. Where a comment says "as the service defines it", the
  *                service alone knows the values, their unit and their range; none of these is checked here
  *   MAC address  6 raw bytes (IEEE 802), never parsed or checked
  *   mdid         mobility domain identifier (IEEE 802.11, fast BSS transition): 2 bytes, copied in order, never a number */
@@ -254,8 +254,8 @@ TARN_EXPORT uint32_t TarnSetLogLevel(const char* callerId, uint32_t level);
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, mask). */
 TARN_EXPORT uint32_t TarnGetLastErrorMask(const char* callerId, uint32_t* mask);
 
-/* Stops the service's polling, or lets it run again. Which of the two values selects what is stopped and which one switches it
- * is the service's to say.
+/* Stops the service's polling, or lets it run again. The service defines which of the two values selects what is stopped and
+ * which one switches it.
  *
  *   callerId  in: the caller id
  *   value1    in: first value, as the service defines it, sent as it is
@@ -287,7 +287,7 @@ TARN_EXPORT uint32_t TarnGetRadioNum(const char* callerId, uint32_t* number);
 /* Reads a radio's description by its index, not by its id: index 1 and radio id 1 need not be the same radio.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   data      out: the radio's description, 9552 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, data). The trace when data is
@@ -394,7 +394,7 @@ TARN_EXPORT uint32_t TarnGetRadioChainNumber(const char* callerId, uint32_t radi
  *
  *   callerId    in: the caller id
  *   radioId     in: radio, counted from 1
- *   chainIndex  in: chain, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   chainIndex  in: chain, sent as it is; the service defines whether the first is 0 or 1
  *   rssi        out: signal strength as the service gives it, 32-bit word
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 4), TARN_REJECTED (callerId, rssi). */
@@ -413,8 +413,8 @@ TARN_EXPORT uint32_t TarnGetRadioChipTemperature(const char* callerId, uint32_t 
  *
  *   callerId  in: the caller id
  *   radioId   in: radio, counted from 1
- *   ssid_id   out: id, 32-bit word exactly as the service gives it. Nothing is added to it: whether it counts from 1, as the
- *             ids that go in do, is the service's to say
+ *   ssid_id   out: id, 32-bit word exactly as the service gives it. Nothing is added to it: the service defines whether it counts
+ *             from 1, as ids that are passed in do
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, ssid_id). */
 TARN_EXPORT uint32_t TarnGetRadioPrimarySSIDIntfId(const char* callerId, uint32_t radioId, uint32_t* ssid_id);
@@ -471,7 +471,7 @@ TARN_EXPORT uint32_t TarnGetRadioNeighboringResultNum(const char* callerId, uint
  *
  *   callerId  in: the caller id
  *   radioId   in: radio, counted from 1
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   bss       out: the neighbour found, 88 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, bss). */
@@ -595,8 +595,8 @@ TARN_EXPORT uint32_t TarnGetQuantennaMauiVersion(const char* callerId, char* ver
 /* Has the service download the module's wireless configuration. How far it has come: TarnGetQuantennaDownloadState.
  *
  *   callerId  in: the caller id
- *   path      in: NUL-terminated text, cut to 256 characters; neither NULL nor empty. Not checked further: what it leads to is
- *             the service's to say
+ *   path      in: NUL-terminated text, cut to 256 characters; neither NULL nor empty. Not checked further: the service defines
+ *             what it leads to
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, path). The trace for a NULL
  * or an empty path reads "path is invalid". */
@@ -637,7 +637,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSoniqCurrentAssociationNumber(const char* c
 /* Reads one entry of the Soniq table of current associations.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   data      out: the entry, 128 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, data). */
@@ -680,7 +680,7 @@ TARN_EXPORT uint32_t TarnGetSsidIntfNum(const char* callerId, uint32_t radioId, 
  *
  *   callerId  in: the caller id
  *   radioId   in: radio, counted from 1
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   data      out: the interface's description, 128 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, data). */
@@ -781,13 +781,13 @@ TARN_EXPORT uint32_t TarnGetSsidOPXShgwBlockAddrNum(const char* callerId, uint32
 
 /* Asks for one MAC address of the Shgw block list of an SSID interface.
  *
- * The address is never handed over: mac has to be given and is left untouched, also when the call succeeds. All that the
+ * The address is never returned: mac has to be given and is left untouched, also when the call succeeds. All that the
  * caller learns is the reply status.
  *
  *   callerId  in: the caller id
  *   radioId   in: radio, counted from 1
  *   ssidId    in: SSID interface of the radio, counted from 1
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   mac       out: never written; must not be NULL all the same
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, mac). */
@@ -946,7 +946,7 @@ TARN_EXPORT uint32_t TarnGetAccessPointAssociatedNum(const char* callerId, uint3
  *   callerId    in: the caller id
  *   radioId     in: radio, counted from 1
  *   apId        in: access point of the radio, counted from 1
- *   index       in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index       in: index, sent as it is; the service defines whether the first is 0 or 1
  *   associated  out: the station, 76 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 4), TARN_REJECTED (callerId, associated). */
@@ -990,8 +990,8 @@ TARN_EXPORT uint32_t TarnKickOutAccessPointAssociated(const char* callerId, uint
 
 /* MAC address filter (commands 71 to 76)
  *
- * One filter per access point: a mode and a list of MAC addresses. Whether an address stands in the list twice, or not at all,
- * is the service's to judge. */
+ * One filter per access point: a mode and a list of MAC addresses. The service decides whether an address may be in the
+ * list twice, or be deleted when it is not there. */
 
 /* Reads the mode of an access point's MAC address filter.
  *
@@ -1003,7 +1003,7 @@ TARN_EXPORT uint32_t TarnKickOutAccessPointAssociated(const char* callerId, uint
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, mode). */
 TARN_EXPORT uint32_t TarnGetAccessPointMacFilterMode(const char* callerId, uint32_t radioId, uint32_t apId, uint32_t* mode);
 
-/* Sets the mode of an access point's MAC address filter. Which mode allows and which denies is the service's to say.
+/* Sets the mode of an access point's MAC address filter. The service defines which mode allows and which denies.
  *
  *   callerId  in: the caller id
  *   radioId   in: radio, counted from 1
@@ -1050,7 +1050,7 @@ TARN_EXPORT uint32_t TarnGetAccessPointMacFilterNum(const char* callerId, uint32
  *   callerId    in: the caller id
  *   radioId     in: radio, counted from 1
  *   apId        in: access point of the radio, counted from 1
- *   index       in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index       in: index, sent as it is; the service defines whether the first is 0 or 1
  *   macAddress  out: MAC address, must be writable for 6 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, macAddress). */
@@ -1062,8 +1062,8 @@ TARN_EXPORT uint32_t TarnGetAccessPointMacFilterAt(const char* callerId, uint32_
  * The Quantenna Smart WiFi steering daemon.
  *
  * Four tables are read in three steps, each a call of its own: a function named `Sync` has the service take a snapshot of its
- * table, one that ends in `Number` tells how many entries it has, one that ends in `At` reads one entry. Whether `At` works
- * without `Sync`, and what happens when the table changes in between, is the service's to say. The list of mdids and the
+ * table, one that ends in `Number` tells how many entries it has, one that ends in `At` reads one entry. The service
+ * defines whether `At` works without `Sync`, and what happens when the table changes in between. The list of mdids and the
  * non-steer list of an mdid are read by `Number` and `At` alone.
  *
  * An mdid that goes in is not checked for NULL in any of these functions.
@@ -1162,7 +1162,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSmartWiFiQslMdidNumber(const char* callerId
 /* Reads one mobility domain of the QSL list of mdids.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   mdid      out: mobility domain identifier, writable for 2 bytes, at any alignment
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, mdid). */
@@ -1213,7 +1213,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSmartWiFiNonSteerNumber(const char* callerI
  *
  *   callerId  in: the caller id
  *   mdid      in: mobility domain identifier, readable for 2 bytes; must not be NULL: not checked
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   mac_addr  out: MAC address, must be writable for 6 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, mac_addr). */
@@ -1256,7 +1256,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSmartWiFiBSSEntryNumber(const char* callerI
 /* Reads one entry of the BSS table.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   data      out: the entry, 256 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, data). */
@@ -1281,7 +1281,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSmartWiFiAssoiatedNumber(const char* caller
 /* Reads one entry of the table of associated stations.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   data      out: the entry, 88 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, data). */
@@ -1306,7 +1306,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSmartWiFiRecordInfoNumber(const char* calle
 /* Reads one entry of the record info table, and its status.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   status    out: the entry's status, 32-bit word as the service defines it
  *   data      out: the entry, 257 bytes
  *
@@ -1333,7 +1333,7 @@ TARN_EXPORT uint32_t TarnGetQuantennaSmartWiFiSlaveDeviceNumber(const char* call
 /* Reads the MAC address of one slave device.
  *
  *   callerId  in: the caller id
- *   index     in: index, sent as it is; whether the first is 0 or 1 is the service's to say
+ *   index     in: index, sent as it is; the service defines whether the first is 0 or 1
  *   data      out: MAC address, must be writable for 6 bytes
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, data). */

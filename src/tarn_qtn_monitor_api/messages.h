@@ -24,7 +24,7 @@ struct Slot
         std::uint8_t firstByte;
         unsigned char bytes[size];
     };
-    static_assert(size % sizeof(std::uint32_t) == 0, "the slot is a whole number of words, so that nothing follows unnamed");
+    static_assert(size % sizeof(std::uint32_t) == 0, "the slot is a whole number of words, so that no padding follows");
 
     void word(std::uint32_t value)
     {
@@ -45,7 +45,7 @@ struct Slot
         copyText(reinterpret_cast<char*>(bytes), room, from, room);
     }
 
-    // Exactly `length` bytes as they stand.
+    // Exactly `length` bytes, unchanged.
     template <std::size_t length>
     void block(const void* from)
     {
@@ -84,7 +84,7 @@ struct ResultArea
 
 constexpr std::size_t kInterfaceNameSize = 65;
 
-// All commands of the proxy. Which slot takes which argument is each command's own.
+// All commands of the proxy. Which slot takes which argument depends on the command.
 struct ProxyMessage
 {
     char ifname[kInterfaceNameSize];
@@ -97,7 +97,7 @@ struct ProxyMessage
     std::uint32_t out_words[5];
     std::int32_t status;
 
-    // All that the caller asks for, from the result area on. What lies behind the end of the message arrives as zeros.
+    // All that the caller asks for, from the result area on. Bytes behind the end of the message are written as zeros.
     void copyFromOut(void* to, std::size_t length) const;
 };
 TARN_LENGTH(ProxyMessage, 9376);

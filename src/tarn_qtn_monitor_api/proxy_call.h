@@ -13,10 +13,10 @@ struct ProxyCall : BasicCall<Family::kProxy, std::int32_t, ProxyMessage>
 {
     // Opens a call about an interface: checks as open does, the interface's name before the other pointers, and once the
     // message is cleared stores the name in `ifname` as text, cut to 64 characters.
-    [[gnu::always_inline]] std::int32_t openOn(const char* handle, Required interface, Required first = {},
-                                               Required second = {}, std::uint32_t line = __builtin_LINE())
+    [[gnu::always_inline]] std::int32_t openOn(const char* handle, Required interface, Required second = {},
+                                               Required third = {}, std::uint32_t line = __builtin_LINE())
     {
-        return openOn(handle, prepare(line, interface, first, second));
+        return openOn(handle, prepare(line, interface, second, third));
     }
 
 private:

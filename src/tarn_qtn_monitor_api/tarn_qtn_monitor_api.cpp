@@ -1,13 +1,13 @@
 // The command functions of the Wi-Fi module: calls that the proxy carries to it, and the mirror service.
 //
-// Each function reads the same way: refuse, fill, send, copy out, return. What looks irregular (a slot, an order, a text) is so
-// on the wire; a comment says that it is meant. Which slot takes which argument is each command's own: a lone value goes to
-// param1 in some and to param2 in others.
+// Each function reads the same way: refuse, fill, send, copy out, return. What looks irregular (a slot, an order, a text) is
+// that way on the wire; a comment says that it is meant. Which slot takes which argument depends on the command: a lone value
+// goes to param1 in some and to param2 in others.
 //
 // A trace record shows the unit's tag and a line of this file, which is how a reader of a log finds the function that failed.
-// All functions with this tag therefore stand in this one file.
+// All functions with this tag are therefore in this one file.
 //
-// openOn stores the interface's name as text, cut to 64 characters; copyName stores all of its 65 bytes as they stand.
+// openOn stores the interface's name as text, cut to 64 characters; copyName stores all of its 65 bytes unchanged.
 #include "tarn_qtn_monitor_api.h"
 
 #include "proxy_call.h"
@@ -18,23 +18,22 @@ namespace
 using namespace tarn;
 
 using Call = ProxyCall;
-using MirrorCall = BasicCall<Family::kMirror, int32_t, MirrorMessage>;
+using MirrorCall = BasicCall<Family::kMirror, std::int32_t, MirrorMessage>;
 
 // Commands that take the module longer.
-constexpr uint32_t kLongWait = 5;
+constexpr std::uint32_t kLongWait = 5;
 
 constexpr std::size_t kMacAddressSize = 6;
 constexpr std::size_t kDscpListSize = 64; // one entry for each code point (RFC 2474)
 
-// Commands 105 to 107, 109 to 118, 120 and 121 take the interface's name as a block: all 65 bytes as they stand, with no NUL
-// added.
+// Commands 105 to 107, 109 to 118, 120 and 121 take the interface's name as a block: all 65 bytes unchanged, with no NUL added.
 void copyName(Call& call, const char* name)
 {
     std::memcpy(call.message.ifname, name, sizeof call.message.ifname);
 }
 
 // For outputs that a caller may leave out.
-void storeIfWanted(uint32_t* to, uint32_t value)
+void storeIfWanted(std::uint32_t* to, std::uint32_t value)
 {
     if (to != nullptr)
         *to = value;
@@ -74,7 +73,7 @@ int32_t tarn_qcsapi_get_temperature_info(const char* handle, uint32_t* tempsens_
                                          uint32_t* temsens_bbic)
 {
     Call call;
-    // Meant: the second pointer is checked first, and "temsens" is spelt so.
+    // Meant: the second pointer is checked first, and "temsens" has no "p".
     if (const int32_t refusal = call.open(handle, {tempsens_in, "tempsens_in is NULL"}, {tempsens_ex, "tempsens_ex is NULL"},
                                           {temsens_bbic, "temsens_bbic is NULL"}))
         return refusal;
@@ -459,8 +458,8 @@ int32_t tarn_qcsapi_wifi_set_SSID(const char* handle, const char* intf_name, con
     return call.finish(26);
 }
 
-// The next two share command 27, which is meant: the service tells them apart by what the message holds. Their two trailing
-// values are single bytes.
+// The next two share command 27, which is meant: the service tells them apart by the message's contents. Their two
+// trailing values are single bytes.
 
 int32_t tarn_qcsapi_wifi_set_dscp_ac_table(const char* handle, uint32_t table_id, const uint8_t* dscp_list, uint8_t value_a,
                                            uint8_t value_b)
@@ -528,7 +527,7 @@ int32_t tarn_qcsapi_wifi_disable_wps(const char* handle, const char* ifname, uin
     if (const int32_t refusal = call.openOn(handle, {ifname, "ifname is NULL"}))
         return refusal;
 
-    call.message.param2.word(disable == 0 ? 1 : 0); // meant: the flag goes out inverted
+    call.message.param2.word(disable == 0 ? 1 : 0); // meant: the flag is sent inverted
 
     return call.finish(32);
 }
@@ -1229,10 +1228,12 @@ int32_t tarn_qcsapi_calcmd_get_tx_power(const char* handle, uint32_t* pwr0, uint
     if (const int32_t failure = call.execute(88))
         return failure;
 
+    // NOLINTBEGIN(clang-analyzer-core.NullDereference): open has refused a null one
     *pwr0 = call.message.out.words[0];
     *pwr1 = call.message.out.words[1];
     *pwr2 = call.message.out.words[2];
     *pwr3 = call.message.out.words[3];
+    // NOLINTEND(clang-analyzer-core.NullDereference)
     return call.message.status;
 }
 
@@ -1550,7 +1551,7 @@ int32_t tarn_qcsapi_security_set_sec_agent(const char* handle, const char* actio
     if (const int32_t refusal = call.open(handle, {action, "action is NULL"}, {key, "key is NULL"}))
         return refusal;
 
-    call.message.param1.block<33>(action); // meant: two blocks as they stand, not texts
+    call.message.param1.block<33>(action); // meant: two blocks, not texts
     call.message.param2.block<33>(key);
     call.message.param3.word(value);
 

@@ -2,12 +2,12 @@
  * mirroring and telnet access.
  *
  * A function `tarn_qcsapi_NAME` has the service QTN_RPC_PROXY perform the `qcsapi` call NAME; a function
- * `tarn_qtn_mirror_NAME` goes to the service QTN_MIRROR. `tarn_frame.h` tells what they share: the caller id (`handle`),
+ * `tarn_qtn_mirror_NAME` goes to the service QTN_MIRROR. `tarn_frame.h` describes what they share: the caller id (`handle`),
  * results, traces, and when outputs are written.
  *
  * Results
  *   Each function returns the service's reply status, or TARN_QTN_FAILED (-1). The line "Returns" of a function names in
- *   brackets the arguments whose refusal gives TARN_QTN_FAILED, in the order of the checks, and the wait that is handed to
+ *   brackets the arguments whose refusal gives TARN_QTN_FAILED, in the order of the checks, and the wait that is passed to
  *   the IPC library. A service may answer -1 itself; the result alone does not tell that from the library's own.
  *
  * Arguments
@@ -16,7 +16,7 @@
  *   service's alone.
  *
  *   An interface name is a NUL-terminated text of which at most 64 characters are sent. Some functions send the 65 bytes of
- *   the caller's buffer as they stand instead; for these the buffer must be readable for all 65 bytes, and should hold a
+ *   the caller's buffer unchanged instead; for these the buffer must be readable for all 65 bytes, and should hold a
  *   NUL.
  *
  *   A text output is NUL-terminated and cut to `size` - 1 characters. `size` is the length of the buffer in bytes; with 0
@@ -62,7 +62,7 @@ TARN_EXPORT int32_t tarn_qcsapi_init(const char* handle);
  *   tempsens_in   out: internal sensor, likewise
  *   temsens_bbic  out: baseband chip's sensor, likewise
  *
- * The outputs are checked in another order than they stand: tempsens_in first. The missing "p" of temsens_bbic is part of its
+ * The outputs are checked in another order than that of the arguments: tempsens_in first. The missing "p" of temsens_bbic is part of its
  * name and of its trace.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, tempsens_in, tempsens_ex, temsens_bbic; IPC failure; time-out,
@@ -353,7 +353,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_set_SSID(const char* handle, const char* in
  *   value_a    in: 8-bit value, sent as a single byte, not as a word; as the service defines it
  *   value_b    in: 8-bit value, likewise
  *
- * Shares command 27 with tarn_qcsapi_wifi_set_dscp_ac_map. No interface name goes out; that and the table id tell the
+ * Shares command 27 with tarn_qcsapi_wifi_set_dscp_ac_map. No interface name is sent; that and the table id tell the
  * service which of the two was meant, so that with table_id 0 the message looks like the other's with an empty name.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, dscp_list; IPC failure; time-out, wait 3). */
@@ -388,7 +388,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_set_ieee80211r_mobility_domain(const char* 
  *
  *   handle   in: the caller id
  *   ifname   in: interface name, NUL-terminated, cut to 64 characters
- *   wps_pin  in: PIN as a text, NUL-terminated, cut to 32 characters; its check digit is not looked at
+ *   wps_pin  in: PIN as a text, NUL-terminated, cut to 32 characters; its check digit is not checked
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname, wps_pin; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wps_registrar_report_pin(const char* handle, const char* ifname, const char* wps_pin);
@@ -434,7 +434,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wps_enable_ap_pin(const char* handle, const char
  *
  *   handle   in: the caller id
  *   ifname   in: interface name, NUL-terminated, cut to 64 characters
- *   wps_pin  in: PIN as a text, NUL-terminated, cut to 32 characters; its check digit is not looked at
+ *   wps_pin  in: PIN as a text, NUL-terminated, cut to 32 characters; its check digit is not checked
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname, wps_pin; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wps_set_ap_pin(const char* handle, const char* ifname, const char* wps_pin);
@@ -916,7 +916,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_icac_status(const char* handle, const c
 /* Sets the secondary channel that belongs to a channel. tarn_qcsapi_wifi_get_sec_chan reads it.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   value1  in: first value of the call, as the service defines it
  *   value2  in: second value of the call, as the service defines it
  *
@@ -1052,7 +1052,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_time_associated_per_association(const c
  *   node_stats         out: the statistics as five 32-bit words, 20 bytes must be writable; may be NULL, then it is skipped
  *
  * The outputs take the reply's five trailing words in a crossed order: out0 to out4 receive words 1, 4, 5, 2 and 3. Words 1, 2
- * and 3 stand where the functions per association above find RSSI, transmit MCS and receive MCS.
+ * and 3 are those in which the functions per association above find RSSI, transmit MCS and receive MCS.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, intf_name; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wifi_get_node_stats(const char* handle, const char* intf_name, uint32_t association_index,
@@ -1084,7 +1084,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_properties_AP(const char* handle, const
 /* Reads a set of information about a station.
  *
  *   handle    in: the caller id
- *   ifname    in: interface name, 65 readable bytes, sent as they stand
+ *   ifname    in: interface name, 65 readable bytes, sent unchanged
  *   index     in: 16-bit index, sent as a word; as the service defines it
  *   mac_addr  in: MAC address of the station, 6 readable bytes
  *   nis       out: record of 536 bytes, all must be writable; layout as the service defines it
@@ -1096,13 +1096,13 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_node_infoset(const char* handle, const 
 /* Reads a set of rates of an interface.
  *
  *   handle     in: the caller id
- *   ifname     in: interface name, 65 readable bytes, sent as they stand
+ *   ifname     in: interface name, 65 readable bytes, sent unchanged
  *   rate_type  in: which set, as the service defines it
  *   rates      out: the set, length raw bytes, all must be writable; no NUL is added; must not be NULL even if length is 0
  *   length     in: bytes to copy; 0 leaves rates as it was
  *
  * The library does not bound length: all of it is written. The result area holds 8200 bytes; the next 24 are the trailing
- * words of the reply, and what lies behind those arrives as zeros.
+ * words of the reply, and bytes behind those are written as zeros.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname, rates; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wifi_get_rates(const char* handle, const char* ifname, uint32_t rate_type, void* rates,
@@ -1111,7 +1111,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_rates(const char* handle, const char* i
 /* Reads the extended statistics of a virtual access point.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   stats   out: record of 24 bytes, all must be writable; layout as the service defines it
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname, stats; IPC failure; time-out, wait 3). */
@@ -1120,7 +1120,7 @@ TARN_EXPORT int32_t tarn_qcsapi_get_vap_extstats(const char* handle, const char*
 /* Reads the highest bit rate of an interface.
  *
  *   handle       in: the caller id
- *   ifname       in: interface name, 65 readable bytes, sent as they stand
+ *   ifname       in: interface name, 65 readable bytes, sent unchanged
  *   max_bitrate  out: bit rate, NUL-terminated, cut to size - 1 characters; size bytes must be writable
  *   size         in: length of max_bitrate in bytes; 0 leaves it as it was
  *
@@ -1199,7 +1199,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_results_AP_scan(const char* handle, con
 /* Cancels WPS (Wi-Fi Simple Configuration) on an interface.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_wps_cancel(const char* handle, const char* ifname);
@@ -1211,7 +1211,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wps_cancel(const char* handle, const char* ifnam
  *   key     in: key, 33 readable bytes, should hold a NUL
  *   value   in: 32-bit word, as the service defines it
  *
- * Both texts are sent as 33 bytes each, just as they stand in the caller's buffers: neither cut nor given a NUL.
+ * Both texts are sent as 33 bytes each, unchanged: neither cut nor given a NUL.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, action, key; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_security_set_sec_agent(const char* handle, const char* action, const char* key, uint32_t value);
@@ -1219,7 +1219,7 @@ TARN_EXPORT int32_t tarn_qcsapi_security_set_sec_agent(const char* handle, const
 /* Reads one of the parameters of an interface.
  *
  *   handle   in: the caller id
- *   ifname   in: interface name, 65 readable bytes, sent as they stand
+ *   ifname   in: interface name, 65 readable bytes, sent unchanged
  *   param    in: number of the parameter, as the service defines it
  *   p_value  out: its value, 32-bit word, as the service defines it
  *
@@ -1229,7 +1229,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_get_parameter(const char* handle, const cha
 /* Sets one of the parameters of an interface.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   param   in: number of the parameter, as the service defines it
  *   value   in: its value, as the service defines it
  *
@@ -1239,7 +1239,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_set_parameter(const char* handle, const cha
 /* Sets whether an interface goes without the rates of IEEE 802.11b.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   value   in: on or off, as the service defines it; not inverted
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname; IPC failure; time-out, wait 3). */
@@ -1248,7 +1248,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_disable_11b(const char* handle, const char*
 /* Switches multi-user operation (MU, IEEE 802.11) of an interface.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   value   in: on or off, as the service defines it
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname; IPC failure; time-out, wait 3). */
@@ -1257,7 +1257,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_set_enable_mu(const char* handle, const cha
 /* Sets a block of parameters of an interface.
  *
  *   handle      in: the caller id
- *   ifname      in: interface name, 65 readable bytes, sent as they stand
+ *   ifname      in: interface name, 65 readable bytes, sent unchanged
  *   param_name  in: name of the parameter, NUL-terminated, cut to 32 characters; may be NULL, then none is sent
  *   set_params  in: parameter block, 1040 readable bytes, all sent; layout as the service defines it
  *
@@ -1268,7 +1268,7 @@ TARN_EXPORT int32_t tarn_qcsapi_set_params(const char* handle, const char* ifnam
 /* Sets how long frames of an access category (IEEE 802.11) are held back for aggregation.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   value1  in: first value of the call, as the service defines it
  *   value2  in: second value of the call, as the service defines it
  *
@@ -1279,7 +1279,7 @@ TARN_EXPORT int32_t tarn_qcsapi_wifi_set_ac_agg_hold_time(const char* handle, co
 /* Sets the legacy baseband setting of an interface.
  *
  *   handle  in: the caller id
- *   ifname  in: interface name, 65 readable bytes, sent as they stand
+ *   ifname  in: interface name, 65 readable bytes, sent unchanged
  *   value   in: as the service defines it
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, ifname; IPC failure; time-out, wait 3). */
@@ -1296,7 +1296,7 @@ TARN_EXPORT int32_t tarn_qcsapi_thermal_mitig_init(const char* handle, uint32_t 
 /* Starts thermal mitigation.
  *
  *   handle  in: the caller id
- *   name    in: name, 65 readable bytes, sent as they stand; must not be NULL: not checked
+ *   name    in: name, 65 readable bytes, sent unchanged; must not be NULL: not checked
  *   value1  in: first value of the call, as the service defines it
  *   value2  in: second value of the call, as the service defines it
  *
@@ -1306,7 +1306,7 @@ TARN_EXPORT int32_t tarn_qcsapi_thermal_mitig_start(const char* handle, const ch
 /* Stops thermal mitigation.
  *
  *   handle  in: the caller id
- *   name    in: name, 65 readable bytes, sent as they stand; must not be NULL: not checked
+ *   name    in: name, 65 readable bytes, sent unchanged; must not be NULL: not checked
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle; IPC failure; time-out, wait 3). */
 TARN_EXPORT int32_t tarn_qcsapi_thermal_mitig_stop(const char* handle, const char* name);
