@@ -4,6 +4,8 @@
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -24,14 +26,14 @@
 namespace
 {
 
-constexpr size_t kLengths[] = {12, 144, 9584}; // the shortest, a common and the longest message of the Wi-Fi services
-constexpr size_t kGoalLength = 9584;
+constexpr std::size_t kLengths[] = {12, 144, 9584}; // the shortest, a common and the longest message of the Wi-Fi services
+constexpr std::size_t kGoalLength = 9584;
 constexpr double kGoal = 1.25; // times the bare stream socket
 
 void stayOnOneProcessor()
 {
     cpu_set_t allowed;
-    if (sched_getaffinity(0, sizeof(allowed), &allowed) != 0)
+    if (sched_getaffinity(0, sizeof allowed, &allowed) != 0)
         throw std::runtime_error("the processors cannot be asked for");
     int processor = 0;
     while (!CPU_ISSET(processor, &allowed))
@@ -39,7 +41,7 @@ void stayOnOneProcessor()
     cpu_set_t one;
     CPU_ZERO(&one);
     CPU_SET(processor, &one);
-    if (sched_setaffinity(0, sizeof(one), &one) != 0)
+    if (sched_setaffinity(0, sizeof one, &one) != 0)
         throw std::runtime_error("the process cannot be bound to one processor");
 }
 
@@ -56,32 +58,32 @@ void inChildProcess(Body body)
     _exit(0);
 }
 
-bool sendAll(int socket, const char* bytes, size_t length)
+bool sendAll(int socket, const char* bytes, std::size_t length)
 {
-    for (size_t done = 0; done < length;)
+    for (std::size_t done = 0; done < length;)
     {
         const ssize_t sent = send(socket, bytes + done, length - done, MSG_NOSIGNAL);
         if (sent <= 0)
             return false;
-        done += static_cast<size_t>(sent);
+        done += static_cast<std::size_t>(sent);
     }
     return true;
 }
 
-bool receiveAll(int socket, char* bytes, size_t length)
+bool receiveAll(int socket, char* bytes, std::size_t length)
 {
-    for (size_t done = 0; done < length;)
+    for (std::size_t done = 0; done < length;)
     {
         const ssize_t received = recv(socket, bytes + done, length - done, 0);
         if (received <= 0)
             return false;
-        done += static_cast<size_t>(received);
+        done += static_cast<std::size_t>(received);
     }
     return true;
 }
 
 // Returns one end of a pair; a child process sends back whatever comes out of the other.
-int echoOver(int type, size_t length)
+int echoOver(int type, std::size_t length)
 {
     int ends[2];
     if (socketpair(AF_UNIX, type, 0, ends) != 0)
@@ -99,7 +101,7 @@ int echoOver(int type, size_t length)
     return ends[0];
 }
 
-void bareSocket(benchmark::State& state, int socket, size_t length)
+void bareSocket(benchmark::State& state, int socket, std::size_t length)
 {
     std::vector<char> message(length, 'x');
     for (auto _ : state)
@@ -107,7 +109,7 @@ void bareSocket(benchmark::State& state, int socket, size_t length)
             state.SkipWithError("the echo is gone");
 }
 
-uint32_t echo(void*, const KorIilRequest*, void*)
+std::uint32_t echo(void*, const KorIilRequest*, void*)
 {
     return KOR_IIL_OK;
 }
@@ -134,11 +136,11 @@ void startService()
     close(ready[0]);
 }
 
-void call(benchmark::State& state, size_t length)
+void call(benchmark::State& state, std::size_t length)
 {
     std::vector<char> message(length, 'x');
     for (auto _ : state)
-        if (KorIilExecute("benchmark", "ECHO", 10, 1, static_cast<uint32_t>(length), message.data()) != KOR_IIL_OK)
+        if (KorIilExecute("benchmark", "ECHO", 10, 1, static_cast<std::uint32_t>(length), message.data()) != KOR_IIL_OK)
             state.SkipWithError("the service is gone");
 }
 
@@ -157,14 +159,14 @@ public:
     std::map<std::string, double> values;
 };
 
-std::string nameOf(const char* what, size_t length)
+std::string nameOf(const char* what, std::size_t length)
 {
     return std::string(what) + "/" + std::to_string(length);
 }
 
 void registerAll()
 {
-    for (const size_t length : kLengths)
+    for (const std::size_t length : kLengths)
     {
         const int stream = echoOver(SOCK_STREAM, length);
         const int packets = echoOver(SOCK_SEQPACKET, length);
@@ -179,7 +181,7 @@ bool reportRatios(const std::map<std::string, double>& medians)
 {
     bool met = true;
     std::printf("\nratio of medians   koriil : stream   koriil : seqpacket\n");
-    for (const size_t length : kLengths)
+    for (const std::size_t length : kLengths)
     {
         const auto own = medians.find(nameOf("koriil", length));
         const auto stream = medians.find(nameOf("stream", length));

@@ -14,7 +14,7 @@ namespace koriil
 namespace
 {
 
-constexpr uint32_t kConnectWithin = 3; // seconds
+constexpr std::uint32_t kConnectWithin = 3; // seconds
 
 // The delivering thread is the library's own: it takes no signal from the application.
 class SignalsBlocked
@@ -43,10 +43,10 @@ Channel::Channel(const char* serviceId) : serviceId_(serviceId), packet_(new Pac
 {
 }
 
-uint32_t Channel::open(const char* serviceId, std::shared_ptr<Channel>& channel)
+std::uint32_t Channel::open(const char* serviceId, std::shared_ptr<Channel>& channel)
 {
     std::shared_ptr<Channel> fresh(new Channel(serviceId));
-    if (const uint32_t status = Connection::open(serviceId, Deadline(kConnectWithin), fresh->connection_))
+    if (const std::uint32_t status = Connection::open(serviceId, Deadline(kConnectWithin), fresh->connection_))
         return status;
     if (!fresh->connection_->waitForEver())
         return KOR_IIL_ERR;
@@ -93,7 +93,7 @@ void Channel::waitForEnd(const Subscriber& subscriber)
     ended_.wait(lock, [this, run = run_] { return run_ != run; });
 }
 
-bool Channel::wants(uint32_t event)
+bool Channel::wants(std::uint32_t event)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     return std::any_of(subscriptions_.begin(), subscriptions_.end(),
@@ -145,7 +145,7 @@ bool Channel::receive()
         return false;
 
     const PacketHeader& header = packet_->header;
-    const auto length = static_cast<size_t>(received);
+    const auto length = static_cast<std::size_t>(received);
     if (originOf(header, length) != PacketOrigin::Sound || header.kind != PacketKind::Event)
         KORIIL_REPORT(kTraceWarning, "service %s sent a packet of %zu bytes that is no event, dropped", serviceId_.c_str(),
                       length);
@@ -163,8 +163,8 @@ bool Channel::receive()
 void Channel::deliver(const void* data)
 {
     const PacketHeader& header = packet_->header;
-    const uint64_t last = newestSubscription();
-    uint64_t turn = 0;
+    const std::uint64_t last = newestSubscription();
+    std::uint64_t turn = 0;
     while (const KorIilEventHandler handler = begin(turn, last))
     {
         handler(serviceId_.c_str(), header.command, data, header.length);
@@ -172,7 +172,7 @@ void Channel::deliver(const void* data)
     }
 }
 
-uint64_t Channel::newestSubscription()
+std::uint64_t Channel::newestSubscription()
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     return lastNumber_;
@@ -180,7 +180,7 @@ uint64_t Channel::newestSubscription()
 
 // The handler of the next subscription to the event, after `turn` and up to `last`, now counted as running; NULL if there is
 // none.
-KorIilEventHandler Channel::begin(uint64_t& turn, uint64_t last)
+KorIilEventHandler Channel::begin(std::uint64_t& turn, std::uint64_t last)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     for (const Subscription& subscription : subscriptions_)

@@ -6,6 +6,7 @@
 #include "kor_iil.h"
 
 #include <condition_variable>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -20,12 +21,12 @@ namespace koriil
 struct Subscriber
 {
     char callerId[kIdentifierSize] = {};
-    uint32_t event = 0;
+    std::uint32_t event = 0;
     KorIilEventHandler handler = nullptr;
 
     bool operator==(const Subscriber& other) const
     {
-        return event == other.event && handler == other.handler && strcmp(callerId, other.callerId) == 0;
+        return event == other.event && handler == other.handler && std::strcmp(callerId, other.callerId) == 0;
     }
 };
 
@@ -33,12 +34,12 @@ class Channel
 {
 public:
     // Connects, and starts the thread. May throw std::bad_alloc and, when there is no thread to be had, std::system_error.
-    static uint32_t open(const char* serviceId, std::shared_ptr<Channel>& channel);
+    static std::uint32_t open(const char* serviceId, std::shared_ptr<Channel>& channel);
 
     // False once the service has hung up, and so knows nothing of this channel any more.
     bool isAlive() const;
     // The service's own name for it.
-    uint32_t number() const
+    std::uint32_t number() const
     {
         return connection_->channel();
     }
@@ -50,7 +51,7 @@ public:
     // Returns when the subscriber, removed before, does not have its handler running. A handler does not wait for its own end.
     void waitForEnd(const Subscriber& subscriber);
 
-    bool wants(uint32_t event);
+    bool wants(std::uint32_t event);
     bool isUnused();
 
     // Ends the subscriptions, the connection and the thread, which may be the one that calls.
@@ -59,7 +60,7 @@ public:
 private:
     struct Subscription
     {
-        uint64_t number;
+        std::uint64_t number;
         Subscriber subscriber;
     };
 
@@ -68,8 +69,8 @@ private:
     void deliverAll();
     bool receive();
     void deliver(const void* data);
-    uint64_t newestSubscription();
-    KorIilEventHandler begin(uint64_t& turn, uint64_t last);
+    std::uint64_t newestSubscription();
+    KorIilEventHandler begin(std::uint64_t& turn, std::uint64_t last);
     void end();
     void reportLoss();
 
@@ -79,10 +80,10 @@ private:
 
     std::mutex mutex_;
     std::vector<Subscription> subscriptions_;
-    uint64_t lastNumber_ = 0;
-    uint64_t lastRun_ = 0;
-    uint64_t run_ = 0;     // of a handler, now; 0 for none
-    Subscriber runningAs_; // whose it is
+    std::uint64_t lastNumber_ = 0;
+    std::uint64_t lastRun_ = 0;
+    std::uint64_t run_ = 0; // of a handler, now; 0 for none
+    Subscriber runningAs_;  // whose it is
     std::thread::id thread_;
     std::condition_variable ended_;
 };

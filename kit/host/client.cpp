@@ -4,6 +4,7 @@
 #include "kor_iil.h"
 #include "recorder.h"
 
+#include <cstdint>
 #include <new>
 #include <optional>
 
@@ -12,7 +13,8 @@ namespace koriil
 namespace
 {
 
-uint32_t judgeArguments(const char* callerId, const char* serviceId, uint32_t wait, uint32_t length, const void* message)
+std::uint32_t judgeArguments(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t length,
+                             const void* message)
 {
     if (callerId == nullptr || serviceId == nullptr || (message == nullptr && length > 0) || wait == 0)
         return KOR_IIL_BAD_PARAM;
@@ -23,7 +25,8 @@ uint32_t judgeArguments(const char* callerId, const char* serviceId, uint32_t wa
     return length <= KOR_IIL_MAX_LENGTH ? KOR_IIL_OK : KOR_IIL_OVERSIZE;
 }
 
-uint32_t execute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t command, uint32_t length, void* message)
+std::uint32_t execute(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command,
+                      std::uint32_t length, void* message)
 {
     PacketHeader request;
     request.kind = PacketKind::Request;
@@ -43,7 +46,7 @@ try
 {
     using namespace koriil;
 
-    uint32_t status = judgeArguments(callerId, serviceId, wait, msgLen, msg);
+    std::uint32_t status = judgeArguments(callerId, serviceId, wait, msgLen, msg);
     const void* const message = msgLen > 0 ? msg : ""; // an empty message is one, whatever the pointer
     std::optional<Record> record;
     if (isRecording())

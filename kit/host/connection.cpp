@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <string>
 
 #include <sys/socket.h>
@@ -31,14 +32,14 @@ microseconds roundedUp(microseconds time)
 bool setTimeout(int socket, int option, microseconds timeout)
 {
     // A 32-bit time_t ends at 68 years, a 32-bit wait at 136.
-    const auto seconds = std::min<int64_t>(timeout.count() / 1000000, INT32_MAX);
+    const auto seconds = std::min<std::int64_t>(timeout.count() / 1000000, INT32_MAX);
     timeval value = {};
     value.tv_sec = static_cast<time_t>(seconds);
     value.tv_usec = static_cast<suseconds_t>(timeout.count() % 1000000);
-    return setsockopt(socket, SOL_SOCKET, option, &value, sizeof(value)) == 0;
+    return setsockopt(socket, SOL_SOCKET, option, &value, sizeof value) == 0;
 }
 
-uint32_t failedToOpen(const char* what, const char* serviceId)
+std::uint32_t failedToOpen(const char* what, const char* serviceId)
 {
     const int error = errno;
     const bool shortage = error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS;
@@ -46,7 +47,7 @@ uint32_t failedToOpen(const char* what, const char* serviceId)
     return shortage ? KOR_IIL_NO_MEM : KOR_IIL_ERR;
 }
 
-uint32_t failedToConnect(const char* serviceId)
+std::uint32_t failedToConnect(const char* serviceId)
 {
     switch (errno)
     {
@@ -66,7 +67,7 @@ uint32_t failedToConnect(const char* serviceId)
 
 } // namespace
 
-uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, size_t received)
+std::uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, std::size_t received)
 {
     switch (originOf(reply, received))
     {
@@ -105,7 +106,7 @@ Connection::~Connection()
 
 bool Connection::isTo(const char* serviceId) const
 {
-    return strcmp(serviceId_, serviceId) == 0;
+    return std::strcmp(serviceId_, serviceId) == 0;
 }
 
 bool Connection::isOwn() const
@@ -120,10 +121,10 @@ bool Connection::isStillOurSocket() const
     return fstat(socket_.get(), &status) == 0 && S_ISSOCK(status.st_mode) && status.st_ino == inode_;
 }
 
-uint32_t Connection::open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection)
+std::uint32_t Connection::open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection)
 {
     std::unique_ptr<Connection> fresh(new Connection(serviceId));
-    uint32_t status = fresh->connect(deadline);
+    std::uint32_t status = fresh->connect(deadline);
     if (status == KOR_IIL_OK)
         status = fresh->greet(deadline);
     if (status == KOR_IIL_OK)
@@ -131,13 +132,13 @@ uint32_t Connection::open(const char* serviceId, const Deadline& deadline, std::
     return status;
 }
 
-uint32_t Connection::connect(const Deadline& deadline)
+std::uint32_t Connection::connect(const Deadline& deadline)
 {
     std::string directory;
-    if (const uint32_t status = findRuntimeDirectory(directory))
+    if (const std::uint32_t status = findRuntimeDirectory(directory))
         return status;
     sockaddr_un address;
-    if (const uint32_t status = socketAddress(socketPath(directory, serviceId_), address))
+    if (const std::uint32_t status = socketAddress(socketPath(directory, serviceId_), address))
         return status;
 
     socket_ = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
@@ -153,14 +154,14 @@ uint32_t Connection::connect(const Deadline& deadline)
             return KOR_IIL_TIMEOUT;
         if (!setTimeout(socket_.get(), SO_SNDTIMEO, roundedUp(remaining)))
             return failedToOpen("setting a time-out", serviceId_);
-        if (::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0)
+        if (::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
             return KOR_IIL_OK;
         if (errno != EINTR)
             return failedToConnect(serviceId_);
     }
 }
 
-uint32_t Connection::greet(const Deadline& deadline)
+std::uint32_t Connection::greet(const Deadline& deadline)
 {
     PacketHeader hello;
     hello.kind = PacketKind::Hello;
@@ -170,12 +171,12 @@ uint32_t Connection::greet(const Deadline& deadline)
         return KOR_IIL_TX_FAIL;
 
     PacketHeader welcome;
-    const ssize_t received = receiveBytes(deadline, &welcome, sizeof(welcome));
+    const ssize_t received = receiveBytes(deadline, &welcome, sizeof welcome);
     if (received < 0 && errno == EAGAIN)
         return KOR_IIL_TIMEOUT;
     if (received <= 0)
         return KOR_IIL_RX_FAIL;
-    if (const uint32_t status = judgeReply(hello, welcome, static_cast<size_t>(received)))
+    if (const std::uint32_t status = judgeReply(hello, welcome, static_cast<std::size_t>(received)))
         return status;
     channel_ = welcome.channel;
     return welcome.status;
@@ -187,7 +188,7 @@ Connection::Sending Connection::send(PacketHeader& request, const void* message)
 
     iovec parts[2] = {};
     parts[0].iov_base = &request;
-    parts[0].iov_len = sizeof(request);
+    parts[0].iov_len = sizeof request;
     parts[1].iov_base = const_cast<void*>(message);
     parts[1].iov_len = request.length;
     msghdr packet = {};
@@ -204,7 +205,7 @@ Connection::Sending Connection::send(PacketHeader& request, const void* message)
         return Sending::Sent;
     if (errno == EPIPE || errno == ECONNRESET)
         return Sending::PeerGone;
-    KORIIL_REPORT(kTraceWarning, "sending %zu bytes to service %s failed: %s", sizeof(request) + request.length, serviceId_,
+    KORIIL_REPORT(kTraceWarning, "sending %zu bytes to service %s failed: %s", sizeof request + request.length, serviceId_,
                   std::strerror(errno));
     return Sending::Failed;
 }
@@ -215,19 +216,19 @@ bool Connection::waitForEver()
     return setTimeout(socket_.get(), SO_RCVTIMEO, receiveTimeout_);
 }
 
-uint32_t Connection::receive(const PacketHeader& request, const Deadline& deadline, Packet& reply)
+std::uint32_t Connection::receive(const PacketHeader& request, const Deadline& deadline, Packet& reply)
 {
-    const ssize_t received = receiveBytes(deadline, &reply, sizeof(reply));
+    const ssize_t received = receiveBytes(deadline, &reply, sizeof reply);
     if (received < 0 && errno == EAGAIN)
         return KOR_IIL_TIMEOUT;
     if (received <= 0)
         return KOR_IIL_RX_FAIL;
-    return judgeReply(request, reply.header, static_cast<size_t>(received));
+    return judgeReply(request, reply.header, static_cast<std::size_t>(received));
 }
 
 // Returns the packet's own length, even if the buffer holds only the first part of it; 0 when the peer is gone; -1 with EAGAIN
 // when the deadline has passed.
-ssize_t Connection::receiveBytes(const Deadline& deadline, void* buffer, size_t size)
+ssize_t Connection::receiveBytes(const Deadline& deadline, void* buffer, std::size_t size)
 {
     for (;;)
     {

@@ -6,6 +6,8 @@
 #include "packet.h"
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include <sys/types.h>
@@ -14,7 +16,7 @@ namespace koriil
 {
 
 // Judges the packet received in answer to `request`: KOR_IIL_OK if it is a reply to it, whatever its status.
-uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, size_t received);
+std::uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, std::size_t received);
 
 class Connection
 {
@@ -27,7 +29,7 @@ public:
     };
 
     // Connects, and waits for the service's welcome. Otherwise a status that says why not.
-    static uint32_t open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection);
+    static std::uint32_t open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection);
 
     ~Connection();
     Connection(const Connection&) = delete;
@@ -45,7 +47,7 @@ public:
     }
 
     // The number that the service gave to this connection.
-    uint32_t channel() const
+    std::uint32_t channel() const
     {
         return channel_;
     }
@@ -57,22 +59,22 @@ public:
     bool waitForEver();
 
     // Waits for the packet that answers `request`.
-    uint32_t receive(const PacketHeader& request, const Deadline& deadline, Packet& reply);
+    std::uint32_t receive(const PacketHeader& request, const Deadline& deadline, Packet& reply);
 
 private:
     explicit Connection(const char* serviceId);
 
-    uint32_t connect(const Deadline& deadline);
-    uint32_t greet(const Deadline& deadline);
-    ssize_t receiveBytes(const Deadline& deadline, void* buffer, size_t size);
+    std::uint32_t connect(const Deadline& deadline);
+    std::uint32_t greet(const Deadline& deadline);
+    ssize_t receiveBytes(const Deadline& deadline, void* buffer, std::size_t size);
     bool isStillOurSocket() const;
 
     char serviceId_[kIdentifierSize] = {};
     Descriptor socket_;
     pid_t owner_;
     ino_t inode_ = 0;
-    uint32_t sequence_ = 0;
-    uint32_t channel_ = 0;
+    std::uint32_t sequence_ = 0;
+    std::uint32_t channel_ = 0;
     std::chrono::microseconds receiveTimeout_{0}; // that the socket has now
 };
 

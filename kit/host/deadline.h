@@ -10,7 +10,7 @@ namespace koriil
 class Deadline
 {
 public:
-    explicit Deadline(uint32_t seconds) : end_(std::chrono::steady_clock::now() + std::chrono::seconds(seconds))
+    explicit Deadline(std::uint32_t seconds) : end_(std::chrono::steady_clock::now() + std::chrono::seconds(seconds))
     {
     }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <map>
 #include <new>
 #include <system_error>
@@ -21,9 +22,9 @@ namespace koriil
 namespace
 {
 
-constexpr uint32_t kWait = 3; // seconds; the functions have no argument for it
+constexpr std::uint32_t kWait = 3; // seconds; the functions have no argument for it
 
-uint32_t judgeArguments(const char* callerId, const char* serviceId, KorIilEventHandler handler)
+std::uint32_t judgeArguments(const char* callerId, const char* serviceId, KorIilEventHandler handler)
 {
     if (callerId == nullptr || serviceId == nullptr || handler == nullptr)
         return KOR_IIL_BAD_PARAM;
@@ -32,7 +33,7 @@ uint32_t judgeArguments(const char* callerId, const char* serviceId, KorIilEvent
     return isServiceId(serviceId) ? KOR_IIL_OK : KOR_IIL_UNKNOWN_DST_ID;
 }
 
-uint32_t ask(PacketKind kind, const char* serviceId, const Channel& channel, const Subscriber& subscriber)
+std::uint32_t ask(PacketKind kind, const char* serviceId, const Channel& channel, const Subscriber& subscriber)
 try
 {
     PacketHeader request;
@@ -67,10 +68,10 @@ public:
         return *found;
     }
 
-    uint32_t subscribe(const char* serviceId, const Subscriber& subscriber)
+    std::uint32_t subscribe(const char* serviceId, const Subscriber& subscriber)
     {
         std::unique_lock<std::mutex> lock(mutex_);
-        uint32_t status = subscribeOnce(serviceId, subscriber);
+        std::uint32_t status = subscribeOnce(serviceId, subscriber);
         if (status == KOR_IIL_BAD_EVT) // that was a channel to the service's predecessor
             status = subscribeOnce(serviceId, subscriber);
         if (status == KOR_IIL_OK || status == KOR_IIL_CONFLICT_ID)
@@ -82,11 +83,11 @@ public:
         return status;
     }
 
-    uint32_t cancel(const char* serviceId, const Subscriber& subscriber)
+    std::uint32_t cancel(const char* serviceId, const Subscriber& subscriber)
     {
         std::unique_lock<std::mutex> lock(mutex_);
         const auto channels = channelsOf(serviceId);
-        const uint32_t status = remove(serviceId, subscriber);
+        const std::uint32_t status = remove(serviceId, subscriber);
         lock.unlock();
         // Whatever the status: where the service has gone, the subscription has too, and yet its handler may be running.
         waitForEnd(channels, subscriber);
@@ -100,15 +101,15 @@ private:
     {
     }
 
-    uint32_t subscribeOnce(const char* serviceId, const Subscriber& subscriber)
+    std::uint32_t subscribeOnce(const char* serviceId, const Subscriber& subscriber)
     {
         std::shared_ptr<Channel> channel;
-        if (const uint32_t status = channelTo(serviceId, channel))
+        if (const std::uint32_t status = channelTo(serviceId, channel))
             return status;
         if (!channel->add(subscriber)) // before the service knows, so that it misses nothing
             return KOR_IIL_CONFLICT_ID;
 
-        const uint32_t status = ask(PacketKind::Subscribe, serviceId, *channel, subscriber);
+        const std::uint32_t status = ask(PacketKind::Subscribe, serviceId, *channel, subscriber);
         if (status == KOR_IIL_OK)
             return status;
         channel->remove(subscriber);
@@ -117,7 +118,7 @@ private:
         return status;
     }
 
-    uint32_t remove(const char* serviceId, const Subscriber& subscriber)
+    std::uint32_t remove(const char* serviceId, const Subscriber& subscriber)
     {
         const auto found = channels_.find(serviceId);
         if (found == channels_.end())
@@ -132,7 +133,7 @@ private:
             return KOR_IIL_BAD_EVT;
 
         if (!channel.wants(subscriber.event))
-            if (const uint32_t status = ask(PacketKind::Cancel, serviceId, channel, subscriber))
+            if (const std::uint32_t status = ask(PacketKind::Cancel, serviceId, channel, subscriber))
                 KORIIL_REPORT(kTraceNotice, "service %s has not confirmed the end of a subscription (status %lu)", serviceId,
                               static_cast<unsigned long>(status));
         if (channel.isUnused())
@@ -140,7 +141,7 @@ private:
         return KOR_IIL_OK;
     }
 
-    uint32_t channelTo(const char* serviceId, std::shared_ptr<Channel>& channel)
+    std::uint32_t channelTo(const char* serviceId, std::shared_ptr<Channel>& channel)
     {
         const auto found = channels_.find(serviceId);
         if (found != channels_.end() && found->second->isAlive())
@@ -150,7 +151,7 @@ private:
         }
         if (found != channels_.end())
             drop(found);
-        if (const uint32_t status = Channel::open(serviceId, channel))
+        if (const std::uint32_t status = Channel::open(serviceId, channel))
             return status;
         channels_[serviceId] = channel;
         return KOR_IIL_OK;
@@ -193,10 +194,10 @@ private:
 };
 
 template <typename Action>
-uint32_t guarded(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler, Action action)
+std::uint32_t guarded(const char* callerId, const char* serviceId, std::uint32_t evt, KorIilEventHandler handler, Action action)
 try
 {
-    if (const uint32_t status = judgeArguments(callerId, serviceId, handler))
+    if (const std::uint32_t status = judgeArguments(callerId, serviceId, handler))
         return status;
     Subscriber subscriber;
     copyIdentifier(subscriber.callerId, callerId);

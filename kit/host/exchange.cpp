@@ -16,14 +16,14 @@ namespace
 class Connections
 {
 public:
-    uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
+    std::uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
     {
         const Deadline deadline(request.wait);
         if (!reply_)
             reply_.reset(new Packet); // not cleared: 64 KiB that a small call never touches
         dropInherited();
 
-        uint32_t status = send(serviceId, request, message, deadline);
+        std::uint32_t status = send(serviceId, request, message, deadline);
         if (status != KOR_IIL_OK)
             return status;
 
@@ -35,13 +35,13 @@ public:
             return status;
         }
         if (reply_->header.status == KOR_IIL_OK && request.length > 0)
-            memcpy(message, reply_->message, request.length);
+            std::memcpy(message, reply_->message, request.length);
         return reply_->header.status;
     }
 
 private:
     // On KOR_IIL_OK, the connection used is the last of `connections_`.
-    uint32_t send(const char* serviceId, PacketHeader& request, const void* message, const Deadline& deadline)
+    std::uint32_t send(const char* serviceId, PacketHeader& request, const void* message, const Deadline& deadline)
     {
         if (bringToBack(serviceId))
         {
@@ -55,7 +55,7 @@ private:
 
         connections_.reserve(connections_.size() + 1);
         std::unique_ptr<Connection> connection;
-        if (const uint32_t status = Connection::open(serviceId, deadline, connection))
+        if (const std::uint32_t status = Connection::open(serviceId, deadline, connection))
             return status;
         if (connection->send(request, message) != Connection::Sending::Sent)
             return KOR_IIL_TX_FAIL;
@@ -103,7 +103,7 @@ thread_local EndOfThread endOfThread;
 
 } // namespace
 
-uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
+std::uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
 {
     if (threadIsEnding)
         return Connections().exchange(serviceId, request, message);

@@ -3,6 +3,8 @@
 
 #include "packet.h"
 
+#include <cstdint>
+
 namespace koriil
 {
 
@@ -13,6 +15,6 @@ namespace koriil
 // new one. Returns an IPC status; the message is overwritten only if it is KOR_IIL_OK.
 //
 // May throw std::bad_alloc, before anything is sent.
-uint32_t exchange(const char* serviceId, PacketHeader& request, void* message);
+std::uint32_t exchange(const char* serviceId, PacketHeader& request, void* message);
 
 } // namespace koriil

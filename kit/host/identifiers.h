@@ -3,6 +3,7 @@
 
 #include "packet.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace koriil
@@ -19,14 +20,14 @@ inline bool isCallerId(const char* id)
 inline bool isServiceId(const char* id)
 {
     static constexpr char kAllowed[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-.";
-    const size_t length = strnlen(id, kIdentifierSize);
-    return length > 0 && length < kIdentifierSize && id[0] != '.' && strspn(id, kAllowed) == length;
+    const std::size_t length = strnlen(id, kIdentifierSize);
+    return length > 0 && length < kIdentifierSize && id[0] != '.' && std::strspn(id, kAllowed) == length;
 }
 
 // For a valid `id`.
 inline void copyIdentifier(char (&field)[kIdentifierSize], const char* id)
 {
-    memcpy(field, id, strnlen(id, kIdentifierSize - 1));
+    std::memcpy(field, id, strnlen(id, kIdentifierSize - 1));
 }
 
 } // namespace koriil

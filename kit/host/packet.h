@@ -12,14 +12,14 @@
 namespace koriil
 {
 
-constexpr uint32_t kMagic = 0x4B6F7249;
-constexpr uint32_t kMagicOfOtherByteOrder = 0x49726F4B;
-constexpr uint16_t kVersion = 1;
+constexpr std::uint32_t kMagic = 0x4B6F7249;
+constexpr std::uint32_t kMagicOfOtherByteOrder = 0x49726F4B;
+constexpr std::uint16_t kVersion = 1;
 
 // Bytes of an identifier with its NUL.
-constexpr size_t kIdentifierSize = 32;
+constexpr std::size_t kIdentifierSize = 32;
 
-enum class PacketKind : uint16_t
+enum class PacketKind : std::uint16_t
 {
     Hello = 1,     // client: first packet of a connection; `name` is the service it looks for
     Request = 2,   // client: `name` is the caller; the message follows
@@ -31,15 +31,15 @@ enum class PacketKind : uint16_t
 
 struct PacketHeader
 {
-    uint32_t magic = kMagic; // magic and version stay where they are in every version of this header
-    uint16_t version = kVersion;
+    std::uint32_t magic = kMagic; // magic and version stay where they are in every version of this header
+    std::uint16_t version = kVersion;
     PacketKind kind = PacketKind::Hello;
-    uint32_t sequence = 0; // number of the exchange on its connection; a reply repeats it
-    uint32_t status = 0;   // of a reply; one that is not KOR_IIL_OK carries no message
-    uint32_t command = 0;  // the command, or the event
-    uint32_t length = 0;   // bytes behind the header
-    uint32_t wait = 0;     // seconds the client waits for the reply
-    uint32_t channel = 0;  // number that the service gave to a connection
+    std::uint32_t sequence = 0; // number of the exchange on its connection; a reply repeats it
+    std::uint32_t status = 0;   // of a reply; one that is not KOR_IIL_OK carries no message
+    std::uint32_t command = 0;  // the command, or the event
+    std::uint32_t length = 0;   // bytes behind the header
+    std::uint32_t wait = 0;     // seconds the client waits for the reply
+    std::uint32_t channel = 0;  // number that the service gave to a connection
     char name[kIdentifierSize] = {};
 };
 
@@ -65,7 +65,7 @@ enum class PacketOrigin
 };
 
 // Judges the first `received` bytes of a packet.
-inline PacketOrigin originOf(const PacketHeader& header, size_t received)
+inline PacketOrigin originOf(const PacketHeader& header, std::size_t received)
 {
     if (received < offsetof(PacketHeader, kind))
         return PacketOrigin::Malformed;

@@ -18,7 +18,7 @@ namespace koriil
 namespace
 {
 
-constexpr size_t kRoomForStatus = 64; // everything of a line but its front and the two messages
+constexpr std::size_t kRoomForStatus = 64; // everything of a line but its front and the two messages
 
 int openRecording()
 {
@@ -44,7 +44,7 @@ std::string identifier(const char* text)
     return text == nullptr ? "null" : tarn::base::inJsonQuotes({text, strnlen(text, 64)});
 }
 
-void appendHexadecimal(std::string& line, const void* bytes, uint32_t length)
+void appendHexadecimal(std::string& line, const void* bytes, std::uint32_t length)
 {
     if (bytes == nullptr)
     {
@@ -63,7 +63,7 @@ bool isRecording()
     return recording() >= 0;
 }
 
-Record::Record(const char* callerId, const char* serviceId, uint32_t wait, uint32_t command, uint32_t length,
+Record::Record(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command, std::uint32_t length,
                const void* message)
     : length_(length)
 {
@@ -72,14 +72,14 @@ Record::Record(const char* callerId, const char* serviceId, uint32_t wait, uint3
             ",\"command\":" + std::to_string(command) + ",\"wait\":" + std::to_string(wait) +
             ",\"length\":" + std::to_string(length) + ",\"request\":";
     if (message != nullptr)
-        line_.reserve(line_.size() + 4 * size_t{length} + kRoomForStatus); // nothing can fail once the call is done
+        line_.reserve(line_.size() + 4 * std::size_t{length} + kRoomForStatus); // nothing can fail once the call is done
     appendHexadecimal(line_, message, length);
 }
 
-void Record::finish(uint32_t status, const void* reply)
+void Record::finish(std::uint32_t status, const void* reply)
 {
     char text[kRoomForStatus];
-    snprintf(text, sizeof(text), ",\"status\":%lu,\"reply\":", static_cast<unsigned long>(status));
+    std::snprintf(text, sizeof text, ",\"status\":%lu,\"reply\":", static_cast<unsigned long>(status));
     line_ += text;
     appendHexadecimal(line_, reply, length_);
     line_ += "}\n";

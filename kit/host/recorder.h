@@ -15,14 +15,15 @@ class Record
 {
 public:
     // `message` is NULL for a call that was refused before its message was looked at.
-    Record(const char* callerId, const char* serviceId, uint32_t wait, uint32_t command, uint32_t length, const void* message);
+    Record(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command, std::uint32_t length,
+           const void* message);
 
     // Completes the line and appends it to the file. `reply` is NULL if there is none.
-    void finish(uint32_t status, const void* reply);
+    void finish(std::uint32_t status, const void* reply);
 
 private:
     std::string line_;
-    uint32_t length_;
+    std::uint32_t length_;
 };
 
 } // namespace koriil

@@ -38,7 +38,7 @@ std::string chosenDirectory()
     return directory;
 }
 
-uint32_t refused(const std::string& directory, const char* why)
+std::uint32_t refused(const std::string& directory, const char* why)
 {
     KORIIL_REPORT(kTraceWarning, "runtime directory %s refused: %s", directory.c_str(), why);
     return KOR_IIL_UNKNOWN_COMM;
@@ -46,7 +46,7 @@ uint32_t refused(const std::string& directory, const char* why)
 
 } // namespace
 
-uint32_t findRuntimeDirectory(std::string& directory)
+std::uint32_t findRuntimeDirectory(std::string& directory)
 {
     directory = chosenDirectory();
     if (directory[0] != '/')
@@ -79,17 +79,17 @@ std::string lockPath(const std::string& directory, const char* serviceId)
     return directory + "/" + serviceId + ".lock";
 }
 
-uint32_t socketAddress(const std::string& path, sockaddr_un& address)
+std::uint32_t socketAddress(const std::string& path, sockaddr_un& address)
 {
     address = {};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof(address.sun_path))
+    if (path.size() >= sizeof address.sun_path)
     {
         KORIIL_REPORT(kTraceWarning, "socket path %s is %zu characters long, at most %zu fit; set KORIIL_DIR to a shorter one",
-                      path.c_str(), path.size(), sizeof(address.sun_path) - 1);
+                      path.c_str(), path.size(), sizeof address.sun_path - 1);
         return KOR_IIL_UNKNOWN_COMM;
     }
-    memcpy(address.sun_path, path.c_str(), path.size());
+    std::memcpy(address.sun_path, path.c_str(), path.size());
     return KOR_IIL_OK;
 }
 

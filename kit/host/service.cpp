@@ -22,8 +22,8 @@ namespace koriil
 namespace
 {
 
-constexpr size_t kMostCallers = 256;
-constexpr uint32_t kMostEvents = 1024;
+constexpr std::size_t kMostCallers = 256;
+constexpr std::uint32_t kMostEvents = 1024;
 constexpr int kBacklog = 128;
 constexpr std::chrono::seconds kGreetWithin{2};
 constexpr int kAcceptedAtOnce = 64; // then the others have their turn
@@ -32,15 +32,15 @@ constexpr int kAcceptedAtOnce = 64; // then the others have their turn
 constexpr int kEventQueueBytes = 4 * 1024 * 1024;
 
 // Numbers in the poll set. Callers have greater ones.
-constexpr uint32_t kListenerNumber = 0;
-constexpr uint32_t kWakeNumber = 1;
+constexpr std::uint32_t kListenerNumber = 0;
+constexpr std::uint32_t kWakeNumber = 1;
 
 // A sender that the receiver's full queue would hold up is told so instead.
 bool sendPacket(int socket, const PacketHeader& header, const void* message)
 {
     iovec parts[2] = {};
     parts[0].iov_base = const_cast<PacketHeader*>(&header);
-    parts[0].iov_len = sizeof(header);
+    parts[0].iov_len = sizeof header;
     parts[1].iov_base = const_cast<void*>(message);
     parts[1].iov_len = header.length;
     msghdr packet = {};
@@ -54,7 +54,7 @@ bool sendPacket(int socket, const PacketHeader& header, const void* message)
     return sent >= 0;
 }
 
-void turnAway(int socket, uint32_t status)
+void turnAway(int socket, std::uint32_t status)
 {
     PacketHeader reply;
     reply.kind = PacketKind::Reply;
@@ -64,17 +64,17 @@ void turnAway(int socket, uint32_t status)
 }
 
 // Starting somewhere else each time, so that a number which a client had from this service's predecessor is not one of ours.
-uint32_t firstNumber()
+std::uint32_t firstNumber()
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
+    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
 }
 
 } // namespace
 
 // --- Opening and closing -----------------------------------------------------------------------------------------------------
 
-Service::Service(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context)
+Service::Service(const char* serviceId, std::uint32_t eventCount, KorIilRequestHandler handler, void* context)
     : id_(serviceId),
       eventCount_(eventCount),
       handler_(handler),
@@ -97,7 +97,7 @@ Service::~Service()
         flock(lock_.get(), LOCK_UN); // a child's copy would hold it on
 }
 
-uint32_t Service::failed(const char* what)
+std::uint32_t Service::failed(const char* what)
 {
     const int error = errno;
     const bool shortage = error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS || error == ENOSPC;
@@ -105,12 +105,12 @@ uint32_t Service::failed(const char* what)
     return shortage ? KOR_IIL_NO_MEM : KOR_IIL_ERR;
 }
 
-uint32_t Service::open()
+std::uint32_t Service::open()
 {
     std::string directory;
-    if (const uint32_t status = findRuntimeDirectory(directory))
+    if (const std::uint32_t status = findRuntimeDirectory(directory))
         return status;
-    if (const uint32_t status = takeName(directory))
+    if (const std::uint32_t status = takeName(directory))
         return status;
 
     poll_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
@@ -118,7 +118,7 @@ uint32_t Service::open()
     spare_ = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     if (!poll_ || !wake_ || !spare_)
         return failed("opening its descriptors");
-    if (const uint32_t status = listen(directory))
+    if (const std::uint32_t status = listen(directory))
         return status;
     if (!watch(listener_.get(), kListenerNumber) || !watch(wake_.get(), kWakeNumber))
         return failed("watching its descriptors");
@@ -127,7 +127,7 @@ uint32_t Service::open()
 
 // The name is whose lock on the lock file it is. The kernel drops a dead service's lock, whatever it left behind. The file
 // stays: removing it would let two services hold locks on two files of one name.
-uint32_t Service::takeName(const std::string& directory)
+std::uint32_t Service::takeName(const std::string& directory)
 {
     const std::string path = lockPath(directory, id_.c_str());
     lock_ = Descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
@@ -138,14 +138,14 @@ uint32_t Service::takeName(const std::string& directory)
 
     const bool taken = errno == EWOULDBLOCK;
     lock_ = Descriptor(); // not ours to unlock
-    return taken ? static_cast<uint32_t>(KOR_IIL_CONFLICT_ID) : failed("locking its lock file");
+    return taken ? static_cast<std::uint32_t>(KOR_IIL_CONFLICT_ID) : failed("locking its lock file");
 }
 
-uint32_t Service::listen(const std::string& directory)
+std::uint32_t Service::listen(const std::string& directory)
 {
     const std::string path = socketPath(directory, id_.c_str());
     sockaddr_un address;
-    if (const uint32_t status = socketAddress(path, address))
+    if (const std::uint32_t status = socketAddress(path, address))
         return status;
 
     listener_ = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
@@ -153,7 +153,7 @@ uint32_t Service::listen(const std::string& directory)
         return failed("opening its socket");
     if (unlink(path.c_str()) != 0 && errno != ENOENT)
         return failed("clearing away the socket of a predecessor");
-    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
+    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         return failed("naming its socket");
     socketPath_ = path;
     if (::listen(listener_.get(), kBacklog) != 0)
@@ -161,7 +161,7 @@ uint32_t Service::listen(const std::string& directory)
     return KOR_IIL_OK;
 }
 
-bool Service::watch(int descriptor, uint32_t number)
+bool Service::watch(int descriptor, std::uint32_t number)
 {
     epoll_event event = {};
     event.events = EPOLLIN;
@@ -174,12 +174,12 @@ bool Service::watch(int descriptor, uint32_t number)
 void Service::stop()
 {
     const int interruptedErrno = errno; // of what a signal handler interrupted
-    const uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(wake_.get(), &one, sizeof(one)); // fails only if it is signalled already
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(wake_.get(), &one, sizeof one); // fails only if it is signalled already
     errno = interruptedErrno;
 }
 
-uint32_t Service::run()
+std::uint32_t Service::run()
 {
     for (;;)
     {
@@ -191,7 +191,7 @@ uint32_t Service::run()
         bool stopping = false;
         for (int i = 0; i < count; ++i)
         {
-            const uint32_t number = events[i].data.u32;
+            const std::uint32_t number = events[i].data.u32;
             if (number == kWakeNumber)
                 stopping = true;
             else if (number == kListenerNumber)
@@ -204,8 +204,8 @@ uint32_t Service::run()
             disconnectSilent();
         if (stopping)
         {
-            uint64_t signals;
-            [[maybe_unused]] const ssize_t taken = read(wake_.get(), &signals, sizeof(signals)); // for the next run
+            std::uint64_t signals;
+            [[maybe_unused]] const ssize_t taken = read(wake_.get(), &signals, sizeof signals); // for the next run
             return KOR_IIL_OK;
         }
     }
@@ -227,11 +227,11 @@ int Service::nextTimeout() const
 void Service::disconnectSilent()
 {
     const Clock::time_point now = Clock::now();
-    std::vector<uint32_t> silent;
+    std::vector<std::uint32_t> silent;
     for (const auto& [number, caller] : callers_)
         if (!caller.greeted && caller.greetBefore <= now)
             silent.push_back(number);
-    for (const uint32_t number : silent)
+    for (const std::uint32_t number : silent)
     {
         // A long request of somebody else may be what kept us from reading its hello.
         Caller& caller = callers_.at(number);
@@ -261,10 +261,10 @@ void Service::admit(Descriptor socket)
 
     Caller caller;
     ucred peer = {};
-    socklen_t size = sizeof(peer);
+    socklen_t size = sizeof peer;
     if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0)
     {
-        caller.processId = static_cast<uint32_t>(peer.pid);
+        caller.processId = static_cast<std::uint32_t>(peer.pid);
         if (peer.uid != geteuid() && peer.uid != 0)
         {
             KORIIL_REPORT(kTraceWarning, "service %s: process %ld of another user (%lu) turned away", id_.c_str(),
@@ -273,7 +273,7 @@ void Service::admit(Descriptor socket)
         }
     }
 
-    uint32_t number = lastNumber_;
+    std::uint32_t number = lastNumber_;
     do
         ++number;
     while (number <= kWakeNumber || callers_.count(number) != 0);
@@ -302,7 +302,7 @@ void Service::turnAwayForWantOfDescriptors()
     spare_ = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
-void Service::disconnect(uint32_t number)
+void Service::disconnect(std::uint32_t number)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     const auto caller = callers_.find(number);
@@ -314,7 +314,7 @@ void Service::disconnect(uint32_t number)
 
 // --- One packet --------------------------------------------------------------------------------------------------------------
 
-Service::Verdict Service::serve(uint32_t number, Caller& caller)
+Service::Verdict Service::serve(std::uint32_t number, Caller& caller)
 {
     const ssize_t received = recv(caller.socket.get(), packet_.get(), sizeof(Packet), MSG_DONTWAIT | MSG_TRUNC);
     if (received < 0)
@@ -323,7 +323,7 @@ Service::Verdict Service::serve(uint32_t number, Caller& caller)
         return Verdict::Disconnect;
 
     const PacketHeader& header = packet_->header;
-    const auto length = static_cast<size_t>(received);
+    const auto length = static_cast<std::size_t>(received);
     switch (originOf(header, length))
     {
     case PacketOrigin::Foreign:
@@ -358,7 +358,7 @@ Service::Verdict Service::serve(uint32_t number, Caller& caller)
     }
 }
 
-Service::Verdict Service::greet(uint32_t number, Caller& caller)
+Service::Verdict Service::greet(std::uint32_t number, Caller& caller)
 {
     PacketHeader& header = packet_->header;
     if (header.kind != PacketKind::Hello || header.length != 0)
@@ -389,7 +389,7 @@ Service::Verdict Service::serveRequest(Caller& caller)
     request.wait = header.wait;
     request.command = header.command;
     request.length = header.length;
-    const uint32_t status = handler_(context_, &request, packet_->message);
+    const std::uint32_t status = handler_(context_, &request, packet_->message);
     if (status == KOR_IIL_TIMEOUT)
         return Verdict::Keep;
     return answer(caller, status, status == KOR_IIL_OK ? header.length : 0);
@@ -405,7 +405,7 @@ Service::Verdict Service::serveSubscription(Caller& caller)
     return answer(caller, subscribe(caller, header), 0);
 }
 
-uint32_t Service::subscribe(const Caller& caller, const PacketHeader& request)
+std::uint32_t Service::subscribe(const Caller& caller, const PacketHeader& request)
 {
     if (request.command == 0 || request.command > eventCount_)
         return KOR_IIL_UNKNOWN_EVT;
@@ -420,7 +420,7 @@ uint32_t Service::subscribe(const Caller& caller, const PacketHeader& request)
     if (subscriber.events.empty())
     {
         subscriber.events.resize(eventCount_ + 1);
-        setsockopt(subscriber.socket.get(), SOL_SOCKET, SO_SNDBUF, &kEventQueueBytes, sizeof(kEventQueueBytes));
+        setsockopt(subscriber.socket.get(), SOL_SOCKET, SO_SNDBUF, &kEventQueueBytes, sizeof kEventQueueBytes);
     }
     if (!wanted && !subscriber.events[request.command])
         return KOR_IIL_BAD_EVT;
@@ -429,13 +429,13 @@ uint32_t Service::subscribe(const Caller& caller, const PacketHeader& request)
 }
 
 // Turns the packet being served into its reply.
-Service::Verdict Service::answer(const Caller& caller, uint32_t status, uint32_t length)
+Service::Verdict Service::answer(const Caller& caller, std::uint32_t status, std::uint32_t length)
 {
     PacketHeader& header = packet_->header;
     header.kind = PacketKind::Reply;
     header.status = status;
     header.length = length;
-    const size_t size = sizeof(header) + length;
+    const std::size_t size = sizeof header + length;
     if (send(caller.socket.get(), packet_.get(), size, MSG_NOSIGNAL | MSG_DONTWAIT) == static_cast<ssize_t>(size))
         return Verdict::Keep;
     if (errno == EAGAIN)
@@ -446,7 +446,7 @@ Service::Verdict Service::answer(const Caller& caller, uint32_t status, uint32_t
 
 // --- Events ------------------------------------------------------------------------------------------------------------------
 
-uint32_t Service::publish(uint32_t event, const void* data, uint32_t length, uint32_t* subscribers)
+std::uint32_t Service::publish(std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t* subscribers)
 {
     if (event == 0 || event > eventCount_)
         return KOR_IIL_UNKNOWN_EVT;
@@ -459,7 +459,7 @@ uint32_t Service::publish(uint32_t event, const void* data, uint32_t length, uin
     header.length = length;
     copyIdentifier(header.name, id_.c_str());
 
-    uint32_t sent = 0;
+    std::uint32_t sent = 0;
     const std::lock_guard<std::mutex> guard(mutex_);
     for (auto& [number, caller] : callers_)
     {
@@ -501,7 +501,7 @@ try
         return KOR_IIL_BAD_PARAM;
 
     auto opened = std::make_unique<KorIilService>(serviceId, eventCount, handler, context);
-    const uint32_t status = opened->open();
+    const std::uint32_t status = opened->open();
     if (status == KOR_IIL_OK)
         *service = opened.release();
     return status;
@@ -514,7 +514,7 @@ catch (const std::bad_alloc&)
 extern "C" uint32_t KorIilServiceRun(KorIilService* service)
 try
 {
-    return service != nullptr ? service->run() : static_cast<uint32_t>(KOR_IIL_BAD_PARAM);
+    return service != nullptr ? service->run() : static_cast<std::uint32_t>(KOR_IIL_BAD_PARAM);
 }
 catch (const std::bad_alloc&)
 {

@@ -6,6 +6,8 @@
 #include "packet.h"
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -20,15 +22,15 @@ namespace koriil
 class Service
 {
 public:
-    Service(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context);
+    Service(const char* serviceId, std::uint32_t eventCount, KorIilRequestHandler handler, void* context);
     ~Service();
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
 
-    uint32_t open();
-    uint32_t run();
+    std::uint32_t open();
+    std::uint32_t run();
     void stop();
-    uint32_t publish(uint32_t event, const void* data, uint32_t length, uint32_t* subscribers);
+    std::uint32_t publish(std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t* subscribers);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -36,7 +38,7 @@ private:
     struct Caller
     {
         Descriptor socket;
-        uint32_t processId = 0;
+        std::uint32_t processId = 0;
         bool greeted = false;
         Clock::time_point greetBefore; // silent ones are disconnected then
         std::vector<bool> events;      // those to send here, by number; empty until the first
@@ -48,27 +50,27 @@ private:
         Disconnect
     };
 
-    uint32_t takeName(const std::string& directory);
-    uint32_t listen(const std::string& directory);
-    bool watch(int descriptor, uint32_t number);
-    uint32_t failed(const char* what);
+    std::uint32_t takeName(const std::string& directory);
+    std::uint32_t listen(const std::string& directory);
+    bool watch(int descriptor, std::uint32_t number);
+    std::uint32_t failed(const char* what);
 
     int nextTimeout() const;
     void disconnectSilent();
     void accept();
     void admit(Descriptor socket);
     void turnAwayForWantOfDescriptors();
-    void disconnect(uint32_t number);
+    void disconnect(std::uint32_t number);
 
-    Verdict serve(uint32_t number, Caller& caller);
-    Verdict greet(uint32_t number, Caller& caller);
+    Verdict serve(std::uint32_t number, Caller& caller);
+    Verdict greet(std::uint32_t number, Caller& caller);
     Verdict serveRequest(Caller& caller);
     Verdict serveSubscription(Caller& caller);
-    uint32_t subscribe(const Caller& caller, const PacketHeader& request);
-    Verdict answer(const Caller& caller, uint32_t status, uint32_t length);
+    std::uint32_t subscribe(const Caller& caller, const PacketHeader& request);
+    Verdict answer(const Caller& caller, std::uint32_t status, std::uint32_t length);
 
     const std::string id_;
-    const uint32_t eventCount_;
+    const std::uint32_t eventCount_;
     const KorIilRequestHandler handler_;
     void* const context_;
     const pid_t owner_;
@@ -81,9 +83,9 @@ private:
     Descriptor spare_; // given up for a moment when descriptors run out
 
     std::mutex mutex_; // callers_ changes, and events are published, under it; the loop alone changes callers_
-    std::unordered_map<uint32_t, Caller> callers_;
-    uint32_t lastNumber_;
-    size_t silent_ = 0; // callers not greeted yet
+    std::unordered_map<std::uint32_t, Caller> callers_;
+    std::uint32_t lastNumber_;
+    std::size_t silent_ = 0; // callers not greeted yet
 
     std::unique_ptr<Packet> packet_; // the one being served
 };

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,7 +18,7 @@ namespace koriil
 namespace
 {
 
-constexpr size_t kLongestLine = 1024; // with its newline
+constexpr std::size_t kLongestLine = 1024; // with its newline
 constexpr char kCutMark[] = " [cut]";
 
 // One line under construction: printable ASCII only, never longer than kLongestLine.
@@ -34,8 +35,8 @@ public:
     {
         if (cut_)
         {
-            memcpy(bytes_ + length_, kCutMark, sizeof(kCutMark) - 1);
-            length_ += sizeof(kCutMark) - 1;
+            std::memcpy(bytes_ + length_, kCutMark, sizeof kCutMark - 1);
+            length_ += sizeof kCutMark - 1;
         }
         bytes_[length_++] = '\n';
 
@@ -52,27 +53,27 @@ private:
         if (character >= 0x20 && character < 0x7F)
             shown[0] = static_cast<char>(character);
         else
-            snprintf(shown, sizeof(shown), "\\x%02X", character);
+            std::snprintf(shown, sizeof shown, "\\x%02X", character);
 
-        const size_t length = strlen(shown);
-        if (length_ + length > kLongestLine - sizeof(kCutMark))
+        const std::size_t length = std::strlen(shown);
+        if (length_ + length > kLongestLine - sizeof kCutMark)
         {
             cut_ = true;
             return;
         }
-        memcpy(bytes_ + length_, shown, length);
+        std::memcpy(bytes_ + length_, shown, length);
         length_ += length;
     }
 
     char bytes_[kLongestLine];
-    size_t length_ = 0;
+    std::size_t length_ = 0;
     bool cut_ = false;
 };
 
 // What the environment asks for, read when the first record is written.
 struct Settings
 {
-    uint32_t highestLevel = kTraceNotice;
+    std::uint32_t highestLevel = kTraceNotice;
     int descriptor = STDERR_FILENO;
 };
 
@@ -83,7 +84,7 @@ void complain(const char* format, ...)
     char text[kLongestLine];
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(text, sizeof(text), format, arguments);
+    std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
 
     Line line;
@@ -91,16 +92,16 @@ void complain(const char* format, ...)
     line.writeTo(STDERR_FILENO);
 }
 
-uint32_t levelFrom(const char* text, uint32_t fallback)
+std::uint32_t levelFrom(const char* text, std::uint32_t fallback)
 {
-    if (strcmp(text, "off") == 0)
+    if (std::strcmp(text, "off") == 0)
         return 0;
 
     char* end = nullptr;
     errno = 0;
-    const unsigned long level = strtoul(text, &end, 10);
+    const unsigned long level = std::strtoul(text, &end, 10);
     if (text[0] >= '0' && text[0] <= '9' && *end == '\0' && errno == 0 && level <= UINT32_MAX)
-        return static_cast<uint32_t>(level);
+        return static_cast<std::uint32_t>(level);
 
     complain("koriil: KORIIL_TRACE is '%s'; expected off or the number of the highest level to show, 1 to %u", text,
              static_cast<unsigned>(kTraceDebug));
@@ -124,21 +125,21 @@ Settings readSettings()
     return settings;
 }
 
-void appendLevel(Line& line, uint32_t level)
+void appendLevel(Line& line, std::uint32_t level)
 {
     static constexpr const char* kNames[] = {"level0 ", "error ", "warning ", "notice ", "debug "};
-    if (level < sizeof(kNames) / sizeof(kNames[0]))
+    if (level < sizeof kNames / sizeof kNames[0])
         return line.append(kNames[level]);
 
     char number[24];
-    snprintf(number, sizeof(number), "level%lu ", static_cast<unsigned long>(level));
+    std::snprintf(number, sizeof number, "level%lu ", static_cast<unsigned long>(level));
     line.append(number);
 }
 
-void appendPlace(Line& line, const char* fileTag, uint32_t number)
+void appendPlace(Line& line, const char* fileTag, std::uint32_t number)
 {
     char text[16];
-    snprintf(text, sizeof(text), ":%lu ", static_cast<unsigned long>(number));
+    std::snprintf(text, sizeof text, ":%lu ", static_cast<unsigned long>(number));
     line.append(fileTag != nullptr ? fileTag : "?");
     line.append(text);
 }
@@ -161,8 +162,8 @@ extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t number
             errno = callersErrno; // for %m
             va_list arguments;
             va_start(arguments, format);
-            if (vsnprintf(text, sizeof(text), format, arguments) < 0)
-                snprintf(text, sizeof(text), "(unprintable) %s", format);
+            if (std::vsnprintf(text, sizeof text, format, arguments) < 0)
+                std::snprintf(text, sizeof text, "(unprintable) %s", format);
             va_end(arguments);
         }
 

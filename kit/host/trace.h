@@ -3,13 +3,15 @@
 
 #include "kor_iil.h"
 
+#include <cstdint>
+
 namespace koriil
 {
 
-constexpr uint32_t kTraceError = 1; // what a component reports: a failed call, a rejected argument
-constexpr uint32_t kTraceWarning = 2;
-constexpr uint32_t kTraceNotice = 3;
-constexpr uint32_t kTraceDebug = 4;
+constexpr std::uint32_t kTraceError = 1; // what a component reports: a failed call, a rejected argument
+constexpr std::uint32_t kTraceWarning = 2;
+constexpr std::uint32_t kTraceNotice = 3;
+constexpr std::uint32_t kTraceDebug = 4;
 
 } // namespace koriil
 

@@ -1,6 +1,8 @@
 // Clients that misbehave: each gets a clear answer or a closed connection, and no other caller notices.
 #include "support.h"
 
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include <pwd.h>
@@ -25,8 +27,8 @@ protected:
     // After whatever happened, the service serves: a caller who was connected before, and a new one.
     void TearDown() override
     {
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
-        std::thread([] { EXPECT_EQ(KOR_IIL_OK, callOnce()); }).join();
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
+        std::thread([] { EXPECT_EQ(callOnce(), KOR_IIL_OK); }).join();
         service_.reset();
         HostTest::TearDown();
     }
@@ -35,17 +37,17 @@ protected:
     {
         HostTest::SetUp();
         service_ = std::make_unique<RunningService>();
-        ASSERT_EQ(KOR_IIL_OK, callOnce());
+        ASSERT_EQ(callOnce(), KOR_IIL_OK);
     }
 
     // The status that the service answers with; the connection must then be closed if `closed`.
-    static void expectAnswer(Peer& peer, uint32_t status, bool closed)
+    static void expectAnswer(Peer& peer, std::uint32_t status, bool closed)
     {
         auto answer = std::make_unique<Packet>();
-        ASSERT_EQ(ssize_t{sizeof(PacketHeader)}, peer.receive(*answer));
-        EXPECT_EQ(PacketKind::Reply, answer->header.kind);
-        EXPECT_EQ(status, answer->header.status);
-        EXPECT_EQ(0u, answer->header.length);
+        ASSERT_EQ(peer.receive(*answer), ssize_t{sizeof(PacketHeader)});
+        EXPECT_EQ(answer->header.kind, PacketKind::Reply);
+        EXPECT_EQ(answer->header.status, status);
+        EXPECT_EQ(answer->header.length, 0u);
         if (closed)
             EXPECT_TRUE(peer.hasEnded());
         else
@@ -57,9 +59,9 @@ protected:
     {
         ASSERT_TRUE(peer.send(requestHeader(1, 3), "abc"));
         auto answer = std::make_unique<Packet>();
-        ASSERT_EQ(ssize_t{sizeof(PacketHeader) + 3}, peer.receive(*answer));
-        EXPECT_EQ(KOR_IIL_OK, answer->header.status);
-        EXPECT_EQ("bcd", std::string(reinterpret_cast<const char*>(answer->message), 3));
+        ASSERT_EQ(peer.receive(*answer), ssize_t{sizeof(PacketHeader) + 3});
+        EXPECT_EQ(answer->header.status, KOR_IIL_OK);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(answer->message), 3), "bcd");
     }
 
     std::unique_ptr<RunningService> service_;
@@ -69,9 +71,9 @@ TEST_F(BadClientTest, AGoodOneMadeByHandIsServed)
 {
     Peer peer = Peer::connectTo(kService);
     const PacketHeader welcome = peer.greet();
-    EXPECT_EQ(PacketKind::Reply, welcome.kind);
-    EXPECT_EQ(1u, welcome.sequence);
-    EXPECT_NE(0u, welcome.channel);
+    EXPECT_EQ(welcome.kind, PacketKind::Reply);
+    EXPECT_EQ(welcome.sequence, 1u);
+    EXPECT_NE(welcome.channel, 0u);
     expectService(peer);
 }
 
@@ -86,14 +88,14 @@ TEST_F(BadClientTest, SaysNothing)
     std::vector<Peer> silent;
     for (int i = 0; i < 10; ++i)
         silent.push_back(Peer::connectTo(kService));
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
     for (Peer& peer : silent)
         EXPECT_TRUE(peer.hasEnded());
 }
 
 TEST_F(BadClientTest, SaysHalfAHello)
 {
-    for (const size_t length : {size_t{1}, size_t{5}, size_t{8}, sizeof(PacketHeader) - 1})
+    for (const std::size_t length : {std::size_t{1}, std::size_t{5}, std::size_t{8}, sizeof(PacketHeader) - 1})
     {
         Peer peer = Peer::connectTo(kService);
         PacketHeader hello;
@@ -149,7 +151,7 @@ TEST_F(BadClientTest, SpeaksAnotherLanguage)
 
 TEST_F(BadClientTest, MisstatesALength)
 {
-    for (const uint32_t length : {0u, 11u, 13u, UINT32_MAX})
+    for (const std::uint32_t length : {0u, 11u, 13u, UINT32_MAX})
     {
         Peer peer = Peer::connectTo(kService);
         peer.greet();
@@ -163,7 +165,7 @@ TEST_F(BadClientTest, DoesNotTerminateItsName)
     Peer peer = Peer::connectTo(kService);
     peer.greet();
     PacketHeader request = requestHeader(1, 0);
-    memset(request.name, 'x', sizeof(request.name));
+    std::memset(request.name, 'x', sizeof request.name);
     ASSERT_TRUE(peer.send(request));
     expectAnswer(peer, KOR_IIL_BAD_CMD, true);
 }
@@ -176,7 +178,7 @@ TEST_F(BadClientTest, HasNoName)
     {
         PacketHeader request = requestHeader(1, 0);
         request.kind = kind;
-        memset(request.name, 0, sizeof(request.name));
+        std::memset(request.name, 0, sizeof request.name);
         ASSERT_TRUE(peer.send(request));
         expectAnswer(peer, KOR_IIL_UNKNOWN_SRC_ID, false);
     }
@@ -199,8 +201,8 @@ TEST_F(BadClientTest, SendsTooMuch)
 {
     Peer peer = Peer::connectTo(kService);
     peer.greet();
-    const size_t excess = KOR_IIL_MAX_LENGTH + 1;
-    ASSERT_TRUE(peer.send(requestHeader(1, static_cast<uint32_t>(excess)), std::string(excess, 'x')));
+    const std::size_t excess = KOR_IIL_MAX_LENGTH + 1;
+    ASSERT_TRUE(peer.send(requestHeader(1, static_cast<std::uint32_t>(excess)), std::string(excess, 'x')));
     expectAnswer(peer, KOR_IIL_OVERSIZE, false);
 }
 
@@ -229,8 +231,8 @@ TEST_F(BadClientTest, SubscribesForSomeoneElse)
             const bool answered = stranger.send(request) && stranger.receive(*answer) == sizeof(PacketHeader);
             return answered && answer->header.status == KOR_IIL_BAD_EVT ? 0 : 1;
         });
-    EXPECT_EQ(0, child.wait());
-    EXPECT_EQ(0u, service_->publish(1));
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(service_->publish(1), 0u);
 }
 
 TEST_F(BadClientTest, SubscribesWithAMessage)
@@ -291,16 +293,16 @@ TEST_F(BadClientTest, ComesInCrowds)
         crowd.push_back(Peer::connectTo(kService));
         crowd.back().greet();
     }
-    std::thread([] { EXPECT_EQ(KOR_IIL_BUSY, callOnce()); }).join();
+    std::thread([] { EXPECT_EQ(callOnce(), KOR_IIL_BUSY); }).join();
     Peer late = Peer::connectTo(kService);
     expectAnswer(late, KOR_IIL_BUSY, true);
-    EXPECT_EQ(KOR_IIL_OK, callOnce()) << "who is in is served";
+    EXPECT_EQ(callOnce(), KOR_IIL_OK) << "who is in is served";
 
     crowd.pop_back();
     EXPECT_TRUE(eventually(
         []
         {
-            uint32_t status = KOR_IIL_BUSY;
+            std::uint32_t status = KOR_IIL_BUSY;
             std::thread([&] { status = callOnce(); }).join();
             return status == KOR_IIL_OK;
         }))
@@ -311,8 +313,8 @@ TEST_F(BadClientTest, BelongsToAnotherUser)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can start a process of another user";
-    ASSERT_EQ(0, chmod(directory().c_str(), 0711));
-    ASSERT_EQ(0, chmod(socketOf(kService).c_str(), 0777));
+    ASSERT_EQ(chmod(directory().c_str(), 0711), 0);
+    ASSERT_EQ(chmod(socketOf(kService).c_str(), 0777), 0);
     Child child(
         []
         {
@@ -324,13 +326,13 @@ TEST_F(BadClientTest, BelongsToAnotherUser)
                 return 2;
             return answer->header.status == KOR_IIL_UNKNOWN_SRC_ID && peer.hasEnded() ? 0 : 3;
         });
-    EXPECT_EQ(0, child.wait());
+    EXPECT_EQ(child.wait(), 0);
 }
 
 // Commands of a service that limits its own process: to the descriptors it has open, to fewer, and no more.
-constexpr uint32_t kAllowNoMore = 2, kAllowTooFew = 3, kAllowAll = 4;
+constexpr std::uint32_t kAllowNoMore = 2, kAllowTooFew = 3, kAllowAll = 4;
 
-uint32_t limitDescriptors(const KorIilRequest& request, unsigned char* message)
+std::uint32_t limitDescriptors(const KorIilRequest& request, unsigned char* message)
 {
     rlimit limit = {};
     getrlimit(RLIMIT_NOFILE, &limit);
@@ -353,18 +355,18 @@ TEST_F(BadClientTest, FindsAServiceOutOfDescriptors)
 {
     service_ = nullptr;
     ServiceProcess poor(limitDescriptors);
-    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, kAllowNoMore, 0, nullptr));
+    ASSERT_EQ(KorIilExecute(kCaller, kService, kAmple, kAllowNoMore, 0, nullptr), KOR_IIL_OK);
     for (int i = 0; i < 3; ++i)
     {
         Peer peer = Peer::connectTo(kService);
         expectAnswer(peer, KOR_IIL_BUSY, true);
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
     }
 
-    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, kAllowTooFew, 0, nullptr));
+    ASSERT_EQ(KorIilExecute(kCaller, kService, kAmple, kAllowTooFew, 0, nullptr), KOR_IIL_OK);
     Peer waiting = Peer::connectTo(kService);
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
-    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, kAllowAll, 0, nullptr));
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
+    ASSERT_EQ(KorIilExecute(kCaller, kService, kAmple, kAllowAll, 0, nullptr), KOR_IIL_OK);
     waiting.greet();
     expectService(waiting);
     poor.kill();

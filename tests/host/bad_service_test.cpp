@@ -18,27 +18,28 @@ class BadServiceTest : public HostTest
 {
 protected:
     // What a call of 12 bytes returns if the service, having received it, does this.
-    static uint32_t statusIf(const std::function<void(Peer&, const PacketHeader&)>& answer, uint32_t wait = kAmple)
+    static std::uint32_t statusIf(const std::function<void(Peer&, const PacketHeader&)>& answer, std::uint32_t wait = kAmple)
     {
         ScriptedService service(
             [&](Peer& peer)
             {
                 welcome(peer);
                 auto request = std::make_unique<Packet>();
-                ASSERT_EQ(ssize_t{sizeof(PacketHeader) + 12}, peer.receive(*request));
+                ASSERT_EQ(peer.receive(*request), ssize_t{sizeof(PacketHeader) + 12});
                 answer(peer, request->header);
             });
         return callOnce(12, wait);
     }
 
     // What it returns if the service answers its hello so.
-    static uint32_t statusIfGreeted(const std::function<void(Peer&, const PacketHeader&)>& answer, uint32_t wait = kAmple)
+    static std::uint32_t statusIfGreeted(const std::function<void(Peer&, const PacketHeader&)>& answer,
+                                         std::uint32_t wait = kAmple)
     {
         ScriptedService service(
             [&](Peer& peer)
             {
                 auto hello = std::make_unique<Packet>();
-                ASSERT_EQ(ssize_t{sizeof(PacketHeader)}, peer.receive(*hello));
+                ASSERT_EQ(peer.receive(*hello), ssize_t{sizeof(PacketHeader)});
                 answer(peer, hello->header);
             });
         return callOnce(12, wait);
@@ -49,18 +50,18 @@ const std::string kTwelve = "ABCDEFGHIJKL";
 
 TEST_F(BadServiceTest, NoServiceOfThatName)
 {
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(BadServiceTest, ADeadServiceIsNoService)
 {
     {
         ServiceProcess service;
-        ASSERT_EQ(KOR_IIL_OK, callOnce());
+        ASSERT_EQ(callOnce(), KOR_IIL_OK);
         service.kill();
     }
-    ASSERT_EQ(0, access(socketOf(kService).c_str(), F_OK)) << "its socket was to stay behind";
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce());
+    ASSERT_EQ(access(socketOf(kService).c_str(), F_OK), 0) << "its socket was to stay behind";
+    EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(BadServiceTest, ASocketOfAnotherKindIsNoPeer)
@@ -68,20 +69,20 @@ TEST_F(BadServiceTest, ASocketOfAnotherKindIsNoPeer)
     const koriil::Descriptor listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
-    socketOf(kService).copy(address.sun_path, sizeof(address.sun_path) - 1);
-    ASSERT_EQ(0, bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
-    ASSERT_EQ(0, listen(listener.get(), 1));
-    EXPECT_EQ(KOR_IIL_MISMATCH_COMM, callOnce());
+    socketOf(kService).copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(listener.get(), 1), 0);
+    EXPECT_EQ(callOnce(), KOR_IIL_MISMATCH_COMM);
 }
 
 TEST_F(BadServiceTest, NoReplyWithinTheWait)
 {
-    EXPECT_EQ(KOR_IIL_TIMEOUT, statusIf([](Peer& peer, const PacketHeader&) { EXPECT_TRUE(peer.hasEnded()); }, 1));
+    EXPECT_EQ(statusIf([](Peer& peer, const PacketHeader&) { EXPECT_TRUE(peer.hasEnded()); }, 1), KOR_IIL_TIMEOUT);
 }
 
 TEST_F(BadServiceTest, NoWelcomeWithinTheWait)
 {
-    EXPECT_EQ(KOR_IIL_TIMEOUT, statusIfGreeted([](Peer& peer, const PacketHeader&) { EXPECT_TRUE(peer.hasEnded()); }, 1));
+    EXPECT_EQ(statusIfGreeted([](Peer& peer, const PacketHeader&) { EXPECT_TRUE(peer.hasEnded()); }, 1), KOR_IIL_TIMEOUT);
 }
 
 TEST_F(BadServiceTest, AServiceThatAcceptsNobodyTimesOut)
@@ -89,69 +90,74 @@ TEST_F(BadServiceTest, AServiceThatAcceptsNobodyTimesOut)
     const koriil::Descriptor listener(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
-    socketOf(kService).copy(address.sun_path, sizeof(address.sun_path) - 1);
-    ASSERT_EQ(0, bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
-    ASSERT_EQ(0, listen(listener.get(), 0));
+    socketOf(kService).copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(listener.get(), 0), 0);
     const Peer first = Peer::connectTo(kService); // fills the queue
-    EXPECT_EQ(KOR_IIL_TIMEOUT, callOnce(12, 1));
+    EXPECT_EQ(callOnce(12, 1), KOR_IIL_TIMEOUT);
 }
 
 TEST_F(BadServiceTest, HangingUpInMidCall)
 {
-    EXPECT_EQ(KOR_IIL_RX_FAIL, statusIf([](Peer&, const PacketHeader&) {}));
+    EXPECT_EQ(statusIf([](Peer&, const PacketHeader&) {}), KOR_IIL_RX_FAIL);
 }
 
 TEST_F(BadServiceTest, HangingUpInsteadOfAWelcome)
 {
-    EXPECT_EQ(KOR_IIL_RX_FAIL, statusIfGreeted([](Peer&, const PacketHeader&) {}));
+    EXPECT_EQ(statusIfGreeted([](Peer&, const PacketHeader&) {}), KOR_IIL_RX_FAIL);
 }
 
 TEST_F(BadServiceTest, AProcessThatDiesInMidCall)
 {
-    ServiceProcess service([](const KorIilRequest&, unsigned char*) -> uint32_t { _exit(3); });
-    EXPECT_EQ(KOR_IIL_RX_FAIL, callOnce());
+    ServiceProcess service([](const KorIilRequest&, unsigned char*) -> std::uint32_t { _exit(3); });
+    EXPECT_EQ(callOnce(), KOR_IIL_RX_FAIL);
 }
 
 TEST_F(BadServiceTest, NotTakingTheRequest)
 {
-    EXPECT_EQ(KOR_IIL_TX_FAIL, statusIfGreeted(
-                                   [](Peer& peer, const PacketHeader& hello)
-                                   {
-                                       ASSERT_EQ(0, shutdown(peer.descriptor(), SHUT_RD));
-                                       ASSERT_TRUE(peer.send(replyTo(hello, 0)));
-                                       peer.hasEnded();
-                                   }));
+    EXPECT_EQ(statusIfGreeted(
+                  [](Peer& peer, const PacketHeader& hello)
+                  {
+                      ASSERT_EQ(0, shutdown(peer.descriptor(), SHUT_RD));
+                      ASSERT_TRUE(peer.send(replyTo(hello, 0)));
+                      peer.hasEnded();
+                  }),
+              KOR_IIL_TX_FAIL);
 }
 
 TEST_F(BadServiceTest, AnotherByteOrder)
 {
-    EXPECT_EQ(KOR_IIL_MISMATCH_COMM, statusIfGreeted([](Peer& peer, const PacketHeader& hello)
-                                                     { EXPECT_TRUE(peer.send(inOtherByteOrder(replyTo(hello, 0)))); }));
-    EXPECT_EQ(KOR_IIL_MISMATCH_COMM, statusIf([](Peer& peer, const PacketHeader& request)
-                                              { EXPECT_TRUE(peer.send(inOtherByteOrder(replyTo(request, 12)), kTwelve)); }));
+    EXPECT_EQ(statusIfGreeted([](Peer& peer, const PacketHeader& hello)
+                              { EXPECT_TRUE(peer.send(inOtherByteOrder(replyTo(hello, 0)))); }),
+              KOR_IIL_MISMATCH_COMM);
+    EXPECT_EQ(statusIf([](Peer& peer, const PacketHeader& request)
+                       { EXPECT_TRUE(peer.send(inOtherByteOrder(replyTo(request, 12)), kTwelve)); }),
+              KOR_IIL_MISMATCH_COMM);
 }
 
 TEST_F(BadServiceTest, AnotherVersion)
 {
-    EXPECT_EQ(KOR_IIL_MISMATCH_COMM, statusIfGreeted(
-                                         [](Peer& peer, const PacketHeader& hello)
-                                         {
-                                             PacketHeader reply = replyTo(hello, 0);
-                                             ++reply.version;
-                                             EXPECT_TRUE(peer.sendBytes(&reply, 8)); // its header may well be a shorter one
-                                         }));
+    EXPECT_EQ(statusIfGreeted(
+                  [](Peer& peer, const PacketHeader& hello)
+                  {
+                      PacketHeader reply = replyTo(hello, 0);
+                      ++reply.version;
+                      EXPECT_TRUE(peer.sendBytes(&reply, 8)); // its header may well be a shorter one
+                  }),
+              KOR_IIL_MISMATCH_COMM);
 }
 
 TEST_F(BadServiceTest, ARefusalPassesItsStatusOn)
 {
-    for (const uint32_t status : {KOR_IIL_BUSY, KOR_IIL_UNKNOWN_SRC_ID, KOR_IIL_MISMATCH_COMM})
-        EXPECT_EQ(status, statusIfGreeted(
-                              [=](Peer& peer, const PacketHeader& hello)
-                              {
-                                  PacketHeader reply = replyTo(hello, 0);
-                                  reply.status = status;
-                                  EXPECT_TRUE(peer.send(reply));
-                              }));
+    for (const std::uint32_t status : {KOR_IIL_BUSY, KOR_IIL_UNKNOWN_SRC_ID, KOR_IIL_MISMATCH_COMM})
+        EXPECT_EQ(statusIfGreeted(
+                      [=](Peer& peer, const PacketHeader& hello)
+                      {
+                          PacketHeader reply = replyTo(hello, 0);
+                          reply.status = status;
+                          EXPECT_TRUE(peer.send(reply));
+                      }),
+                  status);
 }
 
 TEST_F(BadServiceTest, ARefusalIsHeardThoughTheHelloIsNotRead)
@@ -164,7 +170,7 @@ TEST_F(BadServiceTest, ARefusalIsHeardThoughTheHelloIsNotRead)
             reply.status = KOR_IIL_BUSY;
             EXPECT_TRUE(peer.send(reply));
         });
-    EXPECT_EQ(KOR_IIL_BUSY, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_BUSY);
 }
 
 TEST_F(BadServiceTest, MalformedReplies)
@@ -184,13 +190,14 @@ TEST_F(BadServiceTest, MalformedReplies)
     int number = 0;
     for (const auto& fault : faults)
     {
-        EXPECT_EQ(KOR_IIL_BAD_RET, statusIf(
-                                       [&](Peer& peer, const PacketHeader& request)
-                                       {
-                                           PacketHeader reply = replyTo(request, 12);
-                                           fault(reply);
-                                           EXPECT_TRUE(peer.send(reply, kTwelve));
-                                       }))
+        EXPECT_EQ(statusIf(
+                      [&](Peer& peer, const PacketHeader& request)
+                      {
+                          PacketHeader reply = replyTo(request, 12);
+                          fault(reply);
+                          EXPECT_TRUE(peer.send(reply, kTwelve));
+                      }),
+                  KOR_IIL_BAD_RET)
             << "fault " << number;
         ++number;
     }
@@ -198,37 +205,40 @@ TEST_F(BadServiceTest, MalformedReplies)
 
 TEST_F(BadServiceTest, FragmentsOfReplies)
 {
-    for (const size_t length : {size_t{1}, size_t{5}, size_t{8}, sizeof(PacketHeader) - 1})
-        EXPECT_EQ(KOR_IIL_BAD_RET, statusIf(
-                                       [=](Peer& peer, const PacketHeader& request)
-                                       {
-                                           const PacketHeader reply = replyTo(request, 12);
-                                           EXPECT_TRUE(peer.sendBytes(&reply, length));
-                                       }))
+    for (const std::size_t length : {std::size_t{1}, std::size_t{5}, std::size_t{8}, sizeof(PacketHeader) - 1})
+        EXPECT_EQ(statusIf(
+                      [=](Peer& peer, const PacketHeader& request)
+                      {
+                          const PacketHeader reply = replyTo(request, 12);
+                          EXPECT_TRUE(peer.sendBytes(&reply, length));
+                      }),
+                  KOR_IIL_BAD_RET)
             << length;
 }
 
 TEST_F(BadServiceTest, RepliesOfAnotherLength)
 {
-    for (const size_t length : {size_t{0}, size_t{11}, size_t{13}, size_t{KOR_IIL_MAX_LENGTH}, size_t{KOR_IIL_MAX_LENGTH} + 1})
+    for (const std::size_t length : {std::size_t{0}, std::size_t{11}, std::size_t{13}, std::size_t{KOR_IIL_MAX_LENGTH},
+                                     std::size_t{KOR_IIL_MAX_LENGTH} + 1})
         EXPECT_EQ(
-            KOR_IIL_MISMATCH_CMD_LEN,
-            statusIf([=](Peer& peer, const PacketHeader& request)
-                     { EXPECT_TRUE(peer.send(replyTo(request, static_cast<uint32_t>(length)), std::string(length, 'x'))); }))
+            statusIf(
+                [=](Peer& peer, const PacketHeader& request)
+                { EXPECT_TRUE(peer.send(replyTo(request, static_cast<std::uint32_t>(length)), std::string(length, 'x'))); }),
+            KOR_IIL_MISMATCH_CMD_LEN)
             << length;
 }
 
 TEST_F(BadServiceTest, EveryStatusOfAHandlerReachesTheCaller)
 {
-    RunningService service([](const KorIilRequest& request, unsigned char* message) -> uint32_t
+    RunningService service([](const KorIilRequest& request, unsigned char* message) -> std::uint32_t
                            { return message[0] = 0xEE, request.command; });
-    for (uint32_t status = 1; status < 30; ++status)
+    for (std::uint32_t status = 1; status < 30; ++status)
     {
         if (status == KOR_IIL_TIMEOUT)
             continue;
         char message[] = "untouched";
-        EXPECT_EQ(status, KorIilExecute(kCaller, kService, kAmple, status, sizeof(message), message));
-        EXPECT_STREQ("untouched", message);
+        EXPECT_EQ(KorIilExecute(kCaller, kService, kAmple, status, sizeof message, message), status);
+        EXPECT_STREQ(message, "untouched");
     }
 }
 

@@ -30,7 +30,7 @@ std::set<int> openSockets()
     for (int descriptor = 0; descriptor < 1024; ++descriptor)
     {
         int type = 0;
-        socklen_t size = sizeof(type);
+        socklen_t size = sizeof type;
         if (getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &size) == 0)
             sockets.insert(descriptor);
     }
@@ -47,7 +47,7 @@ void inThreadOfItsOwn(const std::function<void()>& body)
 int connectionOfThisThread()
 {
     const auto before = openSockets();
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
     for (const int descriptor : openSockets())
         if (before.count(descriptor) == 0)
             return descriptor;
@@ -63,11 +63,11 @@ double secondsSince(std::chrono::steady_clock::time_point start)
 TEST_F(ConnectionTest, AThreadKeepsOneConnectionToAService)
 {
     ServiceProcess service;
-    ASSERT_EQ(KOR_IIL_OK, callOnce());
+    ASSERT_EQ(callOnce(), KOR_IIL_OK);
     const auto after = openSockets();
     for (int i = 0; i < 20; ++i)
-        ASSERT_EQ(KOR_IIL_OK, callOnce());
-    EXPECT_EQ(after, openSockets());
+        ASSERT_EQ(callOnce(), KOR_IIL_OK);
+    EXPECT_EQ(openSockets(), after);
 }
 
 TEST_F(ConnectionTest, AThreadThatEndsClosesItsOwn)
@@ -75,8 +75,8 @@ TEST_F(ConnectionTest, AThreadThatEndsClosesItsOwn)
     ServiceProcess service;
     const auto before = openSockets();
     for (int i = 0; i < 5; ++i)
-        std::thread([] { EXPECT_EQ(KOR_IIL_OK, callOnce()); }).join();
-    EXPECT_EQ(before, openSockets());
+        std::thread([] { EXPECT_EQ(callOnce(), KOR_IIL_OK); }).join();
+    EXPECT_EQ(openSockets(), before);
 }
 
 // Destroyed after this library's own objects of the thread, if it is constructed before them.
@@ -84,7 +84,7 @@ struct LateCaller
 {
     ~LateCaller()
     {
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
     }
     bool armed = false;
 };
@@ -98,15 +98,15 @@ TEST_F(ConnectionTest, ACallAtTheVeryEndOfAThreadLeavesNothingOpen)
         {
             thread_local LateCaller late;
             late.armed = true;
-            EXPECT_EQ(KOR_IIL_OK, callOnce());
+            EXPECT_EQ(callOnce(), KOR_IIL_OK);
         });
-    EXPECT_EQ(before, openSockets());
+    EXPECT_EQ(openSockets(), before);
 }
 
 TEST_F(ConnectionTest, ConnectionsEndAtAnExec)
 {
     ServiceProcess service;
-    inThreadOfItsOwn([] { EXPECT_NE(0, fcntl(connectionOfThisThread(), F_GETFD) & FD_CLOEXEC); });
+    inThreadOfItsOwn([] { EXPECT_NE(fcntl(connectionOfThisThread(), F_GETFD) & FD_CLOEXEC, 0); });
 }
 
 TEST_F(ConnectionTest, ARestartedServiceIsFoundAgain)
@@ -114,10 +114,10 @@ TEST_F(ConnectionTest, ARestartedServiceIsFoundAgain)
     for (int i = 0; i < 5; ++i)
     {
         RunningService service;
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
     }
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(ConnectionTest, AServiceKilledAndRestartedIsFoundAgain)
@@ -125,9 +125,9 @@ TEST_F(ConnectionTest, AServiceKilledAndRestartedIsFoundAgain)
     for (int i = 0; i < 3; ++i)
     {
         ServiceProcess service;
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
         service.kill();
-        EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_DST_ID);
     }
 }
 
@@ -143,7 +143,7 @@ TEST_F(ConnectionTest, ARequestThatMayHaveArrivedIsNotSentAgain)
                 EXPECT_GT(peer.receive(*request), 0);
                 unlink(socketOf(kService).c_str());
             });
-        EXPECT_EQ(KOR_IIL_RX_FAIL, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_RX_FAIL);
     }
     std::atomic<int> requests{0};
     RunningService second(
@@ -152,8 +152,8 @@ TEST_F(ConnectionTest, ARequestThatMayHaveArrivedIsNotSentAgain)
             ++requests;
             return addOne(request, message);
         });
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
-    EXPECT_EQ(1, requests);
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
+    EXPECT_EQ(requests, 1);
 }
 
 TEST_F(ConnectionTest, ALateReplyIsNotTheNextCalls)
@@ -167,12 +167,12 @@ TEST_F(ConnectionTest, ALateReplyIsNotTheNextCalls)
             return addOne(request, message);
         });
 
-    EXPECT_EQ(KOR_IIL_TIMEOUT, callOnce(12, 1));
-    for (uint32_t i = 0; i < 10; ++i) // of the same command and length, with other bytes
+    EXPECT_EQ(callOnce(12, 1), KOR_IIL_TIMEOUT);
+    for (std::uint32_t i = 0; i < 10; ++i) // of the same command and length, with other bytes
     {
-        uint32_t words[3] = {i, i, i};
-        ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, 1, sizeof(words), words));
-        EXPECT_EQ(i + 0x01010101u, words[1]);
+        std::uint32_t words[3] = {i, i, i};
+        ASSERT_EQ(KorIilExecute(kCaller, kService, kAmple, 1, sizeof words, words), KOR_IIL_OK);
+        EXPECT_EQ(words[1], i + 0x01010101u);
     }
 }
 
@@ -186,10 +186,10 @@ TEST_F(ConnectionTest, AWaitIsInSecondsAndTheRequestSentOnce)
             return KOR_IIL_TIMEOUT; // no reply
         });
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(KOR_IIL_TIMEOUT, callOnce(12, 1));
+    EXPECT_EQ(callOnce(12, 1), KOR_IIL_TIMEOUT);
     EXPECT_GE(secondsSince(start), 0.9);
     EXPECT_LT(secondsSince(start), kAmple / 2);
-    EXPECT_EQ(1, requests);
+    EXPECT_EQ(requests, 1);
 }
 
 TEST_F(ConnectionTest, EachCallHasItsOwnWait)
@@ -198,7 +198,7 @@ TEST_F(ConnectionTest, EachCallHasItsOwnWait)
         [](const KorIilRequest& request, unsigned char* message)
         {
             if (request.length == 1)
-                return static_cast<uint32_t>(KOR_IIL_TIMEOUT);
+                return static_cast<std::uint32_t>(KOR_IIL_TIMEOUT);
             if (request.length == 2)
                 sleepMilliseconds(1200);
             return addOne(request, message);
@@ -206,13 +206,13 @@ TEST_F(ConnectionTest, EachCallHasItsOwnWait)
     inThreadOfItsOwn(
         []
         {
-            EXPECT_EQ(KOR_IIL_OK, callOnce(12, kAmple)) << "its connection is kept, its long wait is not";
+            EXPECT_EQ(callOnce(12, kAmple), KOR_IIL_OK) << "its connection is kept, its long wait is not";
             const auto start = std::chrono::steady_clock::now();
-            EXPECT_EQ(KOR_IIL_TIMEOUT, callOnce(1, 1));
+            EXPECT_EQ(callOnce(1, 1), KOR_IIL_TIMEOUT);
             EXPECT_LT(secondsSince(start), kAmple / 2);
 
-            EXPECT_EQ(KOR_IIL_OK, callOnce(12, 1)) << "nor is a short one";
-            EXPECT_EQ(KOR_IIL_OK, callOnce(2, kAmple));
+            EXPECT_EQ(callOnce(12, 1), KOR_IIL_OK) << "nor is a short one";
+            EXPECT_EQ(callOnce(2, kAmple), KOR_IIL_OK);
         });
 }
 
@@ -255,14 +255,14 @@ TEST_F(ConnectionTest, SignalsNeitherEndNorLengthenAWait)
         [](const KorIilRequest& request, unsigned char* message)
         {
             if (request.command == 2)
-                return static_cast<uint32_t>(KOR_IIL_TIMEOUT);
+                return static_cast<std::uint32_t>(KOR_IIL_TIMEOUT);
             sleepMilliseconds(500);
             return addOne(request, message);
         });
     const Interruptions interrupting;
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(KOR_IIL_TIMEOUT, KorIilExecute(kCaller, kService, 1, 2, 0, nullptr));
+    EXPECT_EQ(KorIilExecute(kCaller, kService, 1, 2, 0, nullptr), KOR_IIL_TIMEOUT);
     EXPECT_GE(secondsSince(start), 0.9);
     EXPECT_LT(secondsSince(start), kAmple / 2);
     EXPECT_GT(interruptions, 5);
@@ -276,16 +276,16 @@ TEST_F(ConnectionTest, NoCallRaisesSigpipe)
     sigaction(SIGPIPE, &standard, &before);
     {
         RunningService service;
-        EXPECT_EQ(KOR_IIL_OK, callOnce());
+        EXPECT_EQ(callOnce(), KOR_IIL_OK);
     }
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce()); // finds the kept connection dead
+    EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_DST_ID); // finds the kept connection dead
     sigaction(SIGPIPE, &before, nullptr);
 }
 
 TEST_F(ConnectionTest, AChildHasConnectionsOfItsOwn)
 {
     std::mutex mutex;
-    std::set<uint32_t> processes;
+    std::set<std::uint32_t> processes;
     RunningService service(
         [&](const KorIilRequest& request, unsigned char* message)
         {
@@ -293,22 +293,22 @@ TEST_F(ConnectionTest, AChildHasConnectionsOfItsOwn)
             processes.insert(request.processId);
             return addOne(request, message);
         });
-    ASSERT_EQ(KOR_IIL_OK, callOnce());
+    ASSERT_EQ(callOnce(), KOR_IIL_OK);
 
     Child child(
         []
         {
             for (int i = 0; i < 100; ++i)
-                if (const uint32_t status = callOnce())
+                if (const std::uint32_t status = callOnce())
                     return static_cast<int>(status);
             return 0;
         });
     for (int i = 0; i < 100; ++i) // at the same time, on the connection that the child has a copy of
-        ASSERT_EQ(KOR_IIL_OK, callOnce());
-    const auto childsId = static_cast<uint32_t>(child.processId());
-    EXPECT_EQ(0, child.wait());
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
-    EXPECT_EQ((std::set<uint32_t>{static_cast<uint32_t>(getpid()), childsId}), processes);
+        ASSERT_EQ(callOnce(), KOR_IIL_OK);
+    const auto childsId = static_cast<std::uint32_t>(child.processId());
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
+    EXPECT_EQ(processes, (std::set<std::uint32_t>{static_cast<std::uint32_t>(getpid()), childsId}));
 }
 
 TEST_F(ConnectionTest, AChildClosesWhatItInherited)
@@ -318,9 +318,9 @@ TEST_F(ConnectionTest, AChildClosesWhatItInherited)
         []
         {
             connectionOfThisThread();
-            const size_t open = openSockets().size();
+            const std::size_t open = openSockets().size();
             Child child([=] { return callOnce() == KOR_IIL_OK && openSockets().size() == open ? 0 : 1; });
-            EXPECT_EQ(0, child.wait()) << "one of its own, and the inherited one closed";
+            EXPECT_EQ(child.wait(), 0) << "one of its own, and the inherited one closed";
         });
 }
 
@@ -343,7 +343,7 @@ TEST_F(ConnectionTest, AChildClosesNothingElse)
                     struct stat status = {};
                     return fstat(inherited, &status) == 0 && S_ISFIFO(status.st_mode) ? 0 : 3;
                 });
-            EXPECT_EQ(0, child.wait());
+            EXPECT_EQ(child.wait(), 0);
         });
 }
 
@@ -362,7 +362,7 @@ TEST_F(ConnectionTest, AChildsCopyDoesNotKeepAConnectionAlive)
     std::thread(
         [&]
         {
-            EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr));
+            EXPECT_EQ(KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr), KOR_IIL_OK);
             child = std::make_unique<Child>([] { return pause(); });
         })
         .join(); // the thread's connection ends here, while the child lives
@@ -379,12 +379,12 @@ TEST_F(ConnectionTest, WithoutDescriptorsThereIsAStatusOfItsOwn)
             const rlimit none = {3, limit.rlim_max};
             if (setrlimit(RLIMIT_NOFILE, &none) != 0)
                 return 1;
-            if (const uint32_t status = callOnce(); status != KOR_IIL_NO_MEM)
+            if (const std::uint32_t status = callOnce(); status != KOR_IIL_NO_MEM)
                 return 100 + static_cast<int>(status);
             setrlimit(RLIMIT_NOFILE, &limit);
             return callOnce() == KOR_IIL_OK ? 0 : 2;
         });
-    EXPECT_EQ(0, child.wait());
+    EXPECT_EQ(child.wait(), 0);
 }
 
 } // namespace

@@ -21,24 +21,24 @@ struct Inbox
     struct Event
     {
         std::string serviceId;
-        uint32_t number;
+        std::uint32_t number;
         std::string data;
         bool hadData;
     };
 
-    void put(const char* serviceId, uint32_t number, const void* data, uint32_t length)
+    void put(const char* serviceId, std::uint32_t number, const void* data, std::uint32_t length)
     {
         const std::lock_guard<std::mutex> guard(mutex);
         events.push_back({serviceId, number, std::string(static_cast<const char*>(data), length), data != nullptr});
     }
 
-    size_t count()
+    std::size_t count()
     {
         const std::lock_guard<std::mutex> guard(mutex);
         return events.size();
     }
 
-    bool waitFor(size_t number)
+    bool waitFor(std::size_t number)
     {
         return eventually([=] { return count() >= number; });
     }
@@ -53,17 +53,17 @@ std::atomic<bool> held{false};    // onEventHeld stays in while this is true
 std::atomic<bool> entered{false}; // it has been called
 std::atomic<int> runs{0};
 
-void onEvent(const char* serviceId, uint32_t evt, const void* data, uint32_t length)
+void onEvent(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
 {
     inbox->put(serviceId, evt, data, length);
 }
 
-void onEventToo(const char* serviceId, uint32_t evt, const void* data, uint32_t length)
+void onEventToo(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
 {
     secondInbox->put(serviceId, evt, data, length);
 }
 
-void onEventHeld(const char*, uint32_t, const void*, uint32_t)
+void onEventHeld(const char*, std::uint32_t, const void*, std::uint32_t)
 {
     entered = true;
     while (held)
@@ -86,18 +86,18 @@ protected:
     Inbox inbox_, secondInbox_;
 };
 
-uint32_t subscribe(uint32_t evt = 1, KorIilEventHandler handler = onEvent, const char* callerId = kCaller)
+std::uint32_t subscribe(std::uint32_t evt = 1, KorIilEventHandler handler = onEvent, const char* callerId = kCaller)
 {
     return KorIilSubscribeEvent(callerId, kService, evt, handler);
 }
 
-uint32_t cancel(uint32_t evt = 1, KorIilEventHandler handler = onEvent, const char* callerId = kCaller)
+std::uint32_t cancel(std::uint32_t evt = 1, KorIilEventHandler handler = onEvent, const char* callerId = kCaller)
 {
     return KorIilCancelEvent(callerId, kService, evt, handler);
 }
 
 // On the peer's own connection, without this library's help.
-uint32_t subscribeByHand(Peer& peer, uint32_t evt)
+std::uint32_t subscribeByHand(Peer& peer, std::uint32_t evt)
 {
     koriil::PacketHeader request = requestHeader(evt, 0);
     request.kind = koriil::PacketKind::Subscribe;
@@ -121,83 +121,83 @@ bool childrenCanStartThreads()
 TEST_F(EventsTest, AnEventArrivesAsItWasPublished)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(4));
+    ASSERT_EQ(subscribe(4), KOR_IIL_OK);
     const std::string data("station\0 joined", 15);
-    EXPECT_EQ(1u, service.publish(4, data));
+    EXPECT_EQ(service.publish(4, data), 1u);
     ASSERT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ(kService, inbox_.events[0].serviceId);
-    EXPECT_EQ(4u, inbox_.events[0].number);
-    EXPECT_EQ(data, inbox_.events[0].data);
-    EXPECT_EQ(KOR_IIL_OK, cancel(4));
+    EXPECT_EQ(inbox_.events[0].serviceId, kService);
+    EXPECT_EQ(inbox_.events[0].number, 4u);
+    EXPECT_EQ(inbox_.events[0].data, data);
+    EXPECT_EQ(cancel(4), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, DataIsFromNothingToTheLimit)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe());
-    for (const size_t length : {size_t{0}, size_t{1}, size_t{9584}, size_t{KOR_IIL_MAX_LENGTH}})
+    ASSERT_EQ(subscribe(), KOR_IIL_OK);
+    for (const std::size_t length : {std::size_t{0}, std::size_t{1}, std::size_t{9584}, std::size_t{KOR_IIL_MAX_LENGTH}})
     {
         service.publish(1, std::string(length, 'x'));
         ASSERT_TRUE(inbox_.waitFor(1));
-        EXPECT_EQ(length, inbox_.events[0].data.size());
-        EXPECT_EQ(length > 0, inbox_.events[0].hadData) << "no data is a null pointer";
+        EXPECT_EQ(inbox_.events[0].data.size(), length);
+        EXPECT_EQ(inbox_.events[0].hadData, length > 0) << "no data is a null pointer";
         inbox_.events.clear();
     }
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, PublishingHasStatusesToo)
 {
-    const auto refuse = [](void*, const KorIilRequest*, void*) -> uint32_t { return KOR_IIL_UNSUPPORT; };
+    const auto refuse = [](void*, const KorIilRequest*, void*) -> std::uint32_t { return KOR_IIL_UNSUPPORT; };
     KorIilService* service = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, KorIilServiceOpen(kService, 5, refuse, nullptr, &service));
+    ASSERT_EQ(KorIilServiceOpen(kService, 5, refuse, nullptr, &service), KOR_IIL_OK);
     const std::string tooLong(KOR_IIL_MAX_LENGTH + 1, 'x');
-    uint32_t subscribers = 77;
-    EXPECT_EQ(KOR_IIL_UNKNOWN_EVT, KorIilServicePublish(service, 0, nullptr, 0, nullptr));
-    EXPECT_EQ(KOR_IIL_UNKNOWN_EVT, KorIilServicePublish(service, 6, nullptr, 0, nullptr));
-    EXPECT_EQ(KOR_IIL_OVERSIZE, KorIilServicePublish(service, 1, tooLong.data(), KOR_IIL_MAX_LENGTH + 1, nullptr));
-    EXPECT_EQ(KOR_IIL_BAD_PARAM, KorIilServicePublish(service, 1, nullptr, 1, nullptr));
-    EXPECT_EQ(KOR_IIL_OK, KorIilServicePublish(service, 5, nullptr, 0, &subscribers)) << "before it runs, to nobody";
-    EXPECT_EQ(0u, subscribers);
+    std::uint32_t subscribers = 77;
+    EXPECT_EQ(KorIilServicePublish(service, 0, nullptr, 0, nullptr), KOR_IIL_UNKNOWN_EVT);
+    EXPECT_EQ(KorIilServicePublish(service, 6, nullptr, 0, nullptr), KOR_IIL_UNKNOWN_EVT);
+    EXPECT_EQ(KorIilServicePublish(service, 1, tooLong.data(), KOR_IIL_MAX_LENGTH + 1, nullptr), KOR_IIL_OVERSIZE);
+    EXPECT_EQ(KorIilServicePublish(service, 1, nullptr, 1, nullptr), KOR_IIL_BAD_PARAM);
+    EXPECT_EQ(KorIilServicePublish(service, 5, nullptr, 0, &subscribers), KOR_IIL_OK) << "before it runs, to nobody";
+    EXPECT_EQ(subscribers, 0u);
     KorIilServiceClose(service);
 }
 
 TEST_F(EventsTest, NobodyGetsWhatHeDidNotSubscribeTo)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1));
-    ASSERT_EQ(KOR_IIL_OK, subscribe(3));
-    EXPECT_EQ(0u, service.publish(2));
-    EXPECT_EQ(1u, service.publish(1));
-    EXPECT_EQ(1u, service.publish(3));
+    ASSERT_EQ(subscribe(1), KOR_IIL_OK);
+    ASSERT_EQ(subscribe(3), KOR_IIL_OK);
+    EXPECT_EQ(service.publish(2), 0u);
+    EXPECT_EQ(service.publish(1), 1u);
+    EXPECT_EQ(service.publish(3), 1u);
     ASSERT_TRUE(inbox_.waitFor(2));
-    EXPECT_EQ(1u, inbox_.events[0].number);
-    EXPECT_EQ(3u, inbox_.events[1].number);
-    EXPECT_EQ(KOR_IIL_OK, cancel(1));
-    EXPECT_EQ(KOR_IIL_OK, cancel(3));
+    EXPECT_EQ(inbox_.events[0].number, 1u);
+    EXPECT_EQ(inbox_.events[1].number, 3u);
+    EXPECT_EQ(cancel(1), KOR_IIL_OK);
+    EXPECT_EQ(cancel(3), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, EventsArriveInOrder)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1));
-    ASSERT_EQ(KOR_IIL_OK, subscribe(2));
-    constexpr uint32_t kEvents = 100;
-    for (uint32_t i = 0; i < kEvents; ++i)
+    ASSERT_EQ(subscribe(1), KOR_IIL_OK);
+    ASSERT_EQ(subscribe(2), KOR_IIL_OK);
+    constexpr std::uint32_t kEvents = 100;
+    for (std::uint32_t i = 0; i < kEvents; ++i)
         service.publish(1 + i % 2, std::to_string(i));
     ASSERT_TRUE(inbox_.waitFor(kEvents));
-    for (uint32_t i = 0; i < kEvents; ++i)
-        EXPECT_EQ(std::to_string(i), inbox_.events[i].data);
-    EXPECT_EQ(KOR_IIL_OK, cancel(1));
-    EXPECT_EQ(KOR_IIL_OK, cancel(2));
+    for (std::uint32_t i = 0; i < kEvents; ++i)
+        EXPECT_EQ(inbox_.events[i].data, std::to_string(i));
+    EXPECT_EQ(cancel(1), KOR_IIL_OK);
+    EXPECT_EQ(cancel(2), KOR_IIL_OK);
 }
 
 // Published from several threads at once, they reach all subscribers in one and the same order.
 TEST_F(EventsTest, AllSubscribersSeeOneOrder)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEvent));
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventToo));
+    ASSERT_EQ(subscribe(1, onEvent), KOR_IIL_OK);
+    ASSERT_EQ(subscribe(1, onEventToo), KOR_IIL_OK);
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread)
         threads.emplace_back(
@@ -210,10 +210,10 @@ TEST_F(EventsTest, AllSubscribersSeeOneOrder)
         thread.join();
     ASSERT_TRUE(inbox_.waitFor(80));
     ASSERT_TRUE(secondInbox_.waitFor(80));
-    for (size_t i = 0; i < 80; ++i)
-        EXPECT_EQ(inbox_.events[i].data, secondInbox_.events[i].data);
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEvent));
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventToo));
+    for (std::size_t i = 0; i < 80; ++i)
+        EXPECT_EQ(secondInbox_.events[i].data, inbox_.events[i].data);
+    EXPECT_EQ(cancel(1, onEvent), KOR_IIL_OK);
+    EXPECT_EQ(cancel(1, onEventToo), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, ARequestHandlerPublishes)
@@ -226,70 +226,70 @@ TEST_F(EventsTest, ARequestHandlerPublishes)
             return addOne(request, message);
         });
     self = &service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(2));
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    ASSERT_EQ(subscribe(2), KOR_IIL_OK);
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
     ASSERT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ("from the handler", inbox_.events[0].data);
-    EXPECT_EQ(KOR_IIL_OK, cancel(2));
+    EXPECT_EQ(inbox_.events[0].data, "from the handler");
+    EXPECT_EQ(cancel(2), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, ASubscriptionStandsOnce)
 {
     RunningService service;
-    EXPECT_EQ(KOR_IIL_OK, subscribe());
-    EXPECT_EQ(KOR_IIL_CONFLICT_ID, subscribe());
-    EXPECT_EQ(KOR_IIL_OK, subscribe(1, onEventToo)) << "another handler";
-    EXPECT_EQ(KOR_IIL_OK, subscribe(1, onEvent, "another caller"));
-    EXPECT_EQ(KOR_IIL_OK, subscribe(2)) << "another event";
-    EXPECT_EQ(1u, service.publish(1)) << "one process";
+    EXPECT_EQ(subscribe(), KOR_IIL_OK);
+    EXPECT_EQ(subscribe(), KOR_IIL_CONFLICT_ID);
+    EXPECT_EQ(subscribe(1, onEventToo), KOR_IIL_OK) << "another handler";
+    EXPECT_EQ(subscribe(1, onEvent, "another caller"), KOR_IIL_OK);
+    EXPECT_EQ(subscribe(2), KOR_IIL_OK) << "another event";
+    EXPECT_EQ(service.publish(1), 1u) << "one process";
     ASSERT_TRUE(inbox_.waitFor(2)) << "once for each caller";
     ASSERT_TRUE(secondInbox_.waitFor(1));
 
-    EXPECT_EQ(KOR_IIL_OK, cancel());
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel());
-    EXPECT_EQ(1u, service.publish(1));
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
+    EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(service.publish(1), 1u);
     ASSERT_TRUE(inbox_.waitFor(3));
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventToo));
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEvent, "another caller"));
-    EXPECT_EQ(0u, service.publish(1));
-    EXPECT_EQ(1u, service.publish(2));
-    EXPECT_EQ(KOR_IIL_OK, cancel(2));
-    EXPECT_EQ(0u, service.publish(2));
-    EXPECT_EQ(KOR_IIL_OK, subscribe()) << "and all over again";
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(cancel(1, onEventToo), KOR_IIL_OK);
+    EXPECT_EQ(cancel(1, onEvent, "another caller"), KOR_IIL_OK);
+    EXPECT_EQ(service.publish(1), 0u);
+    EXPECT_EQ(service.publish(2), 1u);
+    EXPECT_EQ(cancel(2), KOR_IIL_OK);
+    EXPECT_EQ(service.publish(2), 0u);
+    EXPECT_EQ(subscribe(), KOR_IIL_OK) << "and all over again";
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, WhatIsNotSubscribedCannotBeCancelled)
 {
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel()) << "no service at all";
+    EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT) << "no service at all";
     RunningService service;
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel());
-    ASSERT_EQ(KOR_IIL_OK, subscribe());
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(2));
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(1, onEventToo));
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(1, onEvent, "another caller"));
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT);
+    ASSERT_EQ(subscribe(), KOR_IIL_OK);
+    EXPECT_EQ(cancel(2), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(cancel(1, onEventToo), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(cancel(1, onEvent, "another caller"), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, AnEventTheServiceDoesNotHave)
 {
     RunningService service;
-    EXPECT_EQ(KOR_IIL_UNKNOWN_EVT, subscribe(0));
-    EXPECT_EQ(KOR_IIL_UNKNOWN_EVT, subscribe(6));
-    EXPECT_EQ(KOR_IIL_UNKNOWN_EVT, subscribe(UINT32_MAX));
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(6));
+    EXPECT_EQ(subscribe(0), KOR_IIL_UNKNOWN_EVT);
+    EXPECT_EQ(subscribe(6), KOR_IIL_UNKNOWN_EVT);
+    EXPECT_EQ(subscribe(UINT32_MAX), KOR_IIL_UNKNOWN_EVT);
+    EXPECT_EQ(cancel(6), KOR_IIL_BAD_EVT);
 }
 
 TEST_F(EventsTest, AServiceThatIsNotThere)
 {
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, subscribe());
+    EXPECT_EQ(subscribe(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(EventsTest, AServiceThatDoesNotAnswer)
 {
     ScriptedService service([](Peer& peer) { EXPECT_TRUE(peer.hasEnded() || peer.hasEnded()); });
-    EXPECT_EQ(KOR_IIL_TIMEOUT, subscribe());
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel());
+    EXPECT_EQ(subscribe(), KOR_IIL_TIMEOUT);
+    EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT);
 }
 
 // --- The end of a subscription -----------------------------------------------------------------------------------------------
@@ -298,7 +298,7 @@ TEST_F(EventsTest, CancelWaitsForARunningHandler)
 {
     RunningService service;
     held = true;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventHeld));
+    ASSERT_EQ(subscribe(1, onEventHeld), KOR_IIL_OK);
     service.publish(1);
     service.publish(1); // and for no other run
     ASSERT_TRUE(eventually([] { return entered.load(); }));
@@ -307,22 +307,22 @@ TEST_F(EventsTest, CancelWaitsForARunningHandler)
     std::thread canceller(
         [&]
         {
-            EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventHeld));
+            EXPECT_EQ(cancel(1, onEventHeld), KOR_IIL_OK);
             returned = true;
-            EXPECT_EQ(1, runs);
+            EXPECT_EQ(runs, 1);
         });
     sleepMilliseconds(100);
     EXPECT_FALSE(returned);
     held = false;
     canceller.join();
     sleepMilliseconds(50);
-    EXPECT_EQ(1, runs);
+    EXPECT_EQ(runs, 1);
 }
 
 std::atomic<bool> gone{false};
 std::atomic<int> lateRuns{0};
 
-void onEventUnlessGone(const char*, uint32_t, const void*, uint32_t)
+void onEventUnlessGone(const char*, std::uint32_t, const void*, std::uint32_t)
 {
     ++runs;
     if (gone)
@@ -341,19 +341,19 @@ TEST_F(EventsTest, NoHandlerRunsAfterCancelReturned)
     {
         gone = false;
         const int before = runs;
-        ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventUnlessGone));
+        ASSERT_EQ(subscribe(1, onEventUnlessGone), KOR_IIL_OK);
         while (runs == before)
             std::this_thread::yield();
-        ASSERT_EQ(KOR_IIL_OK, cancel(1, onEventUnlessGone)); // while the handler is running, more often than not
+        ASSERT_EQ(cancel(1, onEventUnlessGone), KOR_IIL_OK); // while the handler is running, more often than not
         gone = true;
         std::this_thread::yield();
     }
-    EXPECT_EQ(0, lateRuns);
+    EXPECT_EQ(lateRuns, 0);
 }
 
-std::atomic<uint32_t> statusInHandler{1000};
+std::atomic<std::uint32_t> statusInHandler{1000};
 
-void onEventCancelSelf(const char*, uint32_t evt, const void*, uint32_t)
+void onEventCancelSelf(const char*, std::uint32_t evt, const void*, std::uint32_t)
 {
     ++runs;
     statusInHandler = cancel(evt, onEventCancelSelf);
@@ -363,14 +363,14 @@ TEST_F(EventsTest, AHandlerCancelsItself)
 {
     RunningService service;
     statusInHandler = 1000;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventCancelSelf));
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEvent));
+    ASSERT_EQ(subscribe(1, onEventCancelSelf), KOR_IIL_OK);
+    ASSERT_EQ(subscribe(1, onEvent), KOR_IIL_OK);
     service.publish(1);
     service.publish(1);
     ASSERT_TRUE(inbox_.waitFor(2));
-    EXPECT_EQ(KOR_IIL_OK, statusInHandler);
-    EXPECT_EQ(1, runs);
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEvent));
+    EXPECT_EQ(statusInHandler, KOR_IIL_OK);
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(cancel(1, onEvent), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, TheOnlyHandlerCancelsItself)
@@ -379,16 +379,16 @@ TEST_F(EventsTest, TheOnlyHandlerCancelsItself)
     for (int i = 0; i < 10; ++i)
     {
         statusInHandler = 1000;
-        ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventCancelSelf));
-        EXPECT_EQ(1u, service.publish(1));
+        ASSERT_EQ(subscribe(1, onEventCancelSelf), KOR_IIL_OK);
+        EXPECT_EQ(service.publish(1), 1u);
         ASSERT_TRUE(eventually([] { return statusInHandler != 1000; }));
-        EXPECT_EQ(KOR_IIL_OK, statusInHandler);
-        EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(1, onEventCancelSelf));
+        EXPECT_EQ(statusInHandler, KOR_IIL_OK);
+        EXPECT_EQ(cancel(1, onEventCancelSelf), KOR_IIL_BAD_EVT);
     }
-    EXPECT_EQ(10, runs);
+    EXPECT_EQ(runs, 10);
 }
 
-void onEventCancelOther(const char*, uint32_t evt, const void*, uint32_t)
+void onEventCancelOther(const char*, std::uint32_t evt, const void*, std::uint32_t)
 {
     statusInHandler = cancel(evt, onEvent);
 }
@@ -397,18 +397,18 @@ TEST_F(EventsTest, AHandlerCancelsTheNext)
 {
     RunningService service;
     statusInHandler = 1000;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventCancelOther));
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEvent));
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventToo));
+    ASSERT_EQ(subscribe(1, onEventCancelOther), KOR_IIL_OK);
+    ASSERT_EQ(subscribe(1, onEvent), KOR_IIL_OK);
+    ASSERT_EQ(subscribe(1, onEventToo), KOR_IIL_OK);
     service.publish(1);
     ASSERT_TRUE(secondInbox_.waitFor(1));
-    EXPECT_EQ(KOR_IIL_OK, statusInHandler);
-    EXPECT_EQ(0u, inbox_.count()) << "its turn for this very event had not come";
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventCancelOther));
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventToo));
+    EXPECT_EQ(statusInHandler, KOR_IIL_OK);
+    EXPECT_EQ(inbox_.count(), 0u) << "its turn for this very event had not come";
+    EXPECT_EQ(cancel(1, onEventCancelOther), KOR_IIL_OK);
+    EXPECT_EQ(cancel(1, onEventToo), KOR_IIL_OK);
 }
 
-void onEventRenew(const char*, uint32_t evt, const void*, uint32_t)
+void onEventRenew(const char*, std::uint32_t evt, const void*, std::uint32_t)
 {
     ++runs;
     statusInHandler = cancel(evt, onEventRenew) + subscribe(evt, onEventRenew) + subscribe(evt + 1, onEvent);
@@ -418,20 +418,20 @@ TEST_F(EventsTest, AHandlerSubscribes)
 {
     RunningService service;
     statusInHandler = 1000;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(3, onEventToo)); // the process is a subscriber throughout
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventRenew));
+    ASSERT_EQ(subscribe(3, onEventToo), KOR_IIL_OK); // the process is a subscriber throughout
+    ASSERT_EQ(subscribe(1, onEventRenew), KOR_IIL_OK);
     service.publish(1);
     ASSERT_TRUE(eventually([] { return statusInHandler != 1000; }));
-    EXPECT_EQ(KOR_IIL_OK, statusInHandler);
+    EXPECT_EQ(statusInHandler, KOR_IIL_OK);
     service.publish(2);
     ASSERT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ(1, runs) << "renewed for the next event, not for the one it was called with";
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventRenew));
-    EXPECT_EQ(KOR_IIL_OK, cancel(2, onEvent));
-    EXPECT_EQ(KOR_IIL_OK, cancel(3, onEventToo));
+    EXPECT_EQ(runs, 1) << "renewed for the next event, not for the one it was called with";
+    EXPECT_EQ(cancel(1, onEventRenew), KOR_IIL_OK);
+    EXPECT_EQ(cancel(2, onEvent), KOR_IIL_OK);
+    EXPECT_EQ(cancel(3, onEventToo), KOR_IIL_OK);
 }
 
-void onEventCall(const char*, uint32_t, const void*, uint32_t)
+void onEventCall(const char*, std::uint32_t, const void*, std::uint32_t)
 {
     statusInHandler = callOnce();
 }
@@ -440,11 +440,11 @@ TEST_F(EventsTest, AHandlerCallsTheService)
 {
     RunningService service;
     statusInHandler = 1000;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventCall));
+    ASSERT_EQ(subscribe(1, onEventCall), KOR_IIL_OK);
     service.publish(1);
     ASSERT_TRUE(eventually([] { return statusInHandler != 1000; }));
-    EXPECT_EQ(KOR_IIL_OK, statusInHandler);
-    EXPECT_EQ(KOR_IIL_OK, cancel(1, onEventCall));
+    EXPECT_EQ(statusInHandler, KOR_IIL_OK);
+    EXPECT_EQ(cancel(1, onEventCall), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, ManyThreadsSubscribeAndCancel)
@@ -459,14 +459,14 @@ TEST_F(EventsTest, ManyThreadsSubscribeAndCancel)
                 {
                     for (int i = 0; i < 20; ++i)
                     {
-                        EXPECT_EQ(KOR_IIL_OK, subscribe(1, onEvent, caller));
-                        EXPECT_EQ(KOR_IIL_OK, cancel(1, onEvent, caller));
+                        EXPECT_EQ(subscribe(1, onEvent, caller), KOR_IIL_OK);
+                        EXPECT_EQ(cancel(1, onEvent, caller), KOR_IIL_OK);
                     }
                 });
         for (std::thread& thread : threads)
             thread.join();
     }
-    EXPECT_EQ(0u, service.publish(1));
+    EXPECT_EQ(service.publish(1), 0u);
 }
 
 // --- The end of a peer -------------------------------------------------------------------------------------------------------
@@ -476,27 +476,27 @@ TEST_F(EventsTest, SubscriptionsEndWithTheService)
     for (int i = 0; i < 5; ++i)
     {
         RunningService service;
-        EXPECT_EQ(KOR_IIL_OK, subscribe()) << "round " << i;
-        EXPECT_EQ(1u, service.publish(1));
-        ASSERT_TRUE(inbox_.waitFor(static_cast<size_t>(i) + 1));
+        EXPECT_EQ(subscribe(), KOR_IIL_OK) << "round " << i;
+        EXPECT_EQ(service.publish(1), 1u);
+        ASSERT_TRUE(inbox_.waitFor(static_cast<std::size_t>(i) + 1));
     }
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel());
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, subscribe());
+    EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(subscribe(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(EventsTest, ARestartedServiceHasNoSubscribers)
 {
     {
         RunningService service;
-        ASSERT_EQ(KOR_IIL_OK, subscribe());
+        ASSERT_EQ(subscribe(), KOR_IIL_OK);
     }
     RunningService service;
-    EXPECT_EQ(0u, service.publish(1));
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel());
-    EXPECT_EQ(KOR_IIL_OK, subscribe());
-    EXPECT_EQ(1u, service.publish(1));
+    EXPECT_EQ(service.publish(1), 0u);
+    EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(subscribe(), KOR_IIL_OK);
+    EXPECT_EQ(service.publish(1), 1u);
     EXPECT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
 // It gets what was in its queue, and loses its subscriptions; the others lose nothing.
@@ -504,20 +504,20 @@ TEST_F(EventsTest, ASubscriberThatDoesNotTakeItsEventsIsDisconnected)
 {
     RunningService service;
     Peer witness = Peer::connectTo(kService);
-    ASSERT_EQ(KOR_IIL_OK, subscribeByHand(witness, 2));
+    ASSERT_EQ(subscribeByHand(witness, 2), KOR_IIL_OK);
 
     held = true;
-    ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventHeld));
-    uint32_t taken = 0;
+    ASSERT_EQ(subscribe(1, onEventHeld), KOR_IIL_OK);
+    std::uint32_t taken = 0;
     const std::string data(KOR_IIL_MAX_LENGTH, 'x');
     while (service.publish(1, data) == 1)
         ASSERT_LT(++taken, 100000u);
     EXPECT_GT(taken, 0u);
-    EXPECT_EQ(1u, service.publish(2, "for the witness"));
+    EXPECT_EQ(service.publish(2, "for the witness"), 1u);
     auto packet = std::make_unique<koriil::Packet>();
-    EXPECT_EQ(ssize_t{sizeof(koriil::PacketHeader) + 15}, witness.receive(*packet));
+    EXPECT_EQ(witness.receive(*packet), ssize_t{sizeof(koriil::PacketHeader) + 15});
     held = false;
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(1, onEventHeld));
+    EXPECT_EQ(cancel(1, onEventHeld), KOR_IIL_BAD_EVT);
 }
 
 // The subscription is lost, but its handler may be running: the promise holds for that too.
@@ -526,19 +526,19 @@ TEST_F(EventsTest, CancelWaitsForAHandlerOfALostSubscription)
     held = true;
     {
         RunningService service;
-        ASSERT_EQ(KOR_IIL_OK, subscribe(1, onEventHeld));
+        ASSERT_EQ(subscribe(1, onEventHeld), KOR_IIL_OK);
         service.publish(1);
         ASSERT_TRUE(eventually([] { return entered.load(); }));
     }
-    EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(1, onEvent)) << "another's, which is not waited for";
-    EXPECT_EQ(0, runs);
+    EXPECT_EQ(cancel(1, onEvent), KOR_IIL_BAD_EVT) << "another's, which is not waited for";
+    EXPECT_EQ(runs, 0);
 
     std::atomic<bool> returned{false};
     std::thread canceller(
         [&]
         {
-            EXPECT_EQ(KOR_IIL_BAD_EVT, cancel(1, onEventHeld));
-            EXPECT_EQ(1, runs);
+            EXPECT_EQ(cancel(1, onEventHeld), KOR_IIL_BAD_EVT);
+            EXPECT_EQ(runs, 1);
             returned = true;
         });
     sleepMilliseconds(100);
@@ -550,19 +550,19 @@ TEST_F(EventsTest, CancelWaitsForAHandlerOfALostSubscription)
 TEST_F(EventsTest, AChildHasNoSubscriptions)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe());
+    ASSERT_EQ(subscribe(), KOR_IIL_OK);
     Child child([] { return cancel() == KOR_IIL_BAD_EVT ? 0 : 1; });
-    EXPECT_EQ(0, child.wait());
-    EXPECT_EQ(1u, service.publish(1));
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(service.publish(1), 1u);
     EXPECT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
 // The child calls over a connection of its own and, where a forked child can start the thread that this takes, subscribes.
 TEST_F(EventsTest, AChildStartsAfresh)
 {
     RunningService service;
-    ASSERT_EQ(KOR_IIL_OK, subscribe());
+    ASSERT_EQ(subscribe(), KOR_IIL_OK);
     Child child(
         []
         {
@@ -579,9 +579,9 @@ TEST_F(EventsTest, AChildStartsAfresh)
     {
         ASSERT_TRUE(eventually([&] { return service.publish(1) == 2; })) << "the two processes";
     }
-    EXPECT_EQ(0, child.wait());
-    EXPECT_EQ(1u, service.publish(1)) << "the parent's stands";
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(service.publish(1), 1u) << "the parent's stands";
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
 TEST_F(EventsTest, ASubscriberThatDiesIsForgotten)
@@ -596,8 +596,8 @@ TEST_F(EventsTest, ASubscriberThatDiesIsForgotten)
     ASSERT_TRUE(eventually([&] { return service.publish(1) == 1; }));
     child.kill(SIGKILL);
     child.wait();
-    EXPECT_EQ(0u, service.publish(1));
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    EXPECT_EQ(service.publish(1), 0u);
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
 }
 
 koriil::Descriptor listenByHand()
@@ -605,9 +605,9 @@ koriil::Descriptor listenByHand()
     koriil::Descriptor listener(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
-    socketOf(kService).copy(address.sun_path, sizeof(address.sun_path) - 1);
-    EXPECT_EQ(0, bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
-    EXPECT_EQ(0, listen(listener.get(), 8));
+    socketOf(kService).copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(listen(listener.get(), 8), 0);
     return listener;
 }
 
@@ -632,12 +632,12 @@ TEST_F(EventsTest, AnUnknownChannelIsReplacedOnce)
             Peer secondChannel(accept(listener.get(), nullptr, nullptr));
             welcome(secondChannel);
             ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(koriil::PacketKind::Subscribe, request->header.kind);
+            ASSERT_EQ(request->header.kind, koriil::PacketKind::Subscribe);
             unknown.sequence = request->header.sequence;
             ASSERT_TRUE(caller.send(unknown));
             EXPECT_TRUE(secondChannel.hasEnded());
         });
-    EXPECT_EQ(KOR_IIL_BAD_EVT, subscribe()) << "twice, and it gives up";
+    EXPECT_EQ(subscribe(), KOR_IIL_BAD_EVT) << "twice, and it gives up";
     service.join();
 }
 
@@ -654,8 +654,8 @@ TEST_F(EventsTest, MalformedEventsAreDropped)
             welcome(caller);
             auto request = std::make_unique<koriil::Packet>();
             ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(koriil::PacketKind::Subscribe, request->header.kind);
-            ASSERT_EQ(1000u, request->header.channel);
+            ASSERT_EQ(request->header.kind, koriil::PacketKind::Subscribe);
+            ASSERT_EQ(request->header.channel, 1000u);
             ASSERT_TRUE(caller.send(replyTo(request->header, 0)));
 
             koriil::PacketHeader event;
@@ -672,16 +672,16 @@ TEST_F(EventsTest, MalformedEventsAreDropped)
             event.length = 4;
             ASSERT_TRUE(channel.send(event, "good"));
             ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(koriil::PacketKind::Cancel, request->header.kind);
+            ASSERT_EQ(request->header.kind, koriil::PacketKind::Cancel);
             ASSERT_TRUE(caller.send(replyTo(request->header, 0)));
             ASSERT_TRUE(channel.hasEnded()) << "it was the last";
         });
-    ASSERT_EQ(KOR_IIL_OK, subscribe());
+    ASSERT_EQ(subscribe(), KOR_IIL_OK);
     ASSERT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ("good", inbox_.events[0].data);
-    EXPECT_EQ(KOR_IIL_OK, cancel());
+    EXPECT_EQ(inbox_.events[0].data, "good");
+    EXPECT_EQ(cancel(), KOR_IIL_OK);
     service.join();
-    EXPECT_EQ(1u, inbox_.count());
+    EXPECT_EQ(inbox_.count(), 1u);
 }
 
 } // namespace

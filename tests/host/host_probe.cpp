@@ -34,7 +34,8 @@ int number(const char* text)
 int call(const char* callerId, const char* serviceId, const std::string& hexadecimal)
 {
     tarn::base::Bytes message = tarn::base::parseHex(hexadecimal).value();
-    return static_cast<int>(KorIilExecute(callerId, serviceId, 30, 1, static_cast<uint32_t>(message.size()), message.data()));
+    return static_cast<int>(
+        KorIilExecute(callerId, serviceId, 30, 1, static_cast<std::uint32_t>(message.size()), message.data()));
 }
 
 // Destroyed when main has returned, and with it the main thread's connections.
@@ -45,7 +46,7 @@ struct LateCaller
         if (serviceId == nullptr)
             return;
         unsigned char byte = 1;
-        const uint32_t status = KorIilExecute("late", serviceId, 30, 1, 1, &byte);
+        const std::uint32_t status = KorIilExecute("late", serviceId, 30, 1, 1, &byte);
         std::printf("late call: status %u, byte %u\n", static_cast<unsigned>(status), static_cast<unsigned>(byte));
         std::fflush(stdout);
     }
@@ -57,7 +58,7 @@ LateCaller lateCaller;
 int end(const char* serviceId)
 {
     lateCaller.serviceId = serviceId;
-    const auto ignore = [](const char*, uint32_t, const void*, uint32_t) {};
+    const auto ignore = [](const char*, std::uint32_t, const void*, std::uint32_t) {};
     std::thread([=] { call("thread", serviceId, "00"); }).join();
     if (call("main", serviceId, "00") != KOR_IIL_OK)
         return 1;
@@ -70,10 +71,11 @@ int main(int argc, char** argv)
 {
     const std::string mode = argc > 1 ? argv[1] : "";
     if (mode == "trace" && argc == 6)
-        KorIilTrace(static_cast<uint32_t>(number(argv[2])), argv[3], static_cast<uint32_t>(number(argv[4])), "%s", argv[5]);
+        KorIilTrace(static_cast<std::uint32_t>(number(argv[2])), argv[3], static_cast<std::uint32_t>(number(argv[4])), "%s",
+                    argv[5]);
     else if (mode == "trace-again" && argc == 4)
         for (int i = 0; i < number(argv[2]); ++i)
-            KorIilTrace(1, "probe", static_cast<uint32_t>(i), "%s", argv[3]);
+            KorIilTrace(1, "probe", static_cast<std::uint32_t>(i), "%s", argv[3]);
     else if (mode == "call" && argc == 5)
         return call(argv[2], argv[3], argv[4]);
     else if (mode == "end" && argc == 3)

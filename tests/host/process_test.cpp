@@ -35,7 +35,7 @@ protected:
         return {exitCode, contentOf(output), contentOf(errors)};
     }
 
-    Result trace(uint32_t level, const std::string& text, const Environment& environment = {}) const
+    Result trace(std::uint32_t level, const std::string& text, const Environment& environment = {}) const
     {
         return probe({"trace", std::to_string(level), "tarn_api", "123", text}, environment);
     }
@@ -89,8 +89,8 @@ const std::string kTime = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z)";
 TEST_F(ProcessTest, ATraceIsOneLineOnStandardError)
 {
     const Result result = trace(1, "level is NULL");
-    EXPECT_EQ(0, result.exitCode);
-    EXPECT_EQ("", result.output);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "");
     EXPECT_TRUE(std::regex_match(result.errors, std::regex(kTime + " error tarn_api:123 level is NULL\n"))) << result.errors;
 }
 
@@ -98,24 +98,24 @@ TEST_F(ProcessTest, LevelsHaveNames)
 {
     const Environment all = {{"KORIIL_TRACE", "4294967295"}};
     const char* const names[] = {"level0", "error", "warning", "notice", "debug", "level5"};
-    for (uint32_t level = 0; level < 6; ++level)
+    for (std::uint32_t level = 0; level < 6; ++level)
     {
         const std::string line = trace(level, "text", all).errors;
-        EXPECT_NE(std::string::npos, line.find(std::string(" ") + names[level] + " tarn_api:123 text\n")) << line;
+        EXPECT_NE(line.find(std::string(" ") + names[level] + " tarn_api:123 text\n"), std::string::npos) << line;
     }
 }
 
 TEST_F(ProcessTest, TheHighestLevelShownCanBeChosen)
 {
-    EXPECT_NE("", trace(3, "text").errors) << "3 if nothing is said";
-    EXPECT_EQ("", trace(4, "text").errors);
-    EXPECT_NE("", trace(3, "text", {{"KORIIL_TRACE", ""}}).errors);
-    EXPECT_NE("", trace(1, "text", {{"KORIIL_TRACE", "1"}}).errors);
-    EXPECT_EQ("", trace(2, "text", {{"KORIIL_TRACE", "1"}}).errors);
-    EXPECT_NE("", trace(4, "text", {{"KORIIL_TRACE", "4"}}).errors);
-    EXPECT_EQ("", trace(1, "text", {{"KORIIL_TRACE", "off"}}).errors);
-    EXPECT_EQ("", trace(0, "text", {{"KORIIL_TRACE", "off"}}).errors);
-    EXPECT_EQ("", trace(1, "text", {{"KORIIL_TRACE", "0"}}).errors);
+    EXPECT_NE(trace(3, "text").errors, "") << "3 if nothing is said";
+    EXPECT_EQ(trace(4, "text").errors, "");
+    EXPECT_NE(trace(3, "text", {{"KORIIL_TRACE", ""}}).errors, "");
+    EXPECT_NE(trace(1, "text", {{"KORIIL_TRACE", "1"}}).errors, "");
+    EXPECT_EQ(trace(2, "text", {{"KORIIL_TRACE", "1"}}).errors, "");
+    EXPECT_NE(trace(4, "text", {{"KORIIL_TRACE", "4"}}).errors, "");
+    EXPECT_EQ(trace(1, "text", {{"KORIIL_TRACE", "off"}}).errors, "");
+    EXPECT_EQ(trace(0, "text", {{"KORIIL_TRACE", "off"}}).errors, "");
+    EXPECT_EQ(trace(1, "text", {{"KORIIL_TRACE", "0"}}).errors, "");
 }
 
 TEST_F(ProcessTest, ASettingThatIsNoneIsSaidOnce)
@@ -123,20 +123,19 @@ TEST_F(ProcessTest, ASettingThatIsNoneIsSaidOnce)
     for (const char* value : {"loud", "-1", "1x", "99999999999999999999", " 1"})
     {
         const auto lines = linesOf(probe({"trace-again", "3", "text"}, {{"KORIIL_TRACE", value}}).errors);
-        ASSERT_EQ(4u, lines.size());
-        EXPECT_EQ(std::string("koriil: KORIIL_TRACE is '") + value +
-                      "'; expected off or the number of the highest level to show, 1 to 4",
-                  lines[0]);
+        ASSERT_EQ(lines.size(), 4u);
+        EXPECT_EQ(lines[0], std::string("koriil: KORIIL_TRACE is '") + value +
+                                "'; expected off or the number of the highest level to show, 1 to 4");
     }
 }
 
 TEST_F(ProcessTest, ATraceFileIsAppendedTo)
 {
     const std::string path = directory() + "/trace";
-    EXPECT_EQ("", trace(1, "first", {{"KORIIL_TRACE_FILE", path}}).errors);
-    EXPECT_EQ("", trace(1, "second", {{"KORIIL_TRACE_FILE", path}}).errors);
+    EXPECT_EQ(trace(1, "first", {{"KORIIL_TRACE_FILE", path}}).errors, "");
+    EXPECT_EQ(trace(1, "second", {{"KORIIL_TRACE_FILE", path}}).errors, "");
     const auto lines = linesOf(contentOf(path));
-    ASSERT_EQ(2u, lines.size());
+    ASSERT_EQ(lines.size(), 2u);
     EXPECT_TRUE(std::regex_match(lines[0], std::regex(kTime + " error tarn_api:123 first")));
     EXPECT_TRUE(std::regex_match(lines[1], std::regex(kTime + " error tarn_api:123 second")));
 }
@@ -145,41 +144,41 @@ TEST_F(ProcessTest, ATraceFileThatCannotBeOpenedIsSaidOnce)
 {
     const std::string path = directory() + "/missing/trace";
     const auto lines = linesOf(probe({"trace-again", "3", "text"}, {{"KORIIL_TRACE_FILE", path}}).errors);
-    ASSERT_EQ(4u, lines.size());
-    EXPECT_EQ("koriil: trace file " + path + " cannot be opened (No such file or directory); tracing to standard error",
-              lines[0]);
-    EXPECT_NE(std::string::npos, lines[3].find("error probe:2 text"));
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0],
+              "koriil: trace file " + path + " cannot be opened (No such file or directory); tracing to standard error");
+    EXPECT_NE(lines[3].find("error probe:2 text"), std::string::npos);
 }
 
 TEST_F(ProcessTest, ALongRecordIsCutAndSaysSo)
 {
-    for (const size_t length : {size_t{1100}, size_t{5000}})
+    for (const std::size_t length : {std::size_t{1100}, std::size_t{5000}})
     {
         const std::string line = trace(1, std::string(length, 'x')).errors;
-        EXPECT_EQ(1024u, line.size());
-        EXPECT_EQ("xxx [cut]\n", line.substr(line.size() - 10));
+        EXPECT_EQ(line.size(), 1024u);
+        EXPECT_EQ(line.substr(line.size() - 10), "xxx [cut]\n");
     }
     const std::string whole = trace(1, std::string(900, 'x') + "end").errors;
-    EXPECT_EQ("xxxend\n", whole.substr(whole.size() - 7));
+    EXPECT_EQ(whole.substr(whole.size() - 7), "xxxend\n");
 }
 
 TEST_F(ProcessTest, ALongTagIsCutToo)
 {
     const std::string line = probe({"trace", "1", std::string(3000, 't'), "1", "text"}).errors;
-    EXPECT_EQ(1024u, line.size());
-    EXPECT_EQ("ttt [cut]\n", line.substr(line.size() - 10));
+    EXPECT_EQ(line.size(), 1024u);
+    EXPECT_EQ(line.substr(line.size() - 10), "ttt [cut]\n");
 }
 
 TEST_F(ProcessTest, ControlCharactersAreEscaped)
 {
     const std::string line = trace(1, "a\nb\tc\x1B[31m\x7F\xC3\xA4").errors;
-    EXPECT_NE(std::string::npos, line.find(" a\\x0Ab\\x09c\\x1B[31m\\x7F\\xC3\\xA4\n")) << line;
-    EXPECT_EQ(1u, linesOf(line).size());
+    EXPECT_NE(line.find(" a\\x0Ab\\x09c\\x1B[31m\\x7F\\xC3\\xA4\n"), std::string::npos) << line;
+    EXPECT_EQ(linesOf(line).size(), 1u);
 }
 
 TEST_F(ProcessTest, AnEscapeIsNeverCutInTwo)
 {
-    for (size_t length = 960; length < 1000; ++length)
+    for (std::size_t length = 960; length < 1000; ++length)
     {
         const std::string line = trace(1, std::string(length, 'x') + std::string(40, '\n')).errors;
         EXPECT_LE(line.size(), 1024u);
@@ -197,7 +196,7 @@ TEST_F(ProcessTest, LinesOfManyProcessesDoNotMix)
     for (std::thread& thread : threads)
         thread.join();
     const auto lines = linesOf(contentOf(path));
-    EXPECT_EQ(200u, lines.size());
+    EXPECT_EQ(lines.size(), 200u);
     const std::regex form(kTime + " error probe:\\d+ x+");
     for (const std::string& line : lines)
         EXPECT_TRUE(line.size() > text.size() && std::regex_match(line, form)) << line;
@@ -207,19 +206,19 @@ TEST_F(ProcessTest, LinesOfManyProcessesDoNotMix)
 
 TEST_F(ProcessTest, ARefusedDirectoryIsExplained)
 {
-    ASSERT_EQ(0, chmod(directory().c_str(), 0770));
+    ASSERT_EQ(chmod(directory().c_str(), 0770), 0);
     const Result result = probe({"call", kCaller, kService, "00"});
-    EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, result.exitCode);
-    EXPECT_NE(std::string::npos, result.errors.find(" warning koriil:")) << result.errors;
-    EXPECT_NE(std::string::npos, result.errors.find("runtime directory " + directory() + " refused: others may write to it"));
+    EXPECT_EQ(result.exitCode, KOR_IIL_UNKNOWN_COMM);
+    EXPECT_NE(result.errors.find(" warning koriil:"), std::string::npos) << result.errors;
+    EXPECT_NE(result.errors.find("runtime directory " + directory() + " refused: others may write to it"), std::string::npos);
 }
 
 TEST_F(ProcessTest, ALongPathIsExplained)
 {
     const std::string path = directory() + "/" + std::string(80, 'x');
     const Result result = probe({"call", kCaller, kService, "00"}, {{"KORIIL_DIR", path}});
-    EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, result.exitCode);
-    EXPECT_NE(std::string::npos, result.errors.find("at most 107 fit; set KORIIL_DIR to a shorter one")) << result.errors;
+    EXPECT_EQ(result.exitCode, KOR_IIL_UNKNOWN_COMM);
+    EXPECT_NE(result.errors.find("at most 107 fit; set KORIIL_DIR to a shorter one"), std::string::npos) << result.errors;
 }
 
 // --- Recording ---------------------------------------------------------------------------------------------------------------
@@ -229,13 +228,13 @@ TEST_F(ProcessTest, ARecordingHasALineForEachCall)
     const std::string path = directory() + "/record";
     const Environment recording = {{"KORIIL_RECORD", path}};
     RunningService service;
-    EXPECT_EQ(0, probe({"call", "web", kService, "00417fff"}, recording).exitCode);
-    EXPECT_EQ(0, probe({"call", "a\"\\\n\xE4", kService, ""}, recording).exitCode);
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, probe({"call", "web", "NOBODY", "00"}, recording).exitCode);
-    EXPECT_EQ(KOR_IIL_UNKNOWN_SRC_ID, probe({"call", "", kService, "00"}, recording).exitCode);
+    EXPECT_EQ(probe({"call", "web", kService, "00417fff"}, recording).exitCode, 0);
+    EXPECT_EQ(probe({"call", "a\"\\\n\xE4", kService, ""}, recording).exitCode, 0);
+    EXPECT_EQ(probe({"call", "web", "NOBODY", "00"}, recording).exitCode, KOR_IIL_UNKNOWN_DST_ID);
+    EXPECT_EQ(probe({"call", "", kService, "00"}, recording).exitCode, KOR_IIL_UNKNOWN_SRC_ID);
 
     const auto lines = linesOf(contentOf(path));
-    ASSERT_EQ(4u, lines.size());
+    ASSERT_EQ(lines.size(), 4u);
     const std::string front = R"(\{"time":")" + kTime + R"(","pid":\d+,"caller":)";
     const std::string rest[] = {
         R"("web","service":"SERVICE","command":1,"wait":30,"length":4,"request":"00417fff","status":0,"reply":"01428000"\})",
@@ -244,7 +243,7 @@ TEST_F(ProcessTest, ARecordingHasALineForEachCall)
         R"("web","service":"NOBODY","command":1,"wait":30,"length":1,"request":"00","status":9,"reply":null\})",
         R"("","service":"SERVICE","command":1,"wait":30,"length":1,"request":null,"status":8,"reply":null\})",
     };
-    for (size_t i = 0; i < 4; ++i)
+    for (std::size_t i = 0; i < 4; ++i)
         EXPECT_TRUE(std::regex_match(lines[i], std::regex(front + rest[i]))) << lines[i];
 }
 
@@ -255,26 +254,26 @@ TEST_F(ProcessTest, ALongMessageIsRecordedWhole)
     std::string hexadecimal;
     for (int i = 0; i < 9584; ++i)
         hexadecimal += "7f";
-    EXPECT_EQ(0, probe({"call", "web", kService, hexadecimal}, {{"KORIIL_RECORD", path}}).exitCode);
+    EXPECT_EQ(probe({"call", "web", kService, hexadecimal}, {{"KORIIL_RECORD", path}}).exitCode, 0);
     const std::string line = contentOf(path);
-    EXPECT_NE(std::string::npos, line.find("\"request\":\"" + hexadecimal + "\""));
-    EXPECT_EQ('\n', line.back());
+    EXPECT_NE(line.find("\"request\":\"" + hexadecimal + "\""), std::string::npos);
+    EXPECT_EQ(line.back(), '\n');
 }
 
 TEST_F(ProcessTest, ARecordingThatCannotBeMadeIsSaidAndTheCallIsDone)
 {
     RunningService service;
     const Result result = probe({"call", "web", kService, "00"}, {{"KORIIL_RECORD", directory() + "/missing/record"}});
-    EXPECT_EQ(KOR_IIL_OK, result.exitCode);
-    EXPECT_NE(std::string::npos, result.errors.find("cannot be opened, calls are not recorded: No such file")) << result.errors;
+    EXPECT_EQ(result.exitCode, KOR_IIL_OK);
+    EXPECT_NE(result.errors.find("cannot be opened, calls are not recorded: No such file"), std::string::npos) << result.errors;
 }
 
 TEST_F(ProcessTest, NothingIsSaidWhenNothingIsWrong)
 {
     RunningService service;
     const Result result = probe({"call", "web", kService, "00"});
-    EXPECT_EQ(KOR_IIL_OK, result.exitCode);
-    EXPECT_EQ("", result.errors);
+    EXPECT_EQ(result.exitCode, KOR_IIL_OK);
+    EXPECT_EQ(result.errors, "");
 }
 
 // --- The end -----------------------------------------------------------------------------------------------------------------
@@ -286,9 +285,9 @@ TEST_F(ProcessTest, AProcessEndsWithEverythingOpen)
     for (int i = 0; i < 10; ++i)
     {
         const Result result = probe({"end", kService});
-        EXPECT_EQ(0, result.exitCode);
-        EXPECT_EQ("late call: status 0, byte 2\n", result.output);
-        EXPECT_EQ("", result.errors);
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.output, "late call: status 0, byte 2\n");
+        EXPECT_EQ(result.errors, "");
     }
 }
 

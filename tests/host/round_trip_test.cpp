@@ -24,8 +24,8 @@ using RoundTripTest = HostTest;
 TEST_F(RoundTripTest, MessagesOfEveryLengthComeBackAnswered)
 {
     RunningService service;
-    for (const uint32_t length : {0u, 1u, 8u, 12u, 144u, 4444u, 9376u, 9584u, 65535u, 65536u})
-        EXPECT_EQ(KOR_IIL_OK, callOnce(length)) << length;
+    for (const std::uint32_t length : {0u, 1u, 8u, 12u, 144u, 4444u, 9376u, 9584u, 65535u, 65536u})
+        EXPECT_EQ(callOnce(length), KOR_IIL_OK) << length;
 }
 
 TEST_F(RoundTripTest, TheServiceSeesTheRequestAsItWasMade)
@@ -42,27 +42,27 @@ TEST_F(RoundTripTest, TheServiceSeesTheRequestAsItWasMade)
         });
 
     char bytes[] = "twelve bytes";
-    ASSERT_EQ(KOR_IIL_OK, KorIilExecute("web.interface", kService, kAmple, 0xFEDCBA98u, 12, bytes));
-    EXPECT_EQ("web.interface", callerId);
-    EXPECT_EQ("twelve bytes", message);
-    EXPECT_EQ(0xFEDCBA98u, seen.command);
-    EXPECT_EQ(12u, seen.length);
-    EXPECT_EQ(kAmple, seen.wait);
-    EXPECT_EQ(static_cast<uint32_t>(getpid()), seen.processId);
-    EXPECT_STREQ("twelve bytes", bytes);
+    ASSERT_EQ(KorIilExecute("web.interface", kService, kAmple, 0xFEDCBA98u, 12, bytes), KOR_IIL_OK);
+    EXPECT_EQ(callerId, "web.interface");
+    EXPECT_EQ(message, "twelve bytes");
+    EXPECT_EQ(seen.command, 0xFEDCBA98u);
+    EXPECT_EQ(seen.length, 12u);
+    EXPECT_EQ(seen.wait, kAmple);
+    EXPECT_EQ(seen.processId, static_cast<std::uint32_t>(getpid()));
+    EXPECT_STREQ(bytes, "twelve bytes");
 }
 
 TEST_F(RoundTripTest, MessagesAreAlignedForAnyType)
 {
-    std::atomic<uintptr_t> address{1};
+    std::atomic<std::uintptr_t> address{1};
     RunningService service(
         [&](const KorIilRequest&, unsigned char* bytes)
         {
-            address = reinterpret_cast<uintptr_t>(bytes);
+            address = reinterpret_cast<std::uintptr_t>(bytes);
             return KOR_IIL_OK;
         });
-    ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr));
-    EXPECT_EQ(0u, address % alignof(max_align_t));
+    ASSERT_EQ(KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr), KOR_IIL_OK);
+    EXPECT_EQ(address % alignof(std::max_align_t), 0u);
 }
 
 TEST_F(RoundTripTest, OneConnectionCarriesSeveralCallers)
@@ -75,8 +75,8 @@ TEST_F(RoundTripTest, OneConnectionCarriesSeveralCallers)
             return KOR_IIL_OK;
         });
     for (const char* id : {"a longer identifier", "b", "a longer identifier"})
-        ASSERT_EQ(KOR_IIL_OK, KorIilExecute(id, kService, kAmple, 1, 0, nullptr));
-    EXPECT_EQ((std::vector<std::string>{"a longer identifier", "b", "a longer identifier"}), callers);
+        ASSERT_EQ(KorIilExecute(id, kService, kAmple, 1, 0, nullptr), KOR_IIL_OK);
+    EXPECT_EQ(callers, (std::vector<std::string>{"a longer identifier", "b", "a longer identifier"}));
 }
 
 TEST_F(RoundTripTest, OneThreadTalksToSeveralServices)
@@ -94,8 +94,8 @@ TEST_F(RoundTripTest, OneThreadTalksToSeveralServices)
         for (const char* id : {"A", "C", "B", "B"})
         {
             char byte = 0;
-            ASSERT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, id, kAmple, 1, 1, &byte));
-            EXPECT_EQ(id[0], byte);
+            ASSERT_EQ(KorIilExecute(kCaller, id, kAmple, 1, 1, &byte), KOR_IIL_OK);
+            EXPECT_EQ(byte, id[0]);
         }
 }
 
@@ -104,17 +104,17 @@ TEST_F(RoundTripTest, AServiceCallsAnother)
     RunningService back(addOne, "BACK");
     RunningService front([](const KorIilRequest& request, unsigned char* bytes)
                          { return KorIilExecute("FRONT", "BACK", kAmple, request.command, request.length, bytes); });
-    EXPECT_EQ(KOR_IIL_OK, callOnce(144));
+    EXPECT_EQ(callOnce(144), KOR_IIL_OK);
 }
 
 TEST_F(RoundTripTest, BothEndsCanBeWrittenInC)
 {
     KorIilService* service = openServiceInC(kService);
-    ASSERT_NE(nullptr, service);
-    std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
-    uint32_t doubled = 0;
-    EXPECT_EQ(KOR_IIL_OK, callInC(kService, 21, &doubled));
-    EXPECT_EQ(42u, doubled);
+    ASSERT_NE(service, nullptr);
+    std::thread loop([=] { EXPECT_EQ(KorIilServiceRun(service), KOR_IIL_OK); });
+    std::uint32_t doubled = 0;
+    EXPECT_EQ(callInC(kService, 21, &doubled), KOR_IIL_OK);
+    EXPECT_EQ(doubled, 42u);
     KorIilServiceStop(service);
     loop.join();
     KorIilServiceClose(service);
@@ -124,28 +124,28 @@ TEST_F(RoundTripTest, BothEndsCanBeWrittenInC)
 TEST_F(RoundTripTest, RepliesOfManyThreadsAreNeverCrossed)
 {
     constexpr int kThreads = 64;
-    constexpr uint32_t kCalls = 100;
+    constexpr std::uint32_t kCalls = 100;
     RunningService service(
         [](const KorIilRequest& request, unsigned char* bytes)
         {
-            for (uint32_t i = 0; i < request.length; ++i)
+            for (std::uint32_t i = 0; i < request.length; ++i)
                 bytes[i] = static_cast<unsigned char>(bytes[i] ^ (request.command + i));
             return KOR_IIL_OK;
         });
 
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
-    for (uint32_t thread = 0; thread < kThreads; ++thread)
+    for (std::uint32_t thread = 0; thread < kThreads; ++thread)
         threads.emplace_back(
             [&wrong, thread]
             {
-                for (uint32_t call = 0; call < kCalls; ++call)
+                for (std::uint32_t call = 0; call < kCalls; ++call)
                 {
-                    const uint32_t length = 4 + (thread * 37 + call * 101) % 3000;
-                    const uint32_t command = thread << 16 | call;
+                    const std::uint32_t length = 4 + (thread * 37 + call * 101) % 3000;
+                    const std::uint32_t command = thread << 16 | call;
                     std::vector<unsigned char> message(length, static_cast<unsigned char>(thread));
                     bool right = KorIilExecute(kCaller, kService, kAmple, command, length, message.data()) == KOR_IIL_OK;
-                    for (uint32_t i = 0; i < length; ++i)
+                    for (std::uint32_t i = 0; i < length; ++i)
                         right = right && message[i] == static_cast<unsigned char>(thread ^ (command + i));
                     if (!right)
                         ++wrong;
@@ -153,7 +153,7 @@ TEST_F(RoundTripTest, RepliesOfManyThreadsAreNeverCrossed)
             });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(0, wrong);
+    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(RoundTripTest, ManyProcessesCallAtOnce)
@@ -166,17 +166,17 @@ TEST_F(RoundTripTest, ManyProcessesCallAtOnce)
             {
                 for (int call = 0; call < 50; ++call)
                 {
-                    uint32_t words[3] = {1, 2, 3};
-                    if (KorIilExecute(kCaller, kService, kAmple, 1, sizeof(words), words) != KOR_IIL_OK)
+                    std::uint32_t words[3] = {1, 2, 3};
+                    if (KorIilExecute(kCaller, kService, kAmple, 1, sizeof words, words) != KOR_IIL_OK)
                         return 1;
-                    for (uint32_t word = 0; word < 3; ++word)
+                    for (std::uint32_t word = 0; word < 3; ++word)
                         if (words[word] != word + 1 + 0x01010101u)
                             return 2;
                 }
                 return 0;
             }));
     for (const auto& child : children)
-        EXPECT_EQ(0, child->wait());
+        EXPECT_EQ(child->wait(), 0);
 }
 
 } // namespace

@@ -18,11 +18,11 @@ namespace
 class RuntimeDirectoryTest : public HostTest
 {
 protected:
-    static uint32_t open()
+    static std::uint32_t open()
     {
-        const auto refuse = [](void*, const KorIilRequest*, void*) -> uint32_t { return KOR_IIL_UNSUPPORT; };
+        const auto refuse = [](void*, const KorIilRequest*, void*) -> std::uint32_t { return KOR_IIL_UNSUPPORT; };
         KorIilService* service = nullptr;
-        const uint32_t status = KorIilServiceOpen(kService, 0, refuse, nullptr, &service);
+        const std::uint32_t status = KorIilServiceOpen(kService, 0, refuse, nullptr, &service);
         KorIilServiceClose(service);
         return status;
     }
@@ -35,16 +35,16 @@ protected:
     static void expectRefused(const std::string& path)
     {
         use(path);
-        EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, callOnce()) << path;
-        EXPECT_EQ(KOR_IIL_UNKNOWN_COMM, open()) << path;
-        EXPECT_EQ(KOR_IIL_UNKNOWN_COMM,
-                  KorIilSubscribeEvent(kCaller, kService, 1, [](const char*, uint32_t, const void*, uint32_t) {}));
+        EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_COMM) << path;
+        EXPECT_EQ(open(), KOR_IIL_UNKNOWN_COMM) << path;
+        EXPECT_EQ(KorIilSubscribeEvent(kCaller, kService, 1, [](const char*, std::uint32_t, const void*, std::uint32_t) {}),
+                  KOR_IIL_UNKNOWN_COMM);
     }
 
     static std::string chosen()
     {
         std::string path;
-        EXPECT_EQ(KOR_IIL_OK, koriil::findRuntimeDirectory(path));
+        EXPECT_EQ(koriil::findRuntimeDirectory(path), KOR_IIL_OK);
         return path;
     }
 };
@@ -52,7 +52,7 @@ protected:
 TEST_F(RuntimeDirectoryTest, KoriilDirComesFirst)
 {
     setenv("XDG_RUNTIME_DIR", "/nowhere", 1);
-    EXPECT_EQ(directory(), chosen());
+    EXPECT_EQ(chosen(), directory());
     unsetenv("XDG_RUNTIME_DIR");
 }
 
@@ -60,9 +60,9 @@ TEST_F(RuntimeDirectoryTest, ThenTheSessionsOwn)
 {
     unsetenv("KORIIL_DIR");
     setenv("XDG_RUNTIME_DIR", directory().c_str(), 1);
-    EXPECT_EQ(directory() + "/koriil", chosen());
+    EXPECT_EQ(chosen(), directory() + "/koriil");
     use("");
-    EXPECT_EQ(directory() + "/koriil", chosen()) << "an empty setting is none";
+    EXPECT_EQ(chosen(), directory() + "/koriil") << "an empty setting is none";
     unsetenv("XDG_RUNTIME_DIR");
 }
 
@@ -72,7 +72,7 @@ TEST_F(RuntimeDirectoryTest, ThenOnePerUser)
     unsetenv("XDG_RUNTIME_DIR");
     const std::string expected = "/tmp/koriil-" + std::to_string(geteuid());
     const bool existed = std::filesystem::exists(expected);
-    EXPECT_EQ(expected, chosen());
+    EXPECT_EQ(chosen(), expected);
     if (!existed)
         rmdir(expected.c_str());
 }
@@ -81,16 +81,16 @@ TEST_F(RuntimeDirectoryTest, AMissingOneIsMadeForItsOwnerAlone)
 {
     const std::string path = directory() + "/new";
     use(path);
-    EXPECT_EQ(KOR_IIL_OK, open());
+    EXPECT_EQ(open(), KOR_IIL_OK);
     struct stat status = {};
-    ASSERT_EQ(0, lstat(path.c_str(), &status));
-    EXPECT_EQ(S_IFDIR | 0700u, status.st_mode);
+    ASSERT_EQ(lstat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFDIR | 0700u);
 }
 
 TEST_F(RuntimeDirectoryTest, SlashesAtTheEndDoNotMatter)
 {
     use(directory() + "//");
-    EXPECT_EQ(directory(), chosen());
+    EXPECT_EQ(chosen(), directory());
 }
 
 TEST_F(RuntimeDirectoryTest, OneWhoseParentIsMissingIsRefused)
@@ -121,11 +121,11 @@ TEST_F(RuntimeDirectoryTest, OneThatOthersMayWriteToIsRefused)
 {
     for (const mode_t mode : {0770u, 0720u, 0702u, 01777u})
     {
-        ASSERT_EQ(0, chmod(directory().c_str(), mode));
+        ASSERT_EQ(chmod(directory().c_str(), mode), 0);
         expectRefused(directory());
     }
-    ASSERT_EQ(0, chmod(directory().c_str(), 0755));
-    EXPECT_EQ(KOR_IIL_OK, open()) << "others may look";
+    ASSERT_EQ(chmod(directory().c_str(), 0755), 0);
+    EXPECT_EQ(open(), KOR_IIL_OK) << "others may look";
 }
 
 TEST_F(RuntimeDirectoryTest, AnotherUsersIsRefused)
@@ -134,8 +134,8 @@ TEST_F(RuntimeDirectoryTest, AnotherUsersIsRefused)
         GTEST_SKIP() << "only root can give a directory away";
     const std::string path = directory() + "/theirs";
     std::filesystem::create_directory(path);
-    ASSERT_EQ(0, chmod(path.c_str(), 0700));
-    ASSERT_EQ(0, chown(path.c_str(), 65534, 65534));
+    ASSERT_EQ(chmod(path.c_str(), 0700), 0);
+    ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
     expectRefused(path);
 }
 
@@ -144,7 +144,7 @@ TEST_F(RuntimeDirectoryTest, APathTooLongForASocketIsRefused)
     std::string path = directory() + "/";
     path.append(107 - path.size() - std::string("/SERVICE.socket").size(), 'x');
     use(path);
-    EXPECT_EQ(KOR_IIL_OK, open()) << "the longest that fits";
+    EXPECT_EQ(open(), KOR_IIL_OK) << "the longest that fits";
     expectRefused(path + "x");
 }
 

@@ -18,12 +18,12 @@ namespace
 class ServiceTest : public HostTest
 {
 protected:
-    static uint32_t refuse(void*, const KorIilRequest*, void*)
+    static std::uint32_t refuse(void*, const KorIilRequest*, void*)
     {
         return KOR_IIL_UNSUPPORT;
     }
 
-    static uint32_t open(KorIilService*& service, const char* serviceId = kService)
+    static std::uint32_t open(KorIilService*& service, const char* serviceId = kService)
     {
         return KorIilServiceOpen(serviceId, 5, refuse, nullptr, &service);
     }
@@ -32,11 +32,11 @@ protected:
 TEST_F(ServiceTest, ANameBelongsToOne)
 {
     KorIilService *first = nullptr, *second = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, open(first));
-    EXPECT_EQ(KOR_IIL_CONFLICT_ID, open(second));
-    EXPECT_EQ(nullptr, second);
+    ASSERT_EQ(open(first), KOR_IIL_OK);
+    EXPECT_EQ(open(second), KOR_IIL_CONFLICT_ID);
+    EXPECT_EQ(second, nullptr);
     KorIilServiceClose(first);
-    EXPECT_EQ(KOR_IIL_OK, open(second));
+    EXPECT_EQ(open(second), KOR_IIL_OK);
     KorIilServiceClose(second);
 }
 
@@ -44,10 +44,10 @@ TEST_F(ServiceTest, ANameBelongsToOneProcess)
 {
     ServiceProcess owner;
     KorIilService* service = nullptr;
-    EXPECT_EQ(KOR_IIL_CONFLICT_ID, open(service));
-    EXPECT_EQ(KOR_IIL_OK, callOnce()) << "the owner is not disturbed";
+    EXPECT_EQ(open(service), KOR_IIL_CONFLICT_ID);
+    EXPECT_EQ(callOnce(), KOR_IIL_OK) << "the owner is not disturbed";
     owner.kill();
-    EXPECT_EQ(KOR_IIL_OK, open(service)) << "what it left behind is cleared away";
+    EXPECT_EQ(open(service), KOR_IIL_OK) << "what it left behind is cleared away";
     KorIilServiceClose(service);
 }
 
@@ -56,7 +56,7 @@ TEST_F(ServiceTest, AnyOtherNameIsFree)
     RunningService first(addOne, "FIRST"), second(addOne, "SECOND"), third(addOne, "FIRST.socket"),
         fourth(addOne, "FIRST.lock");
     for (const char* id : {"FIRST", "SECOND", "FIRST.socket", "FIRST.lock"})
-        EXPECT_EQ(KOR_IIL_OK, callOnce(12, kAmple, id));
+        EXPECT_EQ(callOnce(12, kAmple, id), KOR_IIL_OK);
 }
 
 TEST_F(ServiceTest, OfManyWhoWantANameOneGetsIt)
@@ -70,7 +70,7 @@ TEST_F(ServiceTest, OfManyWhoWantANameOneGetsIt)
                 [&]
                 {
                     KorIilService* service = nullptr;
-                    const uint32_t status = open(service);
+                    const std::uint32_t status = open(service);
                     ++(status == KOR_IIL_OK ? opened : refused);
                     EXPECT_TRUE(status == KOR_IIL_OK || status == KOR_IIL_CONFLICT_ID);
                     EXPECT_TRUE(
@@ -79,39 +79,39 @@ TEST_F(ServiceTest, OfManyWhoWantANameOneGetsIt)
                 });
         for (std::thread& thread : threads)
             thread.join();
-        EXPECT_EQ(1, opened);
-        EXPECT_EQ(7, refused);
+        EXPECT_EQ(opened, 1);
+        EXPECT_EQ(refused, 7);
     }
 }
 
 TEST_F(ServiceTest, ClosingTakesTheSocketAway)
 {
     KorIilService* service = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, open(service));
-    EXPECT_EQ(0, access(socketOf(kService).c_str(), F_OK));
+    ASSERT_EQ(open(service), KOR_IIL_OK);
+    EXPECT_EQ(access(socketOf(kService).c_str(), F_OK), 0);
     KorIilServiceClose(service);
-    EXPECT_NE(0, access(socketOf(kService).c_str(), F_OK));
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, callOnce());
+    EXPECT_NE(access(socketOf(kService).c_str(), F_OK), 0);
+    EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(ServiceTest, AChildOfTheServiceTakesNothingAway)
 {
     KorIilService* service = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, open(service));
+    ASSERT_EQ(open(service), KOR_IIL_OK);
     Child child(
         [&]
         {
             KorIilServiceClose(service);
             return 0;
         });
-    EXPECT_EQ(0, child.wait());
-    EXPECT_EQ(0, access(socketOf(kService).c_str(), F_OK));
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(access(socketOf(kService).c_str(), F_OK), 0);
     KorIilService* second = nullptr;
-    EXPECT_EQ(KOR_IIL_CONFLICT_ID, open(second));
+    EXPECT_EQ(open(second), KOR_IIL_CONFLICT_ID);
 
     Child survivor([] { return pause(); });
     KorIilServiceClose(service);
-    EXPECT_EQ(KOR_IIL_OK, open(second)) << "a child alive does not keep the name";
+    EXPECT_EQ(open(second), KOR_IIL_OK) << "a child alive does not keep the name";
     KorIilServiceClose(second);
 }
 
@@ -119,7 +119,7 @@ TEST_F(ServiceTest, WhatCannotBeClearedAwayIsAnError)
 {
     std::filesystem::create_directory(socketOf(kService));
     KorIilService* service = nullptr;
-    EXPECT_EQ(KOR_IIL_ERR, open(service));
+    EXPECT_EQ(open(service), KOR_IIL_ERR);
 }
 
 TEST_F(ServiceTest, ALockFileThatIsALinkIsAnError)
@@ -128,27 +128,27 @@ TEST_F(ServiceTest, ALockFileThatIsALinkIsAnError)
     std::ofstream(victim) << "text";
     std::filesystem::create_symlink(victim, directory() + "/" + kService + ".lock");
     KorIilService* service = nullptr;
-    EXPECT_EQ(KOR_IIL_ERR, open(service));
+    EXPECT_EQ(open(service), KOR_IIL_ERR);
 }
 
 TEST_F(ServiceTest, StoppedBeforeItRunsItReturnsAtOnce)
 {
     KorIilService* service = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, open(service));
+    ASSERT_EQ(open(service), KOR_IIL_OK);
     KorIilServiceStop(service);
     KorIilServiceStop(service);
-    EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service));
+    EXPECT_EQ(KorIilServiceRun(service), KOR_IIL_OK);
     KorIilServiceClose(service);
 }
 
 TEST_F(ServiceTest, ItCanBeRunAgain)
 {
     KorIilService* service = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, open(service));
+    ASSERT_EQ(open(service), KOR_IIL_OK);
     for (int i = 0; i < 3; ++i)
     {
-        std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
-        EXPECT_EQ(KOR_IIL_UNSUPPORT, callOnce());
+        std::thread loop([=] { EXPECT_EQ(KorIilServiceRun(service), KOR_IIL_OK); });
+        EXPECT_EQ(callOnce(), KOR_IIL_UNSUPPORT);
         KorIilServiceStop(service);
         loop.join();
     }
@@ -158,10 +158,10 @@ TEST_F(ServiceTest, ItCanBeRunAgain)
 TEST_F(ServiceTest, CallersWaitWhileItIsNotRunning)
 {
     KorIilService* service = nullptr;
-    ASSERT_EQ(KOR_IIL_OK, open(service));
-    std::thread caller([] { EXPECT_EQ(KOR_IIL_UNSUPPORT, callOnce()); });
+    ASSERT_EQ(open(service), KOR_IIL_OK);
+    std::thread caller([] { EXPECT_EQ(callOnce(), KOR_IIL_UNSUPPORT); });
     sleepMilliseconds(50);
-    std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
+    std::thread loop([=] { EXPECT_EQ(KorIilServiceRun(service), KOR_IIL_OK); });
     caller.join();
     KorIilServiceStop(service);
     loop.join();
@@ -178,12 +178,12 @@ TEST_F(ServiceTest, ALongRequestDoesNotCostOthersTheirPlace)
                 sleepMilliseconds(2300);
             return addOne(request, message);
         });
-    EXPECT_EQ(KOR_IIL_OK, callOnce());
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
     Peer silent = Peer::connectTo(kService); // admitted before the long request, its hello comes during it
     sleepMilliseconds(100);
-    std::thread longCaller([] { EXPECT_EQ(KOR_IIL_OK, callOnce(1)); });
+    std::thread longCaller([] { EXPECT_EQ(callOnce(1), KOR_IIL_OK); });
     sleepMilliseconds(100);
-    EXPECT_EQ(KOR_IIL_OK, silent.greet().status);
+    EXPECT_EQ(silent.greet().status, KOR_IIL_OK);
     longCaller.join();
 }
 
@@ -210,21 +210,21 @@ TEST_F(ServiceTest, ASignalHandlerCanStopIt)
         });
     ASSERT_TRUE(eventually([] { return callOnce() == KOR_IIL_UNSUPPORT; }));
     child.kill(SIGTERM);
-    EXPECT_EQ(0, child.wait());
-    EXPECT_NE(0, access(socketOf(kService).c_str(), F_OK));
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_NE(access(socketOf(kService).c_str(), F_OK), 0);
 }
 
 TEST_F(ServiceTest, AHandlerCanStopIt)
 {
     KorIilService* service = nullptr;
-    const auto stop = [](void* context, const KorIilRequest*, void*) -> uint32_t
+    const auto stop = [](void* context, const KorIilRequest*, void*) -> std::uint32_t
     {
         KorIilServiceStop(*static_cast<KorIilService**>(context));
         return KOR_IIL_OK;
     };
-    ASSERT_EQ(KOR_IIL_OK, KorIilServiceOpen(kService, 0, stop, &service, &service));
-    std::thread loop([=] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service)); });
-    EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr)) << "its last request is answered";
+    ASSERT_EQ(KorIilServiceOpen(kService, 0, stop, &service, &service), KOR_IIL_OK);
+    std::thread loop([=] { EXPECT_EQ(KorIilServiceRun(service), KOR_IIL_OK); });
+    EXPECT_EQ(KorIilExecute(kCaller, kService, kAmple, 1, 0, nullptr), KOR_IIL_OK) << "its last request is answered";
     loop.join();
     KorIilServiceClose(service);
 }

@@ -2,11 +2,13 @@
 
 #include "host/identifiers.h"
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <stdexcept>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -32,11 +34,11 @@ sockaddr_un addressOf(const char* serviceId)
 {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
-    strncpy(address.sun_path, socketOf(serviceId).c_str(), sizeof(address.sun_path) - 1);
+    std::strncpy(address.sun_path, socketOf(serviceId).c_str(), sizeof address.sun_path - 1);
     return address;
 }
 
-uint32_t swapped(uint32_t word)
+std::uint32_t swapped(std::uint32_t word)
 {
     return __builtin_bswap32(word);
 }
@@ -46,7 +48,7 @@ uint32_t swapped(uint32_t word)
 void HostTest::SetUp()
 {
     directory_ = newDirectory();
-    ASSERT_EQ(0, setenv("KORIIL_DIR", directory_.c_str(), 1));
+    ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
 }
 
 void HostTest::TearDown()
@@ -55,23 +57,23 @@ void HostTest::TearDown()
     std::filesystem::remove_all(directory_);
 }
 
-uint32_t addOne(const KorIilRequest& request, unsigned char* message)
+std::uint32_t addOne(const KorIilRequest& request, unsigned char* message)
 {
     if (request.command != 1)
         return KOR_IIL_UNKNOWN_CMD;
-    for (uint32_t i = 0; i < request.length; ++i)
+    for (std::uint32_t i = 0; i < request.length; ++i)
         message[i] = static_cast<unsigned char>(message[i] + 1);
     return KOR_IIL_OK;
 }
 
 // --- Services ----------------------------------------------------------------------------------------------------------------
 
-RunningService::RunningService(Handler handler, const char* serviceId, uint32_t eventCount) : handler_(std::move(handler))
+RunningService::RunningService(Handler handler, const char* serviceId, std::uint32_t eventCount) : handler_(std::move(handler))
 {
-    const uint32_t status = KorIilServiceOpen(serviceId, eventCount, call, this, &service_);
+    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, call, this, &service_);
     if (status != KOR_IIL_OK)
         throw std::runtime_error("the service cannot be opened: status " + std::to_string(status));
-    thread_ = std::thread([this] { EXPECT_EQ(KOR_IIL_OK, KorIilServiceRun(service_)); });
+    thread_ = std::thread([this] { EXPECT_EQ(KorIilServiceRun(service_), KOR_IIL_OK); });
 }
 
 RunningService::~RunningService()
@@ -81,14 +83,15 @@ RunningService::~RunningService()
     KorIilServiceClose(service_);
 }
 
-uint32_t RunningService::publish(uint32_t event, const std::string& data)
+std::uint32_t RunningService::publish(std::uint32_t event, const std::string& data)
 {
-    uint32_t subscribers = 0;
-    EXPECT_EQ(KOR_IIL_OK, KorIilServicePublish(service_, event, data.data(), static_cast<uint32_t>(data.size()), &subscribers));
+    std::uint32_t subscribers = 0;
+    EXPECT_EQ(KorIilServicePublish(service_, event, data.data(), static_cast<std::uint32_t>(data.size()), &subscribers),
+              KOR_IIL_OK);
     return subscribers;
 }
 
-uint32_t RunningService::call(void* context, const KorIilRequest* request, void* message)
+std::uint32_t RunningService::call(void* context, const KorIilRequest* request, void* message)
 {
     return static_cast<RunningService*>(context)->handler_(*request, static_cast<unsigned char*>(message));
 }
@@ -185,18 +188,18 @@ Peer Peer::connectTo(const char* serviceId)
 {
     Peer peer(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
     const sockaddr_un address = addressOf(serviceId);
-    EXPECT_EQ(0, connect(peer.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof(address))) << strerror(errno);
+    EXPECT_EQ(connect(peer.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << strerror(errno);
     return peer;
 }
 
 bool Peer::send(const koriil::PacketHeader& header, const std::string& message)
 {
-    std::string packet(reinterpret_cast<const char*>(&header), sizeof(header));
+    std::string packet(reinterpret_cast<const char*>(&header), sizeof header);
     packet += message;
     return sendBytes(packet.data(), packet.size());
 }
 
-bool Peer::sendBytes(const void* bytes, size_t length)
+bool Peer::sendBytes(const void* bytes, std::size_t length)
 {
     return ::send(socket_.get(), bytes, length, MSG_NOSIGNAL | MSG_DONTWAIT) == static_cast<ssize_t>(length);
 }
@@ -208,7 +211,7 @@ ssize_t Peer::receive(koriil::Packet& packet)
         pollfd readable = {socket_.get(), POLLIN, 0};
         if (poll(&readable, 1, static_cast<int>(kAmple) * 1000) != 1)
             return -1;
-        const ssize_t received = recv(socket_.get(), &packet, sizeof(packet), MSG_TRUNC | MSG_DONTWAIT);
+        const ssize_t received = recv(socket_.get(), &packet, sizeof packet, MSG_TRUNC | MSG_DONTWAIT);
         if (received >= 0)
             return received;
         if (errno != ECONNRESET) // that one is told once, and ahead of what can still be read
@@ -226,8 +229,8 @@ koriil::PacketHeader Peer::greet(const char* serviceId)
     EXPECT_TRUE(send(hello));
 
     auto answer = std::make_unique<koriil::Packet>();
-    EXPECT_EQ(ssize_t{sizeof(koriil::PacketHeader)}, receive(*answer));
-    EXPECT_EQ(KOR_IIL_OK, answer->header.status);
+    EXPECT_EQ(receive(*answer), ssize_t{sizeof(koriil::PacketHeader)});
+    EXPECT_EQ(answer->header.status, KOR_IIL_OK);
     return answer->header;
 }
 
@@ -237,7 +240,7 @@ bool Peer::hasEnded()
     return receive(*packet) == 0;
 }
 
-koriil::PacketHeader requestHeader(uint32_t command, uint32_t length)
+koriil::PacketHeader requestHeader(std::uint32_t command, std::uint32_t length)
 {
     koriil::PacketHeader header;
     header.kind = koriil::PacketKind::Request;
@@ -249,7 +252,7 @@ koriil::PacketHeader requestHeader(uint32_t command, uint32_t length)
     return header;
 }
 
-koriil::PacketHeader replyTo(const koriil::PacketHeader& request, uint32_t length)
+koriil::PacketHeader replyTo(const koriil::PacketHeader& request, std::uint32_t length)
 {
     koriil::PacketHeader header;
     header.kind = koriil::PacketKind::Reply;
@@ -263,8 +266,9 @@ koriil::PacketHeader inOtherByteOrder(koriil::PacketHeader header)
 {
     header.magic = swapped(header.magic);
     header.version = __builtin_bswap16(header.version);
-    header.kind = static_cast<koriil::PacketKind>(__builtin_bswap16(static_cast<uint16_t>(header.kind)));
-    for (uint32_t* word : {&header.sequence, &header.status, &header.command, &header.length, &header.wait, &header.channel})
+    header.kind = static_cast<koriil::PacketKind>(__builtin_bswap16(static_cast<std::uint16_t>(header.kind)));
+    for (std::uint32_t* word :
+         {&header.sequence, &header.status, &header.command, &header.length, &header.wait, &header.channel})
         *word = swapped(*word);
     return header;
 }
@@ -273,7 +277,7 @@ ScriptedService::ScriptedService(std::function<void(Peer&)> behave)
     : listener_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0))
 {
     const sockaddr_un address = addressOf(kService);
-    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
+    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
         listen(listener_.get(), 8) != 0)
         throw std::runtime_error("the scripted service cannot listen");
     thread_ = std::thread(
@@ -294,8 +298,8 @@ ScriptedService::~ScriptedService()
 void welcome(Peer& peer)
 {
     auto hello = std::make_unique<koriil::Packet>();
-    ASSERT_EQ(ssize_t{sizeof(koriil::PacketHeader)}, peer.receive(*hello));
-    ASSERT_EQ(koriil::PacketKind::Hello, hello->header.kind);
+    ASSERT_EQ(peer.receive(*hello), ssize_t{sizeof(koriil::PacketHeader)});
+    ASSERT_EQ(hello->header.kind, koriil::PacketKind::Hello);
     koriil::PacketHeader reply = replyTo(hello->header, 0);
     reply.channel = 1000;
     ASSERT_TRUE(peer.send(reply));
@@ -303,14 +307,14 @@ void welcome(Peer& peer)
 
 // --- Calls -------------------------------------------------------------------------------------------------------------------
 
-uint32_t callOnce(uint32_t length, uint32_t wait, const char* serviceId, const char* callerId)
+std::uint32_t callOnce(std::uint32_t length, std::uint32_t wait, const char* serviceId, const char* callerId)
 {
     std::string message(length, '\0');
-    for (uint32_t i = 0; i < length; ++i)
+    for (std::uint32_t i = 0; i < length; ++i)
         message[i] = static_cast<char>(i * 7);
     std::string expected = message;
 
-    const uint32_t status = KorIilExecute(callerId, serviceId, wait, 1, length, message.data());
+    const std::uint32_t status = KorIilExecute(callerId, serviceId, wait, 1, length, message.data());
     if (status == KOR_IIL_OK)
         for (char& byte : expected)
             byte = static_cast<char>(byte + 1);

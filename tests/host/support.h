@@ -8,6 +8,8 @@
 #include "kor_iil_service.h"
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,7 +21,7 @@ namespace host_test
 {
 
 // Long enough for a loaded machine under emulation. Nothing waits that long unless it fails.
-constexpr uint32_t kAmple = 60;
+constexpr std::uint32_t kAmple = 60;
 
 constexpr const char* kCaller = "test";
 constexpr const char* kService = "SERVICE";
@@ -40,25 +42,25 @@ private:
     std::string directory_;
 };
 
-using Handler = std::function<uint32_t(const KorIilRequest&, unsigned char*)>;
+using Handler = std::function<std::uint32_t(const KorIilRequest&, unsigned char*)>;
 
 // What the services of most tests do: command 1 adds one to every byte, other commands are unknown.
-uint32_t addOne(const KorIilRequest& request, unsigned char* message);
+std::uint32_t addOne(const KorIilRequest& request, unsigned char* message);
 
 // A service, and the thread that runs it.
 class RunningService
 {
 public:
-    explicit RunningService(Handler handler = addOne, const char* serviceId = kService, uint32_t eventCount = 5);
+    explicit RunningService(Handler handler = addOne, const char* serviceId = kService, std::uint32_t eventCount = 5);
     ~RunningService();
     RunningService(const RunningService&) = delete;
     RunningService& operator=(const RunningService&) = delete;
 
     // Returns how many processes the event was sent to.
-    uint32_t publish(uint32_t event, const std::string& data = "");
+    std::uint32_t publish(std::uint32_t event, const std::string& data = "");
 
 private:
-    static uint32_t call(void* context, const KorIilRequest* request, void* message);
+    static std::uint32_t call(void* context, const KorIilRequest* request, void* message);
 
     Handler handler_;
     KorIilService* service_ = nullptr;
@@ -127,7 +129,7 @@ public:
     }
 
     bool send(const koriil::PacketHeader& header, const std::string& message = "");
-    bool sendBytes(const void* bytes, size_t length);
+    bool sendBytes(const void* bytes, std::size_t length);
     // Waits for one packet, and returns its length; 0 at the end of the connection, -1 if nothing comes.
     ssize_t receive(koriil::Packet& packet);
 
@@ -142,8 +144,8 @@ private:
     koriil::Descriptor socket_;
 };
 
-koriil::PacketHeader requestHeader(uint32_t command, uint32_t length);
-koriil::PacketHeader replyTo(const koriil::PacketHeader& request, uint32_t length);
+koriil::PacketHeader requestHeader(std::uint32_t command, std::uint32_t length);
+koriil::PacketHeader replyTo(const koriil::PacketHeader& request, std::uint32_t length);
 koriil::PacketHeader inOtherByteOrder(koriil::PacketHeader header);
 
 // A service made by hand: listens, and lets `behave` have its way with the first connection.
@@ -164,8 +166,8 @@ private:
 void welcome(Peer& peer);
 
 // One call of command 1. On success the message must have been answered by addOne, on failure it must be untouched.
-uint32_t callOnce(uint32_t length = 12, uint32_t wait = kAmple, const char* serviceId = kService,
-                  const char* callerId = kCaller);
+std::uint32_t callOnce(std::uint32_t length = 12, std::uint32_t wait = kAmple, const char* serviceId = kService,
+                       const char* callerId = kCaller);
 
 // Waits, amply, until the condition holds. False if it never does.
 bool eventually(const std::function<bool()>& condition);
