@@ -1,8 +1,8 @@
-// KorIilExecute: arguments checked, recorded if asked for, sent.
-#include "exchange.h"
+// KorIilExecute: checks the arguments, records the call if asked to, and sends it.
 #include "identifiers.h"
 #include "kor_iil.h"
 #include "recorder.h"
+#include "round_trip.h"
 
 #include <cstdint>
 #include <new>
@@ -13,7 +13,7 @@ namespace koriil
 namespace
 {
 
-std::uint32_t judgeArguments(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t length,
+std::uint32_t checkArguments(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t length,
                              const void* message)
 {
     if (callerId == nullptr || serviceId == nullptr || (message == nullptr && length > 0) || wait == 0)
@@ -29,12 +29,12 @@ std::uint32_t execute(const char* callerId, const char* serviceId, std::uint32_t
                       std::uint32_t length, void* message)
 {
     PacketHeader request;
-    request.kind = PacketKind::Request;
+    request.kind = PacketKind::kRequest;
     request.command = command;
     request.length = length;
     request.wait = wait;
     copyIdentifier(request.name, callerId);
-    return exchange(serviceId, request, message);
+    return roundTrip(serviceId, request, message);
 }
 
 } // namespace
@@ -46,9 +46,9 @@ try
 {
     using namespace koriil;
 
-    std::uint32_t status = judgeArguments(callerId, serviceId, wait, msgLen, msg);
-    const void* const message = msgLen > 0 ? msg : ""; // an empty message is one, whatever the pointer
-    std::optional<Record> record;
+    std::uint32_t status = checkArguments(callerId, serviceId, wait, msgLen, msg);
+    const void* const message = msgLen > 0 ? msg : ""; // without a byte, the pointer may be NULL
+    std::optional<RecordedCall> record;
     if (isRecording())
         record.emplace(callerId, serviceId, wait, cmdId, msgLen, status == KOR_IIL_OK ? message : nullptr);
     if (status == KOR_IIL_OK)

@@ -12,7 +12,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
-#include <sys/uio.h>
 
 namespace koriil
 {
@@ -41,10 +40,9 @@ bool setTimeout(int socket, int option, microseconds timeout)
 
 std::uint32_t failedToOpen(const char* what, const char* serviceId)
 {
-    const int error = errno;
-    const bool shortage = error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS;
-    KORIIL_REPORT(kTraceWarning, "%s for service %s failed: %s", what, serviceId, std::strerror(error));
-    return shortage ? KOR_IIL_NO_MEM : KOR_IIL_ERR;
+    const std::uint32_t status = statusOfErrno();
+    KORIIL_REPORT(kTraceWarning, "%s for service %s failed: %s", what, serviceId, std::strerror(errno));
+    return status;
 }
 
 std::uint32_t failedToConnect(const char* serviceId)
@@ -52,13 +50,13 @@ std::uint32_t failedToConnect(const char* serviceId)
     switch (errno)
     {
     case ENOENT:
-    case ECONNREFUSED: // the socket of a service that is no more
+    case ECONNREFUSED: // the socket of a service that has ended
         return KOR_IIL_UNKNOWN_DST_ID;
-    case EAGAIN: // the service is not accepting, and its queue of callers is full
+    case EAGAIN: // the service does not accept, and its backlog is full
         return KOR_IIL_TIMEOUT;
     case EACCES:
         return KOR_IIL_UNKNOWN_COMM;
-    case EPROTOTYPE: // a socket, of another kind
+    case EPROTOTYPE: // a socket of another type
         return KOR_IIL_MISMATCH_COMM;
     default:
         return failedToOpen("connecting", serviceId);
@@ -67,21 +65,21 @@ std::uint32_t failedToConnect(const char* serviceId)
 
 } // namespace
 
-std::uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, std::size_t received)
+std::uint32_t checkReply(const PacketHeader& request, const PacketHeader& reply, std::size_t received)
 {
-    switch (originOf(reply, received))
+    switch (validityOf(reply, received))
     {
-    case PacketOrigin::Foreign:
+    case PacketValidity::kForeign:
         return KOR_IIL_MISMATCH_COMM;
-    case PacketOrigin::Malformed:
+    case PacketValidity::kMalformed:
         return KOR_IIL_BAD_RET;
-    case PacketOrigin::Sound:
+    case PacketValidity::kValid:
         break;
     }
 
     const bool whole = reply.length == received - sizeof(PacketHeader);
     const bool answers =
-        reply.kind == PacketKind::Reply && reply.sequence == request.sequence && reply.command == request.command;
+        reply.kind == PacketKind::kReply && reply.sequence == request.sequence && reply.command == request.command;
     if (!whole || !answers)
         return KOR_IIL_BAD_RET;
     if (reply.status != KOR_IIL_OK)
@@ -99,7 +97,7 @@ Connection::~Connection()
     if (!socket_)
         return;
     if (isOwn())
-        shutdown(socket_.get(), SHUT_RDWR); // a child may hold a copy, and the service would not see the end
+        shutdown(socket_.get(), SHUT_RDWR); // closing alone would not end it while a child holds a copy
     else if (!isStillOurSocket())
         socket_.release();
 }
@@ -114,7 +112,7 @@ bool Connection::isOwn() const
     return owner_ == getpid();
 }
 
-// A child may have closed what it inherited and given the number to a file of its own.
+// A child may have closed the inherited descriptor, and its number may now be that of another file.
 bool Connection::isStillOurSocket() const
 {
     struct stat status = {};
@@ -164,10 +162,10 @@ std::uint32_t Connection::connect(const Deadline& deadline)
 std::uint32_t Connection::greet(const Deadline& deadline)
 {
     PacketHeader hello;
-    hello.kind = PacketKind::Hello;
+    hello.kind = PacketKind::kHello;
     copyIdentifier(hello.name, serviceId_);
-    // A service that has no room says so and hangs up at once; its answer can be read even if the hello finds nobody.
-    if (send(hello, nullptr) == Sending::Failed)
+    // A service that is full replies and closes at once; that reply can be read even where the hello could not be sent.
+    if (send(hello, nullptr) == SendResult::kFailed)
         return KOR_IIL_TX_FAIL;
 
     PacketHeader welcome;
@@ -176,41 +174,25 @@ std::uint32_t Connection::greet(const Deadline& deadline)
         return KOR_IIL_TIMEOUT;
     if (received <= 0)
         return KOR_IIL_RX_FAIL;
-    if (const std::uint32_t status = judgeReply(hello, welcome, static_cast<std::size_t>(received)))
+    if (const std::uint32_t status = checkReply(hello, welcome, static_cast<std::size_t>(received)))
         return status;
     channel_ = welcome.channel;
     return welcome.status;
 }
 
-Connection::Sending Connection::send(PacketHeader& request, const void* message)
+Connection::SendResult Connection::send(PacketHeader& request, const void* message)
 {
     request.sequence = ++sequence_;
-
-    iovec parts[2] = {};
-    parts[0].iov_base = &request;
-    parts[0].iov_len = sizeof request;
-    parts[1].iov_base = const_cast<void*>(message);
-    parts[1].iov_len = request.length;
-    msghdr packet = {};
-    packet.msg_iov = parts;
-    packet.msg_iovlen = request.length > 0 ? 2 : 1;
-
-    // It never has to wait for room: there is one request on its way at a time.
-    ssize_t sent;
-    do
-        sent = sendmsg(socket_.get(), &packet, MSG_NOSIGNAL | MSG_DONTWAIT);
-    while (sent < 0 && errno == EINTR);
-
-    if (sent >= 0)
-        return Sending::Sent;
+    if (sendPacket(socket_.get(), request, message)) // the queue has room: only one request at a time is under way
+        return SendResult::kSent;
     if (errno == EPIPE || errno == ECONNRESET)
-        return Sending::PeerGone;
+        return SendResult::kPeerGone;
     KORIIL_REPORT(kTraceWarning, "sending %zu bytes to service %s failed: %s", sizeof request + request.length, serviceId_,
                   std::strerror(errno));
-    return Sending::Failed;
+    return SendResult::kFailed;
 }
 
-bool Connection::waitForEver()
+bool Connection::clearTimeout()
 {
     receiveTimeout_ = microseconds(0);
     return setTimeout(socket_.get(), SO_RCVTIMEO, receiveTimeout_);
@@ -223,11 +205,11 @@ std::uint32_t Connection::receive(const PacketHeader& request, const Deadline& d
         return KOR_IIL_TIMEOUT;
     if (received <= 0)
         return KOR_IIL_RX_FAIL;
-    return judgeReply(request, reply.header, static_cast<std::size_t>(received));
+    return checkReply(request, reply.header, static_cast<std::size_t>(received));
 }
 
-// Returns the packet's own length, even if the buffer holds only the first part of it; 0 when the peer is gone; -1 with EAGAIN
-// when the deadline has passed.
+// Returns the packet's length, even if the buffer holds only its first part; 0 when the peer has closed; -1 with EAGAIN when
+// the deadline has passed.
 ssize_t Connection::receiveBytes(const Deadline& deadline, void* buffer, std::size_t size)
 {
     for (;;)
@@ -247,7 +229,7 @@ ssize_t Connection::receiveBytes(const Deadline& deadline, void* buffer, std::si
         const ssize_t received = recv(socket_.get(), buffer, size, MSG_TRUNC);
         if (received >= 0)
             return received;
-        // A peer that hung up without reading everything is reported first, before what it said last. That error comes once.
+        // A peer that closed with unread data: ECONNRESET comes once, ahead of the peer's last packet.
         if (errno != EINTR && errno != EAGAIN && errno != ECONNRESET)
             return -1;
     }

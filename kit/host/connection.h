@@ -15,20 +15,20 @@
 namespace koriil
 {
 
-// Judges the packet received in answer to `request`: KOR_IIL_OK if it is a reply to it, whatever its status.
-std::uint32_t judgeReply(const PacketHeader& request, const PacketHeader& reply, std::size_t received);
+// Checks the packet received after `request`: KOR_IIL_OK if it is the reply to it, whatever that reply's own status.
+std::uint32_t checkReply(const PacketHeader& request, const PacketHeader& reply, std::size_t received);
 
 class Connection
 {
 public:
-    enum class Sending
+    enum class SendResult
     {
-        Sent,
-        PeerGone, // nothing was sent, and nothing can be
-        Failed
+        kSent,
+        kPeerGone, // nothing was sent, and nothing can be
+        kFailed
     };
 
-    // Connects, and waits for the service's welcome. Otherwise a status that says why not.
+    // Connects, and waits for the reply to its hello. Returns an IPC status.
     static std::uint32_t open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection);
 
     ~Connection();
@@ -37,8 +37,8 @@ public:
 
     bool isTo(const char* serviceId) const;
 
-    // False in a child of the process that opened the connection. A child must stay away: the two would read each other's
-    // replies.
+    // False in a child of the process that opened the connection. A child must not use it: parent and child would read one
+    // another's replies.
     bool isOwn() const;
 
     int descriptor() const
@@ -53,10 +53,10 @@ public:
     }
 
     // Fills in the request's sequence, and sends it with its message.
-    Sending send(PacketHeader& request, const void* message);
+    SendResult send(PacketHeader& request, const void* message);
 
-    // For a connection that is read directly, without a deadline.
-    bool waitForEver();
+    // For a connection that is read without a deadline.
+    bool clearTimeout();
 
     // Waits for the packet that answers `request`.
     std::uint32_t receive(const PacketHeader& request, const Deadline& deadline, Packet& reply);
@@ -75,7 +75,7 @@ private:
     ino_t inode_ = 0;
     std::uint32_t sequence_ = 0;
     std::uint32_t channel_ = 0;
-    std::chrono::microseconds receiveTimeout_{0}; // that the socket has now
+    std::chrono::microseconds receiveTimeout_{0}; // of the socket; 0 for none
 };
 
 } // namespace koriil

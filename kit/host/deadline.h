@@ -1,4 +1,4 @@
-// The moment a call gives up, on the clock that nobody sets.
+// The end of a wait, on the monotonic clock.
 #pragma once
 
 #include <chrono>

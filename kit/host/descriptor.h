@@ -1,9 +1,13 @@
-// A file descriptor that closes itself.
+// A file descriptor that closes itself, and the status of a system call that failed.
 #pragma once
 
-#include <unistd.h>
+#include "kor_iil_service.h"
 
+#include <cerrno>
+#include <cstdint>
 #include <utility>
+
+#include <unistd.h>
 
 namespace koriil
 {
@@ -47,5 +51,14 @@ public:
 private:
     int number_ = -1;
 };
+
+// KOR_IIL_NO_MEM if errno says that the system is out of descriptors or memory, otherwise KOR_IIL_ERR.
+inline std::uint32_t statusOfErrno()
+{
+    for (const int shortage : {EMFILE, ENFILE, ENOMEM, ENOBUFS, ENOSPC})
+        if (errno == shortage)
+            return KOR_IIL_NO_MEM;
+    return KOR_IIL_ERR;
+}
 
 } // namespace koriil

@@ -1,10 +1,10 @@
 // KorIilSubscribeEvent and KorIilCancelEvent.
 //
-// Events come on a channel; subscribing and cancelling are exchanges of the calling thread's own connection that name the
-// channel. So neither ever waits for the delivering thread to read something, and a handler can do both.
-#include "channel.h"
-#include "exchange.h"
+// Events come on a channel of their own. Subscribing and cancelling are requests on the calling thread's connection that name
+// the channel, so neither waits for the delivering thread, and a handler can do both.
+#include "event_channel.h"
 #include "identifiers.h"
+#include "round_trip.h"
 #include "trace.h"
 
 #include <algorithm>
@@ -22,9 +22,9 @@ namespace koriil
 namespace
 {
 
-constexpr std::uint32_t kWait = 3; // seconds; the functions have no argument for it
+constexpr std::uint32_t kWait = 3; // seconds; an argument for it does not exist
 
-std::uint32_t judgeArguments(const char* callerId, const char* serviceId, KorIilEventHandler handler)
+std::uint32_t checkArguments(const char* callerId, const char* serviceId, KorIilEventHandler handler)
 {
     if (callerId == nullptr || serviceId == nullptr || handler == nullptr)
         return KOR_IIL_BAD_PARAM;
@@ -33,7 +33,7 @@ std::uint32_t judgeArguments(const char* callerId, const char* serviceId, KorIil
     return isServiceId(serviceId) ? KOR_IIL_OK : KOR_IIL_UNKNOWN_DST_ID;
 }
 
-std::uint32_t ask(PacketKind kind, const char* serviceId, const Channel& channel, const Subscriber& subscriber)
+std::uint32_t ask(PacketKind kind, const char* serviceId, const EventChannel& channel, const Subscriber& subscriber)
 try
 {
     PacketHeader request;
@@ -42,18 +42,18 @@ try
     request.wait = kWait;
     request.channel = channel.number();
     copyIdentifier(request.name, subscriber.callerId);
-    return exchange(serviceId, request, nullptr);
+    return roundTrip(serviceId, request, nullptr);
 }
 catch (const std::bad_alloc&)
 {
     return KOR_IIL_NO_MEM;
 }
 
-// All of this process.
+// All subscriptions of this process.
 class Subscriptions
 {
 public:
-    // A child process starts with none. What it inherited belongs to threads that it does not have.
+    // A child process starts with none: the threads of the inherited ones are not copied by fork.
     static Subscriptions& ofThisProcess()
     {
         static std::atomic<Subscriptions*> current{nullptr}; // never deleted: handlers may run until the process ends
@@ -72,14 +72,14 @@ public:
     {
         std::unique_lock<std::mutex> lock(mutex_);
         std::uint32_t status = subscribeOnce(serviceId, subscriber);
-        if (status == KOR_IIL_BAD_EVT) // that was a channel to the service's predecessor
+        if (status == KOR_IIL_BAD_EVT) // the channel led to an earlier run of the service
             status = subscribeOnce(serviceId, subscriber);
         if (status == KOR_IIL_OK || status == KOR_IIL_CONFLICT_ID)
             return status;
 
         const auto channels = channelsOf(serviceId);
         lock.unlock();
-        waitForEnd(channels, subscriber); // it may have had an event already
+        waitForEnd(channels, subscriber); // an event may have come already
         return status;
     }
 
@@ -89,13 +89,13 @@ public:
         const auto channels = channelsOf(serviceId);
         const std::uint32_t status = remove(serviceId, subscriber);
         lock.unlock();
-        // Whatever the status: where the service has gone, the subscription has too, and yet its handler may be running.
+        // Whatever the status: the handler may be running even where the subscription has ended with the service.
         waitForEnd(channels, subscriber);
         return status;
     }
 
 private:
-    using Channels = std::map<std::string, std::shared_ptr<Channel>>;
+    using Channels = std::map<std::string, std::shared_ptr<EventChannel>>;
 
     explicit Subscriptions(const Subscriptions* inherited) : owner_(getpid()), inherited_(inherited)
     {
@@ -103,13 +103,13 @@ private:
 
     std::uint32_t subscribeOnce(const char* serviceId, const Subscriber& subscriber)
     {
-        std::shared_ptr<Channel> channel;
+        std::shared_ptr<EventChannel> channel;
         if (const std::uint32_t status = channelTo(serviceId, channel))
             return status;
-        if (!channel->add(subscriber)) // before the service knows, so that it misses nothing
+        if (!channel->add(subscriber)) // before the service is asked, so that no event is missed
             return KOR_IIL_CONFLICT_ID;
 
-        const std::uint32_t status = ask(PacketKind::Subscribe, serviceId, *channel, subscriber);
+        const std::uint32_t status = ask(PacketKind::kSubscribe, serviceId, *channel, subscriber);
         if (status == KOR_IIL_OK)
             return status;
         channel->remove(subscriber);
@@ -123,7 +123,7 @@ private:
         const auto found = channels_.find(serviceId);
         if (found == channels_.end())
             return KOR_IIL_BAD_EVT;
-        Channel& channel = *found->second;
+        EventChannel& channel = *found->second;
         if (!channel.isAlive())
         {
             drop(found);
@@ -133,7 +133,7 @@ private:
             return KOR_IIL_BAD_EVT;
 
         if (!channel.wants(subscriber.event))
-            if (const std::uint32_t status = ask(PacketKind::Cancel, serviceId, channel, subscriber))
+            if (const std::uint32_t status = ask(PacketKind::kCancel, serviceId, channel, subscriber))
                 KORIIL_REPORT(kTraceNotice, "service %s has not confirmed the end of a subscription (status %lu)", serviceId,
                               static_cast<unsigned long>(status));
         if (channel.isUnused())
@@ -141,7 +141,7 @@ private:
         return KOR_IIL_OK;
     }
 
-    std::uint32_t channelTo(const char* serviceId, std::shared_ptr<Channel>& channel)
+    std::uint32_t channelTo(const char* serviceId, std::shared_ptr<EventChannel>& channel)
     {
         const auto found = channels_.find(serviceId);
         if (found != channels_.end() && found->second->isAlive())
@@ -151,7 +151,7 @@ private:
         }
         if (found != channels_.end())
             drop(found);
-        if (const std::uint32_t status = Channel::open(serviceId, channel))
+        if (const std::uint32_t status = EventChannel::open(serviceId, channel))
             return status;
         channels_[serviceId] = channel;
         return KOR_IIL_OK;
@@ -164,40 +164,41 @@ private:
         channels_.erase(channel);
     }
 
-    // The one in use, and those dropped whose thread has not ended yet: a handler may be running still.
-    std::vector<std::shared_ptr<Channel>> channelsOf(const char* serviceId)
+    // The one in use, and the dropped ones whose threads have not ended: a handler may still be running there.
+    std::vector<std::shared_ptr<EventChannel>> channelsOf(const char* serviceId)
     {
-        std::vector<std::shared_ptr<Channel>> result;
+        std::vector<std::shared_ptr<EventChannel>> result;
         if (const auto found = channels_.find(serviceId); found != channels_.end())
             result.push_back(found->second);
 
-        dropped_.erase(std::remove_if(dropped_.begin(), dropped_.end(), [](const auto& one) { return one.second.expired(); }),
-                       dropped_.end());
+        dropped_.erase(
+            std::remove_if(dropped_.begin(), dropped_.end(), [](const auto& entry) { return entry.second.expired(); }),
+            dropped_.end());
         for (const auto& [name, channel] : dropped_)
             if (auto running = channel.lock(); running != nullptr && name == serviceId)
                 result.push_back(std::move(running));
         return result;
     }
 
-    // Without the lock: the handler waited for may be about to subscribe.
-    static void waitForEnd(const std::vector<std::shared_ptr<Channel>>& channels, const Subscriber& subscriber)
+    // Called without the lock: the handler may be about to subscribe.
+    static void waitForEnd(const std::vector<std::shared_ptr<EventChannel>>& channels, const Subscriber& subscriber)
     {
         for (const auto& channel : channels)
             channel->waitForEnd(subscriber);
     }
 
     const pid_t owner_;
-    [[maybe_unused]] const Subscriptions* const inherited_; // for leak checkers
-    std::mutex mutex_; // held while a service is asked, never while a handler is waited for
+    [[maybe_unused]] const Subscriptions* const inherited_; // keeps it reachable for leak checkers
+    std::mutex mutex_; // held during a request to the service, never while waiting for a handler
     Channels channels_;
-    std::vector<std::pair<std::string, std::weak_ptr<Channel>>> dropped_;
+    std::vector<std::pair<std::string, std::weak_ptr<EventChannel>>> dropped_;
 };
 
 template <typename Action>
 std::uint32_t guarded(const char* callerId, const char* serviceId, std::uint32_t evt, KorIilEventHandler handler, Action action)
 try
 {
-    if (const std::uint32_t status = judgeArguments(callerId, serviceId, handler))
+    if (const std::uint32_t status = checkArguments(callerId, serviceId, handler))
         return status;
     Subscriber subscriber;
     copyIdentifier(subscriber.callerId, callerId);
@@ -209,7 +210,7 @@ catch (const std::bad_alloc&)
 {
     return KOR_IIL_NO_MEM;
 }
-catch (const std::system_error& error) // no thread to be had
+catch (const std::system_error& error) // from std::thread
 {
     KORIIL_REPORT(kTraceWarning, "event thread for service %s: %s", serviceId, error.what());
     return KOR_IIL_NO_MEM;

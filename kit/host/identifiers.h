@@ -3,20 +3,19 @@
 
 #include "packet.h"
 
-#include <cstddef>
 #include <cstring>
 
 namespace koriil
 {
 
-// 1 to 31 characters of which the first is ASCII and not a control character; what follows is the caller's own business.
+// 1 to 31 characters, the first in 0x20 to 0x7F; the others are not checked.
 inline bool isCallerId(const char* id)
 {
     const auto first = static_cast<unsigned char>(id[0]);
     return first >= 0x20 && first <= 0x7F && strnlen(id, kIdentifierSize) < kIdentifierSize;
 }
 
-// 1 to 31 letters, digits, '_', '-' and '.', no '.' in front: each is a file name, and none leaves its directory.
+// 1 to 31 letters, digits, '_', '-' and '.', the first not '.': every such name is a file name within its directory.
 inline bool isServiceId(const char* id)
 {
     static constexpr char kAllowed[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-.";
@@ -24,7 +23,7 @@ inline bool isServiceId(const char* id)
     return length > 0 && length < kIdentifierSize && id[0] != '.' && std::strspn(id, kAllowed) == length;
 }
 
-// For a valid `id`.
+// For a valid `id`, into a field of zeros.
 inline void copyIdentifier(char (&field)[kIdentifierSize], const char* id)
 {
     std::memcpy(field, id, strnlen(id, kIdentifierSize - 1));

@@ -10,30 +10,30 @@
 extern "C" {
 #endif
 
-/* IPC statuses, and what each of them means with this library. */
+/* IPC statuses, and what they mean with this library. */
 enum KorIilStatus
 {
     KOR_IIL_OK = 0,                /* done */
     KOR_IIL_ERR = 1,               /* a failure with no status of its own; the trace says which */
     KOR_IIL_OVERSIZE = 2,          /* a message, or an event's data, over KOR_IIL_MAX_LENGTH */
-    KOR_IIL_BAD_PARAM = 3,         /* an argument the library cannot work with: null pointer, wait 0 ... */
+    KOR_IIL_BAD_PARAM = 3,         /* an invalid argument: null pointer, wait 0 ... */
     KOR_IIL_NO_MEM = 4,            /* out of memory, threads or descriptors */
     KOR_IIL_TX_FAIL = 5,           /* the request could not be sent */
-    KOR_IIL_RX_FAIL = 6,           /* the service went away, or the connection broke, before the reply came */
+    KOR_IIL_RX_FAIL = 6,           /* the service ended, or the connection broke, before the reply came */
     KOR_IIL_TIMEOUT = 7,           /* no reply within the wait */
     KOR_IIL_UNKNOWN_SRC_ID = 8,    /* no valid caller id (1 to 31 characters, ASCII first); or another user's process */
     KOR_IIL_UNKNOWN_DST_ID = 9,    /* no service of that name is running, or it is no name a service can have */
-    KOR_IIL_UNKNOWN_COMM = 10,     /* the runtime directory cannot be made, or cannot be trusted; the trace says why */
-    KOR_IIL_MISMATCH_COMM = 11,    /* the peer speaks another byte order or another version of the transport */
+    KOR_IIL_UNKNOWN_COMM = 10,     /* the runtime directory cannot be created, or is refused; the trace says why */
+    KOR_IIL_MISMATCH_COMM = 11,    /* the peer has another byte order or another version of the transport */
     KOR_IIL_UNSUPPORT = 12,        /* the service does not support this request (a service's own choice) */
     KOR_IIL_UNKNOWN_CMD = 13,      /* the service has no such command */
     KOR_IIL_BAD_CMD = 14,          /* the request's packet is malformed */
-    KOR_IIL_BAD_RET = 15,          /* the reply's packet is malformed, or answers something else */
-    KOR_IIL_MISMATCH_CMD_LEN = 16, /* the message has another length than the command's, on either way */
+    KOR_IIL_BAD_RET = 15,          /* the reply's packet is malformed, or does not answer the request */
+    KOR_IIL_MISMATCH_CMD_LEN = 16, /* the request or the reply has another length than the command's message */
     KOR_IIL_UNKNOWN_EVT = 17,      /* the service has no such event */
     KOR_IIL_BAD_EVT = 18,          /* cancel of what is not subscribed */
-    KOR_IIL_MISMATCH_EVT_LEN = 19, /* an event's data is not as long as announced: dropped, and seen on the trace only */
-    KOR_IIL_CONFLICT_ID = 20,      /* the name is taken by a running service; or this subscription stands already */
+    KOR_IIL_MISMATCH_EVT_LEN = 19, /* an event's data is not as long as announced: dropped, and only traced */
+    KOR_IIL_CONFLICT_ID = 20,      /* the name is taken by a running service; or this subscription exists already */
     KOR_IIL_BUSY = 21              /* the service has no room for another caller */
 };
 
@@ -54,33 +54,33 @@ typedef struct KorIilRequest
 } KorIilRequest;
 
 /* Answers one request: reads the message, writes the reply over the same `request->length` bytes, and returns KOR_IIL_OK; or
- * returns another status, which the caller's KorIilExecute then returns, its message untouched. KOR_IIL_TIMEOUT sends no reply
- * at all, and the caller waits in vain.
+ * returns another status, which the caller's KorIilExecute then returns, its message unchanged. KOR_IIL_TIMEOUT sends no reply
+ * at all, and the caller's wait expires.
  * Handlers of one service are called one at a time, on the thread that runs KorIilServiceRun. */
 typedef uint32_t (*KorIilRequestHandler)(void* context, const KorIilRequest* request, void* message);
 
-/* Registers `serviceId` (1 to 31 characters from A-Z a-z 0-9 _ - . with no . in front) with its handler. `context` is handed to
- * every call of the handler. `eventCount`: the service publishes events 1 to eventCount, at most 1024; 0 for none.
- * On KOR_IIL_OK, *service is to be closed by KorIilServiceClose. Otherwise *service is NULL: KOR_IIL_CONFLICT_ID when a running
- * service has the name (what a dead one left behind is cleared away), KOR_IIL_UNKNOWN_COMM when the runtime directory cannot be
+/* Registers `serviceId` (1 to 31 characters of A-Z a-z 0-9 _ - . that do not begin with .) with its handler. `context` is passed
+ * to every call of the handler. `eventCount`: the service publishes events 1 to eventCount, at most 1024; 0 for none.
+ * On KOR_IIL_OK, *service must be closed with KorIilServiceClose. Otherwise *service is NULL: KOR_IIL_CONFLICT_ID when a running
+ * service has the name (files of a dead one are removed), KOR_IIL_UNKNOWN_COMM when the runtime directory cannot be
  * used, KOR_IIL_BAD_PARAM, KOR_IIL_NO_MEM, KOR_IIL_ERR. */
 uint32_t KorIilServiceOpen(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context,
                            KorIilService** service);
 
 /* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if
- * the service cannot go on. */
+ * waiting for requests fails. */
 uint32_t KorIilServiceRun(KorIilService* service);
 
-/* Makes KorIilServiceRun return, now or, if it has not started, as soon as it does. From any thread, or a signal handler. */
+/* Makes KorIilServiceRun return, or return at once when it is called next. From any thread, or a signal handler. */
 void KorIilServiceStop(KorIilService* service);
 
-/* Sends an event to all who subscribed to it. From any thread, the handler's included. `subscribers`, if not NULL, receives how
- * many processes it was sent to. A subscriber that does not take its events (its queue is full) is disconnected and loses its
+/* Sends an event to all its subscribers. From any thread, the handler's included. `subscribers`, if not NULL, receives how
+ * many processes it was sent to. A subscriber that does not read its events (its queue is full) is disconnected and loses its
  * subscriptions. KOR_IIL_UNKNOWN_EVT for an event the service does not have, KOR_IIL_OVERSIZE for data over
  * KOR_IIL_MAX_LENGTH. */
 uint32_t KorIilServicePublish(KorIilService* service, uint32_t evt, const void* data, uint32_t length, uint32_t* subscribers);
 
-/* Closes every connection and gives the name back. Not while KorIilServiceRun runs. NULL is allowed. In a child of the process
+/* Closes every connection and releases the name. Not while KorIilServiceRun runs. NULL is allowed. In a child of the process
  * that opened the service, it only frees the child's copy. */
 void KorIilServiceClose(KorIilService* service);
 

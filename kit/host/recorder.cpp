@@ -3,14 +3,14 @@
 #include "base/hexadecimal.h"
 #include "base/quote.h"
 #include "base/timestamp.h"
+#include "environment.h"
 #include "trace.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace koriil
@@ -18,14 +18,14 @@ namespace koriil
 namespace
 {
 
-constexpr std::size_t kRoomForStatus = 64; // everything of a line but its front and the two messages
+constexpr std::size_t kStatusSize = 64; // the most that a line has beside its front and the two messages
 
 int openRecording()
 {
-    const char* path = std::getenv("KORIIL_RECORD");
-    if (path == nullptr || *path == '\0')
+    const char* const path = setting("KORIIL_RECORD");
+    if (path == nullptr)
         return -1;
-    const int file = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    const int file = openForAppending(path);
     if (file < 0)
         KORIIL_REPORT(kTraceWarning, "KORIIL_RECORD=%s cannot be opened, calls are not recorded: %s", path,
                       std::strerror(errno));
@@ -34,8 +34,8 @@ int openRecording()
 
 int recording()
 {
-    static const int file = openRecording();
-    return file;
+    static const int kFile = openRecording();
+    return kFile;
 }
 
 // A caller id may hold any bytes, but one of more than 64 is no identifier.
@@ -63,8 +63,8 @@ bool isRecording()
     return recording() >= 0;
 }
 
-Record::Record(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command, std::uint32_t length,
-               const void* message)
+RecordedCall::RecordedCall(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command,
+                           std::uint32_t length, const void* message)
     : length_(length)
 {
     line_ = std::string("{\"time\":\"") + tarn::base::Timestamp().text + "\",\"pid\":" + std::to_string(getpid()) +
@@ -72,23 +72,19 @@ Record::Record(const char* callerId, const char* serviceId, std::uint32_t wait, 
             ",\"command\":" + std::to_string(command) + ",\"wait\":" + std::to_string(wait) +
             ",\"length\":" + std::to_string(length) + ",\"request\":";
     if (message != nullptr)
-        line_.reserve(line_.size() + 4 * std::size_t{length} + kRoomForStatus); // nothing can fail once the call is done
+        line_.reserve(line_.size() + 4 * std::size_t{length} + kStatusSize); // finish() allocates nothing, and so cannot fail
     appendHexadecimal(line_, message, length);
 }
 
-void Record::finish(std::uint32_t status, const void* reply)
+void RecordedCall::finish(std::uint32_t status, const void* reply)
 {
-    char text[kRoomForStatus];
+    char text[kStatusSize];
     std::snprintf(text, sizeof text, ",\"status\":%lu,\"reply\":", static_cast<unsigned long>(status));
     line_ += text;
     appendHexadecimal(line_, reply, length_);
     line_ += "}\n";
 
-    // One write a line: lines of several threads and processes never mix.
-    ssize_t written;
-    do
-        written = write(recording(), line_.data(), line_.size());
-    while (written < 0 && errno == EINTR);
+    const ssize_t written = writeLine(recording(), line_.data(), line_.size());
     if (written != static_cast<ssize_t>(line_.size()))
         KORIIL_REPORT(kTraceWarning, "a record of %zu bytes could not be written: %s", line_.size(),
                       written < 0 ? std::strerror(errno) : "no room");

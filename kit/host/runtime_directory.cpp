@@ -1,10 +1,10 @@
 #include "runtime_directory.h"
 
+#include "environment.h"
 #include "kor_iil_service.h"
 #include "trace.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 #include <sys/socket.h>
@@ -16,12 +16,6 @@ namespace koriil
 namespace
 {
 
-const char* setting(const char* name)
-{
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : nullptr;
-}
-
 std::string chosenDirectory()
 {
     std::string directory;
@@ -32,7 +26,7 @@ std::string chosenDirectory()
     else
         directory = "/tmp/koriil-" + std::to_string(geteuid());
 
-    // "link/" would name what the link points at, and the link would go unseen.
+    // lstat follows a link whose name ends in '/', and the check for links would pass it.
     while (directory.size() > 1 && directory.back() == '/')
         directory.pop_back();
     return directory;
@@ -64,11 +58,11 @@ std::uint32_t findRuntimeDirectory(std::string& directory)
     if (status.st_uid != geteuid())
         return refused(directory, "it belongs to another user");
     if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
-        return refused(directory, "others may write to it (chmod go-w would mend that)");
+        return refused(directory, "others may write to it (chmod go-w forbids it)");
     return KOR_IIL_OK;
 }
 
-// The two endings differ, so that no service's socket is another's lock.
+// Two suffixes, so that the socket of one service is never the lock file of another.
 std::string socketPath(const std::string& directory, const char* serviceId)
 {
     return directory + "/" + serviceId + ".socket";

@@ -9,14 +9,14 @@
 namespace koriil
 {
 
-// Creates the runtime directory if it is missing, and makes sure that nobody but its owner, who must be us, can put files
-// there. Otherwise KOR_IIL_UNKNOWN_COMM, and the trace says why.
+// Creates the runtime directory if it is missing, and checks that it belongs to this user and that no other user can create
+// files in it. Otherwise KOR_IIL_UNKNOWN_COMM, and a trace line with the reason.
 std::uint32_t findRuntimeDirectory(std::string& directory);
 
 std::string socketPath(const std::string& directory, const char* serviceId);
 std::string lockPath(const std::string& directory, const char* serviceId);
 
-// KOR_IIL_UNKNOWN_COMM, and a line on the trace, if the path does not fit into a socket's address.
+// KOR_IIL_UNKNOWN_COMM, and a trace line, if the path does not fit into a socket's address.
 std::uint32_t socketAddress(const std::string& path, sockaddr_un& address);
 
 } // namespace koriil

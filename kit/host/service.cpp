@@ -15,7 +15,6 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/socket.h>
-#include <sys/uio.h>
 
 namespace koriil
 {
@@ -26,44 +25,25 @@ constexpr std::size_t kMostCallers = 256;
 constexpr std::uint32_t kMostEvents = 1024;
 constexpr int kBacklog = 128;
 constexpr std::chrono::seconds kGreetWithin{2};
-constexpr int kAcceptedAtOnce = 64; // then the others have their turn
+constexpr int kAcceptedAtOnce = 64; // before the connected ones are served again
 
-// What a subscriber may be behind by, in the kernel's own accounting; the kernel grants less where its limit is lower.
+// Unread events of one subscriber, in the kernel's accounting; the kernel grants less where net.core.wmem_max is lower.
 constexpr int kEventQueueBytes = 4 * 1024 * 1024;
 
 // Numbers in the poll set. Callers have greater ones.
 constexpr std::uint32_t kListenerNumber = 0;
 constexpr std::uint32_t kWakeNumber = 1;
 
-// A sender that the receiver's full queue would hold up is told so instead.
-bool sendPacket(int socket, const PacketHeader& header, const void* message)
-{
-    iovec parts[2] = {};
-    parts[0].iov_base = const_cast<PacketHeader*>(&header);
-    parts[0].iov_len = sizeof header;
-    parts[1].iov_base = const_cast<void*>(message);
-    parts[1].iov_len = header.length;
-    msghdr packet = {};
-    packet.msg_iov = parts;
-    packet.msg_iovlen = header.length > 0 ? 2 : 1;
-
-    ssize_t sent;
-    do
-        sent = sendmsg(socket, &packet, MSG_NOSIGNAL | MSG_DONTWAIT);
-    while (sent < 0 && errno == EINTR);
-    return sent >= 0;
-}
-
-void turnAway(int socket, std::uint32_t status)
+void reject(int socket, std::uint32_t status)
 {
     PacketHeader reply;
-    reply.kind = PacketKind::Reply;
+    reply.kind = PacketKind::kReply;
     reply.sequence = 1; // of every connection's hello
     reply.status = status;
-    sendPacket(socket, reply, nullptr); // if it does not arrive, the closed connection says enough
+    sendPacket(socket, reply, nullptr); // if that fails, the caller still finds the connection closed
 }
 
-// Starting somewhere else each time, so that a number which a client had from this service's predecessor is not one of ours.
+// Differs from run to run, so that a number that a client has from an earlier run of the service is not valid in this one.
 std::uint32_t firstNumber()
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -88,21 +68,20 @@ Service::Service(const char* serviceId, std::uint32_t eventCount, KorIilRequestH
 Service::~Service()
 {
     if (owner_ != getpid())
-        return; // a child gives up its copies, and nothing of what its parent owns
+        return; // a child closes its copies, and leaves what its parent owns
     if (!socketPath_.empty())
         unlink(socketPath_.c_str());
     for (const auto& [number, caller] : callers_)
         shutdown(caller.socket.get(), SHUT_RDWR);
     if (lock_)
-        flock(lock_.get(), LOCK_UN); // a child's copy would hold it on
+        flock(lock_.get(), LOCK_UN); // closing alone would not release it while a child holds a copy
 }
 
 std::uint32_t Service::failed(const char* what)
 {
-    const int error = errno;
-    const bool shortage = error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS || error == ENOSPC;
-    KORIIL_REPORT(kTraceWarning, "service %s: %s failed: %s", id_.c_str(), what, std::strerror(error));
-    return shortage ? KOR_IIL_NO_MEM : KOR_IIL_ERR;
+    const std::uint32_t status = statusOfErrno();
+    KORIIL_REPORT(kTraceWarning, "service %s: %s failed: %s", id_.c_str(), what, std::strerror(errno));
+    return status;
 }
 
 std::uint32_t Service::open()
@@ -125,8 +104,8 @@ std::uint32_t Service::open()
     return KOR_IIL_OK;
 }
 
-// The name is whose lock on the lock file it is. The kernel drops a dead service's lock, whatever it left behind. The file
-// stays: removing it would let two services hold locks on two files of one name.
+// Whoever has the lock on the lock file has the name. The kernel releases the lock of a dead process. The file is never removed:
+// otherwise two services could hold locks on two files of one name.
 std::uint32_t Service::takeName(const std::string& directory)
 {
     const std::string path = lockPath(directory, id_.c_str());
@@ -137,7 +116,7 @@ std::uint32_t Service::takeName(const std::string& directory)
         return KOR_IIL_OK;
 
     const bool taken = errno == EWOULDBLOCK;
-    lock_ = Descriptor(); // not ours to unlock
+    lock_ = Descriptor(); // the destructor must not unlock it
     return taken ? static_cast<std::uint32_t>(KOR_IIL_CONFLICT_ID) : failed("locking its lock file");
 }
 
@@ -173,9 +152,9 @@ bool Service::watch(int descriptor, std::uint32_t number)
 
 void Service::stop()
 {
-    const int interruptedErrno = errno; // of what a signal handler interrupted
+    const int interruptedErrno = errno; // of the code that a signal handler interrupted
     const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(wake_.get(), &one, sizeof one); // fails only if it is signalled already
+    [[maybe_unused]] const ssize_t written = write(wake_.get(), &one, sizeof one); // fails only if it has been signalled
     errno = interruptedErrno;
 }
 
@@ -197,7 +176,7 @@ std::uint32_t Service::run()
             else if (number == kListenerNumber)
                 accept();
             else if (const auto caller = callers_.find(number); caller != callers_.end())
-                if (serve(number, caller->second) == Verdict::Disconnect)
+                if (serve(number, caller->second) == Verdict::kDisconnect)
                     disconnect(number);
         }
         if (silent_ > 0)
@@ -205,13 +184,13 @@ std::uint32_t Service::run()
         if (stopping)
         {
             std::uint64_t signals;
-            [[maybe_unused]] const ssize_t taken = read(wake_.get(), &signals, sizeof signals); // for the next run
+            [[maybe_unused]] const ssize_t taken = read(wake_.get(), &signals, sizeof signals); // cleared for the next run
             return KOR_IIL_OK;
         }
     }
 }
 
-// Milliseconds; without end unless somebody has yet to say hello.
+// Milliseconds; no limit (-1) unless a caller has yet to say hello.
 int Service::nextTimeout() const
 {
     if (silent_ == 0)
@@ -233,9 +212,9 @@ void Service::disconnectSilent()
             silent.push_back(number);
     for (const std::uint32_t number : silent)
     {
-        // A long request of somebody else may be what kept us from reading its hello.
+        // Its hello may be there, unread because another caller's request took long.
         Caller& caller = callers_.at(number);
-        if (serve(number, caller) == Verdict::Disconnect || !caller.greeted)
+        if (serve(number, caller) == Verdict::kDisconnect || !caller.greeted)
             disconnect(number);
     }
 }
@@ -248,7 +227,7 @@ void Service::accept()
         if (socket)
             admit(std::move(socket));
         else if (errno == EMFILE || errno == ENFILE)
-            return turnAwayForWantOfDescriptors();
+            return rejectOutOfDescriptors();
         else
             return;
     }
@@ -257,7 +236,7 @@ void Service::accept()
 void Service::admit(Descriptor socket)
 {
     if (callers_.size() >= kMostCallers)
-        return turnAway(socket.get(), KOR_IIL_BUSY);
+        return reject(socket.get(), KOR_IIL_BUSY);
 
     Caller caller;
     ucred peer = {};
@@ -267,9 +246,9 @@ void Service::admit(Descriptor socket)
         caller.processId = static_cast<std::uint32_t>(peer.pid);
         if (peer.uid != geteuid() && peer.uid != 0)
         {
-            KORIIL_REPORT(kTraceWarning, "service %s: process %ld of another user (%lu) turned away", id_.c_str(),
+            KORIIL_REPORT(kTraceWarning, "service %s: process %ld of another user (%lu) rejected", id_.c_str(),
                           static_cast<long>(peer.pid), static_cast<unsigned long>(peer.uid));
-            return turnAway(socket.get(), KOR_IIL_UNKNOWN_SRC_ID);
+            return reject(socket.get(), KOR_IIL_UNKNOWN_SRC_ID);
         }
     }
 
@@ -280,7 +259,7 @@ void Service::admit(Descriptor socket)
     lastNumber_ = number;
 
     if (!watch(socket.get(), number))
-        return turnAway(socket.get(), KOR_IIL_BUSY);
+        return reject(socket.get(), KOR_IIL_BUSY);
     caller.socket = std::move(socket);
     caller.greetBefore = Clock::now() + kGreetWithin;
     const std::lock_guard<std::mutex> guard(mutex_);
@@ -288,16 +267,17 @@ void Service::admit(Descriptor socket)
     ++silent_;
 }
 
-// A connection that cannot be accepted would stay ready, and the loop would turn for ever.
-void Service::turnAwayForWantOfDescriptors()
+// A connection that is not accepted would stay ready, and the loop would never wait again.
+void Service::rejectOutOfDescriptors()
 {
     spare_ = Descriptor();
     {
         const Descriptor socket(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
         if (socket)
-            turnAway(socket.get(), KOR_IIL_BUSY);
+            reject(socket.get(), KOR_IIL_BUSY);
         else
-            std::this_thread::sleep_for(std::chrono::milliseconds(10)); // another thread took the descriptor: let it finish
+            std::this_thread::sleep_for(
+                std::chrono::milliseconds(10)); // another thread took the descriptor, and may give it back
     }
     spare_ = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
@@ -308,7 +288,7 @@ void Service::disconnect(std::uint32_t number)
     const auto caller = callers_.find(number);
     if (!caller->second.greeted)
         --silent_;
-    shutdown(caller->second.socket.get(), SHUT_RDWR); // so that it ends even if a child has a copy
+    shutdown(caller->second.socket.get(), SHUT_RDWR); // ends the connection even if a child holds a copy
     callers_.erase(caller);
 }
 
@@ -318,21 +298,21 @@ Service::Verdict Service::serve(std::uint32_t number, Caller& caller)
 {
     const ssize_t received = recv(caller.socket.get(), packet_.get(), sizeof(Packet), MSG_DONTWAIT | MSG_TRUNC);
     if (received < 0)
-        return errno == EAGAIN || errno == EINTR ? Verdict::Keep : Verdict::Disconnect;
+        return errno == EAGAIN || errno == EINTR ? Verdict::kKeep : Verdict::kDisconnect;
     if (received == 0)
-        return Verdict::Disconnect;
+        return Verdict::kDisconnect;
 
     const PacketHeader& header = packet_->header;
     const auto length = static_cast<std::size_t>(received);
-    switch (originOf(header, length))
+    switch (validityOf(header, length))
     {
-    case PacketOrigin::Foreign:
-        turnAway(caller.socket.get(), KOR_IIL_MISMATCH_COMM);
-        return Verdict::Disconnect;
-    case PacketOrigin::Malformed:
-        turnAway(caller.socket.get(), KOR_IIL_BAD_CMD);
-        return Verdict::Disconnect;
-    case PacketOrigin::Sound:
+    case PacketValidity::kForeign:
+        reject(caller.socket.get(), KOR_IIL_MISMATCH_COMM);
+        return Verdict::kDisconnect;
+    case PacketValidity::kMalformed:
+        reject(caller.socket.get(), KOR_IIL_BAD_CMD);
+        return Verdict::kDisconnect;
+    case PacketValidity::kValid:
         break;
     }
 
@@ -341,35 +321,35 @@ Service::Verdict Service::serve(std::uint32_t number, Caller& caller)
     if (header.length != length - sizeof(PacketHeader) || header.name[kIdentifierSize - 1] != '\0')
     {
         answer(caller, KOR_IIL_BAD_CMD, 0);
-        return Verdict::Disconnect;
+        return Verdict::kDisconnect;
     }
     if (!caller.greeted)
         return greet(number, caller);
     switch (header.kind)
     {
-    case PacketKind::Request:
+    case PacketKind::kRequest:
         return serveRequest(caller);
-    case PacketKind::Subscribe:
-    case PacketKind::Cancel:
+    case PacketKind::kSubscribe:
+    case PacketKind::kCancel:
         return serveSubscription(caller);
     default:
         answer(caller, KOR_IIL_BAD_CMD, 0);
-        return Verdict::Disconnect;
+        return Verdict::kDisconnect;
     }
 }
 
 Service::Verdict Service::greet(std::uint32_t number, Caller& caller)
 {
     PacketHeader& header = packet_->header;
-    if (header.kind != PacketKind::Hello || header.length != 0)
+    if (header.kind != PacketKind::kHello || header.length != 0)
     {
         answer(caller, KOR_IIL_BAD_CMD, 0);
-        return Verdict::Disconnect;
+        return Verdict::kDisconnect;
     }
     if (id_ != header.name)
     {
         answer(caller, KOR_IIL_UNKNOWN_DST_ID, 0);
-        return Verdict::Disconnect;
+        return Verdict::kDisconnect;
     }
     caller.greeted = true;
     --silent_;
@@ -391,7 +371,7 @@ Service::Verdict Service::serveRequest(Caller& caller)
     request.length = header.length;
     const std::uint32_t status = handler_(context_, &request, packet_->message);
     if (status == KOR_IIL_TIMEOUT)
-        return Verdict::Keep;
+        return Verdict::kKeep;
     return answer(caller, status, status == KOR_IIL_OK ? header.length : 0);
 }
 
@@ -416,7 +396,7 @@ std::uint32_t Service::subscribe(const Caller& caller, const PacketHeader& reque
         return KOR_IIL_BAD_EVT;
 
     Caller& subscriber = found->second;
-    const bool wanted = request.kind == PacketKind::Subscribe;
+    const bool wanted = request.kind == PacketKind::kSubscribe;
     if (subscriber.events.empty())
     {
         subscriber.events.resize(eventCount_ + 1);
@@ -428,20 +408,19 @@ std::uint32_t Service::subscribe(const Caller& caller, const PacketHeader& reque
     return KOR_IIL_OK;
 }
 
-// Turns the packet being served into its reply.
+// Turns the packet being served into its reply, and sends it.
 Service::Verdict Service::answer(const Caller& caller, std::uint32_t status, std::uint32_t length)
 {
     PacketHeader& header = packet_->header;
-    header.kind = PacketKind::Reply;
+    header.kind = PacketKind::kReply;
     header.status = status;
     header.length = length;
-    const std::size_t size = sizeof header + length;
-    if (send(caller.socket.get(), packet_.get(), size, MSG_NOSIGNAL | MSG_DONTWAIT) == static_cast<ssize_t>(size))
-        return Verdict::Keep;
+    if (sendPacket(caller.socket.get(), header, packet_->message))
+        return Verdict::kKeep;
     if (errno == EAGAIN)
         KORIIL_REPORT(kTraceWarning, "service %s: process %lu does not read its replies, disconnected", id_.c_str(),
                       static_cast<unsigned long>(caller.processId));
-    return Verdict::Disconnect;
+    return Verdict::kDisconnect;
 }
 
 // --- Events ------------------------------------------------------------------------------------------------------------------
@@ -454,7 +433,7 @@ std::uint32_t Service::publish(std::uint32_t event, const void* data, std::uint3
         return KOR_IIL_OVERSIZE;
 
     PacketHeader header;
-    header.kind = PacketKind::Event;
+    header.kind = PacketKind::kEvent;
     header.command = event;
     header.length = length;
     copyIdentifier(header.name, id_.c_str());
@@ -470,10 +449,10 @@ std::uint32_t Service::publish(std::uint32_t event, const void* data, std::uint3
             ++sent;
             continue;
         }
-        if (errno == EAGAIN) // otherwise it is gone
+        if (errno == EAGAIN) // any other error: it has closed the connection
             KORIIL_REPORT(kTraceWarning, "service %s: process %lu does not take its events, disconnected", id_.c_str(),
                           static_cast<unsigned long>(caller.processId));
-        // It can still read what is in its queue. The loop sees the end, and forgets it.
+        // The subscriber can still read its queue. The loop finds the connection ended, and removes the caller.
         shutdown(caller.socket.get(), SHUT_RDWR);
     }
     if (subscribers != nullptr)
@@ -483,7 +462,7 @@ std::uint32_t Service::publish(std::uint32_t event, const void* data, std::uint3
 
 } // namespace koriil
 
-// --- The functions for everybody ---------------------------------------------------------------------------------------------
+// --- The exported functions --------------------------------------------------------------------------------------------------
 
 struct KorIilService : koriil::Service
 {

@@ -40,14 +40,14 @@ private:
         Descriptor socket;
         std::uint32_t processId = 0;
         bool greeted = false;
-        Clock::time_point greetBefore; // silent ones are disconnected then
-        std::vector<bool> events;      // those to send here, by number; empty until the first
+        Clock::time_point greetBefore; // disconnected then if it has not said hello
+        std::vector<bool> events;      // subscribed to, by number; empty before the first subscription
     };
 
     enum class Verdict
     {
-        Keep,
-        Disconnect
+        kKeep,
+        kDisconnect
     };
 
     std::uint32_t takeName(const std::string& directory);
@@ -59,7 +59,7 @@ private:
     void disconnectSilent();
     void accept();
     void admit(Descriptor socket);
-    void turnAwayForWantOfDescriptors();
+    void rejectOutOfDescriptors();
     void disconnect(std::uint32_t number);
 
     Verdict serve(std::uint32_t number, Caller& caller);
@@ -75,19 +75,19 @@ private:
     void* const context_;
     const pid_t owner_;
 
-    std::string socketPath_; // empty until the socket is there
+    std::string socketPath_; // empty until the socket is bound
     Descriptor lock_;
     Descriptor listener_;
     Descriptor poll_;
     Descriptor wake_;
-    Descriptor spare_; // given up for a moment when descriptors run out
+    Descriptor spare_; // closed for a moment to reject a caller when descriptors run out
 
-    std::mutex mutex_; // callers_ changes, and events are published, under it; the loop alone changes callers_
+    std::mutex mutex_; // held by the loop to change callers_, and by any thread to publish
     std::unordered_map<std::uint32_t, Caller> callers_;
     std::uint32_t lastNumber_;
-    std::size_t silent_ = 0; // callers not greeted yet
+    std::size_t silent_ = 0; // callers that have not said hello yet
 
-    std::unique_ptr<Packet> packet_; // the one being served
+    std::unique_ptr<Packet> packet_; // the packet being served
 };
 
 } // namespace koriil

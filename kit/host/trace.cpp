@@ -1,7 +1,8 @@
-// The trace sink: one line a record, bounded, written at once.
+// The trace sink: one line per record, of limited length, written without buffering.
 #include "trace.h"
 
 #include "base/timestamp.h"
+#include "environment.h"
 
 #include <cerrno>
 #include <cstdarg>
@@ -9,8 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace koriil
@@ -22,7 +23,7 @@ constexpr std::size_t kLongestLine = 1024; // with its newline
 constexpr char kCutMark[] = " [cut]";
 
 // One line under construction: printable ASCII only, never longer than kLongestLine.
-class Line
+class TraceLine
 {
 public:
     void append(const char* text)
@@ -39,11 +40,7 @@ public:
             length_ += sizeof kCutMark - 1;
         }
         bytes_[length_++] = '\n';
-
-        ssize_t written;
-        do
-            written = write(descriptor, bytes_, length_);
-        while (written < 0 && errno == EINTR);
+        writeLine(descriptor, bytes_, length_);
     }
 
 private:
@@ -70,16 +67,16 @@ private:
     bool cut_ = false;
 };
 
-// What the environment asks for, read when the first record is written.
-struct Settings
+// From the environment, read when the first record is written.
+struct TraceSettings
 {
     std::uint32_t highestLevel = kTraceNotice;
     int descriptor = STDERR_FILENO;
 };
 
-void complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
+void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-void complain(const char* format, ...)
+void warn(const char* format, ...)
 {
     char text[kLongestLine];
     va_list arguments;
@@ -87,7 +84,7 @@ void complain(const char* format, ...)
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
 
-    Line line;
+    TraceLine line;
     line.append(text);
     line.writeTo(STDERR_FILENO);
 }
@@ -103,59 +100,59 @@ std::uint32_t levelFrom(const char* text, std::uint32_t fallback)
     if (text[0] >= '0' && text[0] <= '9' && *end == '\0' && errno == 0 && level <= UINT32_MAX)
         return static_cast<std::uint32_t>(level);
 
-    complain("koriil: KORIIL_TRACE is '%s'; expected off or the number of the highest level to show, 1 to %u", text,
-             static_cast<unsigned>(kTraceDebug));
+    warn("koriil: KORIIL_TRACE is '%s'; expected off or the number of the highest level to show, 1 to %u", text,
+         static_cast<unsigned>(kTraceDebug));
     return fallback;
 }
 
-Settings readSettings()
+TraceSettings readSettings()
 {
-    Settings settings;
-    if (const char* level = std::getenv("KORIIL_TRACE"); level != nullptr && *level != '\0')
+    TraceSettings settings;
+    if (const char* level = setting("KORIIL_TRACE"))
         settings.highestLevel = levelFrom(level, settings.highestLevel);
 
-    if (const char* path = std::getenv("KORIIL_TRACE_FILE"); path != nullptr && *path != '\0')
+    if (const char* path = setting("KORIIL_TRACE_FILE"))
     {
-        const int file = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+        const int file = openForAppending(path);
         if (file >= 0)
             settings.descriptor = file;
         else
-            complain("koriil: trace file %s cannot be opened (%s); tracing to standard error", path, std::strerror(errno));
+            warn("koriil: trace file %s cannot be opened (%s); tracing to standard error", path, std::strerror(errno));
     }
     return settings;
 }
 
-void appendLevel(Line& line, std::uint32_t level)
+void appendLevel(TraceLine& record, std::uint32_t level)
 {
     static constexpr const char* kNames[] = {"level0 ", "error ", "warning ", "notice ", "debug "};
-    if (level < sizeof kNames / sizeof kNames[0])
-        return line.append(kNames[level]);
+    if (level < std::size(kNames))
+        return record.append(kNames[level]);
 
     char number[24];
     std::snprintf(number, sizeof number, "level%lu ", static_cast<unsigned long>(level));
-    line.append(number);
+    record.append(number);
 }
 
-void appendPlace(Line& line, const char* fileTag, std::uint32_t number)
+void appendPlace(TraceLine& record, const char* fileTag, std::uint32_t line)
 {
     char text[16];
-    std::snprintf(text, sizeof text, ":%lu ", static_cast<unsigned long>(number));
-    line.append(fileTag != nullptr ? fileTag : "?");
-    line.append(text);
+    std::snprintf(text, sizeof text, ":%lu ", static_cast<unsigned long>(line));
+    record.append(fileTag != nullptr ? fileTag : "?");
+    record.append(text);
 }
 
 } // namespace
 } // namespace koriil
 
-extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t number, const char* format, ...)
+extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
 {
     using namespace koriil;
 
     const int callersErrno = errno;
-    static const Settings settings = readSettings();
-    if (level <= settings.highestLevel && settings.highestLevel != 0)
+    static const TraceSettings kSettings = readSettings();
+    if (level <= kSettings.highestLevel && kSettings.highestLevel != 0)
     {
-        // A text that fills the buffer does not fit into a line either, which then shows that it was cut.
+        // Cut here, a text is too long for the line as well, which then ends in the cut mark.
         char text[kLongestLine] = "(no text)";
         if (format != nullptr)
         {
@@ -167,13 +164,13 @@ extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t number
             va_end(arguments);
         }
 
-        Line line;
-        line.append(tarn::base::Timestamp().text);
-        line.append(" ");
-        appendLevel(line, level);
-        appendPlace(line, fileTag, number);
-        line.append(text);
-        line.writeTo(settings.descriptor);
+        TraceLine record;
+        record.append(tarn::base::Timestamp().text);
+        record.append(" ");
+        appendLevel(record, level);
+        appendPlace(record, fileTag, line);
+        record.append(text);
+        record.writeTo(kSettings.descriptor);
     }
     errno = callersErrno;
 }

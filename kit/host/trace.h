@@ -1,4 +1,4 @@
-// Trace levels, and this library's own records.
+// Trace levels, and this library's own trace lines.
 #pragma once
 
 #include "kor_iil.h"
@@ -15,5 +15,5 @@ constexpr std::uint32_t kTraceDebug = 4;
 
 } // namespace koriil
 
-// This library reports as "koriil", on level 2 and above, so that records of level 1 are the components' own.
+// This library's tag is "koriil", its levels are 2 and above: level 1 is left to the components.
 #define KORIIL_REPORT(level, ...) KorIilTrace(level, "koriil", __LINE__, __VA_ARGS__)

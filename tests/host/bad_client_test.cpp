@@ -45,7 +45,7 @@ protected:
     {
         auto answer = std::make_unique<Packet>();
         ASSERT_EQ(peer.receive(*answer), ssize_t{sizeof(PacketHeader)});
-        EXPECT_EQ(answer->header.kind, PacketKind::Reply);
+        EXPECT_EQ(answer->header.kind, PacketKind::kReply);
         EXPECT_EQ(answer->header.status, status);
         EXPECT_EQ(answer->header.length, 0u);
         if (closed)
@@ -71,7 +71,7 @@ TEST_F(BadClientTest, AGoodOneMadeByHandIsServed)
 {
     Peer peer = Peer::connectTo(kService);
     const PacketHeader welcome = peer.greet();
-    EXPECT_EQ(welcome.kind, PacketKind::Reply);
+    EXPECT_EQ(welcome.kind, PacketKind::kReply);
     EXPECT_EQ(welcome.sequence, 1u);
     EXPECT_NE(welcome.channel, 0u);
     expectService(peer);
@@ -106,7 +106,8 @@ TEST_F(BadClientTest, SaysHalfAHello)
 
 TEST_F(BadClientTest, SaysSomethingElseFirst)
 {
-    for (const PacketKind kind : {PacketKind::Request, PacketKind::Subscribe, PacketKind::Reply, static_cast<PacketKind>(77)})
+    for (const PacketKind kind :
+         {PacketKind::kRequest, PacketKind::kSubscribe, PacketKind::kReply, static_cast<PacketKind>(77)})
     {
         Peer peer = Peer::connectTo(kService);
         PacketHeader header;
@@ -174,7 +175,7 @@ TEST_F(BadClientTest, HasNoName)
 {
     Peer peer = Peer::connectTo(kService);
     peer.greet();
-    for (const PacketKind kind : {PacketKind::Request, PacketKind::Subscribe, PacketKind::Cancel})
+    for (const PacketKind kind : {PacketKind::kRequest, PacketKind::kSubscribe, PacketKind::kCancel})
     {
         PacketHeader request = requestHeader(1, 0);
         request.kind = kind;
@@ -186,7 +187,7 @@ TEST_F(BadClientTest, HasNoName)
 
 TEST_F(BadClientTest, SendsWhatOnlyServicesSend)
 {
-    for (const PacketKind kind : {PacketKind::Reply, PacketKind::Event, PacketKind::Hello, static_cast<PacketKind>(0)})
+    for (const PacketKind kind : {PacketKind::kReply, PacketKind::kEvent, PacketKind::kHello, static_cast<PacketKind>(0)})
     {
         Peer peer = Peer::connectTo(kService);
         peer.greet();
@@ -211,7 +212,7 @@ TEST_F(BadClientTest, SubscribesForSomeoneElse)
     Peer peer = Peer::connectTo(kService);
     const PacketHeader welcome = peer.greet();
     PacketHeader request = requestHeader(1, 0);
-    request.kind = PacketKind::Subscribe;
+    request.kind = PacketKind::kSubscribe;
     request.channel = welcome.channel + 1000; // nobody's
     ASSERT_TRUE(peer.send(request));
     expectAnswer(peer, KOR_IIL_BAD_EVT, false);
@@ -239,7 +240,7 @@ TEST_F(BadClientTest, SubscribesWithAMessage)
 {
     Peer peer = Peer::connectTo(kService);
     PacketHeader request = requestHeader(1, 3);
-    request.kind = PacketKind::Subscribe;
+    request.kind = PacketKind::kSubscribe;
     request.channel = peer.greet().channel;
     ASSERT_TRUE(peer.send(request, "abc"));
     expectAnswer(peer, KOR_IIL_MISMATCH_CMD_LEN, false);

@@ -177,8 +177,8 @@ TEST_F(BadServiceTest, MalformedReplies)
 {
     const std::function<void(PacketHeader&)> faults[] = {
         [](PacketHeader& reply) { reply.magic = 0; },
-        [](PacketHeader& reply) { reply.kind = PacketKind::Event; },
-        [](PacketHeader& reply) { reply.kind = PacketKind::Request; },
+        [](PacketHeader& reply) { reply.kind = PacketKind::kEvent; },
+        [](PacketHeader& reply) { reply.kind = PacketKind::kRequest; },
         [](PacketHeader& reply) { ++reply.sequence; },
         [](PacketHeader& reply) { --reply.sequence; },
         [](PacketHeader& reply) { ++reply.command; },

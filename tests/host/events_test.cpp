@@ -100,7 +100,7 @@ std::uint32_t cancel(std::uint32_t evt = 1, KorIilEventHandler handler = onEvent
 std::uint32_t subscribeByHand(Peer& peer, std::uint32_t evt)
 {
     koriil::PacketHeader request = requestHeader(evt, 0);
-    request.kind = koriil::PacketKind::Subscribe;
+    request.kind = koriil::PacketKind::kSubscribe;
     request.channel = peer.greet().channel;
     EXPECT_TRUE(peer.send(request));
     auto reply = std::make_unique<koriil::Packet>();
@@ -632,7 +632,7 @@ TEST_F(EventsTest, AnUnknownChannelIsReplacedOnce)
             Peer secondChannel(accept(listener.get(), nullptr, nullptr));
             welcome(secondChannel);
             ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(request->header.kind, koriil::PacketKind::Subscribe);
+            ASSERT_EQ(request->header.kind, koriil::PacketKind::kSubscribe);
             unknown.sequence = request->header.sequence;
             ASSERT_TRUE(caller.send(unknown));
             EXPECT_TRUE(secondChannel.hasEnded());
@@ -654,12 +654,12 @@ TEST_F(EventsTest, MalformedEventsAreDropped)
             welcome(caller);
             auto request = std::make_unique<koriil::Packet>();
             ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(request->header.kind, koriil::PacketKind::Subscribe);
+            ASSERT_EQ(request->header.kind, koriil::PacketKind::kSubscribe);
             ASSERT_EQ(request->header.channel, 1000u);
             ASSERT_TRUE(caller.send(replyTo(request->header, 0)));
 
             koriil::PacketHeader event;
-            event.kind = koriil::PacketKind::Event;
+            event.kind = koriil::PacketKind::kEvent;
             event.command = 1;
             event.length = 4;
             ASSERT_TRUE(channel.send(event, "abc"));
@@ -672,7 +672,7 @@ TEST_F(EventsTest, MalformedEventsAreDropped)
             event.length = 4;
             ASSERT_TRUE(channel.send(event, "good"));
             ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(request->header.kind, koriil::PacketKind::Cancel);
+            ASSERT_EQ(request->header.kind, koriil::PacketKind::kCancel);
             ASSERT_TRUE(caller.send(replyTo(request->header, 0)));
             ASSERT_TRUE(channel.hasEnded()) << "it was the last";
         });

@@ -223,7 +223,7 @@ ssize_t Peer::receive(koriil::Packet& packet)
 koriil::PacketHeader Peer::greet(const char* serviceId)
 {
     koriil::PacketHeader hello;
-    hello.kind = koriil::PacketKind::Hello;
+    hello.kind = koriil::PacketKind::kHello;
     hello.sequence = 1;
     koriil::copyIdentifier(hello.name, serviceId);
     EXPECT_TRUE(send(hello));
@@ -243,7 +243,7 @@ bool Peer::hasEnded()
 koriil::PacketHeader requestHeader(std::uint32_t command, std::uint32_t length)
 {
     koriil::PacketHeader header;
-    header.kind = koriil::PacketKind::Request;
+    header.kind = koriil::PacketKind::kRequest;
     header.sequence = 2;
     header.command = command;
     header.length = length;
@@ -255,7 +255,7 @@ koriil::PacketHeader requestHeader(std::uint32_t command, std::uint32_t length)
 koriil::PacketHeader replyTo(const koriil::PacketHeader& request, std::uint32_t length)
 {
     koriil::PacketHeader header;
-    header.kind = koriil::PacketKind::Reply;
+    header.kind = koriil::PacketKind::kReply;
     header.sequence = request.sequence;
     header.command = request.command;
     header.length = length;
@@ -299,7 +299,7 @@ void welcome(Peer& peer)
 {
     auto hello = std::make_unique<koriil::Packet>();
     ASSERT_EQ(peer.receive(*hello), ssize_t{sizeof(koriil::PacketHeader)});
-    ASSERT_EQ(hello->header.kind, koriil::PacketKind::Hello);
+    ASSERT_EQ(hello->header.kind, koriil::PacketKind::kHello);
     koriil::PacketHeader reply = replyTo(hello->header, 0);
     reply.channel = 1000;
     ASSERT_TRUE(peer.send(reply));

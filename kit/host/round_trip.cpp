@@ -1,4 +1,4 @@
-#include "exchange.h"
+#include "round_trip.h"
 
 #include "connection.h"
 
@@ -13,14 +13,14 @@ namespace
 {
 
 // What one thread keeps between its calls.
-class Connections
+class KeptConnections
 {
 public:
-    std::uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
+    std::uint32_t roundTrip(const char* serviceId, PacketHeader& request, void* message)
     {
         const Deadline deadline(request.wait);
         if (!reply_)
-            reply_.reset(new Packet); // not cleared: 64 KiB that a small call never touches
+            reply_.reset(new Packet); // not cleared: 64 KiB, of which a short reply uses little
         dropInherited();
 
         std::uint32_t status = send(serviceId, request, message, deadline);
@@ -30,7 +30,7 @@ public:
         status = connections_.back()->receive(request, deadline, *reply_);
         if (status != KOR_IIL_OK)
         {
-            // Whatever comes on this connection from now on may be this call's, and must not be taken for the next one's.
+            // A packet that comes later on this connection may be the reply to this call, and must not answer the next one.
             connections_.pop_back();
             return status;
         }
@@ -45,11 +45,11 @@ private:
     {
         if (bringToBack(serviceId))
         {
-            const Connection::Sending sending = connections_.back()->send(request, message);
-            if (sending == Connection::Sending::Sent)
+            const Connection::SendResult result = connections_.back()->send(request, message);
+            if (result == Connection::SendResult::kSent)
                 return KOR_IIL_OK;
             connections_.pop_back();
-            if (sending == Connection::Sending::Failed)
+            if (result == Connection::SendResult::kFailed)
                 return KOR_IIL_TX_FAIL;
         }
 
@@ -57,7 +57,7 @@ private:
         std::unique_ptr<Connection> connection;
         if (const std::uint32_t status = Connection::open(serviceId, deadline, connection))
             return status;
-        if (connection->send(request, message) != Connection::Sending::Sent)
+        if (connection->send(request, message) != Connection::SendResult::kSent)
             return KOR_IIL_TX_FAIL;
         connections_.push_back(std::move(connection));
         return KOR_IIL_OK;
@@ -84,9 +84,9 @@ private:
     std::unique_ptr<Packet> reply_;
 };
 
-// Plain data, so that a call made after the thread's objects are destroyed (from the destructor of a static, say) still finds
-// it valid.
-thread_local Connections* kept = nullptr;
+// Trivially destructible, so that a call made after the thread's objects are destroyed (from the destructor of a static, for
+// example) finds them valid.
+thread_local KeptConnections* kept = nullptr;
 thread_local bool threadIsEnding = false;
 
 struct EndOfThread
@@ -103,16 +103,16 @@ thread_local EndOfThread endOfThread;
 
 } // namespace
 
-std::uint32_t exchange(const char* serviceId, PacketHeader& request, void* message)
+std::uint32_t roundTrip(const char* serviceId, PacketHeader& request, void* message)
 {
     if (threadIsEnding)
-        return Connections().exchange(serviceId, request, message);
+        return KeptConnections().roundTrip(serviceId, request, message);
     if (kept == nullptr)
     {
-        kept = new Connections;
+        kept = new KeptConnections;
         (void)&endOfThread; // constructs it, and with that registers its destructor
     }
-    return kept->exchange(serviceId, request, message);
+    return kept->roundTrip(serviceId, request, message);
 }
 
 } // namespace koriil

@@ -1,4 +1,4 @@
-#include "channel.h"
+#include "event_channel.h"
 
 #include "trace.h"
 
@@ -16,7 +16,7 @@ namespace
 
 constexpr std::uint32_t kConnectWithin = 3; // seconds
 
-// The delivering thread is the library's own: it takes no signal from the application.
+// Signals to the process are handled by the application's threads, not by the delivering thread.
 class SignalsBlocked
 {
 public:
@@ -39,32 +39,32 @@ private:
 
 } // namespace
 
-Channel::Channel(const char* serviceId) : serviceId_(serviceId), packet_(new Packet)
+EventChannel::EventChannel(const char* serviceId) : serviceId_(serviceId), packet_(new Packet)
 {
 }
 
-std::uint32_t Channel::open(const char* serviceId, std::shared_ptr<Channel>& channel)
+std::uint32_t EventChannel::open(const char* serviceId, std::shared_ptr<EventChannel>& channel)
 {
-    std::shared_ptr<Channel> fresh(new Channel(serviceId));
+    std::shared_ptr<EventChannel> fresh(new EventChannel(serviceId));
     if (const std::uint32_t status = Connection::open(serviceId, Deadline(kConnectWithin), fresh->connection_))
         return status;
-    if (!fresh->connection_->waitForEver())
+    if (!fresh->connection_->clearTimeout())
         return KOR_IIL_ERR;
 
-    // Detached: it ends with the connection, and at the end of the process it has nothing to put away.
+    // Detached: it ends with the connection, and needs no cleaning up at the end of the process.
     const SignalsBlocked blocked;
     std::thread([fresh] { fresh->deliverAll(); }).detach();
     channel = std::move(fresh);
     return KOR_IIL_OK;
 }
 
-bool Channel::isAlive() const
+bool EventChannel::isAlive() const
 {
     pollfd socket = {connection_->descriptor(), POLLRDHUP, 0};
     return poll(&socket, 1, 0) == 0;
 }
 
-bool Channel::add(const Subscriber& subscriber)
+bool EventChannel::add(const Subscriber& subscriber)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     for (const Subscription& subscription : subscriptions_)
@@ -74,7 +74,7 @@ bool Channel::add(const Subscriber& subscriber)
     return true;
 }
 
-bool Channel::remove(const Subscriber& subscriber)
+bool EventChannel::remove(const Subscriber& subscriber)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     const auto found = std::find_if(subscriptions_.begin(), subscriptions_.end(),
@@ -85,34 +85,34 @@ bool Channel::remove(const Subscriber& subscriber)
     return true;
 }
 
-void Channel::waitForEnd(const Subscriber& subscriber)
+void EventChannel::waitForEnd(const Subscriber& subscriber)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    if (run_ == 0 || !(runningAs_ == subscriber) || thread_ == std::this_thread::get_id())
+    if (run_ == 0 || !(runningFor_ == subscriber) || thread_ == std::this_thread::get_id())
         return;
     ended_.wait(lock, [this, run = run_] { return run_ != run; });
 }
 
-bool Channel::wants(std::uint32_t event)
+bool EventChannel::wants(std::uint32_t event)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     return std::any_of(subscriptions_.begin(), subscriptions_.end(),
                        [&](const Subscription& subscription) { return subscription.subscriber.event == event; });
 }
 
-bool Channel::isUnused()
+bool EventChannel::isUnused()
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     return subscriptions_.empty();
 }
 
-void Channel::close()
+void EventChannel::close()
 {
     reportLoss();
     shutdown(connection_->descriptor(), SHUT_RDWR);
 }
 
-void Channel::reportLoss()
+void EventChannel::reportLoss()
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     if (!subscriptions_.empty())
@@ -123,7 +123,7 @@ void Channel::reportLoss()
 
 // --- The thread --------------------------------------------------------------------------------------------------------------
 
-void Channel::deliverAll()
+void EventChannel::deliverAll()
 {
     {
         const std::lock_guard<std::mutex> guard(mutex_);
@@ -136,17 +136,17 @@ void Channel::deliverAll()
 }
 
 // False when the connection has ended.
-bool Channel::receive()
+bool EventChannel::receive()
 {
     const ssize_t received = recv(connection_->descriptor(), packet_.get(), sizeof(Packet), MSG_TRUNC);
     if (received < 0)
-        return errno == EINTR || errno == ECONNRESET; // a reset is reported once, before what came ahead of it
+        return errno == EINTR || errno == ECONNRESET; // a reset comes once, ahead of the packets that can still be read
     if (received == 0)
         return false;
 
     const PacketHeader& header = packet_->header;
     const auto length = static_cast<std::size_t>(received);
-    if (originOf(header, length) != PacketOrigin::Sound || header.kind != PacketKind::Event)
+    if (validityOf(header, length) != PacketValidity::kValid || header.kind != PacketKind::kEvent)
         KORIIL_REPORT(kTraceWarning, "service %s sent a packet of %zu bytes that is no event, dropped", serviceId_.c_str(),
                       length);
     else if (length > sizeof(Packet) || header.length != length - sizeof(PacketHeader))
@@ -158,44 +158,44 @@ bool Channel::receive()
     return true;
 }
 
-// Handlers subscribe and cancel: each subscription is looked up when its turn comes, and those made meanwhile wait for the next
-// event.
-void Channel::deliver(const void* data)
+// A handler may subscribe and cancel: the next subscription is looked up after every call, and those made meanwhile get the
+// next event.
+void EventChannel::deliver(const void* data)
 {
     const PacketHeader& header = packet_->header;
     const std::uint64_t last = newestSubscription();
-    std::uint64_t turn = 0;
-    while (const KorIilEventHandler handler = begin(turn, last))
+    std::uint64_t current = 0;
+    while (const KorIilEventHandler handler = begin(current, last))
     {
         handler(serviceId_.c_str(), header.command, data, header.length);
         end();
     }
 }
 
-std::uint64_t Channel::newestSubscription()
+std::uint64_t EventChannel::newestSubscription()
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     return lastNumber_;
 }
 
-// The handler of the next subscription to the event, after `turn` and up to `last`, now counted as running; NULL if there is
-// none.
-KorIilEventHandler Channel::begin(std::uint64_t& turn, std::uint64_t last)
+// Marks the next subscription to the event, after number `current` and up to `last`, as running, and returns its handler; NULL if
+// there is none.
+KorIilEventHandler EventChannel::begin(std::uint64_t& current, std::uint64_t last)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     for (const Subscription& subscription : subscriptions_)
-        if (subscription.number > turn && subscription.number <= last &&
+        if (subscription.number > current && subscription.number <= last &&
             subscription.subscriber.event == packet_->header.command)
         {
-            turn = subscription.number;
+            current = subscription.number;
             run_ = ++lastRun_;
-            runningAs_ = subscription.subscriber;
-            return runningAs_.handler;
+            runningFor_ = subscription.subscriber;
+            return runningFor_.handler;
         }
     return nullptr;
 }
 
-void Channel::end()
+void EventChannel::end()
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     run_ = 0;

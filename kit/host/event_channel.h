@@ -1,5 +1,5 @@
-// What a process has with one service it subscribed to: a connection on which nothing but events comes, the subscriptions, and
-// a thread that reads the one and serves the other.
+// A process's side of one service's events: a connection that carries nothing else, the subscriptions, and the thread that
+// reads the connection and calls the handlers.
 #pragma once
 
 #include "connection.h"
@@ -17,7 +17,7 @@
 namespace koriil
 {
 
-// Who wants what. Of fixed size, so that the delivering thread copies it without fail.
+// Whose handler is called for which event. Of fixed size, so that copying it allocates nothing and cannot fail.
 struct Subscriber
 {
     char callerId[kIdentifierSize] = {};
@@ -30,31 +30,32 @@ struct Subscriber
     }
 };
 
-class Channel
+class EventChannel
 {
 public:
     // Connects, and starts the thread. May throw std::bad_alloc and, when there is no thread to be had, std::system_error.
-    static std::uint32_t open(const char* serviceId, std::shared_ptr<Channel>& channel);
+    static std::uint32_t open(const char* serviceId, std::shared_ptr<EventChannel>& channel);
 
-    // False once the service has hung up, and so knows nothing of this channel any more.
+    // False once the service has closed the connection.
     bool isAlive() const;
-    // The service's own name for it.
+    // The number that the service gave to its connection.
     std::uint32_t number() const
     {
         return connection_->channel();
     }
 
-    // False if it has subscribed already.
+    // False if it is subscribed already.
     bool add(const Subscriber& subscriber);
-    // False if it has not subscribed.
+    // False if it is not subscribed.
     bool remove(const Subscriber& subscriber);
-    // Returns when the subscriber, removed before, does not have its handler running. A handler does not wait for its own end.
+    // Waits until the handler of the subscriber, which was removed before, is not running. Called by that handler, it does not
+    // wait.
     void waitForEnd(const Subscriber& subscriber);
 
     bool wants(std::uint32_t event);
     bool isUnused();
 
-    // Ends the subscriptions, the connection and the thread, which may be the one that calls.
+    // Ends the subscriptions, the connection and the thread. May be called on that thread.
     void close();
 
 private:
@@ -64,13 +65,13 @@ private:
         Subscriber subscriber;
     };
 
-    explicit Channel(const char* serviceId);
+    explicit EventChannel(const char* serviceId);
 
     void deliverAll();
     bool receive();
     void deliver(const void* data);
     std::uint64_t newestSubscription();
-    KorIilEventHandler begin(std::uint64_t& turn, std::uint64_t last);
+    KorIilEventHandler begin(std::uint64_t& current, std::uint64_t last);
     void end();
     void reportLoss();
 
@@ -82,8 +83,8 @@ private:
     std::vector<Subscription> subscriptions_;
     std::uint64_t lastNumber_ = 0;
     std::uint64_t lastRun_ = 0;
-    std::uint64_t run_ = 0; // of a handler, now; 0 for none
-    Subscriber runningAs_;  // whose it is
+    std::uint64_t run_ = 0; // number of the handler's call that is under way; 0 for none
+    Subscriber runningFor_; // the subscriber of that call
     std::thread::id thread_;
     std::condition_variable ended_;
 };
