@@ -178,8 +178,8 @@ std::uint64_t EventChannel::newestSubscription()
     return lastNumber_;
 }
 
-// Marks the next subscription to the event, after number `current` and up to `last`, as running, and returns its handler; NULL if
-// there is none.
+// Marks the next subscription to the event, after number `current` and up to `last`, as running, and returns its handler; NULL
+// if there is none.
 KorIilEventHandler EventChannel::begin(std::uint64_t& current, std::uint64_t last)
 {
     const std::lock_guard<std::mutex> guard(mutex_);

@@ -59,16 +59,16 @@ typedef struct KorIilRequest
  * Handlers of one service are called one at a time, on the thread that runs KorIilServiceRun. */
 typedef uint32_t (*KorIilRequestHandler)(void* context, const KorIilRequest* request, void* message);
 
-/* Registers `serviceId` (1 to 31 characters of A-Z a-z 0-9 _ - . that do not begin with .) with its handler. `context` is passed
- * to every call of the handler. `eventCount`: the service publishes events 1 to eventCount, at most 1024; 0 for none.
- * On KOR_IIL_OK, *service must be closed with KorIilServiceClose. Otherwise *service is NULL: KOR_IIL_CONFLICT_ID when a running
- * service has the name (files of a dead one are removed), KOR_IIL_UNKNOWN_COMM when the runtime directory cannot be
+/* Registers `serviceId` (1 to 31 characters of A-Z a-z 0-9 _ - . that do not begin with .) with its handler. `context` is
+ * passed to every call of the handler. `eventCount`: the service publishes events 1 to eventCount, at most 1024; 0 for none.
+ * On KOR_IIL_OK, *service must be closed with KorIilServiceClose. Otherwise *service is NULL: KOR_IIL_CONFLICT_ID when a
+ * running service has the name (files of a dead one are removed), KOR_IIL_UNKNOWN_COMM when the runtime directory cannot be
  * used, KOR_IIL_BAD_PARAM, KOR_IIL_NO_MEM, KOR_IIL_ERR. */
 uint32_t KorIilServiceOpen(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context,
                            KorIilService** service);
 
-/* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if
- * waiting for requests fails. */
+/* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if it
+ * cannot continue. */
 uint32_t KorIilServiceRun(KorIilService* service);
 
 /* Makes KorIilServiceRun return, or return at once when it is called next. From any thread, or a signal handler. */

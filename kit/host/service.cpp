@@ -104,8 +104,8 @@ std::uint32_t Service::open()
     return KOR_IIL_OK;
 }
 
-// Whoever has the lock on the lock file has the name. The kernel releases the lock of a dead process. The file is never removed:
-// otherwise two services could hold locks on two files of one name.
+// Whoever has the lock on the lock file has the name. The kernel releases the lock of a dead process. The file is never
+// removed: otherwise two services could hold locks on two files of one name.
 std::uint32_t Service::takeName(const std::string& directory)
 {
     const std::string path = lockPath(directory, id_.c_str());
