@@ -17,24 +17,24 @@ namespace
 {
 
 using tarn::mock::ActualCall;
-using tarn::mock::Kind;
+using tarn::mock::CallKind;
 using tarn::mock::nameOf;
 using tarn::mock::Part;
 
-// What an unexpected call is answered with: "ERR".
+// The IPC status that answers an unexpected call: "ERR".
 constexpr std::uint32_t kUnexpected = 1;
 
-struct Complaint
+struct Failure
 {
-    std::string file; // empty: no place in the test
+    std::string file; // of the test; empty if the script has no call for it
     unsigned line;
     std::string text;
 };
 
 // "a_test.c:12: ", or nothing.
-std::string placeOf(const Complaint& complaint)
+std::string placeOf(const Failure& failure)
 {
-    return complaint.file.empty() ? "" : complaint.file + ":" + std::to_string(complaint.line) + ": ";
+    return failure.file.empty() ? "" : failure.file + ":" + std::to_string(failure.line) + ": ";
 }
 
 struct Subscription
@@ -57,20 +57,25 @@ struct RecordedTrace
     KorIilMockTrace shown;
 };
 
-struct Platform
+// A handler of the test, and its context; without a handler, not in use.
+template <typename Handler>
+struct Hook
 {
-    std::deque<std::unique_ptr<KorIilMockCall>> script; // what is still to come
-    std::vector<std::unique_ptr<KorIilMockCall>> done;
-    std::vector<Complaint> complaints;
-    std::vector<Subscription> subscriptions;
-    std::deque<RecordedTrace> traces; // a deque, so that records stay where they are
+    Handler handler = nullptr;
+    void* context = nullptr;
+};
 
-    KorIilMockComplaintHandler onComplaint = nullptr;
-    void* complaintContext = nullptr;
-    KorIilMockExecuteHandler onExecute = nullptr;
-    void* executeContext = nullptr;
-    KorIilMockTraceHandler onTrace = nullptr;
-    void* traceContext = nullptr;
+struct MockState
+{
+    std::deque<std::unique_ptr<KorIilMockCall>> script; // calls still to come
+    std::vector<std::unique_ptr<KorIilMockCall>> done;
+    std::vector<Failure> failures;
+    std::vector<Subscription> subscriptions;
+    std::deque<RecordedTrace> traces; // a deque: its elements keep their addresses
+
+    Hook<KorIilMockComplaintHandler> onFailure;
+    Hook<KorIilMockExecuteHandler> onExecute;
+    Hook<KorIilMockTraceHandler> onTrace;
 };
 
 std::mutex& mutex()
@@ -79,36 +84,46 @@ std::mutex& mutex()
     return instance;
 }
 
-// To be touched with the mutex held.
-Platform& platform()
+// Accessed only with the mutex held.
+MockState& state()
 {
-    static Platform instance;
+    static MockState instance;
     return instance;
 }
 
 using Guard = std::lock_guard<std::mutex>;
 
-// The complaint handler is called without the lock, as it may well ask for the traces.
-void complain(const std::string& file, unsigned line, const std::string& text)
+template <typename Handler>
+void setHook(Hook<Handler> MockState::*hook, Handler handler, void* context)
 {
-    KorIilMockComplaintHandler handler = nullptr;
-    void* context = nullptr;
+    const Guard guard(mutex());
+    state().*hook = {handler, context};
+}
+
+// A copy, which is called without the lock: the handler may call the mock's functions.
+template <typename Handler>
+Hook<Handler> copyOf(Hook<Handler> MockState::*hook)
+{
+    const Guard guard(mutex());
+    return state().*hook;
+}
+
+void fail(const std::string& file, unsigned line, const std::string& text)
+{
     {
         const Guard guard(mutex());
-        platform().complaints.push_back({file, line, text});
-        handler = platform().onComplaint;
-        context = platform().complaintContext;
+        state().failures.push_back({file, line, text});
     }
-    if (handler != nullptr)
-        handler(context, file.empty() ? nullptr : file.c_str(), line, text.c_str());
+    if (const auto hook = copyOf(&MockState::onFailure); hook.handler != nullptr)
+        hook.handler(hook.context, file.empty() ? nullptr : file.c_str(), line, text.c_str());
 }
 
-void complain(const KorIilMockCall& call, const std::string& text)
+void fail(const KorIilMockCall& call, const std::string& text)
 {
-    complain(call.file, call.line, call.name() + ": " + text);
+    fail(call.file, call.line, call.name() + ": " + text);
 }
 
-KorIilMockCall* expect(Kind kind, const char* file, unsigned line, const char* serviceId, std::uint32_t number,
+KorIilMockCall* expect(CallKind kind, const char* file, unsigned line, const char* serviceId, std::uint32_t number,
                        std::uint32_t length)
 {
     auto call = std::make_unique<KorIilMockCall>();
@@ -121,22 +136,22 @@ KorIilMockCall* expect(Kind kind, const char* file, unsigned line, const char* s
     KorIilMockCall* const scripted = call.get();
     {
         const Guard guard(mutex());
-        platform().script.push_back(std::move(call));
+        state().script.push_back(std::move(call));
     }
-    if (kind == Kind::kExecute && length < sizeof(std::uint32_t))
-        complain(*scripted, "the script gives the message " + std::to_string(length) +
-                                " bytes, which leaves no room for its reply status");
+    if (kind == CallKind::kExecute && length < sizeof(std::uint32_t))
+        fail(*scripted,
+             "the script gives the message " + std::to_string(length) + " bytes, which leaves no room for its reply status");
     return scripted;
 }
 
-// A run of bytes for the script, unless it does not fit the message.
+// Adds bytes to the script, unless they do not fit the message.
 void addPart(const KorIilMockCall& call, std::vector<Part>& parts, Part part)
 {
-    if (call.kind != Kind::kExecute)
-        complain(call, "the script gives it bytes (" + part.label + "), but it has no message");
+    if (call.kind != CallKind::kExecute)
+        fail(call, "the script gives it bytes (" + part.label + "), but it has no message");
     else if (part.offset > call.length || part.bytes.size() > call.length - part.offset)
-        complain(call, "the script puts " + part.label + ", " + std::to_string(part.bytes.size()) + " bytes, at offset " +
-                           std::to_string(part.offset) + " of a message of " + std::to_string(call.length));
+        fail(call, "the script puts " + part.label + ", " + std::to_string(part.bytes.size()) + " bytes, at offset " +
+                       std::to_string(part.offset) + " of a message of " + std::to_string(call.length));
     else
         parts.push_back(std::move(part));
 }
@@ -169,33 +184,34 @@ std::string textLabel(const char* text)
     return "text " + tarn::base::inQuotes(text);
 }
 
-// Takes the head of the script if it is this call, and complains if it is not or carries something else. Null if it is not.
+// Takes the first call of the script if it is this one, and otherwise fails the test and returns NULL. Other arguments or bytes
+// than scripted fail the test too.
 const KorIilMockCall* take(const ActualCall& actual)
 {
     const std::string name = nameOf(actual.kind, actual.serviceId == nullptr ? "NULL" : actual.serviceId, actual.number);
     std::unique_lock<std::mutex> lock(mutex());
-    if (platform().script.empty())
+    if (state().script.empty())
     {
         lock.unlock();
-        complain("", 0, "unexpected call: " + name + "; no further call is expected");
+        fail("", 0, "unexpected call: " + name + "; no further call is expected");
         return nullptr;
     }
-    if (!platform().script.front()->isFor(actual))
+    if (!state().script.front()->isFor(actual))
     {
-        // Held together as text before the lock goes, since another thread may take the head.
-        const KorIilMockCall& head = *platform().script.front();
-        const Complaint wrong{head.file, head.line, "unexpected call: " + name + "; expected here: " + head.name()};
+        // Described before the lock is released, as another thread may then take the first call.
+        const KorIilMockCall& first = *state().script.front();
+        const Failure failure{first.file, first.line, "unexpected call: " + name + "; expected here: " + first.name()};
         lock.unlock();
-        complain(wrong.file, wrong.line, wrong.text);
+        fail(failure.file, failure.line, failure.text);
         return nullptr;
     }
-    platform().done.push_back(std::move(platform().script.front()));
-    platform().script.pop_front();
-    const KorIilMockCall* const call = platform().done.back().get();
+    state().done.push_back(std::move(state().script.front()));
+    state().script.pop_front();
+    const KorIilMockCall* const call = state().done.back().get();
     lock.unlock();
 
     if (const std::string text = call->differences(actual); !text.empty())
-        complain(*call, "not as scripted\n" + text);
+        fail(*call, "not as scripted\n" + text);
     return call;
 }
 
@@ -206,22 +222,22 @@ extern "C" {
 void KorIilMockReset(void)
 {
     const Guard guard(mutex());
-    platform() = Platform();
+    state() = MockState();
 }
 
 KorIilMockCall* KorIilMockExpectAt(const char* file, unsigned line, const char* serviceId, uint32_t cmdId, uint32_t msgLen)
 {
-    return expect(Kind::kExecute, file, line, serviceId, cmdId, msgLen);
+    return expect(CallKind::kExecute, file, line, serviceId, cmdId, msgLen);
 }
 
 KorIilMockCall* KorIilMockExpectSubscribeAt(const char* file, unsigned line, const char* serviceId, uint32_t evt)
 {
-    return expect(Kind::kSubscribe, file, line, serviceId, evt, 0);
+    return expect(CallKind::kSubscribe, file, line, serviceId, evt, 0);
 }
 
 KorIilMockCall* KorIilMockExpectCancelAt(const char* file, unsigned line, const char* serviceId, uint32_t evt)
 {
-    return expect(Kind::kCancel, file, line, serviceId, evt, 0);
+    return expect(CallKind::kCancel, file, line, serviceId, evt, 0);
 }
 
 void KorIilMockCaller(KorIilMockCall* call, const char* callerId)
@@ -231,8 +247,8 @@ void KorIilMockCaller(KorIilMockCall* call, const char* callerId)
 
 void KorIilMockWait(KorIilMockCall* call, uint32_t wait)
 {
-    if (call->kind != Kind::kExecute)
-        complain(*call, "the script gives it a wait, but it has none");
+    if (call->kind != CallKind::kExecute)
+        fail(*call, "the script gives it a wait, but it has none");
     call->wait = wait;
 }
 
@@ -256,8 +272,8 @@ void KorIilMockSentText(KorIilMockCall* call, uint32_t offset, uint32_t size, co
     const std::size_t length = std::strlen(text);
     if (length >= size)
     {
-        complain(*call,
-                 "the script expects the " + textLabel(text) + " in " + std::to_string(size) + " bytes, where it does not fit");
+        fail(*call,
+             "the script expects the " + textLabel(text) + " in " + std::to_string(size) + " bytes, where it does not fit");
         return;
     }
     std::vector<std::uint8_t> padded(size);
@@ -298,7 +314,7 @@ void KorIilMockStatus(KorIilMockCall* call, uint32_t status)
 void KorIilMockFail(KorIilMockCall* call, uint32_t ipcStatus)
 {
     if (ipcStatus == 0)
-        complain(*call, "the script lets it fail with IPC status 0, which is success");
+        fail(*call, "the script lets it fail with IPC status 0, which is success");
     call->ipcStatus = ipcStatus;
 }
 
@@ -307,26 +323,26 @@ unsigned KorIilMockDeliver(const char* serviceId, uint32_t evt, const void* data
     std::vector<Subscription> receivers;
     {
         const Guard guard(mutex());
-        for (const Subscription& each : platform().subscriptions)
-            if (each.serviceId == serviceId && each.evt == evt)
-                receivers.push_back(each);
+        for (const Subscription& subscription : state().subscriptions)
+            if (subscription.serviceId == serviceId && subscription.evt == evt)
+                receivers.push_back(subscription);
     }
     // Without the lock, as a handler may call the library.
-    for (const Subscription& each : receivers)
-        each.handler(serviceId, evt, data, length);
+    for (const Subscription& receiver : receivers)
+        receiver.handler(serviceId, evt, data, length);
     return static_cast<unsigned>(receivers.size());
 }
 
 unsigned KorIilMockTraceCount(void)
 {
     const Guard guard(mutex());
-    return static_cast<unsigned>(platform().traces.size());
+    return static_cast<unsigned>(state().traces.size());
 }
 
 const KorIilMockTrace* KorIilMockTraceAt(unsigned index)
 {
     const Guard guard(mutex());
-    return index < platform().traces.size() ? &platform().traces[index].shown : nullptr;
+    return index < state().traces.size() ? &state().traces[index].shown : nullptr;
 }
 
 unsigned KorIilMockVerify(FILE* out)
@@ -334,57 +350,44 @@ unsigned KorIilMockVerify(FILE* out)
     std::deque<std::unique_ptr<KorIilMockCall>> missing;
     {
         const Guard guard(mutex());
-        missing.swap(platform().script);
+        missing.swap(state().script);
     }
     for (const auto& call : missing)
-        complain(*call, "expected, but never made");
+        fail(*call, "expected, but never made");
 
-    std::vector<Complaint> complaints;
+    std::vector<Failure> failures;
     {
         const Guard guard(mutex());
-        complaints.swap(platform().complaints);
+        failures.swap(state().failures);
     }
     if (out != nullptr)
-        for (const Complaint& each : complaints)
-            std::fprintf(out, "%s%s\n", placeOf(each).c_str(), each.text.c_str());
+        for (const Failure& failure : failures)
+            std::fprintf(out, "%s%s\n", placeOf(failure).c_str(), failure.text.c_str());
     KorIilMockReset();
-    return static_cast<unsigned>(complaints.size());
+    return static_cast<unsigned>(failures.size());
 }
 
 void KorIilMockOnComplaint(KorIilMockComplaintHandler handler, void* context)
 {
-    const Guard guard(mutex());
-    platform().onComplaint = handler;
-    platform().complaintContext = context;
+    setHook(&MockState::onFailure, handler, context);
 }
 
 void KorIilMockOnExecute(KorIilMockExecuteHandler handler, void* context)
 {
-    const Guard guard(mutex());
-    platform().onExecute = handler;
-    platform().executeContext = context;
+    setHook(&MockState::onExecute, handler, context);
 }
 
 void KorIilMockOnTrace(KorIilMockTraceHandler handler, void* context)
 {
-    const Guard guard(mutex());
-    platform().onTrace = handler;
-    platform().traceContext = context;
+    setHook(&MockState::onTrace, handler, context);
 }
 
 uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen, void* msg)
 {
-    KorIilMockExecuteHandler handler = nullptr;
-    void* context = nullptr;
-    {
-        const Guard guard(mutex());
-        handler = platform().onExecute;
-        context = platform().executeContext;
-    }
-    if (handler != nullptr)
-        return handler(context, callerId, serviceId, wait, cmdId, msgLen, msg);
+    if (const auto hook = copyOf(&MockState::onExecute); hook.handler != nullptr)
+        return hook.handler(hook.context, callerId, serviceId, wait, cmdId, msgLen, msg);
 
-    const ActualCall actual{Kind::kExecute, callerId, serviceId, cmdId, wait, msgLen, static_cast<std::uint8_t*>(msg)};
+    const ActualCall actual{CallKind::kExecute, callerId, serviceId, cmdId, wait, msgLen, static_cast<std::uint8_t*>(msg)};
     const KorIilMockCall* const call = take(actual);
     if (call == nullptr)
         return kUnexpected;
@@ -394,24 +397,24 @@ uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wai
 
 uint32_t KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
 {
-    const KorIilMockCall* const call = take({Kind::kSubscribe, callerId, serviceId, evt, 0, 0, nullptr});
+    const KorIilMockCall* const call = take({CallKind::kSubscribe, callerId, serviceId, evt, 0, 0, nullptr});
     if (call == nullptr)
         return kUnexpected;
     if (call->ipcStatus == 0 && handler == nullptr)
     {
-        complain(*call, "the handler is NULL, and no event can be delivered to that");
+        fail(*call, "the handler is NULL, and no event can be delivered to that");
     }
     else if (call->ipcStatus == 0)
     {
         const Guard guard(mutex());
-        platform().subscriptions.push_back({serviceId, evt, handler});
+        state().subscriptions.push_back({serviceId, evt, handler});
     }
     return call->ipcStatus;
 }
 
 uint32_t KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
 {
-    const KorIilMockCall* const call = take({Kind::kCancel, callerId, serviceId, evt, 0, 0, nullptr});
+    const KorIilMockCall* const call = take({CallKind::kCancel, callerId, serviceId, evt, 0, 0, nullptr});
     if (call == nullptr)
         return kUnexpected;
     if (call->ipcStatus != 0)
@@ -420,37 +423,30 @@ uint32_t KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t
     bool wasSubscribed = false;
     {
         const Guard guard(mutex());
-        std::vector<Subscription>& subscriptions = platform().subscriptions;
+        std::vector<Subscription>& subscriptions = state().subscriptions;
         const auto found = std::find(subscriptions.begin(), subscriptions.end(), Subscription{serviceId, evt, handler});
         wasSubscribed = found != subscriptions.end();
         if (wasSubscribed)
             subscriptions.erase(found);
     }
     if (!wasSubscribed)
-        complain(*call, "that handler is not subscribed to it");
+        fail(*call, "that handler is not subscribed to it");
     return 0;
 }
 
 void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
 {
-    KorIilMockTraceHandler handler = nullptr;
-    void* context = nullptr;
-    {
-        const Guard guard(mutex());
-        handler = platform().onTrace;
-        context = platform().traceContext;
-    }
     va_list arguments;
     va_start(arguments, format);
-    if (handler != nullptr)
+    if (const auto hook = copyOf(&MockState::onTrace); hook.handler != nullptr)
     {
-        handler(context, level, fileTag, line, format, arguments);
+        hook.handler(hook.context, level, fileTag, line, format, arguments);
     }
     else
     {
         const std::string text = tarn::base::vformat(format, arguments);
         const Guard guard(mutex());
-        RecordedTrace& trace = platform().traces.emplace_back(RecordedTrace{fileTag, format, text, {}});
+        RecordedTrace& trace = state().traces.emplace_back(RecordedTrace{fileTag, format, text, {}});
         trace.shown = {level, trace.fileTag.c_str(), line, trace.format.c_str(), trace.text.c_str()};
     }
     va_end(arguments);

@@ -1,10 +1,10 @@
 /* A scripted platform: the four functions of `kor_iil.h` for unit tests of components that call the client library.
  *
- * A test scripts the calls it expects, in order, together with their answers; runs the component; and verifies. An unexpected
- * call, a call with other bytes and a call that never came are complaints, each with the line of the test that scripted it.
- * Traces are recorded. Events are delivered to the subscribed handlers when the test says so.
+ * A test scripts the calls it expects, in order, together with their answers; runs the component; and verifies. A failure is an
+ * unexpected call, a call with other bytes than expected, or a call that was never made; it comes with the line of the test
+ * that scripted the call. Traces are recorded. Events are delivered to the subscribed handlers when the test says so.
  *
- * There is one script in a process, and a lock guards it, so a component may call from any thread. Words are in the host's byte
+ * There is one script per process, guarded by a lock: a component may call from any thread. Words are in the host's byte
  * order. All sizes and offsets are in bytes. C++ tests use `kor_iil_mock.hpp`. */
 #ifndef KOR_IIL_MOCK_H
 #define KOR_IIL_MOCK_H
@@ -18,16 +18,16 @@
 extern "C" {
 #endif
 
-/* One scripted call. It belongs to the script and is gone after KorIilMockReset or KorIilMockVerify. */
+/* One scripted call. It is owned by the script, and invalid after KorIilMockReset or KorIilMockVerify. */
 typedef struct KorIilMockCall KorIilMockCall;
 
-/* Forgets everything: script, complaints, traces, subscriptions and handlers. */
+/* Clears everything: script, failures, traces, subscriptions and handlers. */
 void KorIilMockReset(void);
 
-/* ---- What is expected, in this order ---- */
+/* ---- Expected calls, in this order ---- */
 
-/* A message of msgLen bytes to a service. Unless said otherwise below, its caller, wait and bytes are not compared, and the
- * answer is IPC status 0 with the message as it was sent and a reply status of 0. */
+/* A message of msgLen bytes to a service. By default its caller, wait and bytes are not compared, and it is answered with IPC
+ * status 0, the message as it was sent, and a reply status of 0. */
 #define KorIilMockExpect(serviceId, cmdId, msgLen) KorIilMockExpectAt(__FILE__, __LINE__, serviceId, cmdId, msgLen)
 KorIilMockCall* KorIilMockExpectAt(const char* file, unsigned line, const char* serviceId, uint32_t cmdId, uint32_t msgLen);
 
@@ -38,7 +38,7 @@ KorIilMockCall* KorIilMockExpectAt(const char* file, unsigned line, const char* 
 KorIilMockCall* KorIilMockExpectSubscribeAt(const char* file, unsigned line, const char* serviceId, uint32_t evt);
 KorIilMockCall* KorIilMockExpectCancelAt(const char* file, unsigned line, const char* serviceId, uint32_t evt);
 
-/* ---- What the call must look like ---- */
+/* ---- What is compared ---- */
 
 void KorIilMockCaller(KorIilMockCall* call, const char* callerId);
 void KorIilMockWait(KorIilMockCall* call, uint32_t wait);
@@ -49,10 +49,10 @@ void KorIilMockSentWord(KorIilMockCall* call, uint32_t offset, uint32_t word);
 void KorIilMockSentByte(KorIilMockCall* call, uint32_t offset, uint8_t byte);
 void KorIilMockSentText(KorIilMockCall* call, uint32_t offset, uint32_t size, const char* text);
 
-/* Every byte that none of the above names must be zero. */
+/* All other bytes must be zero. */
 void KorIilMockSentRestZero(KorIilMockCall* call);
 
-/* ---- How it is answered ---- */
+/* ---- The answer ---- */
 
 /* These bytes at this offset of the reply. A text goes with its NUL. */
 void KorIilMockReply(KorIilMockCall* call, uint32_t offset, const void* bytes, uint32_t size);
@@ -63,13 +63,13 @@ void KorIilMockReplyText(KorIilMockCall* call, uint32_t offset, const char* text
 /* The reply status, which is the last word of the message. */
 void KorIilMockStatus(KorIilMockCall* call, uint32_t status);
 
-/* Answers with an IPC status other than 0 and no reply: 7 is a time-out. */
+/* Fails the call with this IPC status, not 0, and without a reply: 7 is a time-out. */
 void KorIilMockFail(KorIilMockCall* call, uint32_t ipcStatus);
 
 /* ---- Events ---- */
 
 /* Calls every handler that is subscribed to the event, on this thread, and returns how many there were. The component may have
- * subscribed in the course of the script, and need not have done so on this thread. */
+ * subscribed at any time during the script, and on any thread. */
 unsigned KorIilMockDeliver(const char* serviceId, uint32_t evt, const void* data, uint32_t length);
 
 /* ---- Traces ---- */
@@ -83,31 +83,31 @@ typedef struct KorIilMockTrace
     const char* text; /* the format with its arguments filled in */
 } KorIilMockTrace;
 
-/* How many traces were written since the last reset, and the index-th of them, counted from 0; NULL if there is none. It stays
+/* How many traces were written since the last reset, and the one at `index`, counted from 0; NULL if there is none. It is valid
  * until the next reset. */
 unsigned KorIilMockTraceCount(void);
 const KorIilMockTrace* KorIilMockTraceAt(unsigned index);
 
 /* ---- The end of a test ---- */
 
-/* Complains about every expected call that never came, writes all complaints to `out` (NULL: nowhere), resets, and returns how
- * many complaints there were: 0 when all went as scripted. */
+/* Adds a failure for every expected call that was never made, writes all failures to `out` (unless it is NULL), resets, and
+ * returns the number of failures: 0 when all went as scripted. */
 unsigned KorIilMockVerify(FILE* out);
 
-/* Receives each complaint as soon as it is known: where the test scripted the call it is about (NULL and 0 if there is no such
- * place), and what is wrong. May be called on any thread that calls the platform. */
+/* Receives a failure as soon as it is found: the file and line where the test scripted the call (NULL and 0 if it did not), and
+ * a description. May be called on any thread that calls the platform. */
 typedef void (*KorIilMockComplaintHandler)(void* context, const char* file, unsigned line, const char* text);
 void KorIilMockOnComplaint(KorIilMockComplaintHandler handler, void* context);
 
 /* ---- In place of the script ---- */
 
-/* Every KorIilExecute goes to the handler, with the caller's very pointers, and not to the script. For answers that a script
+/* Every KorIilExecute goes to the handler, with the caller's own pointers, instead of the script. For answers that a script
  * cannot give. */
 typedef uint32_t (*KorIilMockExecuteHandler)(void* context, const char* callerId, const char* serviceId, uint32_t wait,
                                              uint32_t cmdId, uint32_t msgLen, void* msg);
 void KorIilMockOnExecute(KorIilMockExecuteHandler handler, void* context);
 
-/* Every KorIilTrace goes to the handler, its arguments untouched, and is not recorded. For arguments that must not be read. */
+/* Every KorIilTrace goes to the handler, its arguments unread, and is not recorded. For arguments that must not be read. */
 typedef void (*KorIilMockTraceHandler)(void* context, uint32_t level, const char* fileTag, uint32_t line, const char* format,
                                        va_list arguments);
 void KorIilMockOnTrace(KorIilMockTraceHandler handler, void* context);

@@ -4,7 +4,7 @@
  *     platform.expect("TARN", 0, 12).caller("ledd").wait(3).restZero().replyWord(4, 5);
  *     EXPECT_EQ(TarnGetLogLevel("ledd", &level), 0u);
  *
- * Every complaint is a failure of the running test, at the line that scripted the call. */
+ * An unexpected call, other bytes than expected or a missing call fail the running test, at the line that scripted the call. */
 #pragma once
 
 #include "kor_iil_mock.h"
@@ -32,94 +32,94 @@ struct Trace
 class Call
 {
 public:
-    explicit Call(KorIilMockCall* scripted) : call(scripted)
+    explicit Call(KorIilMockCall* scripted) : call_(scripted)
     {
     }
 
     Call& caller(const char* callerId)
     {
-        KorIilMockCaller(call, callerId);
+        KorIilMockCaller(call_, callerId);
         return *this;
     }
 
     Call& wait(std::uint32_t wait)
     {
-        KorIilMockWait(call, wait);
+        KorIilMockWait(call_, wait);
         return *this;
     }
 
     Call& bytes(std::uint32_t offset, const void* expected, std::size_t size)
     {
-        KorIilMockSent(call, offset, expected, static_cast<std::uint32_t>(size));
+        KorIilMockSent(call_, offset, expected, static_cast<std::uint32_t>(size));
         return *this;
     }
 
     Call& word(std::uint32_t offset, std::uint32_t expected)
     {
-        KorIilMockSentWord(call, offset, expected);
+        KorIilMockSentWord(call_, offset, expected);
         return *this;
     }
 
     Call& byte(std::uint32_t offset, std::uint8_t expected)
     {
-        KorIilMockSentByte(call, offset, expected);
+        KorIilMockSentByte(call_, offset, expected);
         return *this;
     }
 
     Call& text(std::uint32_t offset, std::uint32_t size, const char* expected)
     {
-        KorIilMockSentText(call, offset, size, expected);
+        KorIilMockSentText(call_, offset, size, expected);
         return *this;
     }
 
     Call& restZero()
     {
-        KorIilMockSentRestZero(call);
+        KorIilMockSentRestZero(call_);
         return *this;
     }
 
     Call& replyBytes(std::uint32_t offset, const void* reply, std::size_t size)
     {
-        KorIilMockReply(call, offset, reply, static_cast<std::uint32_t>(size));
+        KorIilMockReply(call_, offset, reply, static_cast<std::uint32_t>(size));
         return *this;
     }
 
     Call& replyWord(std::uint32_t offset, std::uint32_t word)
     {
-        KorIilMockReplyWord(call, offset, word);
+        KorIilMockReplyWord(call_, offset, word);
         return *this;
     }
 
     Call& replyByte(std::uint32_t offset, std::uint8_t byte)
     {
-        KorIilMockReplyByte(call, offset, byte);
+        KorIilMockReplyByte(call_, offset, byte);
         return *this;
     }
 
     Call& replyText(std::uint32_t offset, const char* text)
     {
-        KorIilMockReplyText(call, offset, text);
+        KorIilMockReplyText(call_, offset, text);
         return *this;
     }
 
     Call& status(std::uint32_t status)
     {
-        KorIilMockStatus(call, status);
+        KorIilMockStatus(call_, status);
         return *this;
     }
 
     Call& fail(std::uint32_t ipcStatus)
     {
-        KorIilMockFail(call, ipcStatus);
+        KorIilMockFail(call_, ipcStatus);
         return *this;
     }
 
 private:
-    KorIilMockCall* call;
+    KorIilMockCall* call_;
 };
 
-// The platform for one test, or one part of it: clean when it is made, verified when it goes. One at a time. The script itself
-// is the process's; that a test needs this object to get at it is what the methods below are not static for.
+// The platform for one test, or a part of it: reset by the constructor, verified by the destructor. One at a time.
+// The script is the process's, but tests reach it only through this object, hence no static methods.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
 class Platform
 {
@@ -139,19 +139,19 @@ public:
     Platform& operator=(const Platform&) = delete;
 
     Call expect(const char* serviceId, std::uint32_t cmdId, std::uint32_t msgLen, const char* file = __builtin_FILE(),
-                unsigned line = static_cast<unsigned>(__builtin_LINE()))
+                unsigned line = __builtin_LINE())
     {
         return Call(KorIilMockExpectAt(file, line, serviceId, cmdId, msgLen));
     }
 
     Call expectSubscribe(const char* serviceId, std::uint32_t evt, const char* file = __builtin_FILE(),
-                         unsigned line = static_cast<unsigned>(__builtin_LINE()))
+                         unsigned line = __builtin_LINE())
     {
         return Call(KorIilMockExpectSubscribeAt(file, line, serviceId, evt));
     }
 
     Call expectCancel(const char* serviceId, std::uint32_t evt, const char* file = __builtin_FILE(),
-                      unsigned line = static_cast<unsigned>(__builtin_LINE()))
+                      unsigned line = __builtin_LINE())
     {
         return Call(KorIilMockExpectCancelAt(file, line, serviceId, evt));
     }

@@ -15,34 +15,35 @@ namespace
 constexpr std::uint32_t kRowBytes = 16;
 constexpr std::size_t kRowsShown = 8;
 
-std::string nameOrNull(const char* text)
+std::string quotedOrNull(const char* text)
 {
     return text == nullptr ? "NULL" : base::inQuotes(text);
 }
 
-// What a script says about each byte of a message.
-class Expected
+// The bytes that a script expects, and which of them it compares.
+class ExpectedMessage
 {
 public:
-    explicit Expected(const KorIilMockCall& call) : bytes(call.length), compared(call.length, call.restZero), parts(call.sent)
+    explicit ExpectedMessage(const KorIilMockCall& call)
+        : bytes_(call.length), compared_(call.length, call.restZero), parts_(call.sent)
     {
-        for (const Part& part : parts)
+        for (const Part& part : parts_)
             for (std::uint32_t i = 0; i < part.bytes.size(); ++i)
             {
-                bytes[part.offset + i] = part.bytes[i];
-                compared[part.offset + i] = true;
+                bytes_[part.offset + i] = part.bytes[i];
+                compared_[part.offset + i] = true;
             }
     }
 
     bool differsAt(std::uint32_t offset, const std::uint8_t* message) const
     {
-        return compared[offset] && bytes[offset] != message[offset];
+        return compared_[offset] && bytes_[offset] != message[offset];
     }
 
     std::vector<std::uint32_t> differences(const std::uint8_t* message) const
     {
         std::vector<std::uint32_t> offsets;
-        for (std::uint32_t offset = 0; offset < bytes.size(); ++offset)
+        for (std::uint32_t offset = 0; offset < bytes_.size(); ++offset)
             if (differsAt(offset, message))
                 offsets.push_back(offset);
         return offsets;
@@ -50,7 +51,7 @@ public:
 
     std::string labelAt(std::uint32_t offset) const
     {
-        for (const Part& part : parts)
+        for (const Part& part : parts_)
             if (part.offset <= offset && offset < part.end())
                 return part.label + " at " + std::to_string(part.offset);
         return "zero";
@@ -58,22 +59,22 @@ public:
 
     std::string byteAt(std::uint32_t offset) const
     {
-        return compared[offset] ? base::format("%02x", bytes[offset]) : "..";
+        return compared_[offset] ? base::format("%02x", bytes_[offset]) : "..";
     }
 
     std::uint32_t size() const
     {
-        return static_cast<std::uint32_t>(bytes.size());
+        return static_cast<std::uint32_t>(bytes_.size());
     }
 
 private:
-    std::vector<std::uint8_t> bytes;
-    std::vector<bool> compared;
-    const std::vector<Part>& parts;
+    std::vector<std::uint8_t> bytes_;
+    std::vector<bool> compared_;
+    const std::vector<Part>& parts_;
 };
 
-// One row of the message twice, as expected and as it came, and below it a mark for each byte that differs.
-std::string dumpRow(const Expected& expected, const std::uint8_t* message, std::uint32_t start)
+// One row of the message as expected and as sent, and below it a mark under every byte that differs.
+std::string dumpRow(const ExpectedMessage& expected, const std::uint8_t* message, std::uint32_t start)
 {
     std::string left;
     std::string right;
@@ -91,7 +92,7 @@ std::string dumpRow(const Expected& expected, const std::uint8_t* message, std::
     return margin + left + right + "\n" + line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
 }
 
-std::string dump(const Expected& expected, const std::uint8_t* message, const std::vector<std::uint32_t>& differences)
+std::string dump(const ExpectedMessage& expected, const std::uint8_t* message, const std::vector<std::uint32_t>& differences)
 {
     std::vector<std::uint32_t> rows;
     for (const std::uint32_t offset : differences)
@@ -110,7 +111,7 @@ std::string dump(const Expected& expected, const std::uint8_t* message, const st
 
 std::string byteDifferences(const KorIilMockCall& call, const std::uint8_t* message)
 {
-    const Expected expected(call);
+    const ExpectedMessage expected(call);
     const std::vector<std::uint32_t> differences = expected.differences(message);
     if (differences.empty())
         return "";
@@ -122,12 +123,12 @@ std::string byteDifferences(const KorIilMockCall& call, const std::uint8_t* mess
 
 } // namespace
 
-std::string nameOf(Kind kind, const std::string& serviceId, std::uint32_t number)
+std::string nameOf(CallKind kind, const std::string& serviceId, std::uint32_t number)
 {
     const std::string text = std::to_string(number);
-    if (kind == Kind::kExecute)
+    if (kind == CallKind::kExecute)
         return serviceId + " command " + text;
-    return (kind == Kind::kSubscribe ? "subscription to " : "cancellation of ") + serviceId + " event " + text;
+    return (kind == CallKind::kSubscribe ? "subscription to " : "cancellation of ") + serviceId + " event " + text;
 }
 
 } // namespace tarn::mock
@@ -146,9 +147,11 @@ std::string KorIilMockCall::differences(const tarn::mock::ActualCall& actual) co
 {
     std::string text;
     if (callerId && (actual.callerId == nullptr || *callerId != actual.callerId))
-        text +=
-            "caller: expected " + tarn::base::inQuotes(*callerId) + ", got " + tarn::mock::nameOrNull(actual.callerId) + "\n";
-    if (kind != tarn::mock::Kind::kExecute)
+    {
+        const std::string got = tarn::mock::quotedOrNull(actual.callerId);
+        text += "caller: expected " + tarn::base::inQuotes(*callerId) + ", got " + got + "\n";
+    }
+    if (kind != tarn::mock::CallKind::kExecute)
         return text;
     if (wait && *wait != actual.wait)
         text += "wait: expected " + std::to_string(*wait) + ", got " + std::to_string(actual.wait) + "\n";
@@ -159,7 +162,7 @@ std::string KorIilMockCall::differences(const tarn::mock::ActualCall& actual) co
 
 void KorIilMockCall::answer(const tarn::mock::ActualCall& actual) const
 {
-    if (kind != tarn::mock::Kind::kExecute || ipcStatus != 0)
+    if (kind != tarn::mock::CallKind::kExecute || ipcStatus != 0)
         return;
     const auto write = [&](std::uint32_t offset, const void* bytes, std::size_t size)
     {

@@ -1,4 +1,4 @@
-// One scripted call: what it must look like, and how it is answered.
+// One scripted call: what is expected of it, and how it is answered.
 #pragma once
 
 #include "kor_iil_mock.h"
@@ -11,19 +11,19 @@
 namespace tarn::mock
 {
 
-enum class Kind
+enum class CallKind
 {
     kExecute,
     kSubscribe,
     kCancel
 };
 
-// A run of bytes of a message.
+// Consecutive bytes of a message.
 struct Part
 {
     std::uint32_t offset;
     std::vector<std::uint8_t> bytes;
-    std::string label; // how the test put it: "word 0x00000002" ...
+    std::string label; // how the test gave them: "word 0x00000002" ...
 
     std::uint32_t end() const
     {
@@ -34,7 +34,7 @@ struct Part
 // A call as the component made it.
 struct ActualCall
 {
-    Kind kind;
+    CallKind kind;
     const char* callerId;
     const char* serviceId;
     std::uint32_t number; // of the command or the event
@@ -44,13 +44,13 @@ struct ActualCall
 };
 
 // "TARN command 7" or "subscription to TARN event 1".
-std::string nameOf(Kind kind, const std::string& serviceId, std::uint32_t number);
+std::string nameOf(CallKind kind, const std::string& serviceId, std::uint32_t number);
 
 } // namespace tarn::mock
 
 struct KorIilMockCall
 {
-    tarn::mock::Kind kind;
+    tarn::mock::CallKind kind;
     std::string file;
     unsigned line;
     std::string serviceId;
@@ -67,12 +67,12 @@ struct KorIilMockCall
 
     std::string name() const;
 
-    // Whether this is the call that was made, whatever it carries.
+    // Whether kind, service and number are those of the call that was made.
     bool isFor(const tarn::mock::ActualCall& actual) const;
 
-    // What is wrong with caller, wait, length and bytes, one line or more each; empty if all is as scripted.
+    // Describes how caller, wait, length and bytes differ, one or more lines for each that does; empty if all are as scripted.
     std::string differences(const tarn::mock::ActualCall& actual) const;
 
-    // Writes the reply over the message, as far as the message goes.
+    // Writes the reply over the message; what lies beyond the message's end is left out.
     void answer(const tarn::mock::ActualCall& actual) const;
 };

@@ -1,4 +1,4 @@
-/* Compiles, and that is all there is to it: the C header in C++98. */
+/* Compiles the C header in C++98; nothing is run. */
 #include "kor_iil_mock.h"
 
 unsigned mockHeaderInCpp98()

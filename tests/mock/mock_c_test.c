@@ -66,7 +66,7 @@ static void deliversEvents(void)
     REQUIRE(KorIilMockVerify(stderr) == 0);
 }
 
-static void countsComplaints(void)
+static void countsFailures(void)
 {
     KorIilMockSentWord(KorIilMockExpect("TARN", 1, 12), 0, 1);
     KorIilMockExpect("TARN", 1, 12);
@@ -81,7 +81,7 @@ int main(void)
     answersAsScripted();
     recordsTraces();
     deliversEvents();
-    countsComplaints();
+    countsFailures();
     printf(failures == 0 ? "all as expected\n" : "%u failures\n", failures);
     return failures == 0 ? 0 : 1;
 }

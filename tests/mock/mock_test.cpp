@@ -1,4 +1,4 @@
-// The scripted platform when the component does as it should.
+// The scripted platform when the component makes the expected calls.
 #include "kor_iil_mock.hpp"
 
 #include "kor_iil.h"
@@ -20,7 +20,7 @@ using testing::IsEmpty;
 namespace
 {
 
-// What the handler below has been called with.
+// The events that keepEvent was called with.
 std::vector<std::string> received;
 
 void keepEvent(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
@@ -41,12 +41,12 @@ protected:
         received.clear();
     }
 
-    Platform platform;
+    Platform platform_;
 };
 
 TEST_F(Mock, AnswersAWord)
 {
-    platform.expect("TARN", 0, 12).caller("ledd").wait(3).restZero().replyWord(4, 5).status(9);
+    platform_.expect("TARN", 0, 12).caller("ledd").wait(3).restZero().replyWord(4, 5).status(9);
 
     std::uint32_t level = 0;
     EXPECT_EQ(TarnGetLogLevel("ledd", &level), 9u);
@@ -55,13 +55,13 @@ TEST_F(Mock, AnswersAWord)
 
 TEST_F(Mock, AnswersStatusZeroUnlessToldOtherwise)
 {
-    platform.expect("TARN", 1, 12).word(0, 7).restZero();
+    platform_.expect("TARN", 1, 12).word(0, 7).restZero();
     EXPECT_EQ(TarnSetLogLevel("ledd", 7), 0u);
 }
 
 TEST_F(Mock, AnswersAText)
 {
-    platform.expect("QTN_RPC_PROXY", 42, 9376).replyText(1152, "v36.7.1");
+    platform_.expect("QTN_RPC_PROXY", 42, 9376).replyText(1152, "v36.7.1");
 
     char version[16] = "";
     EXPECT_EQ(tarn_qcsapi_firmware_get_version("ledd", version, sizeof version), 0);
@@ -71,8 +71,8 @@ TEST_F(Mock, AnswersAText)
 TEST_F(Mock, AnswersBytesAndAByte)
 {
     const std::uint8_t mac[6] = {2, 0, 0, 0, 0, 9};
-    platform.expect("TARN", 76, 44).replyBytes(32, mac, sizeof mac);
-    platform.expect("TARN", 15, 9584).replyByte(28, 0x12);
+    platform_.expect("TARN", 76, 44).replyBytes(32, mac, sizeof mac);
+    platform_.expect("TARN", 15, 9584).replyByte(28, 0x12);
 
     std::uint8_t address[6] = {};
     EXPECT_EQ(TarnGetAccessPointMacFilterAt("ledd", 1, 1, 0, address), 0u);
@@ -87,7 +87,7 @@ TEST_F(Mock, ComparesBytesTextsAndAByte)
     std::uint8_t list[64];
     for (std::size_t i = 0; i < sizeof list; ++i)
         list[i] = static_cast<std::uint8_t>(i);
-    platform.expect("QTN_RPC_PROXY", 27, 9376)
+    platform_.expect("QTN_RPC_PROXY", 27, 9376)
         .text(0, 65, "wifi0")
         .bytes(104, list, sizeof list)
         .byte(1144, 1)
@@ -99,22 +99,22 @@ TEST_F(Mock, ComparesBytesTextsAndAByte)
 
 TEST_F(Mock, FailsWithAnIpcStatus)
 {
-    platform.expect("TARN", 0, 12).fail(7);
-    platform.expect("TARN", 0, 12).fail(21);
+    platform_.expect("TARN", 0, 12).fail(7);
+    platform_.expect("TARN", 0, 12).fail(21);
 
     std::uint32_t level = 77;
     EXPECT_EQ(TarnGetLogLevel("ledd", &level), 2u);
     EXPECT_EQ(TarnGetLogLevel("ledd", &level), 1u);
     EXPECT_EQ(level, 77u);
-    EXPECT_THAT(platform.traceTexts(),
+    EXPECT_THAT(platform_.traceTexts(),
                 ElementsAre("fail to KorIilExecute(), err = TIMEOUT", "fail to KorIilExecute(), err = BUSY"));
 }
 
 TEST_F(Mock, TakesCallsInOrder)
 {
-    platform.expect("TARN", 1, 12).word(0, 1);
-    platform.expect("QTN_RPC_PROXY", 1, 9376);
-    platform.expect("TARN", 1, 12).word(0, 2);
+    platform_.expect("TARN", 1, 12).word(0, 1);
+    platform_.expect("QTN_RPC_PROXY", 1, 9376);
+    platform_.expect("TARN", 1, 12).word(0, 2);
 
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 0u);
     EXPECT_EQ(tarn_qcsapi_init("ledd"), 0);
@@ -126,7 +126,7 @@ TEST_F(Mock, RecordsTraces)
     EXPECT_EQ(TarnGetLogLevel("ledd", nullptr), 3u);
     EXPECT_EQ(TarnSetLogLevel("\x01", 1), 3u);
 
-    const auto traces = platform.traces();
+    const auto traces = platform_.traces();
     ASSERT_EQ(traces.size(), 2u);
     EXPECT_EQ(traces[0].level, 1u);
     EXPECT_EQ(traces[0].fileTag, "tarn_api");
@@ -154,54 +154,54 @@ TEST_F(Mock, RendersLongTraces)
 {
     const std::string text(5000, 'x');
     KorIilTrace(1, "tag", 1, "%s", text.c_str());
-    EXPECT_EQ(platform.traceTexts(), std::vector<std::string>{text});
+    EXPECT_EQ(platform_.traceTexts(), std::vector<std::string>{text});
 }
 
 TEST_F(Mock, DeliversEventsToTheSubscribed)
 {
-    platform.expectSubscribe("TARN", 2).caller("ledd");
-    EXPECT_EQ(platform.deliver("TARN", 2), 0u);
+    platform_.expectSubscribe("TARN", 2).caller("ledd");
+    EXPECT_EQ(platform_.deliver("TARN", 2), 0u);
     EXPECT_EQ(tarnSubscribeEvent("ledd", 2, nullptr, &keepEvent), 0u);
 
-    EXPECT_EQ(platform.deliver("TARN", 2, "data", 4), 1u);
-    EXPECT_EQ(platform.deliver("TARN", 3, "data", 4), 0u);
-    EXPECT_EQ(platform.deliver("QTN_MIRROR", 2, "data", 4), 0u);
+    EXPECT_EQ(platform_.deliver("TARN", 2, "data", 4), 1u);
+    EXPECT_EQ(platform_.deliver("TARN", 3, "data", 4), 0u);
+    EXPECT_EQ(platform_.deliver("QTN_MIRROR", 2, "data", 4), 0u);
     EXPECT_THAT(received, ElementsAre("TARN 2 data"));
 
-    platform.expectCancel("TARN", 2).caller("ledd");
+    platform_.expectCancel("TARN", 2).caller("ledd");
     EXPECT_EQ(tarnCancelEvent("ledd", 2, nullptr, &keepEvent), 0u);
-    EXPECT_EQ(platform.deliver("TARN", 2, "data", 4), 0u);
+    EXPECT_EQ(platform_.deliver("TARN", 2, "data", 4), 0u);
 }
 
 TEST_F(Mock, DeliversToEachSubscription)
 {
-    platform.expectSubscribe("TARN", 1);
-    platform.expectSubscribe("TARN", 1);
+    platform_.expectSubscribe("TARN", 1);
+    platform_.expectSubscribe("TARN", 1);
     EXPECT_EQ(tarnSubscribeEvent("ledd", 1, nullptr, &keepEvent), 0u);
     EXPECT_EQ(tarnSubscribeEvent("ledd", 1, nullptr, &keepNothing), 0u);
-    EXPECT_EQ(platform.deliver("TARN", 1), 2u);
+    EXPECT_EQ(platform_.deliver("TARN", 1), 2u);
     EXPECT_THAT(received, ElementsAre("TARN 1 "));
 }
 
 TEST_F(Mock, SubscribesNothingWhenASubscriptionIsToFail)
 {
-    platform.expectSubscribe("TARN", 1).fail(9);
-    platform.expectCancel("TARN", 1).fail(18);
+    platform_.expectSubscribe("TARN", 1).fail(9);
+    platform_.expectCancel("TARN", 1).fail(18);
     EXPECT_EQ(tarnSubscribeEvent("ledd", 1, nullptr, &keepEvent), 1u);
     EXPECT_EQ(tarnCancelEvent("ledd", 1, nullptr, &keepEvent), 1u);
-    EXPECT_EQ(platform.deliver("TARN", 1), 0u);
-    EXPECT_THAT(platform.traceTexts(),
+    EXPECT_EQ(platform_.deliver("TARN", 1), 0u);
+    EXPECT_THAT(platform_.traceTexts(),
                 ElementsAre("fail to KorIilSubscribeEvent(EVT_RADIO_STATUS_CHANGED), err = UNKNOWN_DST_ID",
                             "fail to KorIilCancelEvent(EVT_RADIO_STATUS_CHANGED), err = BAD_EVT"));
 }
 
 TEST_F(Mock, LetsAHandlerCallTheLibrary)
 {
-    platform.expectSubscribe("TARN", 2);
-    platform.expect("TARN", 1, 12);
+    platform_.expectSubscribe("TARN", 2);
+    platform_.expect("TARN", 1, 12);
     const auto handler = [](const char*, std::uint32_t evt, const void*, std::uint32_t) { TarnSetLogLevel("ledd", evt); };
     EXPECT_EQ(tarnSubscribeEvent("ledd", 2, nullptr, handler), 0u);
-    EXPECT_EQ(platform.deliver("TARN", 2), 1u);
+    EXPECT_EQ(platform_.deliver("TARN", 2), 1u);
 }
 
 TEST_F(Mock, HandsEverythingToAHandlerInPlaceOfTheScript)

@@ -9,19 +9,19 @@
 
 #define CALLER_ID "channel_watcher"
 
-/* A handler is given no pointer of its own, so what it works on stands here. Events may come on any thread. */
+/* A handler has no context argument, so its data is static. Events may come on any thread. */
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
 static char interfaceName[65];
 static uint32_t channel;
 
 static void readChannel(void)
 {
-    uint32_t present = 0;
-    if (tarn_qcsapi_wifi_get_channel(CALLER_ID, interfaceName, &present) != 0)
-        present = 0;
+    uint32_t current = 0;
+    if (tarn_qcsapi_wifi_get_channel(CALLER_ID, interfaceName, &current) != 0)
+        current = 0;
 
     pthread_mutex_lock(&lock);
-    channel = present;
+    channel = current;
     pthread_mutex_unlock(&lock);
 }
 
@@ -45,11 +45,11 @@ int channelWatcherStart(const char* interface)
 
 uint32_t channelWatcherChannel(void)
 {
-    uint32_t present;
+    uint32_t current;
     pthread_mutex_lock(&lock);
-    present = channel;
+    current = channel;
     pthread_mutex_unlock(&lock);
-    return present;
+    return current;
 }
 
 int channelWatcherStop(void)

@@ -1,6 +1,6 @@
-/* A component as it might run on the gateway: it knows which channel the module works on, and notices when that changes.
+/* A component as it might run on the gateway: it keeps track of the channel that the module works on.
  *
- * It stands here to show how such a component is tested; see channel_watcher_test.cpp and channel_watcher_c_test.c. */
+ * It shows how such a component is tested: see channel_watcher_test.cpp and channel_watcher_c_test.c. */
 #ifndef CHANNEL_WATCHER_H
 #define CHANNEL_WATCHER_H
 
@@ -10,15 +10,15 @@
 extern "C" {
 #endif
 
-/* Subscribes to changes of the channel and reads the present one. `interface` names an interface of the module, up to 64
- * characters. Returns 0, or -1 if the subscription failed; then nothing has to be stopped. A channel that could not be read is
- * no failure: it is unknown until the next change. */
+/* Subscribes to changes of the channel and reads the current one. `interface` names an interface of the module, up to 64
+ * characters. Returns 0, or -1 if the subscription failed; then nothing has to be stopped. A channel that cannot be read is no
+ * failure: it is unknown until the next change. */
 int channelWatcherStart(const char* interface);
 
 /* The channel, or 0 while it is unknown. From any thread. */
 uint32_t channelWatcherChannel(void);
 
-/* Takes the subscription back. Returns 0, or -1 if that failed. */
+/* Cancels the subscription. Returns 0, or -1 if that failed. */
 int channelWatcherStop(void);
 
 #ifdef __cplusplus

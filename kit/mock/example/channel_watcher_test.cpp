@@ -23,65 +23,65 @@ class ChannelWatcher : public testing::Test
 protected:
     void start(std::uint32_t channel)
     {
-        platform.expectSubscribe("TARN", kChannelEvent).caller("channel_watcher");
+        platform_.expectSubscribe("TARN", kChannelEvent).caller("channel_watcher");
         expectRead().replyWord(kChannel, channel);
         ASSERT_EQ(channelWatcherStart("wifi0"), 0);
     }
 
     tarn::mock::Call expectRead()
     {
-        return platform.expect("QTN_RPC_PROXY", kGetChannel, kProxyLength)
+        return platform_.expect("QTN_RPC_PROXY", kGetChannel, kProxyLength)
             .caller("channel_watcher")
             .text(kInterface, 65, "wifi0")
             .restZero();
     }
 
-    tarn::mock::Platform platform;
+    tarn::mock::Platform platform_;
 };
 
 TEST_F(ChannelWatcher, ReadsTheChannelAtItsStart)
 {
     start(36);
-    EXPECT_EQ(channelWatcherChannel(), 36U);
+    EXPECT_EQ(channelWatcherChannel(), 36u);
 }
 
 TEST_F(ChannelWatcher, ReadsItAgainWhenItChanges)
 {
     start(36);
     expectRead().replyWord(kChannel, 100);
-    EXPECT_EQ(platform.deliver("TARN", kChannelEvent), 1U);
-    EXPECT_EQ(channelWatcherChannel(), 100U);
+    EXPECT_EQ(platform_.deliver("TARN", kChannelEvent), 1u);
+    EXPECT_EQ(channelWatcherChannel(), 100u);
 }
 
 TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleDoesNotAnswer)
 {
     start(36);
     expectRead().fail(kTimeout);
-    platform.deliver("TARN", kChannelEvent);
-    EXPECT_EQ(channelWatcherChannel(), 0U);
-    EXPECT_THAT(platform.traceTexts(), testing::ElementsAre("fail to KorIilExecute(), err = TIMEOUT"));
+    platform_.deliver("TARN", kChannelEvent);
+    EXPECT_EQ(channelWatcherChannel(), 0u);
+    EXPECT_THAT(platform_.traceTexts(), testing::ElementsAre("fail to KorIilExecute(), err = TIMEOUT"));
 }
 
 TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleRefuses)
 {
     start(36);
     expectRead().replyWord(kChannel, 100).status(static_cast<std::uint32_t>(-19));
-    platform.deliver("TARN", kChannelEvent);
-    EXPECT_EQ(channelWatcherChannel(), 0U);
+    platform_.deliver("TARN", kChannelEvent);
+    EXPECT_EQ(channelWatcherChannel(), 0u);
 }
 
 TEST_F(ChannelWatcher, DoesNotStartWithoutASubscription)
 {
-    platform.expectSubscribe("TARN", kChannelEvent).fail(kTimeout);
+    platform_.expectSubscribe("TARN", kChannelEvent).fail(kTimeout);
     EXPECT_EQ(channelWatcherStart("wifi0"), -1);
 }
 
 TEST_F(ChannelWatcher, HearsNothingOnceItIsStopped)
 {
     start(36);
-    platform.expectCancel("TARN", kChannelEvent);
+    platform_.expectCancel("TARN", kChannelEvent);
     EXPECT_EQ(channelWatcherStop(), 0);
-    EXPECT_EQ(platform.deliver("TARN", kChannelEvent), 0U);
+    EXPECT_EQ(platform_.deliver("TARN", kChannelEvent), 0u);
 }
 
 } // namespace

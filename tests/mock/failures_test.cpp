@@ -1,4 +1,4 @@
-// The scripted platform when something is wrong: each complaint must come, and must say what was expected.
+// The scripted platform when a call or a script is wrong: the failure must be reported, and must say what was expected.
 #include "kor_iil_mock.hpp"
 
 #include "kor_iil.h"
@@ -27,7 +27,7 @@ void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
 {
 }
 
-class Complaints : public testing::Test
+class Failures : public testing::Test
 {
 protected:
     void SetUp() override
@@ -41,38 +41,38 @@ protected:
         KorIilMockReset();
     }
 
-    // Ends the script; returns what there was to complain about from the beginning on.
+    // Ends the script, and returns all its failures.
     std::vector<std::string> verify()
     {
         const unsigned count = KorIilMockVerify(nullptr);
-        EXPECT_EQ(count, texts.size());
-        return texts;
+        EXPECT_EQ(count, texts_.size());
+        return texts_;
     }
 
-    std::vector<std::string> texts;
+    std::vector<std::string> texts_;
 
 private:
     static void keep(void* context, const char* file, unsigned line, const char* text)
     {
         const std::string place = file == nullptr ? "nowhere" : std::string(file) + ":" + std::to_string(line);
-        static_cast<Complaints*>(context)->texts.push_back(place + ": " + text);
+        static_cast<Failures*>(context)->texts_.push_back(place + ": " + text);
     }
 };
 
-TEST_F(Complaints, NoneIfAllWentAsScripted)
+TEST_F(Failures, NoneIfAllWentAsScripted)
 {
     KorIilMockExpect("TARN", 1, 12);
     TarnSetLogLevel("ledd", 1);
     EXPECT_THAT(verify(), IsEmpty());
 }
 
-TEST_F(Complaints, UnexpectedCallWithoutAScript)
+TEST_F(Failures, UnexpectedCallWithoutAScript)
 {
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 1u);
     EXPECT_THAT(verify(), ElementsAre("nowhere: unexpected call: TARN command 1; no further call is expected"));
 }
 
-TEST_F(Complaints, CallThatNeverCame)
+TEST_F(Failures, CallThatNeverCame)
 {
     const unsigned line = __LINE__ + 1;
     KorIilMockExpect("TARN", 1, 12);
@@ -80,7 +80,7 @@ TEST_F(Complaints, CallThatNeverCame)
                 ElementsAre(std::string(__FILE__) + ":" + std::to_string(line) + ": TARN command 1: expected, but never made"));
 }
 
-TEST_F(Complaints, AnotherCommand)
+TEST_F(Failures, AnotherCommand)
 {
     KorIilMockExpectAt("a_test.cpp", 12, "TARN", 0, 12);
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 1u);
@@ -88,21 +88,21 @@ TEST_F(Complaints, AnotherCommand)
                                       "a_test.cpp:12: TARN command 0: expected, but never made"));
 }
 
-TEST_F(Complaints, AnotherService)
+TEST_F(Failures, AnotherService)
 {
     KorIilMockExpectAt("a_test.cpp", 12, "QTN_MIRROR", 1, 24);
     EXPECT_EQ(tarn_qcsapi_init("ledd"), -1);
     EXPECT_THAT(verify()[0], HasSubstr("unexpected call: QTN_RPC_PROXY command 1; expected here: QTN_MIRROR command 1"));
 }
 
-TEST_F(Complaints, CallInPlaceOfASubscription)
+TEST_F(Failures, CallInPlaceOfASubscription)
 {
     KorIilMockExpectSubscribeAt("a_test.cpp", 12, "TARN", 1);
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 1u);
     EXPECT_THAT(verify()[0], HasSubstr("unexpected call: TARN command 1; expected here: subscription to TARN event 1"));
 }
 
-TEST_F(Complaints, AnotherEvent)
+TEST_F(Failures, AnotherEvent)
 {
     KorIilMockExpectCancelAt("a_test.cpp", 12, "TARN", 1);
     EXPECT_EQ(tarnCancelEvent("ledd", 2, nullptr, &ignoreEvent), 1u);
@@ -110,7 +110,7 @@ TEST_F(Complaints, AnotherEvent)
                 HasSubstr("unexpected call: cancellation of TARN event 2; expected here: cancellation of TARN event 1"));
 }
 
-TEST_F(Complaints, CallerWaitAndLength)
+TEST_F(Failures, CallerWaitAndLength)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "TARN", 1, 16);
     KorIilMockCaller(call, "web");
@@ -122,7 +122,7 @@ TEST_F(Complaints, CallerWaitAndLength)
                                       "length: expected 16, got 12\n"));
 }
 
-TEST_F(Complaints, CallerOfASubscription)
+TEST_F(Failures, CallerOfASubscription)
 {
     KorIilMockCaller(KorIilMockExpectSubscribeAt("a_test.cpp", 12, "TARN", 1), "web");
     EXPECT_EQ(tarnSubscribeEvent("ledd", 1, nullptr, &ignoreEvent), 0u);
@@ -131,7 +131,7 @@ TEST_F(Complaints, CallerOfASubscription)
         ElementsAre("a_test.cpp:12: subscription to TARN event 1: not as scripted\ncaller: expected \"web\", got \"ledd\"\n"));
 }
 
-TEST_F(Complaints, BytesWithOffsetExpectedGotAndADump)
+TEST_F(Failures, BytesWithOffsetExpectedGotAndADump)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "TARN", 3, 12);
     const std::uint8_t expected[] = {1, 2, 3, 4};
@@ -150,7 +150,7 @@ TEST_F(Complaints, BytesWithOffsetExpectedGotAndADump)
                                       std::string(47, ' ') + "^^\n"));
 }
 
-TEST_F(Complaints, NamesTheWordThatDiffers)
+TEST_F(Failures, NamesTheWordThatDiffers)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "TARN", 1, 12);
     KorIilMockSentWord(call, 0, 0x01010101);
@@ -158,7 +158,7 @@ TEST_F(Complaints, NamesTheWordThatDiffers)
     EXPECT_THAT(verify()[0], HasSubstr("at offset 0: expected 01 (word 0x01010101 at 0), got 02; 4 bytes differ\n"));
 }
 
-TEST_F(Complaints, NamesTheTextThatDiffers)
+TEST_F(Failures, NamesTheTextThatDiffers)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "QTN_RPC_PROXY", 31, 9376);
     KorIilMockSentText(call, 0, 65, "wifi0");
@@ -166,7 +166,7 @@ TEST_F(Complaints, NamesTheTextThatDiffers)
     EXPECT_THAT(verify()[0], HasSubstr("at offset 5: expected 00 (text \"wifi0\" at 0), got 2e; 2 bytes differ\n"));
 }
 
-TEST_F(Complaints, NamesAByteThatIsNotZero)
+TEST_F(Failures, NamesAByteThatIsNotZero)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "QTN_RPC_PROXY", 63, 9376);
     KorIilMockSentText(call, 0, 65, "wifi0");
@@ -175,14 +175,14 @@ TEST_F(Complaints, NamesAByteThatIsNotZero)
     EXPECT_THAT(verify()[0], HasSubstr("at offset 68: expected 00 (zero), got 07; 1 byte differs\n"));
 }
 
-TEST_F(Complaints, ComparesNothingThatIsNotScripted)
+TEST_F(Failures, ComparesNothingThatIsNotScripted)
 {
     KorIilMockExpectAt("a_test.cpp", 12, "TARN", 1, 12);
     TarnSetLogLevel("ledd", 0xFFFFFFFFu);
     EXPECT_THAT(verify(), IsEmpty());
 }
 
-TEST_F(Complaints, CutALongDump)
+TEST_F(Failures, CutALongDump)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "TARN", 9, 4444);
     KorIilMockSentRestZero(call);
@@ -194,7 +194,7 @@ TEST_F(Complaints, CutALongDump)
     EXPECT_THAT(text, HasSubstr("and 270 more rows that differ\n"));
 }
 
-TEST_F(Complaints, AnswerAllTheSame)
+TEST_F(Failures, AnswerAllTheSame)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "TARN", 1, 12);
     KorIilMockSentWord(call, 0, 1);
@@ -203,21 +203,21 @@ TEST_F(Complaints, AnswerAllTheSame)
     EXPECT_EQ(verify().size(), 1u);
 }
 
-TEST_F(Complaints, CancelOfWhatIsNotSubscribed)
+TEST_F(Failures, CancelOfWhatIsNotSubscribed)
 {
     KorIilMockExpectCancelAt("a_test.cpp", 12, "TARN", 1);
     EXPECT_EQ(tarnCancelEvent("ledd", 1, nullptr, &ignoreEvent), 0u);
     EXPECT_THAT(verify(), ElementsAre("a_test.cpp:12: cancellation of TARN event 1: that handler is not subscribed to it"));
 }
 
-TEST_F(Complaints, SubscriptionWithoutAHandler)
+TEST_F(Failures, SubscriptionWithoutAHandler)
 {
     KorIilMockExpectSubscribeAt("a_test.cpp", 12, "TARN", 1);
     EXPECT_EQ(tarnSubscribeEvent("ledd", 1, nullptr, nullptr), 0u);
     EXPECT_THAT(verify()[0], HasSubstr("the handler is NULL"));
 }
 
-TEST_F(Complaints, ScriptThatDoesNotFitTheMessage)
+TEST_F(Failures, ScriptThatDoesNotFitTheMessage)
 {
     KorIilMockCall* const call = KorIilMockExpectAt("a_test.cpp", 12, "TARN", 1, 12);
     KorIilMockSentWord(call, 12, 1);
@@ -233,17 +233,17 @@ TEST_F(Complaints, ScriptThatDoesNotFitTheMessage)
                     HasSubstr("the script lets it fail with IPC status 0, which is success")));
 }
 
-TEST_F(Complaints, ScriptThatGivesASubscriptionAMessage)
+TEST_F(Failures, ScriptThatGivesASubscriptionAMessage)
 {
     KorIilMockCall* const call = KorIilMockExpectSubscribeAt("a_test.cpp", 12, "TARN", 1);
     KorIilMockSentWord(call, 0, 1);
     KorIilMockWait(call, 3);
     KorIilMockReset();
-    EXPECT_THAT(texts,
+    EXPECT_THAT(texts_,
                 ElementsAre(HasSubstr("bytes (word 0x00000001), but it has no message"), HasSubstr("a wait, but it has none")));
 }
 
-TEST_F(Complaints, ScriptOfAMessageWithoutAStatus)
+TEST_F(Failures, ScriptOfAMessageWithoutAStatus)
 {
     KorIilMockExpectAt("a_test.cpp", 12, "LAMP", 1, 2);
     char message[2] = {1, 2};
@@ -252,7 +252,7 @@ TEST_F(Complaints, ScriptOfAMessageWithoutAStatus)
     EXPECT_THAT(verify(), ElementsAre(HasSubstr("2 bytes, which leaves no room for its reply status")));
 }
 
-TEST(Verify, WritesOneComplaintALineAndCountsThem)
+TEST(Verify, WritesOneFailureALineAndCountsThem)
 {
     KorIilMockReset();
     KorIilMockExpectAt("a_test.c", 12, "TARN", 0, 12);
