@@ -1,4 +1,4 @@
-// What is refused before anything is sent.
+// Arguments that are refused before anything is sent.
 #include "support.h"
 
 #include <cstring>
@@ -13,10 +13,6 @@ using ArgumentsTest = HostTest;
 std::string characters(std::size_t count)
 {
     return std::string(count, 'x');
-}
-
-void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
-{
 }
 
 TEST_F(ArgumentsTest, NullPointersAreRefused)
@@ -120,11 +116,6 @@ std::uint32_t open(const char* serviceId, std::uint32_t eventCount, KorIilReques
     else
         KorIilServiceClose(service);
     return status;
-}
-
-std::uint32_t refuseRequest(void*, const KorIilRequest*, void*)
-{
-    return KOR_IIL_UNSUPPORT;
 }
 
 TEST_F(ArgumentsTest, AServiceIsOpenedWithWhatItNeeds)

@@ -1,4 +1,4 @@
-// Clients that misbehave: each gets a clear answer or a closed connection, and no other caller notices.
+// Clients that misbehave: they get a definite status or a closed connection, and other callers are not affected.
 #include "support.h"
 
 #include <cerrno>
@@ -24,7 +24,7 @@ using koriil::PacketKind;
 class BadClientTest : public HostTest
 {
 protected:
-    // After whatever happened, the service serves: a caller who was connected before, and a new one.
+    // Whatever happened, the service still serves a caller that was connected before, and a new one.
     void TearDown() override
     {
         EXPECT_EQ(callOnce(), KOR_IIL_OK);
@@ -43,18 +43,17 @@ protected:
     // The status that the service answers with; the connection must then be closed if `closed`.
     static void expectAnswer(Peer& peer, std::uint32_t status, bool closed)
     {
-        auto answer = std::make_unique<Packet>();
-        ASSERT_EQ(peer.receive(*answer), ssize_t{sizeof(PacketHeader)});
-        EXPECT_EQ(answer->header.kind, PacketKind::kReply);
-        EXPECT_EQ(answer->header.status, status);
-        EXPECT_EQ(answer->header.length, 0u);
+        const PacketHeader answer = peer.receiveHeader();
+        EXPECT_EQ(answer.kind, PacketKind::kReply);
+        EXPECT_EQ(answer.status, status);
+        EXPECT_EQ(answer.length, 0u);
         if (closed)
             EXPECT_TRUE(peer.hasEnded());
         else
             expectService(peer);
     }
 
-    // The peer itself, its hello said, is served.
+    // The peer, which has said hello, is served itself.
     static void expectService(Peer& peer)
     {
         ASSERT_TRUE(peer.send(requestHeader(1, 3), "abc"));
@@ -213,24 +212,22 @@ TEST_F(BadClientTest, SubscribesForSomeoneElse)
     const PacketHeader welcome = peer.greet();
     PacketHeader request = requestHeader(1, 0);
     request.kind = PacketKind::kSubscribe;
-    request.channel = welcome.channel + 1000; // nobody's
+    request.channel = welcome.channel + 1000; // no connection's
     ASSERT_TRUE(peer.send(request));
     expectAnswer(peer, KOR_IIL_BAD_EVT, false);
 
-    Peer other = Peer::connectTo(kService); // says no hello: no channel yet
+    Peer other = Peer::connectTo(kService); // no hello, so no channel yet
     request.channel = welcome.channel + 1;
     ASSERT_TRUE(peer.send(request));
     expectAnswer(peer, KOR_IIL_BAD_EVT, false);
 
-    Child child( // of another process
+    Child child( // a channel of another process
         [&]
         {
             Peer stranger = Peer::connectTo(kService);
             stranger.greet();
             request.channel = welcome.channel;
-            auto answer = std::make_unique<Packet>();
-            const bool answered = stranger.send(request) && stranger.receive(*answer) == sizeof(PacketHeader);
-            return answered && answer->header.status == KOR_IIL_BAD_EVT ? 0 : 1;
+            return stranger.send(request) && stranger.receiveHeader().status == KOR_IIL_BAD_EVT ? 0 : 1;
         });
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(service_->publish(1), 0u);
@@ -272,7 +269,7 @@ TEST_F(BadClientTest, IsKilledInMidCall)
     child.wait();
 }
 
-// Whoever asks and asks, and never reads an answer, is in the end disconnected.
+// Disconnected as soon as the queue of unread replies is full.
 TEST_F(BadClientTest, NeverReadsItsReplies)
 {
     Peer peer = Peer::connectTo(kService);
@@ -289,7 +286,7 @@ TEST_F(BadClientTest, NeverReadsItsReplies)
 TEST_F(BadClientTest, ComesInCrowds)
 {
     std::vector<Peer> crowd;
-    for (int i = 0; i < 255; ++i) // with this thread's own connection, the house is full
+    for (int i = 0; i < 255; ++i) // with this thread's own connection, all that the service takes
     {
         crowd.push_back(Peer::connectTo(kService));
         crowd.back().greet();
@@ -297,7 +294,7 @@ TEST_F(BadClientTest, ComesInCrowds)
     std::thread([] { EXPECT_EQ(callOnce(), KOR_IIL_BUSY); }).join();
     Peer late = Peer::connectTo(kService);
     expectAnswer(late, KOR_IIL_BUSY, true);
-    EXPECT_EQ(callOnce(), KOR_IIL_OK) << "who is in is served";
+    EXPECT_EQ(callOnce(), KOR_IIL_OK) << "connected before";
 
     crowd.pop_back();
     EXPECT_TRUE(eventually(
@@ -307,7 +304,7 @@ TEST_F(BadClientTest, ComesInCrowds)
             std::thread([&] { status = callOnce(); }).join();
             return status == KOR_IIL_OK;
         }))
-        << "a place that is given up can be taken";
+        << "a closed connection makes room";
 }
 
 TEST_F(BadClientTest, BelongsToAnotherUser)
@@ -322,15 +319,12 @@ TEST_F(BadClientTest, BelongsToAnotherUser)
             if (setgid(65534) != 0 || setuid(65534) != 0)
                 return 1;
             Peer peer = Peer::connectTo(kService);
-            auto answer = std::make_unique<Packet>();
-            if (peer.receive(*answer) != sizeof(PacketHeader))
-                return 2;
-            return answer->header.status == KOR_IIL_UNKNOWN_SRC_ID && peer.hasEnded() ? 0 : 3;
+            return peer.receiveHeader().status == KOR_IIL_UNKNOWN_SRC_ID && peer.hasEnded() ? 0 : 2;
         });
     EXPECT_EQ(child.wait(), 0);
 }
 
-// Commands of a service that limits its own process: to the descriptors it has open, to fewer, and no more.
+// Commands of a service that limits its own process: to the descriptors that are open, to fewer, or not at all.
 constexpr std::uint32_t kAllowNoMore = 2, kAllowTooFew = 3, kAllowAll = 4;
 
 std::uint32_t limitDescriptors(const KorIilRequest& request, unsigned char* message)
@@ -351,7 +345,7 @@ std::uint32_t limitDescriptors(const KorIilRequest& request, unsigned char* mess
     return setrlimit(RLIMIT_NOFILE, &limit) == 0 ? KOR_IIL_OK : KOR_IIL_ERR;
 }
 
-// It turns callers away while it has no descriptor for them, serves those it has, and has room again as soon as it may.
+// It rejects callers while it has no descriptor for them, serves those it has, and takes new ones as soon as it can.
 TEST_F(BadClientTest, FindsAServiceOutOfDescriptors)
 {
     service_ = nullptr;

@@ -1,4 +1,4 @@
-// The life of a client's connections: kept, given up in doubt, never shared with a child.
+// A client's connections: kept between calls, closed after a failure, never shared with a child.
 #include "support.h"
 
 #include <atomic>
@@ -23,7 +23,7 @@ namespace
 
 using ConnectionTest = HostTest;
 
-// Sockets this process has open.
+// The sockets that this process has open.
 std::set<int> openSockets()
 {
     std::set<int> sockets;
@@ -37,13 +37,13 @@ std::set<int> openSockets()
     return sockets;
 }
 
-// A thread without connections from before.
+// On a thread that has no connections yet.
 void inThreadOfItsOwn(const std::function<void()>& body)
 {
     std::thread(body).join();
 }
 
-// Of one that has none yet: makes a call, and returns the descriptor of the connection.
+// Makes the first call of a thread, and returns the descriptor of its connection.
 int connectionOfThisThread()
 {
     const auto before = openSockets();
@@ -131,16 +131,15 @@ TEST_F(ConnectionTest, AServiceKilledAndRestartedIsFoundAgain)
     }
 }
 
-// The service has the request when it dies: whether it did what it was asked to, nobody knows, so nobody asks its successor.
+// The service dies with the request received: whether it executed the command is unknown, so it must not be sent to another.
 TEST_F(ConnectionTest, ARequestThatMayHaveArrivedIsNotSentAgain)
 {
     {
         ScriptedService first(
-            [](Peer& peer)
+            [](ScriptedService& self)
             {
-                welcome(peer);
-                auto request = std::make_unique<koriil::Packet>();
-                EXPECT_GT(peer.receive(*request), 0);
+                Peer peer = self.welcome();
+                peer.receiveHeader();
                 unlink(socketOf(kService).c_str());
             });
         EXPECT_EQ(callOnce(), KOR_IIL_RX_FAIL);
@@ -206,7 +205,7 @@ TEST_F(ConnectionTest, EachCallHasItsOwnWait)
     inThreadOfItsOwn(
         []
         {
-            EXPECT_EQ(callOnce(12, kAmple), KOR_IIL_OK) << "its connection is kept, its long wait is not";
+            EXPECT_EQ(callOnce(12, kAmple), KOR_IIL_OK) << "the connection is kept, its long wait is not";
             const auto start = std::chrono::steady_clock::now();
             EXPECT_EQ(callOnce(1, 1), KOR_IIL_TIMEOUT);
             EXPECT_LT(secondsSince(start), kAmple / 2);
@@ -223,7 +222,7 @@ void countInterruption(int)
     ++interruptions;
 }
 
-// A timer interrupts this thread again and again.
+// A timer signal that interrupts this process every 20 ms.
 class Interruptions
 {
 public:
@@ -303,7 +302,7 @@ TEST_F(ConnectionTest, AChildHasConnectionsOfItsOwn)
                     return static_cast<int>(status);
             return 0;
         });
-    for (int i = 0; i < 100; ++i) // at the same time, on the connection that the child has a copy of
+    for (int i = 0; i < 100; ++i) // meanwhile, on the connection of which the child has a copy
         ASSERT_EQ(callOnce(), KOR_IIL_OK);
     const auto childsId = static_cast<std::uint32_t>(child.processId());
     EXPECT_EQ(child.wait(), 0);
@@ -324,7 +323,7 @@ TEST_F(ConnectionTest, AChildClosesWhatItInherited)
         });
 }
 
-// As a daemon does: it closes everything, and the number becomes that of another file.
+// Like a daemon that closes all descriptors: the number of the inherited one becomes that of another file.
 TEST_F(ConnectionTest, AChildClosesNothingElse)
 {
     ServiceProcess service;
@@ -351,12 +350,10 @@ TEST_F(ConnectionTest, AChildsCopyDoesNotKeepAConnectionAlive)
 {
     std::unique_ptr<Child> child;
     ScriptedService service(
-        [](Peer& peer)
+        [](ScriptedService& self)
         {
-            welcome(peer);
-            auto request = std::make_unique<koriil::Packet>();
-            EXPECT_GT(peer.receive(*request), 0);
-            EXPECT_TRUE(peer.send(replyTo(request->header, 0)));
+            Peer peer = self.welcome();
+            EXPECT_TRUE(peer.send(replyTo(peer.receiveHeader(), 0)));
             EXPECT_TRUE(peer.hasEnded());
         });
     std::thread(

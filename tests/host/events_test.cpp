@@ -6,8 +6,6 @@
 #include <mutex>
 #include <vector>
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace host_test
@@ -15,7 +13,7 @@ namespace host_test
 namespace
 {
 
-// Handlers are plain functions: what they receive is kept here, and what they are to do is said here.
+// Handlers have no context argument: what they receive and what they are told is global.
 struct Inbox
 {
     struct Event
@@ -49,9 +47,12 @@ struct Inbox
 
 Inbox* inbox = nullptr;
 Inbox* secondInbox = nullptr;
-std::atomic<bool> held{false};    // onEventHeld stays in while this is true
-std::atomic<bool> entered{false}; // it has been called
-std::atomic<int> runs{0};
+std::atomic<bool> held{false};    // onEventHeld does not return while this is true
+std::atomic<bool> entered{false}; // onEventHeld has been called
+std::atomic<int> runs{0};         // of the handlers that count them
+
+constexpr std::uint32_t kNotRun = 1000;
+std::atomic<std::uint32_t> statusInHandler{kNotRun}; // what a handler's own calls returned
 
 void onEvent(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
 {
@@ -81,6 +82,7 @@ protected:
         secondInbox = &secondInbox_;
         held = entered = false;
         runs = 0;
+        statusInHandler = kNotRun;
     }
 
     Inbox inbox_, secondInbox_;
@@ -96,19 +98,17 @@ std::uint32_t cancel(std::uint32_t evt = 1, KorIilEventHandler handler = onEvent
     return KorIilCancelEvent(callerId, kService, evt, handler);
 }
 
-// On the peer's own connection, without this library's help.
+// On the peer's own connection, without this library's client side.
 std::uint32_t subscribeByHand(Peer& peer, std::uint32_t evt)
 {
     koriil::PacketHeader request = requestHeader(evt, 0);
     request.kind = koriil::PacketKind::kSubscribe;
     request.channel = peer.greet().channel;
     EXPECT_TRUE(peer.send(request));
-    auto reply = std::make_unique<koriil::Packet>();
-    EXPECT_GT(peer.receive(*reply), 0);
-    return reply->header.status;
+    return peer.receiveHeader().status;
 }
 
-// Neither the thread sanitizer nor user-mode emulation lets a child of a process with several threads start its own.
+// Under the thread sanitizer and under user-mode emulation, a child of a process with several threads cannot start threads.
 bool childrenCanStartThreads()
 {
 #if defined(__SANITIZE_THREAD__)
@@ -148,9 +148,8 @@ TEST_F(EventsTest, DataIsFromNothingToTheLimit)
 
 TEST_F(EventsTest, PublishingHasStatusesToo)
 {
-    const auto refuse = [](void*, const KorIilRequest*, void*) -> std::uint32_t { return KOR_IIL_UNSUPPORT; };
     KorIilService* service = nullptr;
-    ASSERT_EQ(KorIilServiceOpen(kService, 5, refuse, nullptr, &service), KOR_IIL_OK);
+    ASSERT_EQ(KorIilServiceOpen(kService, 5, refuseRequest, nullptr, &service), KOR_IIL_OK);
     const std::string tooLong(KOR_IIL_MAX_LENGTH + 1, 'x');
     std::uint32_t subscribers = 77;
     EXPECT_EQ(KorIilServicePublish(service, 0, nullptr, 0, nullptr), KOR_IIL_UNKNOWN_EVT);
@@ -255,7 +254,7 @@ TEST_F(EventsTest, ASubscriptionStandsOnce)
     EXPECT_EQ(service.publish(2), 1u);
     EXPECT_EQ(cancel(2), KOR_IIL_OK);
     EXPECT_EQ(service.publish(2), 0u);
-    EXPECT_EQ(subscribe(), KOR_IIL_OK) << "and all over again";
+    EXPECT_EQ(subscribe(), KOR_IIL_OK) << "again";
     EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
@@ -287,7 +286,13 @@ TEST_F(EventsTest, AServiceThatIsNotThere)
 
 TEST_F(EventsTest, AServiceThatDoesNotAnswer)
 {
-    ScriptedService service([](Peer& peer) { EXPECT_TRUE(peer.hasEnded() || peer.hasEnded()); });
+    ScriptedService service(
+        [](ScriptedService& self)
+        {
+            Peer peer = self.accept();
+            peer.receiveHeader();
+            EXPECT_TRUE(peer.hasEnded());
+        });
     EXPECT_EQ(subscribe(), KOR_IIL_TIMEOUT);
     EXPECT_EQ(cancel(), KOR_IIL_BAD_EVT);
 }
@@ -300,7 +305,7 @@ TEST_F(EventsTest, CancelWaitsForARunningHandler)
     held = true;
     ASSERT_EQ(subscribe(1, onEventHeld), KOR_IIL_OK);
     service.publish(1);
-    service.publish(1); // and for no other run
+    service.publish(1); // not delivered: cancelled before its turn
     ASSERT_TRUE(eventually([] { return entered.load(); }));
 
     std::atomic<bool> returned{false};
@@ -344,14 +349,12 @@ TEST_F(EventsTest, NoHandlerRunsAfterCancelReturned)
         ASSERT_EQ(subscribe(1, onEventUnlessGone), KOR_IIL_OK);
         while (runs == before)
             std::this_thread::yield();
-        ASSERT_EQ(cancel(1, onEventUnlessGone), KOR_IIL_OK); // while the handler is running, more often than not
+        ASSERT_EQ(cancel(1, onEventUnlessGone), KOR_IIL_OK); // often while the handler is running
         gone = true;
         std::this_thread::yield();
     }
     EXPECT_EQ(lateRuns, 0);
 }
-
-std::atomic<std::uint32_t> statusInHandler{1000};
 
 void onEventCancelSelf(const char*, std::uint32_t evt, const void*, std::uint32_t)
 {
@@ -362,7 +365,6 @@ void onEventCancelSelf(const char*, std::uint32_t evt, const void*, std::uint32_
 TEST_F(EventsTest, AHandlerCancelsItself)
 {
     RunningService service;
-    statusInHandler = 1000;
     ASSERT_EQ(subscribe(1, onEventCancelSelf), KOR_IIL_OK);
     ASSERT_EQ(subscribe(1, onEvent), KOR_IIL_OK);
     service.publish(1);
@@ -378,10 +380,10 @@ TEST_F(EventsTest, TheOnlyHandlerCancelsItself)
     RunningService service;
     for (int i = 0; i < 10; ++i)
     {
-        statusInHandler = 1000;
+        statusInHandler = kNotRun;
         ASSERT_EQ(subscribe(1, onEventCancelSelf), KOR_IIL_OK);
         EXPECT_EQ(service.publish(1), 1u);
-        ASSERT_TRUE(eventually([] { return statusInHandler != 1000; }));
+        ASSERT_TRUE(eventually([] { return statusInHandler != kNotRun; }));
         EXPECT_EQ(statusInHandler, KOR_IIL_OK);
         EXPECT_EQ(cancel(1, onEventCancelSelf), KOR_IIL_BAD_EVT);
     }
@@ -396,7 +398,6 @@ void onEventCancelOther(const char*, std::uint32_t evt, const void*, std::uint32
 TEST_F(EventsTest, AHandlerCancelsTheNext)
 {
     RunningService service;
-    statusInHandler = 1000;
     ASSERT_EQ(subscribe(1, onEventCancelOther), KOR_IIL_OK);
     ASSERT_EQ(subscribe(1, onEvent), KOR_IIL_OK);
     ASSERT_EQ(subscribe(1, onEventToo), KOR_IIL_OK);
@@ -417,11 +418,10 @@ void onEventRenew(const char*, std::uint32_t evt, const void*, std::uint32_t)
 TEST_F(EventsTest, AHandlerSubscribes)
 {
     RunningService service;
-    statusInHandler = 1000;
-    ASSERT_EQ(subscribe(3, onEventToo), KOR_IIL_OK); // the process is a subscriber throughout
+    ASSERT_EQ(subscribe(3, onEventToo), KOR_IIL_OK); // keeps the process a subscriber
     ASSERT_EQ(subscribe(1, onEventRenew), KOR_IIL_OK);
     service.publish(1);
-    ASSERT_TRUE(eventually([] { return statusInHandler != 1000; }));
+    ASSERT_TRUE(eventually([] { return statusInHandler != kNotRun; }));
     EXPECT_EQ(statusInHandler, KOR_IIL_OK);
     service.publish(2);
     ASSERT_TRUE(inbox_.waitFor(1));
@@ -439,10 +439,9 @@ void onEventCall(const char*, std::uint32_t, const void*, std::uint32_t)
 TEST_F(EventsTest, AHandlerCallsTheService)
 {
     RunningService service;
-    statusInHandler = 1000;
     ASSERT_EQ(subscribe(1, onEventCall), KOR_IIL_OK);
     service.publish(1);
-    ASSERT_TRUE(eventually([] { return statusInHandler != 1000; }));
+    ASSERT_TRUE(eventually([] { return statusInHandler != kNotRun; }));
     EXPECT_EQ(statusInHandler, KOR_IIL_OK);
     EXPECT_EQ(cancel(1, onEventCall), KOR_IIL_OK);
 }
@@ -499,7 +498,7 @@ TEST_F(EventsTest, ARestartedServiceHasNoSubscribers)
     EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
-// It gets what was in its queue, and loses its subscriptions; the others lose nothing.
+// It gets what is in its queue, and loses its subscriptions; other subscribers are not affected.
 TEST_F(EventsTest, ASubscriberThatDoesNotTakeItsEventsIsDisconnected)
 {
     RunningService service;
@@ -520,7 +519,7 @@ TEST_F(EventsTest, ASubscriberThatDoesNotTakeItsEventsIsDisconnected)
     EXPECT_EQ(cancel(1, onEventHeld), KOR_IIL_BAD_EVT);
 }
 
-// The subscription is lost, but its handler may be running: the promise holds for that too.
+// The handler of a lost subscription may still be running: cancelling waits for it all the same.
 TEST_F(EventsTest, CancelWaitsForAHandlerOfALostSubscription)
 {
     held = true;
@@ -530,7 +529,7 @@ TEST_F(EventsTest, CancelWaitsForAHandlerOfALostSubscription)
         service.publish(1);
         ASSERT_TRUE(eventually([] { return entered.load(); }));
     }
-    EXPECT_EQ(cancel(1, onEvent), KOR_IIL_BAD_EVT) << "another's, which is not waited for";
+    EXPECT_EQ(cancel(1, onEvent), KOR_IIL_BAD_EVT) << "another handler, not running";
     EXPECT_EQ(runs, 0);
 
     std::atomic<bool> returned{false};
@@ -558,7 +557,7 @@ TEST_F(EventsTest, AChildHasNoSubscriptions)
     EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
-// The child calls over a connection of its own and, where a forked child can start the thread that this takes, subscribes.
+// The child calls over a connection of its own and, where it can start the thread for events, subscribes.
 TEST_F(EventsTest, AChildStartsAfresh)
 {
     RunningService service;
@@ -580,7 +579,7 @@ TEST_F(EventsTest, AChildStartsAfresh)
         ASSERT_TRUE(eventually([&] { return service.publish(1) == 2; })) << "the two processes";
     }
     EXPECT_EQ(child.wait(), 0);
-    EXPECT_EQ(service.publish(1), 1u) << "the parent's stands";
+    EXPECT_EQ(service.publish(1), 1u) << "the parent's remains";
     EXPECT_EQ(cancel(), KOR_IIL_OK);
 }
 
@@ -600,87 +599,68 @@ TEST_F(EventsTest, ASubscriberThatDiesIsForgotten)
     EXPECT_EQ(callOnce(), KOR_IIL_OK);
 }
 
-koriil::Descriptor listenByHand()
-{
-    koriil::Descriptor listener(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    socketOf(kService).copy(address.sun_path, sizeof address.sun_path - 1);
-    EXPECT_EQ(bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(listen(listener.get(), 8), 0);
-    return listener;
-}
-
 // A service that was restarted between the channel's last look and the request does not know the channel.
 TEST_F(EventsTest, AnUnknownChannelIsReplacedOnce)
 {
-    const koriil::Descriptor listener = listenByHand();
-    std::thread service(
-        [&]
+    ScriptedService service(
+        [](ScriptedService& self)
         {
-            Peer channel(accept(listener.get(), nullptr, nullptr));
-            welcome(channel);
-            Peer caller(accept(listener.get(), nullptr, nullptr));
-            welcome(caller);
-            auto request = std::make_unique<koriil::Packet>();
-            ASSERT_GT(caller.receive(*request), 0);
-            koriil::PacketHeader unknown = replyTo(request->header, 0);
-            unknown.status = KOR_IIL_BAD_EVT;
-            ASSERT_TRUE(caller.send(unknown));
-            EXPECT_TRUE(channel.hasEnded());
-
-            Peer secondChannel(accept(listener.get(), nullptr, nullptr));
-            welcome(secondChannel);
-            ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(request->header.kind, koriil::PacketKind::kSubscribe);
-            unknown.sequence = request->header.sequence;
-            ASSERT_TRUE(caller.send(unknown));
-            EXPECT_TRUE(secondChannel.hasEnded());
+            const auto refuseSubscription = [](Peer& caller, Peer& channel)
+            {
+                const koriil::PacketHeader request = caller.receiveHeader();
+                ASSERT_EQ(request.kind, koriil::PacketKind::kSubscribe);
+                koriil::PacketHeader reply = replyTo(request, 0);
+                reply.status = KOR_IIL_BAD_EVT;
+                ASSERT_TRUE(caller.send(reply));
+                EXPECT_TRUE(channel.hasEnded());
+            };
+            Peer channel = self.welcome();
+            Peer caller = self.welcome();
+            refuseSubscription(caller, channel);
+            Peer secondChannel = self.welcome();
+            refuseSubscription(caller, secondChannel);
         });
-    EXPECT_EQ(subscribe(), KOR_IIL_BAD_EVT) << "twice, and it gives up";
-    service.join();
+    EXPECT_EQ(subscribe(), KOR_IIL_BAD_EVT) << "after the second time";
 }
 
-// What a service must not send on such a connection is dropped, and the next event is delivered.
+// A packet that is no valid event is dropped, and the next event is delivered.
 TEST_F(EventsTest, MalformedEventsAreDropped)
 {
-    const koriil::Descriptor listener = listenByHand();
-    std::thread service(
-        [&]
-        {
-            Peer channel(accept(listener.get(), nullptr, nullptr));
-            welcome(channel);
-            Peer caller(accept(listener.get(), nullptr, nullptr));
-            welcome(caller);
-            auto request = std::make_unique<koriil::Packet>();
-            ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(request->header.kind, koriil::PacketKind::kSubscribe);
-            ASSERT_EQ(request->header.channel, 1000u);
-            ASSERT_TRUE(caller.send(replyTo(request->header, 0)));
+    {
+        ScriptedService service(
+            [](ScriptedService& self)
+            {
+                Peer channel = self.welcome();
+                Peer caller = self.welcome();
+                const koriil::PacketHeader subscription = caller.receiveHeader();
+                ASSERT_EQ(subscription.kind, koriil::PacketKind::kSubscribe);
+                ASSERT_EQ(subscription.channel, kScriptedChannel);
+                ASSERT_TRUE(caller.send(replyTo(subscription, 0)));
 
-            koriil::PacketHeader event;
-            event.kind = koriil::PacketKind::kEvent;
-            event.command = 1;
-            event.length = 4;
-            ASSERT_TRUE(channel.send(event, "abc"));
-            ASSERT_TRUE(channel.send(event, "abcde"));
-            ASSERT_TRUE(channel.sendBytes(&event, 20));
-            ASSERT_TRUE(channel.send(inOtherByteOrder(event), "abcd"));
-            ASSERT_TRUE(channel.send(replyTo(event, 4), "abcd"));
-            event.length = KOR_IIL_MAX_LENGTH + 1;
-            ASSERT_TRUE(channel.send(event, std::string(event.length, 'x')));
-            event.length = 4;
-            ASSERT_TRUE(channel.send(event, "good"));
-            ASSERT_GT(caller.receive(*request), 0);
-            ASSERT_EQ(request->header.kind, koriil::PacketKind::kCancel);
-            ASSERT_TRUE(caller.send(replyTo(request->header, 0)));
-            ASSERT_TRUE(channel.hasEnded()) << "it was the last";
-        });
-    ASSERT_EQ(subscribe(), KOR_IIL_OK);
-    ASSERT_TRUE(inbox_.waitFor(1));
-    EXPECT_EQ(inbox_.events[0].data, "good");
-    EXPECT_EQ(cancel(), KOR_IIL_OK);
-    service.join();
+                koriil::PacketHeader event;
+                event.kind = koriil::PacketKind::kEvent;
+                event.command = 1;
+                event.length = 4;
+                ASSERT_TRUE(channel.send(event, "abc"));
+                ASSERT_TRUE(channel.send(event, "abcde"));
+                ASSERT_TRUE(channel.sendBytes(&event, 20));
+                ASSERT_TRUE(channel.send(inOtherByteOrder(event), "abcd"));
+                ASSERT_TRUE(channel.send(replyTo(event, 4), "abcd"));
+                event.length = KOR_IIL_MAX_LENGTH + 1;
+                ASSERT_TRUE(channel.send(event, std::string(event.length, 'x')));
+                event.length = 4;
+                ASSERT_TRUE(channel.send(event, "good"));
+
+                const koriil::PacketHeader cancellation = caller.receiveHeader();
+                ASSERT_EQ(cancellation.kind, koriil::PacketKind::kCancel);
+                ASSERT_TRUE(caller.send(replyTo(cancellation, 0)));
+                ASSERT_TRUE(channel.hasEnded()) << "it was the last subscription";
+            });
+        ASSERT_EQ(subscribe(), KOR_IIL_OK);
+        ASSERT_TRUE(inbox_.waitFor(1));
+        EXPECT_EQ(inbox_.events[0].data, "good");
+        EXPECT_EQ(cancel(), KOR_IIL_OK);
+    }
     EXPECT_EQ(inbox_.count(), 1u);
 }
 

@@ -1,9 +1,9 @@
-// A process of its own for the tests: what it finds in its environment, and how it ends, is what they look at.
+// A separate process for tests of the environment and of the end of a process.
 //
 //   host_probe trace LEVEL TAG LINE TEXT      writes one trace record
 //   host_probe trace-again COUNT TEXT         writes COUNT of them
 //   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
-//   host_probe end SERVICE                    subscribes, and ends with everything open; the destructor of a static calls
+//   host_probe end SERVICE                    subscribes, and exits with everything open; the destructor of a static calls
 #include "base/hexadecimal.h"
 #include "kor_iil.h"
 #include "kor_iil_service.h"
@@ -38,7 +38,7 @@ int call(const char* callerId, const char* serviceId, const std::string& hexadec
         KorIilExecute(callerId, serviceId, 30, 1, static_cast<std::uint32_t>(message.size()), message.data()));
 }
 
-// Destroyed when main has returned, and with it the main thread's connections.
+// Destroyed after main has returned, when the main thread's connections are closed.
 struct LateCaller
 {
     ~LateCaller()

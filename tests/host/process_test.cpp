@@ -1,4 +1,4 @@
-// What a whole process shows: its trace, its recording, its end.
+// A whole process: its traces, its recording, its end.
 #include "support.h"
 
 #include <filesystem>
@@ -107,7 +107,7 @@ TEST_F(ProcessTest, LevelsHaveNames)
 
 TEST_F(ProcessTest, TheHighestLevelShownCanBeChosen)
 {
-    EXPECT_NE(trace(3, "text").errors, "") << "3 if nothing is said";
+    EXPECT_NE(trace(3, "text").errors, "") << "the default is 3";
     EXPECT_EQ(trace(4, "text").errors, "");
     EXPECT_NE(trace(3, "text", {{"KORIIL_TRACE", ""}}).errors, "");
     EXPECT_NE(trace(1, "text", {{"KORIIL_TRACE", "1"}}).errors, "");
@@ -202,7 +202,7 @@ TEST_F(ProcessTest, LinesOfManyProcessesDoNotMix)
         EXPECT_TRUE(line.size() > text.size() && std::regex_match(line, form)) << line;
 }
 
-// --- What this library has to say itself -------------------------------------------------------------------------------------
+// --- This library's own trace lines ------------------------------------------------------------------------------------------
 
 TEST_F(ProcessTest, ARefusedDirectoryIsExplained)
 {

@@ -1,4 +1,4 @@
-// Calls that succeed: what arrives at the service, and what comes back.
+// Calls that succeed: what arrives at the service, and what is returned.
 #include "support.h"
 
 #include <atomic>
@@ -120,7 +120,7 @@ TEST_F(RoundTripTest, BothEndsCanBeWrittenInC)
     KorIilServiceClose(service);
 }
 
-// The reply to a request is a function of the request alone; one crossed reply among them all would show.
+// The reply depends on the request alone, so that a single crossed reply is detected.
 TEST_F(RoundTripTest, RepliesOfManyThreadsAreNeverCrossed)
 {
     constexpr int kThreads = 64;

@@ -20,9 +20,8 @@ class RuntimeDirectoryTest : public HostTest
 protected:
     static std::uint32_t open()
     {
-        const auto refuse = [](void*, const KorIilRequest*, void*) -> std::uint32_t { return KOR_IIL_UNSUPPORT; };
         KorIilService* service = nullptr;
-        const std::uint32_t status = KorIilServiceOpen(kService, 0, refuse, nullptr, &service);
+        const std::uint32_t status = KorIilServiceOpen(kService, 0, refuseRequest, nullptr, &service);
         KorIilServiceClose(service);
         return status;
     }
@@ -37,8 +36,7 @@ protected:
         use(path);
         EXPECT_EQ(callOnce(), KOR_IIL_UNKNOWN_COMM) << path;
         EXPECT_EQ(open(), KOR_IIL_UNKNOWN_COMM) << path;
-        EXPECT_EQ(KorIilSubscribeEvent(kCaller, kService, 1, [](const char*, std::uint32_t, const void*, std::uint32_t) {}),
-                  KOR_IIL_UNKNOWN_COMM);
+        EXPECT_EQ(KorIilSubscribeEvent(kCaller, kService, 1, ignoreEvent), KOR_IIL_UNKNOWN_COMM) << path;
     }
 
     static std::string chosen()
@@ -62,7 +60,7 @@ TEST_F(RuntimeDirectoryTest, ThenTheSessionsOwn)
     setenv("XDG_RUNTIME_DIR", directory().c_str(), 1);
     EXPECT_EQ(chosen(), directory() + "/koriil");
     use("");
-    EXPECT_EQ(chosen(), directory() + "/koriil") << "an empty setting is none";
+    EXPECT_EQ(chosen(), directory() + "/koriil") << "an empty setting counts as none";
     unsetenv("XDG_RUNTIME_DIR");
 }
 
@@ -125,7 +123,7 @@ TEST_F(RuntimeDirectoryTest, OneThatOthersMayWriteToIsRefused)
         expectRefused(directory());
     }
     ASSERT_EQ(chmod(directory().c_str(), 0755), 0);
-    EXPECT_EQ(open(), KOR_IIL_OK) << "others may look";
+    EXPECT_EQ(open(), KOR_IIL_OK) << "others may read it";
 }
 
 TEST_F(RuntimeDirectoryTest, AnotherUsersIsRefused)

@@ -1,4 +1,4 @@
-// The life of a service: its name, its loop, its end.
+// A service's name, its loop, and its end.
 #include "support.h"
 
 #include <atomic>
@@ -18,14 +18,9 @@ namespace
 class ServiceTest : public HostTest
 {
 protected:
-    static std::uint32_t refuse(void*, const KorIilRequest*, void*)
-    {
-        return KOR_IIL_UNSUPPORT;
-    }
-
     static std::uint32_t open(KorIilService*& service, const char* serviceId = kService)
     {
-        return KorIilServiceOpen(serviceId, 5, refuse, nullptr, &service);
+        return KorIilServiceOpen(serviceId, 5, refuseRequest, nullptr, &service);
     }
 };
 
@@ -47,7 +42,7 @@ TEST_F(ServiceTest, ANameBelongsToOneProcess)
     EXPECT_EQ(open(service), KOR_IIL_CONFLICT_ID);
     EXPECT_EQ(callOnce(), KOR_IIL_OK) << "the owner is not disturbed";
     owner.kill();
-    EXPECT_EQ(open(service), KOR_IIL_OK) << "what it left behind is cleared away";
+    EXPECT_EQ(open(service), KOR_IIL_OK) << "the files of the dead one are removed";
     KorIilServiceClose(service);
 }
 
@@ -73,8 +68,7 @@ TEST_F(ServiceTest, OfManyWhoWantANameOneGetsIt)
                     const std::uint32_t status = open(service);
                     ++(status == KOR_IIL_OK ? opened : refused);
                     EXPECT_TRUE(status == KOR_IIL_OK || status == KOR_IIL_CONFLICT_ID);
-                    EXPECT_TRUE(
-                        eventually([&] { return opened + refused == 8; })); // nobody gives it back before all have tried
+                    EXPECT_TRUE(eventually([&] { return opened + refused == 8; })); // held until all have tried
                     KorIilServiceClose(service);
                 });
         for (std::thread& thread : threads)
@@ -111,7 +105,7 @@ TEST_F(ServiceTest, AChildOfTheServiceTakesNothingAway)
 
     Child survivor([] { return pause(); });
     KorIilServiceClose(service);
-    EXPECT_EQ(open(second), KOR_IIL_OK) << "a child alive does not keep the name";
+    EXPECT_EQ(open(second), KOR_IIL_OK) << "a running child does not keep the name";
     KorIilServiceClose(second);
 }
 
@@ -168,7 +162,7 @@ TEST_F(ServiceTest, CallersWaitWhileItIsNotRunning)
     KorIilServiceClose(service);
 }
 
-// A caller who has long been waiting for the loop is greeted, though the time for a hello is over by then.
+// A caller that had to wait for the loop is served, though the time for its hello has passed by then.
 TEST_F(ServiceTest, ALongRequestDoesNotCostOthersTheirPlace)
 {
     RunningService service(
@@ -179,7 +173,7 @@ TEST_F(ServiceTest, ALongRequestDoesNotCostOthersTheirPlace)
             return addOne(request, message);
         });
     EXPECT_EQ(callOnce(), KOR_IIL_OK);
-    Peer silent = Peer::connectTo(kService); // admitted before the long request, its hello comes during it
+    Peer silent = Peer::connectTo(kService); // admitted before the long request; its hello comes during it
     sleepMilliseconds(100);
     std::thread longCaller([] { EXPECT_EQ(callOnce(1), KOR_IIL_OK); });
     sleepMilliseconds(100);

@@ -38,11 +38,6 @@ sockaddr_un addressOf(const char* serviceId)
     return address;
 }
 
-std::uint32_t swapped(std::uint32_t word)
-{
-    return __builtin_bswap32(word);
-}
-
 } // namespace
 
 void HostTest::SetUp()
@@ -64,6 +59,15 @@ std::uint32_t addOne(const KorIilRequest& request, unsigned char* message)
     for (std::uint32_t i = 0; i < request.length; ++i)
         message[i] = static_cast<unsigned char>(message[i] + 1);
     return KOR_IIL_OK;
+}
+
+std::uint32_t refuseRequest(void*, const KorIilRequest*, void*)
+{
+    return KOR_IIL_UNSUPPORT;
+}
+
+void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
+{
 }
 
 // --- Services ----------------------------------------------------------------------------------------------------------------
@@ -177,11 +181,21 @@ void ServiceProcess::kill()
     child_->wait();
 }
 
-// --- Peers made by hand ------------------------------------------------------------------------------------------------------
+// --- Peers -------------------------------------------------------------------------------------------------------------------
 
 std::string socketOf(const char* serviceId)
 {
     return std::string(std::getenv("KORIIL_DIR")) + "/" + serviceId + ".socket";
+}
+
+koriil::Descriptor listenAs(const char* serviceId, int type, int backlog)
+{
+    koriil::Descriptor listener(socket(AF_UNIX, type | SOCK_CLOEXEC, 0));
+    const sockaddr_un address = addressOf(serviceId);
+    if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        listen(listener.get(), backlog) != 0)
+        throw std::runtime_error("no socket can listen as " + std::string(serviceId));
+    return listener;
 }
 
 Peer Peer::connectTo(const char* serviceId)
@@ -214,10 +228,18 @@ ssize_t Peer::receive(koriil::Packet& packet)
         const ssize_t received = recv(socket_.get(), &packet, sizeof packet, MSG_TRUNC | MSG_DONTWAIT);
         if (received >= 0)
             return received;
-        if (errno != ECONNRESET) // that one is told once, and ahead of what can still be read
+        if (errno != ECONNRESET) // comes once, ahead of the packets that can still be read
             return -1;
     }
     return -1;
+}
+
+koriil::PacketHeader Peer::receiveHeader()
+{
+    auto packet = std::make_unique<koriil::Packet>();
+    const ssize_t received = receive(*packet);
+    EXPECT_EQ(received, static_cast<ssize_t>(sizeof(koriil::PacketHeader) + packet->header.length));
+    return packet->header;
 }
 
 koriil::PacketHeader Peer::greet(const char* serviceId)
@@ -228,10 +250,10 @@ koriil::PacketHeader Peer::greet(const char* serviceId)
     koriil::copyIdentifier(hello.name, serviceId);
     EXPECT_TRUE(send(hello));
 
-    auto answer = std::make_unique<koriil::Packet>();
-    EXPECT_EQ(receive(*answer), ssize_t{sizeof(koriil::PacketHeader)});
-    EXPECT_EQ(answer->header.status, KOR_IIL_OK);
-    return answer->header;
+    const koriil::PacketHeader answer = receiveHeader();
+    EXPECT_EQ(answer.length, 0u);
+    EXPECT_EQ(answer.status, KOR_IIL_OK);
+    return answer;
 }
 
 bool Peer::hasEnded()
@@ -264,45 +286,41 @@ koriil::PacketHeader replyTo(const koriil::PacketHeader& request, std::uint32_t 
 
 koriil::PacketHeader inOtherByteOrder(koriil::PacketHeader header)
 {
-    header.magic = swapped(header.magic);
+    header.magic = __builtin_bswap32(header.magic);
     header.version = __builtin_bswap16(header.version);
     header.kind = static_cast<koriil::PacketKind>(__builtin_bswap16(static_cast<std::uint16_t>(header.kind)));
     for (std::uint32_t* word :
          {&header.sequence, &header.status, &header.command, &header.length, &header.wait, &header.channel})
-        *word = swapped(*word);
+        *word = __builtin_bswap32(*word);
     return header;
 }
 
-ScriptedService::ScriptedService(std::function<void(Peer&)> behave)
-    : listener_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0))
+ScriptedService::ScriptedService(std::function<void(ScriptedService&)> behave)
+    : listener_(listenAs(kService)), thread_([this, behave = std::move(behave)] { behave(*this); })
 {
-    const sockaddr_un address = addressOf(kService);
-    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        listen(listener_.get(), 8) != 0)
-        throw std::runtime_error("the scripted service cannot listen");
-    thread_ = std::thread(
-        [this, behave = std::move(behave)]
-        {
-            Peer peer(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-            behave(peer);
-        });
 }
 
 ScriptedService::~ScriptedService()
 {
-    shutdown(listener_.get(), SHUT_RDWR); // if nobody has come
+    shutdown(listener_.get(), SHUT_RDWR); // in case nobody connects
     thread_.join();
     unlink(socketOf(kService).c_str());
 }
 
-void welcome(Peer& peer)
+Peer ScriptedService::accept()
 {
-    auto hello = std::make_unique<koriil::Packet>();
-    ASSERT_EQ(peer.receive(*hello), ssize_t{sizeof(koriil::PacketHeader)});
-    ASSERT_EQ(hello->header.kind, koriil::PacketKind::kHello);
-    koriil::PacketHeader reply = replyTo(hello->header, 0);
-    reply.channel = 1000;
-    ASSERT_TRUE(peer.send(reply));
+    return Peer(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+}
+
+Peer ScriptedService::welcome()
+{
+    Peer peer = accept();
+    const koriil::PacketHeader hello = peer.receiveHeader();
+    EXPECT_EQ(hello.kind, koriil::PacketKind::kHello);
+    koriil::PacketHeader reply = replyTo(hello, 0);
+    reply.channel = kScriptedChannel;
+    EXPECT_TRUE(peer.send(reply));
+    return peer;
 }
 
 // --- Calls -------------------------------------------------------------------------------------------------------------------

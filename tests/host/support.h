@@ -1,5 +1,5 @@
-// What the tests of the IPC library share: a runtime directory of their own, services in threads and in processes, and peers
-// made by hand.
+// Shared by the tests of the IPC library: an empty runtime directory, services in threads and in processes, and peers that send
+// and receive single packets.
 #pragma once
 
 #include "host/descriptor.h"
@@ -17,16 +17,21 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+
 namespace host_test
 {
 
-// Long enough for a loaded machine under emulation. Nothing waits that long unless it fails.
+// Seconds; enough for emulation on a loaded machine. Only a test that fails waits that long.
 constexpr std::uint32_t kAmple = 60;
 
 constexpr const char* kCaller = "test";
 constexpr const char* kService = "SERVICE";
 
-// Each test has an empty runtime directory.
+// The number that a ScriptedService gives to every connection.
+constexpr std::uint32_t kScriptedChannel = 1000;
+
+// Every test has an empty runtime directory.
 class HostTest : public ::testing::Test
 {
 protected:
@@ -44,8 +49,13 @@ private:
 
 using Handler = std::function<std::uint32_t(const KorIilRequest&, unsigned char*)>;
 
-// What the services of most tests do: command 1 adds one to every byte, other commands are unknown.
+// The handler of most tests: command 1 adds one to every byte, other commands are unknown.
 std::uint32_t addOne(const KorIilRequest& request, unsigned char* message);
+
+// For a service whose requests do not matter.
+std::uint32_t refuseRequest(void*, const KorIilRequest*, void*);
+
+void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t);
 
 // A service, and the thread that runs it.
 class RunningService
@@ -67,7 +77,7 @@ private:
     std::thread thread_;
 };
 
-// Publishes event 1 in bursts, for as long as it lives, at a pace that every subscriber keeps up with.
+// Publishes event 1 in bursts until it is destroyed, at a pace that every subscriber can keep up with.
 class Publishing
 {
 public:
@@ -81,7 +91,7 @@ private:
     std::thread thread_;
 };
 
-// A child process that runs `body` and exits with what it returns. It is killed if the test leaves it running.
+// A child process that runs `body` and exits with what that returns. The destructor kills it if it is still running.
 class Child
 {
 public:
@@ -102,13 +112,13 @@ private:
     int processId_ = -1;
 };
 
-// A service in a process of its own, up when the constructor returns.
+// A service in a process of its own, running when the constructor returns.
 class ServiceProcess
 {
 public:
     explicit ServiceProcess(const Handler& handler = addOne);
 
-    // Ends it at once: nothing is closed or cleared away.
+    // Ends it at once: nothing is closed or removed.
     void kill();
 
 private:
@@ -119,7 +129,10 @@ private:
 
 std::string socketOf(const char* serviceId);
 
-// A connection made by hand, on either end.
+// A listening socket in the service's place.
+koriil::Descriptor listenAs(const char* serviceId, int type = SOCK_SEQPACKET, int backlog = 8);
+
+// One end of a connection, without the library's client or service.
 class Peer
 {
 public:
@@ -132,6 +145,8 @@ public:
     bool sendBytes(const void* bytes, std::size_t length);
     // Waits for one packet, and returns its length; 0 at the end of the connection, -1 if nothing comes.
     ssize_t receive(koriil::Packet& packet);
+    // Waits for one packet, which must come, and returns its header.
+    koriil::PacketHeader receiveHeader();
 
     koriil::PacketHeader greet(const char* serviceId = kService);
     bool hasEnded();
@@ -148,28 +163,30 @@ koriil::PacketHeader requestHeader(std::uint32_t command, std::uint32_t length);
 koriil::PacketHeader replyTo(const koriil::PacketHeader& request, std::uint32_t length);
 koriil::PacketHeader inOtherByteOrder(koriil::PacketHeader header);
 
-// A service made by hand: listens, and lets `behave` have its way with the first connection.
+// Takes the place of a service: listens, and runs `behave` on a thread of its own.
 class ScriptedService
 {
 public:
-    explicit ScriptedService(std::function<void(Peer&)> behave);
+    explicit ScriptedService(std::function<void(ScriptedService&)> behave);
     ~ScriptedService();
     ScriptedService(const ScriptedService&) = delete;
     ScriptedService& operator=(const ScriptedService&) = delete;
+
+    // The next connection.
+    Peer accept();
+    // The next connection, its hello answered.
+    Peer welcome();
 
 private:
     koriil::Descriptor listener_;
     std::thread thread_;
 };
 
-// Answers the hello as a service does.
-void welcome(Peer& peer);
-
-// One call of command 1. On success the message must have been answered by addOne, on failure it must be untouched.
+// One call of command 1. On success the message must be as addOne leaves it, on failure unchanged.
 std::uint32_t callOnce(std::uint32_t length = 12, std::uint32_t wait = kAmple, const char* serviceId = kService,
                        const char* callerId = kCaller);
 
-// Waits, amply, until the condition holds. False if it never does.
+// Waits until the condition holds. False if it does not within kAmple.
 bool eventually(const std::function<bool()>& condition);
 
 void sleepMilliseconds(int milliseconds);
