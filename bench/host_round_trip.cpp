@@ -1,6 +1,6 @@
 // The round trip of a message: a call through libkoriil to a service in another process, against the same bytes sent back and
-// forth over a bare socket. Everything runs on one processor, so that what is compared is work and not the scheduler's choice
-// of processors; repetitions of all are interleaved, so that a slow moment of the machine hits all alike.
+// forth over a bare socket. All processes run on one processor, so that the scheduler's choice of processors does not matter;
+// the repetitions are interleaved, so that other load on the machine affects all alike.
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 
@@ -28,7 +28,7 @@ namespace
 
 constexpr std::size_t kLengths[] = {12, 144, 9584}; // the shortest, a common and the longest message of the Wi-Fi services
 constexpr std::size_t kGoalLength = 9584;
-constexpr double kGoal = 1.25; // times the bare stream socket
+constexpr double kGoal = 1.25; // at most, relative to the bare stream socket
 
 void stayOnOneProcessor()
 {
@@ -82,7 +82,7 @@ bool receiveAll(int socket, char* bytes, std::size_t length)
     return true;
 }
 
-// Returns one end of a pair; a child process sends back whatever comes out of the other.
+// Returns one end of a socket pair; a child process sends back whatever it receives on the other.
 int echoOver(int type, std::size_t length)
 {
     int ends[2];
@@ -106,7 +106,7 @@ void bareSocket(benchmark::State& state, int socket, std::size_t length)
     std::vector<char> message(length, 'x');
     for (auto _ : state)
         if (!sendAll(socket, message.data(), length) || !receiveAll(socket, message.data(), length))
-            state.SkipWithError("the echo is gone");
+            state.SkipWithError("the echo process has ended");
 }
 
 std::uint32_t echo(void*, const KorIilRequest*, void*)
@@ -141,10 +141,10 @@ void call(benchmark::State& state, std::size_t length)
     std::vector<char> message(length, 'x');
     for (auto _ : state)
         if (KorIilExecute("benchmark", "ECHO", 10, 1, static_cast<std::uint32_t>(length), message.data()) != KOR_IIL_OK)
-            state.SkipWithError("the service is gone");
+            state.SkipWithError("the call failed");
 }
 
-// Shows the usual table, and keeps the medians.
+// Prints the usual table, and keeps the medians.
 class Medians : public benchmark::ConsoleReporter
 {
 public:
@@ -206,7 +206,7 @@ bool reportRatios(const std::map<std::string, double>& medians)
 
 int main(int argc, char** argv)
 {
-    // What is given on the command line comes later, and wins.
+    // Options on the command line come later, and take precedence.
     std::vector<std::string> words = {argv[0], "--benchmark_repetitions=21", "--benchmark_min_time=0.05",
                                       "--benchmark_enable_random_interleaving=true", "--benchmark_report_aggregates_only=true"};
     words.insert(words.end(), argv + 1, argv + argc);

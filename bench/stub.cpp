@@ -1,7 +1,7 @@
-// What the library adds to a call: each function against the bare memset, IPC and memcpy of the same bytes.
+// What the library adds to a call: a function of the library against the bare memset, IPC and memcpy of the same bytes.
 //
-// The platform is a function that does nothing, so that nothing but the library is timed. Both sides of a pair run by turns,
-// and the pair's figure is the median of the rounds' differences and ratios. Allocations are counted over the whole run.
+// The platform is a function that does nothing, so that only the library is timed. The two of a pair alternate, and the pair's
+// result is the median of the rounds' differences and ratios. Allocations are counted in one call of either function.
 #include <algorithm>
 #include <chrono>
 #include <cstdarg>
@@ -38,7 +38,7 @@ void operator delete(void* memory, std::size_t) noexcept
     std::free(memory);
 }
 
-// Not inlined into the bare calls, as it cannot be into the library's.
+// Not inlined into the bare calls, as it is not into the library's.
 extern "C" [[gnu::noinline]] std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t,
                                                          void* message)
 {
@@ -99,15 +99,15 @@ std::uint32_t libraryShortest()
     return TarnGetLastErrorMask("bench", &level);
 }
 
-using Function = std::uint32_t (*)();
+using TimedCall = std::uint32_t (*)();
 
-double nanosecondsPerCall(Function function)
+double nanosecondsPerCall(TimedCall call)
 {
     constexpr int kCalls = 20000;
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < kCalls; ++i)
     {
-        const std::uint32_t status = function();
+        const std::uint32_t status = call();
         asm volatile("" : : "r"(status) : "memory");
     }
     const std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - start;
@@ -120,7 +120,7 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-void compare(const char* name, Function library, Function bare)
+void compare(const char* name, TimedCall library, TimedCall bare)
 {
     constexpr int kRounds = 101;
     std::vector<double> differences;
