@@ -99,19 +99,19 @@ bool parseBand(const std::string& text, Band& band)
     return false;
 }
 
-std::vector<std::uint32_t> channelsFor(const ChannelRequest& request)
+std::vector<std::uint32_t> channelsFor(const ChannelCriteria& criteria)
 {
-    if (request.bandwidth != 20 && request.bandwidth != 40 && request.bandwidth != 80 && request.bandwidth != 160)
+    if (criteria.bandwidth != 20 && criteria.bandwidth != 40 && criteria.bandwidth != 80 && criteria.bandwidth != 160)
         return {};
-    Channels channels = permitted(request.band, request.country);
+    Channels channels = permitted(criteria.band, criteria.country);
     const auto without = [&](auto unwanted)
     { channels.erase(std::remove_if(channels.begin(), channels.end(), unwanted), channels.end()); };
-    if (!request.withRadarChannels)
-        without([&](std::uint32_t channel) { return isRadarChannel(request.band, channel); });
-    if (!request.withWeatherChannels && request.band == Band::k5)
+    if (!criteria.withRadarChannels)
+        without([&](std::uint32_t channel) { return isRadarChannel(criteria.band, channel); });
+    if (!criteria.withWeatherChannels && criteria.band == Band::k5)
         without([](std::uint32_t channel) { return channel >= 120 && channel <= 128; });
     const Channels all = channels;
-    without([&](std::uint32_t channel) { return !widens(request.band, channel, request.bandwidth, all); });
+    without([&](std::uint32_t channel) { return !widens(criteria.band, channel, criteria.bandwidth, all); });
     return channels;
 }
 

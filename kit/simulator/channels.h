@@ -22,7 +22,7 @@ const char* toString(Band band);
 bool parseBand(const std::string& text, Band& band);
 
 // Bandwidths are in MHz.
-struct ChannelRequest
+struct ChannelCriteria
 {
     Band band = Band::k5;
     std::string country; // "us", "eu", "jp"; none of these has no channels
@@ -32,7 +32,7 @@ struct ChannelRequest
 };
 
 // In ascending order; none where nothing fits.
-std::vector<std::uint32_t> channelsFor(const ChannelRequest& request);
+std::vector<std::uint32_t> channelsFor(const ChannelCriteria& criteria);
 
 bool isRadarChannel(Band band, std::uint32_t channel);
 

@@ -21,21 +21,21 @@ Dispatcher::Dispatcher(const contract::Contract& contract, StatusOf statusOf, bo
 
 // Of two functions with one command, the message's contents say which is meant: the one with an interface name if there is a
 // name. Where none of them has one, the requests are the same and each function takes its own part of the reply.
-std::vector<Dispatcher::Function> Dispatcher::choose(const std::vector<Function>& functions, void* message)
+std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<HandledFunction>& functions, void* message)
 {
     constexpr const char* kName = "intf_name";
-    const Function* named = nullptr;
-    for (const Function& each : functions)
-        if (each.command->argument(kName) != nullptr)
-            named = &each;
+    const HandledFunction* named = nullptr;
+    for (const HandledFunction& function : functions)
+        if (function.command->argument(kName) != nullptr)
+            named = &function;
     if (functions.size() == 1 || named == nullptr)
         return functions;
 
-    const bool hasName = !Exchange(*named->command, message).text(kName).empty();
-    std::vector<Function> chosen;
-    for (const Function& each : functions)
-        if ((&each == named) == hasName)
-            chosen.push_back(each);
+    const bool hasName = !CommandRequest(*named->command, message).text(kName).empty();
+    std::vector<HandledFunction> chosen;
+    for (const HandledFunction& function : functions)
+        if ((&function == named) == hasName)
+            chosen.push_back(function);
     return chosen;
 }
 
@@ -47,25 +47,25 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
     if (length != found->second.front().command->length)
         return KOR_IIL_MISMATCH_CMD_LEN;
 
-    Outcome outcome = Outcome::kDone;
+    ReplyStatus status = ReplyStatus::kDone;
     model.advance();
-    const std::vector<Function> chosen = choose(found->second, message);
+    const std::vector<HandledFunction> chosen = choose(found->second, message);
     try
     {
-        for (const Function& each : chosen)
+        for (const HandledFunction& function : chosen)
         {
-            Exchange exchange(*each.command, message);
-            (*each.handler)(model, exchange);
+            CommandRequest request(*function.command, message);
+            (*function.handler)(model, request);
         }
     }
     catch (const Refused& refused)
     {
-        outcome = refused.outcome;
+        status = refused.status;
     }
     model.advance();
     if (notesFailures_)
-        model.errorMask |= errorMaskBit(outcome);
-    Exchange(*chosen.front().command, message).setStatus(statusOf_(outcome));
+        model.errorMask |= errorMaskBit(status);
+    CommandRequest(*chosen.front().command, message).setStatus(statusOf_(status));
     return KOR_IIL_OK;
 }
 

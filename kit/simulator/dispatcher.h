@@ -3,7 +3,7 @@
 
 #include "contract/contract.h"
 #include "handlers.h"
-#include "outcome.h"
+#include "reply_status.h"
 
 #include <cstdint>
 #include <map>
@@ -15,7 +15,7 @@ namespace tarn::simulator
 class Dispatcher
 {
 public:
-    using StatusOf = std::uint32_t (*)(Outcome);
+    using StatusOf = std::uint32_t (*)(ReplyStatus);
 
     // `notesFailures`: the model's error mask remembers what is refused here.
     Dispatcher(const contract::Contract& contract, StatusOf statusOf, bool notesFailures);
@@ -24,15 +24,15 @@ public:
     std::uint32_t serve(Model& model, std::uint32_t command, std::uint32_t length, void* message) const;
 
 private:
-    struct Function
+    struct HandledFunction
     {
         const contract::Command* command;
         const Handler* handler;
     };
 
-    static std::vector<Function> choose(const std::vector<Function>& functions, void* message);
+    static std::vector<HandledFunction> choose(const std::vector<HandledFunction>& functions, void* message);
 
-    std::map<std::uint32_t, std::vector<Function>> functions_; // by command; a few commands have two
+    std::map<std::uint32_t, std::vector<HandledFunction>> functions_; // by command; a few commands have two
     StatusOf statusOf_;
     bool notesFailures_;
 };

@@ -51,29 +51,29 @@ const HandlerTable& handlers()
     return table;
 }
 
-Interface& interfaceOf(Model& model, const Exchange& exchange)
+Interface& interfaceOf(Model& model, const CommandRequest& request)
 {
     for (const char* name : kInterfaceIds)
-        if (exchange.command().argument(name) != nullptr)
-            return model.interfaceOf(exchange.number("radioId"), exchange.number(name));
+        if (request.command().argument(name) != nullptr)
+            return model.interfaceOf(request.number("radioId"), request.number(name));
     for (const char* name : kInterfaceNames)
-        if (exchange.command().argument(name) != nullptr)
-            return model.moduleInterface(exchange.text(name));
-    throw std::logic_error(exchange.command().function + " names no interface");
+        if (request.command().argument(name) != nullptr)
+            return model.moduleInterface(request.text(name));
+    throw std::logic_error(request.command().function + " names no interface");
 }
 
-Radio& radioOf(Model& model, const Exchange& exchange)
+Radio& radioOf(Model& model, const CommandRequest& request)
 {
-    if (exchange.command().argument("radioId") != nullptr)
-        return model.radio(exchange.number("radioId"));
-    return *interfaceOf(model, exchange).radio;
+    if (request.command().argument("radioId") != nullptr)
+        return model.radio(request.number("radioId"));
+    return *interfaceOf(model, request).radio;
 }
 
-Radio& moduleRadioOf(Model& model, const Exchange& exchange)
+Radio& moduleRadioOf(Model& model, const CommandRequest& request)
 {
-    Radio& radio = radioOf(model, exchange);
+    Radio& radio = radioOf(model, request);
     if (!radio.onModule)
-        throw Refused{Outcome::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject};
     return radio;
 }
 

@@ -1,7 +1,7 @@
 // What each command does to the model and what it answers: one handler a function of the contract.
 #pragma once
 
-#include "exchange.h"
+#include "command_request.h"
 #include "model.h"
 
 #include <functional>
@@ -14,7 +14,7 @@ namespace tarn::simulator
 
 // Reads the request's arguments and writes the outputs of the reply, but not its status. Throws Refused for what cannot be
 // granted.
-using Handler = std::function<void(Model&, Exchange&)>;
+using Handler = std::function<void(Model&, CommandRequest&)>;
 
 class HandlerTable
 {
@@ -46,16 +46,16 @@ void addProxyStatisticsHandlers(HandlerTable& table);
 void addMirrorHandlers(HandlerTable& table);
 
 // The objects that a request names, by its ids or its interface name. Throws Refused if there is no such object.
-Radio& radioOf(Model& model, const Exchange& exchange);       // "radioId", or the radio of the interface name
-Radio& moduleRadioOf(Model& model, const Exchange& exchange); // the same, and it is one of the Wi-Fi module's
-Interface& interfaceOf(Model& model, const Exchange& exchange);
+Radio& radioOf(Model& model, const CommandRequest& request);       // "radioId", or the radio of the interface name
+Radio& moduleRadioOf(Model& model, const CommandRequest& request); // the same, and it is one of the Wi-Fi module's
+Interface& interfaceOf(Model& model, const CommandRequest& request);
 
 // The element at an index that counts from 0. Throws Refused beyond the end.
 template <typename List>
 auto& elementAt(List& list, std::uint32_t index)
 {
     if (index >= std::size(list))
-        throw Refused{Outcome::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject};
     return list[index];
 }
 

@@ -11,126 +11,126 @@ namespace
 
 // --- SSID interfaces ---------------------------------------------------------------------------------------------------------
 
-void getSsidIntfNum(Model& model, Exchange& exchange)
+void getSsidIntfNum(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(radioOf(model, exchange).interfaces));
+    request.setNumber("number", count(radioOf(model, request).interfaces));
 }
 
-void answerSsidIntf(const Interface& interface, Exchange& exchange)
+void answerSsidIntf(const Interface& interface, CommandRequest& request)
 {
-    Record data = exchange.blank("data");
+    Record data = request.blank("data");
     fillInterface(data, interface);
-    exchange.setRecord("data", data);
+    request.setRecord("data", data);
 }
 
-void getSsidIntfAt(Model& model, Exchange& exchange)
+void getSsidIntfAt(Model& model, CommandRequest& request)
 {
-    answerSsidIntf(elementAt(radioOf(model, exchange).interfaces, exchange.number("index")), exchange);
+    answerSsidIntf(elementAt(radioOf(model, request).interfaces, request.number("index")), request);
 }
 
-void getSsidIntf(Model& model, Exchange& exchange)
+void getSsidIntf(Model& model, CommandRequest& request)
 {
-    answerSsidIntf(interfaceOf(model, exchange), exchange);
+    answerSsidIntf(interfaceOf(model, request), request);
 }
 
-void setSsidIntfCfg(Model& model, Exchange& exchange)
+void setSsidIntfCfg(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    model.change(interface, exchange.record("cfg").changes(exchange.number("param")));
+    Interface& interface = interfaceOf(model, request);
+    model.change(interface, request.record("cfg").changes(request.number("param")));
 }
 
-void getSsidIntfStats(Model& model, Exchange& exchange)
+void getSsidIntfStats(Model& model, CommandRequest& request)
 {
-    const Interface& interface = interfaceOf(model, exchange);
-    Record stats = exchange.blank("stats");
+    const Interface& interface = interfaceOf(model, request);
+    Record stats = request.blank("stats");
     model.polled(interface).fill(stats);
     stats.setNumber("stations", interface.stations.size());
-    exchange.setRecord("stats", stats);
+    request.setRecord("stats", stats);
 }
 
-void getIsPrimary(Model& model, Exchange& exchange)
+void getIsPrimary(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("isPrimary", interfaceOf(model, exchange).id == 1 ? 1 : 0);
+    request.setNumber("isPrimary", interfaceOf(model, request).id == 1 ? 1 : 0);
 }
 
-void setRoamingEnable(Model& model, Exchange& exchange)
+void setRoamingEnable(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    if (exchange.number("enable") != 0 && !interface.radio->supportsRoaming)
-        throw Refused{Outcome::kSwitchedOff};
-    model.change(interface, {{"roaming", exchange.number("enable")}});
+    Interface& interface = interfaceOf(model, request);
+    if (request.number("enable") != 0 && !interface.radio->supportsRoaming)
+        throw Refused{ReplyStatus::kSwitchedOff};
+    model.change(interface, {{"roaming", request.number("enable")}});
 }
 
-void getRoamingMdid(Model& model, Exchange& exchange)
+void getRoamingMdid(Model& model, CommandRequest& request)
 {
-    exchange.setMobilityDomain("mdid", *parseMobilityDomain(interfaceOf(model, exchange).settings.text("mobilityDomain")));
+    request.setMobilityDomain("mdid", *parseMobilityDomain(interfaceOf(model, request).settings.text("mobilityDomain")));
 }
 
-void setRoamingMdid(Model& model, Exchange& exchange)
+void setRoamingMdid(Model& model, CommandRequest& request)
 {
-    model.change(interfaceOf(model, exchange), {{"mobilityDomain", base::hexText(exchange.mobilityDomain("mdid"))}});
+    model.change(interfaceOf(model, request), {{"mobilityDomain", base::hexText(request.mobilityDomain("mdid"))}});
 }
 
-void getBlockAddrNum(Model& model, Exchange& exchange)
+void getBlockAddrNum(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(interfaceOf(model, exchange).blocked));
+    request.setNumber("number", count(interfaceOf(model, request).blocked));
 }
 
 // The caller does not get it, but the message carries it.
-void getBlockAddrAt(Model& model, Exchange& exchange)
+void getBlockAddrAt(Model& model, CommandRequest& request)
 {
-    const MacAddress& address = elementAt(interfaceOf(model, exchange).blocked, exchange.number("index"));
-    exchange.setAddressWhere("TarnAddSsidOPXShgwBlockAddr", "mac", address);
+    const MacAddress& address = elementAt(interfaceOf(model, request).blocked, request.number("index"));
+    request.setAddressWhere("TarnAddSsidOPXShgwBlockAddr", "mac", address);
 }
 
-void addBlockAddr(Model& model, Exchange& exchange)
+void addBlockAddr(Model& model, CommandRequest& request)
 {
-    Model::addAddress(interfaceOf(model, exchange).blocked, exchange.address("mac"), kBlockListRoom);
+    Model::addAddress(interfaceOf(model, request).blocked, request.address("mac"), kBlockListRoom);
 }
 
-void delBlockAddr(Model& model, Exchange& exchange)
+void delBlockAddr(Model& model, CommandRequest& request)
 {
-    Model::removeAddress(interfaceOf(model, exchange).blocked, exchange.address("mac"));
+    Model::removeAddress(interfaceOf(model, request).blocked, request.address("mac"));
 }
 
 // --- Access points -----------------------------------------------------------------------------------------------------------
 
-void getAccessPoint(Model& model, Exchange& exchange)
+void getAccessPoint(Model& model, CommandRequest& request)
 {
-    Record data = exchange.blank("data");
-    fillAccessPoint(data, interfaceOf(model, exchange));
-    exchange.setRecord("data", data);
+    Record data = request.blank("data");
+    fillAccessPoint(data, interfaceOf(model, request));
+    request.setRecord("data", data);
 }
 
-void setWholeCfg(Model& model, Exchange& exchange)
+void setWholeCfg(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    model.change(interface, exchange.record("cfg").changes(0));
+    Interface& interface = interfaceOf(model, request);
+    model.change(interface, request.record("cfg").changes(0));
 }
 
-void getSecurity(Model& model, Exchange& exchange)
+void getSecurity(Model& model, CommandRequest& request)
 {
-    Record data = exchange.blank("data");
-    data.fill(interfaceOf(model, exchange).settings);
-    exchange.setRecord("data", data);
+    Record data = request.blank("data");
+    data.fill(interfaceOf(model, request).settings);
+    request.setRecord("data", data);
 }
 
-void getWps(Model& model, Exchange& exchange)
+void getWps(Model& model, CommandRequest& request)
 {
-    Record data = exchange.blank("data");
-    fillWps(data, model, interfaceOf(model, exchange));
-    exchange.setRecord("data", data);
+    Record data = request.blank("data");
+    fillWps(data, model, interfaceOf(model, request));
+    request.setRecord("data", data);
 }
 
-void setWpsCfg(Model& model, Exchange& exchange)
+void setWpsCfg(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    model.change(interface, exchange.record("cfg").changes(exchange.number("value")));
+    Interface& interface = interfaceOf(model, request);
+    model.change(interface, request.record("cfg").changes(request.number("value")));
 }
 
-void getWpsWindowStatus(Model& model, Exchange& exchange)
+void getWpsWindowStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("status", static_cast<std::uint32_t>(interfaceOf(model, exchange).window.status));
+    request.setNumber("status", static_cast<std::uint32_t>(interfaceOf(model, request).window.status));
 }
 
 // The PIN comes as a number, its leading zeros lost on the way.
@@ -140,18 +140,18 @@ std::string pinText(std::uint32_t pin)
     return digits.size() < 8 ? std::string(8 - digits.size(), '0') + digits : digits;
 }
 
-void triggerWpsWindow(Model& model, Exchange& exchange)
+void triggerWpsWindow(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    const auto method = static_cast<WpsMethod>(exchange.number("value1"));
+    Interface& interface = interfaceOf(model, request);
+    const auto method = static_cast<WpsMethod>(request.number("value1"));
     if (method != WpsMethod::kButton && method != WpsMethod::kPin)
-        throw Refused{Outcome::kInvalidValue};
-    model.openWpsWindow(interface, method, pinText(exchange.number("value2")));
+        throw Refused{ReplyStatus::kInvalidValue};
+    model.openWpsWindow(interface, method, pinText(request.number("value2")));
 }
 
-void cancelWpsWindow(Model& model, Exchange& exchange)
+void cancelWpsWindow(Model& model, CommandRequest& request)
 {
-    model.cancelWpsWindow(interfaceOf(model, exchange));
+    model.cancelWpsWindow(interfaceOf(model, request));
 }
 
 } // namespace

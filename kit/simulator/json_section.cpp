@@ -1,7 +1,7 @@
 #include "json_section.h"
 
 #include "base/join.h"
-#include "outcome.h"
+#include "reply_status.h"
 #include "scenario.h"
 
 #include <algorithm>

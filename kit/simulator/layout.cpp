@@ -1,7 +1,7 @@
 #include "layout.h"
 
 #include "embedded_files.h"
-#include "outcome.h"
+#include "reply_status.h"
 
 #include <algorithm>
 #include <cstring>
@@ -277,7 +277,7 @@ void Record::fill(const Settings& settings)
 Changes Record::changes(std::uint32_t selection) const
 {
     if (selection >> layout_->fields.size() != 0)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     Changes result;
     for (std::size_t i = 0; i < layout_->fields.size(); ++i)
     {

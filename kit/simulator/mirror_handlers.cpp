@@ -7,28 +7,28 @@ namespace tarn::simulator
 namespace
 {
 
-void getTelnetStatus(Model& model, Exchange& exchange)
+void getTelnetStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("ref_cnt", count(model.module.telnetHolders));
-    exchange.setNumber("status", model.module.telnetHolders.empty() ? 0 : 1);
+    request.setNumber("ref_cnt", count(model.module.telnetHolders));
+    request.setNumber("status", model.module.telnetHolders.empty() ? 0 : 1);
 }
 
 // However often a process asks for it, it counts once.
-void setTelnetEnable(Model& model, Exchange& exchange)
+void setTelnetEnable(Model& model, CommandRequest& request)
 {
     std::set<std::uint32_t>& holders = model.module.telnetHolders;
-    const std::uint32_t process = exchange.number("pid");
-    if (exchange.number("enable") > 1 || process == 0)
-        throw Refused{Outcome::kInvalidValue};
-    if (exchange.number("enable") != 0)
+    const std::uint32_t process = request.number("pid");
+    if (request.number("enable") > 1 || process == 0)
+        throw Refused{ReplyStatus::kInvalidValue};
+    if (request.number("enable") != 0)
     {
         if (holders.count(process) == 0 && holders.size() >= kTableRoom)
-            throw Refused{Outcome::kFull};
+            throw Refused{ReplyStatus::kFull};
         holders.insert(process);
     }
     else if (holders.erase(process) == 0)
     {
-        throw Refused{Outcome::kNotThere};
+        throw Refused{ReplyStatus::kNotThere};
     }
 }
 

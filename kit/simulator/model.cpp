@@ -12,19 +12,14 @@ namespace
 constexpr std::uint64_t kPacketBytes = 1000;
 constexpr Milliseconds kNeverAgain = std::numeric_limits<Milliseconds>::max();
 
-[[noreturn]] void refuse(Outcome outcome)
-{
-    throw Refused{outcome};
-}
-
 std::vector<std::uint32_t> channelsWith(const Radio& radio, const Settings& settings)
 {
-    ChannelRequest request;
-    request.band = radio.band;
-    request.country = settings.text("country");
-    request.bandwidth = settings.number("bandwidth");
-    request.withWeatherChannels = settings.number("tdwrChannels") != 0;
-    std::vector<std::uint32_t> channels = channelsFor(request);
+    ChannelCriteria criteria;
+    criteria.band = radio.band;
+    criteria.country = settings.text("country");
+    criteria.bandwidth = settings.number("bandwidth");
+    criteria.withWeatherChannels = settings.number("tdwrChannels") != 0;
+    std::vector<std::uint32_t> channels = channelsFor(criteria);
     const auto inactive = [&](std::uint32_t channel) { return radio.inactiveChannels.count(channel) != 0; };
     channels.erase(std::remove_if(channels.begin(), channels.end(), inactive), channels.end());
     return channels;
@@ -75,7 +70,7 @@ std::uint32_t Model::secondsSinceStart() const
 Radio& Model::radio(std::uint32_t id)
 {
     if (id == 0 || id > radios.size())
-        refuse(Outcome::kNoSuchObject);
+        throw Refused{ReplyStatus::kNoSuchObject};
     return radios[id - 1];
 }
 
@@ -83,7 +78,7 @@ Interface& Model::interfaceOf(std::uint32_t radioId, std::uint32_t interfaceId)
 {
     Radio& owner = radio(radioId);
     if (interfaceId == 0 || interfaceId > owner.interfaces.size())
-        refuse(Outcome::kNoSuchObject);
+        throw Refused{ReplyStatus::kNoSuchObject};
     return owner.interfaces[interfaceId - 1];
 }
 
@@ -93,7 +88,7 @@ Interface& Model::moduleInterface(const std::string& name)
         for (Interface& interface : each.interfaces)
             if (each.onModule && interface.name == name)
                 return interface;
-    refuse(Outcome::kNoSuchObject);
+    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 Radio& Model::moduleRadio()
@@ -101,7 +96,7 @@ Radio& Model::moduleRadio()
     for (Radio& each : radios)
         if (each.onModule)
             return each;
-    refuse(Outcome::kNoSuchObject);
+    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 Station& Model::station(Interface& interface, const MacAddress& address)
@@ -109,13 +104,13 @@ Station& Model::station(Interface& interface, const MacAddress& address)
     for (Station& each : interface.stations)
         if (each.address == address)
             return each;
-    refuse(Outcome::kNoSuchObject);
+    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 Station& Model::stationAt(Interface& interface, std::uint32_t index)
 {
     if (index >= interface.stations.size())
-        refuse(Outcome::kNoSuchObject);
+        throw Refused{ReplyStatus::kNoSuchObject};
     return interface.stations[index];
 }
 
@@ -124,7 +119,7 @@ SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
     for (SteeringDomain& each : smartWiFi.domains)
         if (each.id == id)
             return each;
-    refuse(Outcome::kNoSuchObject);
+    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 // --- Changing ----------------------------------------------------------------------------------------------------------------
@@ -146,7 +141,7 @@ void Model::change(Radio& radio, const Changes& changes)
     if (changed.number("autoChannel") != 0)
         changed.set("channel", quietestChannel(radio, changed));
     if (!contains(channelsWith(radio, changed), changed.number("channel")))
-        refuse(Outcome::kInvalidValue);
+        throw Refused{ReplyStatus::kInvalidValue};
 
     const Settings before = std::exchange(radio.settings, std::move(changed));
     const auto differs = [&](const char* name) { return before.value(name) != radio.settings.value(name); };
@@ -194,13 +189,13 @@ Interface& Model::createInterface(const std::string& name, bool enabled)
 {
     Radio& radio = moduleRadio();
     if (!isInterfaceName(name))
-        refuse(Outcome::kInvalidValue);
+        throw Refused{ReplyStatus::kInvalidValue};
     for (const Radio& each : radios)
         for (const Interface& interface : each.interfaces)
             if (interface.name == name)
-                refuse(Outcome::kAlreadyThere);
+                throw Refused{ReplyStatus::kAlreadyThere};
     if (radio.interfaces.size() >= kInterfaceRoom)
-        refuse(Outcome::kFull);
+        throw Refused{ReplyStatus::kFull};
 
     Interface& interface = radio.interfaces.emplace_back();
     interface.id = static_cast<std::uint32_t>(radio.interfaces.size());
@@ -220,7 +215,7 @@ void Model::kickOut(Interface& interface, const MacAddress& address)
     for (std::size_t i = 0; i < interface.stations.size(); ++i)
         if (interface.stations[i].address == address)
             return part(interface, i);
-    refuse(Outcome::kNoSuchObject);
+    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 void Model::stopPolling(Polling what, bool stop)
@@ -257,11 +252,11 @@ void Model::stopPolling(Polling what, bool stop)
 void Model::addAddress(std::vector<MacAddress>& list, const MacAddress& address, std::size_t room)
 {
     if (!base::isIndividual(address))
-        refuse(Outcome::kInvalidValue);
+        throw Refused{ReplyStatus::kInvalidValue};
     if (std::find(list.begin(), list.end(), address) != list.end())
-        refuse(Outcome::kAlreadyThere);
+        throw Refused{ReplyStatus::kAlreadyThere};
     if (list.size() >= room)
-        refuse(Outcome::kFull);
+        throw Refused{ReplyStatus::kFull};
     list.push_back(address);
 }
 
@@ -269,7 +264,7 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 {
     const auto found = std::find(list.begin(), list.end(), address);
     if (found == list.end())
-        refuse(Outcome::kNotThere);
+        throw Refused{ReplyStatus::kNotThere};
     list.erase(found);
 }
 
@@ -278,9 +273,9 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 void Model::startScan(Radio& radio, std::uint32_t flags)
 {
     if (radio.settings.number("enabled") == 0)
-        refuse(Outcome::kSwitchedOff);
+        throw Refused{ReplyStatus::kSwitchedOff};
     if (radio.scan.status == ScanStatus::kRunning)
-        refuse(Outcome::kBusy);
+        throw Refused{ReplyStatus::kBusy};
     radio.scan.status = ScanStatus::kRunning;
     radio.scan.ends = now() + timing.scan;
     radio.scan.flags = flags;
@@ -289,19 +284,19 @@ void Model::startScan(Radio& radio, std::uint32_t flags)
 void Model::cancelScan(Radio& radio)
 {
     if (radio.scan.status != ScanStatus::kRunning)
-        refuse(Outcome::kNotThere);
+        throw Refused{ReplyStatus::kNotThere};
     radio.scan.status = ScanStatus::kCancelled;
 }
 
 void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::string& pin)
 {
     if (method == WpsMethod::kPin && !isWpsPin(pin))
-        refuse(Outcome::kInvalidValue);
+        throw Refused{ReplyStatus::kInvalidValue};
     if (interface.settings.number("wpsEnabled") == 0 || interface.settings.number("enabled") == 0 || !isReady(*interface.radio))
-        refuse(Outcome::kSwitchedOff);
+        throw Refused{ReplyStatus::kSwitchedOff};
     WpsWindow& window = interface.window;
     if (window.status == WpsStatus::kOpen)
-        refuse(Outcome::kBusy);
+        throw Refused{ReplyStatus::kBusy};
     window.method = method;
     window.pin = method == WpsMethod::kPin ? pin : "";
     window.closes = now() + timing.wpsWindow;
@@ -311,7 +306,7 @@ void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::str
 void Model::cancelWpsWindow(Interface& interface)
 {
     if (interface.window.status != WpsStatus::kOpen)
-        refuse(Outcome::kNotThere);
+        throw Refused{ReplyStatus::kNotThere};
     setWpsWindow(interface, WpsStatus::kCancelled);
 }
 
@@ -319,7 +314,7 @@ void Model::startDownload(const std::string& path)
 {
     Download& download = module.download;
     if (download.state == DownloadState::kRunning)
-        refuse(Outcome::kBusy);
+        throw Refused{ReplyStatus::kBusy};
     download.state = DownloadState::kRunning;
     download.path = path;
     download.ends = now() + timing.download;
@@ -328,7 +323,7 @@ void Model::startDownload(const std::string& path)
 void Model::startProduction()
 {
     if (module.productionStarted && now() < module.productionDone)
-        refuse(Outcome::kBusy);
+        throw Refused{ReplyStatus::kBusy};
     module.productionStarted = true;
     module.productionDone = now() + timing.production;
 }
@@ -336,17 +331,17 @@ void Model::startProduction()
 void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 {
     if (radio.settings.number("enabled") == 0)
-        refuse(Outcome::kSwitchedOff);
+        throw Refused{ReplyStatus::kSwitchedOff};
     if (radio.dfsRadio.status == DfsRadioStatus::kChecking)
-        refuse(Outcome::kBusy);
+        throw Refused{ReplyStatus::kBusy};
     std::vector<std::uint32_t> unchecked = allowedChannels(radio);
     const auto needsNoCheck = [&](std::uint32_t each)
     { return !isRadarChannel(radio.band, each) || radio.checkedChannels.count(each) != 0; };
     unchecked.erase(std::remove_if(unchecked.begin(), unchecked.end(), needsNoCheck), unchecked.end());
     if (channel == 0 && unchecked.empty())
-        refuse(Outcome::kNotThere);
+        throw Refused{ReplyStatus::kNotThere};
     if (channel != 0 && (!isRadarChannel(radio.band, channel) || !contains(allowedChannels(radio), channel)))
-        refuse(Outcome::kInvalidValue);
+        throw Refused{ReplyStatus::kInvalidValue};
     radio.dfsRadio.status = DfsRadioStatus::kChecking;
     radio.dfsRadio.channel = channel != 0 ? channel : unchecked.front();
     radio.dfsRadio.ends = now() + timing.radarCheck;
@@ -355,7 +350,7 @@ void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 void Model::stopDfsRadio(Radio& radio)
 {
     if (radio.dfsRadio.status == DfsRadioStatus::kStopped)
-        refuse(Outcome::kNotThere);
+        throw Refused{ReplyStatus::kNotThere};
     radio.dfsRadio = {};
 }
 
@@ -523,7 +518,7 @@ std::uint32_t Model::quietestChannel(const Radio& radio, const Settings& setting
 {
     const std::vector<std::uint32_t> channels = channelsWith(radio, settings);
     if (channels.empty())
-        refuse(Outcome::kInvalidValue);
+        throw Refused{ReplyStatus::kInvalidValue};
     const auto neighboursOn = [&](std::uint32_t channel)
     {
         const auto isThere = [&](const Neighbour& neighbour) { return neighbour.channel == channel; };

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "objects.h"
-#include "outcome.h"
+#include "reply_status.h"
 
 #include <functional>
 #include <string>

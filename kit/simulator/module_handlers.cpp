@@ -8,37 +8,37 @@ namespace tarn::simulator
 namespace
 {
 
-void getCurrentTransmitPower(Model& model, Exchange& exchange)
+void getCurrentTransmitPower(Model& model, CommandRequest& request)
 {
-    const Radio& radio = moduleRadioOf(model, exchange);
-    Record power = exchange.blank("power");
+    const Radio& radio = moduleRadioOf(model, request);
+    Record power = request.blank("power");
     std::uint32_t chain = 0;
     for (const char* name : {"chain0", "chain1", "chain2", "chain3"})
         power.setSigned(name, model.chainPower(radio, chain++));
-    exchange.setRecord("power", power);
+    request.setRecord("power", power);
 }
 
-void getMauiVersion(Model& model, Exchange& exchange)
+void getMauiVersion(Model& model, CommandRequest& request)
 {
-    exchange.setText("version", model.module.mauiVersion);
+    request.setText("version", model.module.mauiVersion);
 }
 
-void downloadWirelessConf(Model& model, Exchange& exchange)
+void downloadWirelessConf(Model& model, CommandRequest& request)
 {
-    const std::string path = exchange.text("path");
+    const std::string path = request.text("path");
     if (path.empty() || path[0] != '/')
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     model.startDownload(path);
 }
 
-void updatePasswordFile(Model& model, Exchange&)
+void updatePasswordFile(Model& model, CommandRequest&)
 {
     model.startDownload("");
 }
 
-void getDownloadState(Model& model, Exchange& exchange)
+void getDownloadState(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("state", static_cast<std::uint32_t>(model.module.download.state));
+    request.setNumber("state", static_cast<std::uint32_t>(model.module.download.state));
 }
 
 // --- Current associations: the stations of all radios, in the order of the radios and their interfaces -----------------------
@@ -59,11 +59,11 @@ std::vector<Association> associations(const Model& model)
     return result;
 }
 
-void answerAssociation(const Model& model, const Association& association, Exchange& exchange)
+void answerAssociation(const Model& model, const Association& association, CommandRequest& request)
 {
     const Station& station = *association.station;
     const Interface& interface = *association.interface;
-    Record data = exchange.blank("data");
+    Record data = request.blank("data");
     data.setAddress("macAddress", station.address);
     data.setAddress("bssid", interface.bssid);
     data.setText("ssid", interface.settings.text("ssid"));
@@ -74,27 +74,27 @@ void answerAssociation(const Model& model, const Association& association, Excha
     data.setNumber("txRate", station.txRate);
     data.setNumber("rxRate", station.rxRate);
     data.setNumber("secondsAssociated", model.secondsAssociated(station));
-    exchange.setRecord("data", data);
+    request.setRecord("data", data);
 }
 
-void getCurrentAssociationNumber(Model& model, Exchange& exchange)
+void getCurrentAssociationNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(associations(model)));
+    request.setNumber("number", count(associations(model)));
 }
 
-void getCurrentAssociationAt(Model& model, Exchange& exchange)
+void getCurrentAssociationAt(Model& model, CommandRequest& request)
 {
     const std::vector<Association> all = associations(model);
-    answerAssociation(model, elementAt(all, exchange.number("index")), exchange);
+    answerAssociation(model, elementAt(all, request.number("index")), request);
 }
 
-void getCurrentAssociation(Model& model, Exchange& exchange)
+void getCurrentAssociation(Model& model, CommandRequest& request)
 {
-    const MacAddress address = exchange.address("mac_addr");
+    const MacAddress address = request.address("mac_addr");
     for (const Association& each : associations(model))
         if (each.station->address == address)
-            return answerAssociation(model, each, exchange);
-    throw Refused{Outcome::kNoSuchObject};
+            return answerAssociation(model, each, request);
+    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 } // namespace

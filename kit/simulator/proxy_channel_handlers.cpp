@@ -18,35 +18,35 @@ bool contains(const std::vector<std::uint32_t>& channels, std::uint32_t channel)
 // Those of the radio's band in its country, 20 MHz each, the inactive ones included.
 std::vector<std::uint32_t> channelsOf(const Radio& radio)
 {
-    ChannelRequest request;
-    request.band = radio.band;
-    request.country = radio.settings.text("country");
-    request.withWeatherChannels = radio.settings.number("tdwrChannels") != 0;
-    return channelsFor(request);
+    ChannelCriteria criteria;
+    criteria.band = radio.band;
+    criteria.country = radio.settings.text("country");
+    criteria.withWeatherChannels = radio.settings.number("tdwrChannels") != 0;
+    return channelsFor(criteria);
 }
 
 void requireChannel(const Radio& radio, std::uint32_t channel)
 {
     if (!contains(channelsOf(radio), channel))
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
 }
 
 // --- Channels ----------------------------------------------------------------------------------------------------------------
 
-void getSecondaryChannel(Model& model, Exchange& exchange)
+void getSecondaryChannel(Model& model, CommandRequest& request)
 {
-    const Radio& radio = radioOf(model, exchange);
-    const std::uint32_t channel = exchange.number("channel");
+    const Radio& radio = radioOf(model, request);
+    const std::uint32_t channel = request.number("channel");
     requireChannel(radio, channel);
-    exchange.setNumber("secondary_channel", Model::secondaryChannel(radio, channel));
+    request.setNumber("secondary_channel", Model::secondaryChannel(radio, channel));
 }
 
 // A second value of 0 takes what has been set by hand back.
-void setSecondaryChannel(Model& model, Exchange& exchange)
+void setSecondaryChannel(Model& model, CommandRequest& request)
 {
-    Radio& radio = radioOf(model, exchange);
-    const std::uint32_t channel = exchange.number("value1");
-    const std::uint32_t secondary = exchange.number("value2");
+    Radio& radio = radioOf(model, request);
+    const std::uint32_t channel = request.number("value1");
+    const std::uint32_t secondary = request.number("value2");
     requireChannel(radio, channel);
     if (secondary == 0)
     {
@@ -55,102 +55,102 @@ void setSecondaryChannel(Model& model, Exchange& exchange)
     }
     requireChannel(radio, secondary);
     if (secondary + 4 != channel && channel + 4 != secondary)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     radio.secondaryChannels[channel] = secondary;
 }
 
 // The channel that the radio works on stays active.
-void setChannelInactive(Model& model, Exchange& exchange)
+void setChannelInactive(Model& model, CommandRequest& request)
 {
-    Radio& radio = radioOf(model, exchange);
-    const std::uint32_t channel = exchange.number("value1");
-    const std::uint32_t inactive = exchange.number("value2");
+    Radio& radio = radioOf(model, request);
+    const std::uint32_t channel = request.number("value1");
+    const std::uint32_t inactive = request.number("value2");
     requireChannel(radio, channel);
     if (inactive > 1)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     if (inactive == 0)
         radio.inactiveChannels.erase(channel);
     else if (channel == radio.settings.number("channel"))
-        throw Refused{Outcome::kBusy};
+        throw Refused{ReplyStatus::kBusy};
     else
         radio.inactiveChannels.insert(channel);
 }
 
-void getListChannels(Model& model, Exchange& exchange)
+void getListChannels(Model& model, CommandRequest& request)
 {
-    exchange.setText("list_of_channels", channelText(Model::allowedChannels(radioOf(model, exchange))));
+    request.setText("list_of_channels", channelText(Model::allowedChannels(radioOf(model, request))));
 }
 
-void answerRegulatory(const ChannelRequest& request, Exchange& exchange)
+void answerRegulatory(const ChannelCriteria& criteria, CommandRequest& request)
 {
-    ChannelRequest narrow = request;
+    ChannelCriteria narrow = criteria;
     narrow.bandwidth = 20;
     if (channelsFor(narrow).empty())
-        throw Refused{Outcome::kNoSuchObject}; // no such region
-    const std::vector<std::uint32_t> channels = channelsFor(request);
+        throw Refused{ReplyStatus::kNoSuchObject}; // no such region
+    const std::vector<std::uint32_t> channels = channelsFor(criteria);
     if (channels.empty())
-        throw Refused{Outcome::kInvalidValue}; // no such bandwidth
-    exchange.setText("list_of_channels", channelText(channels));
+        throw Refused{ReplyStatus::kInvalidValue}; // no such bandwidth
+    request.setText("list_of_channels", channelText(channels));
 }
 
-void getRegulatory(Model& model, Exchange& exchange)
+void getRegulatory(Model& model, CommandRequest& request)
 {
-    ChannelRequest request;
-    request.band = model.moduleRadio().band;
-    request.country = exchange.text("region_by_name");
-    request.bandwidth = exchange.number("bandwidth");
-    answerRegulatory(request, exchange);
+    ChannelCriteria criteria;
+    criteria.band = model.moduleRadio().band;
+    criteria.country = request.text("region_by_name");
+    criteria.bandwidth = request.number("bandwidth");
+    answerRegulatory(criteria, request);
 }
 
 // The value: 0 all channels, 1 those without radar protection.
-void getRegulatoryOfInterface(Model& model, Exchange& exchange)
+void getRegulatoryOfInterface(Model& model, CommandRequest& request)
 {
-    if (exchange.number("value") > 1)
-        throw Refused{Outcome::kInvalidValue};
-    ChannelRequest request;
-    request.band = radioOf(model, exchange).band;
-    request.country = exchange.text("region_name");
-    request.bandwidth = exchange.number("bandwidth");
-    request.withRadarChannels = exchange.number("value") == 0;
-    answerRegulatory(request, exchange);
+    if (request.number("value") > 1)
+        throw Refused{ReplyStatus::kInvalidValue};
+    ChannelCriteria criteria;
+    criteria.band = radioOf(model, request).band;
+    criteria.country = request.text("region_name");
+    criteria.bandwidth = request.number("bandwidth");
+    criteria.withRadarChannels = request.number("value") == 0;
+    answerRegulatory(criteria, request);
 }
 
-void overwriteCountryCode(Model& model, Exchange& exchange)
+void overwriteCountryCode(Model& model, CommandRequest& request)
 {
-    Radio& radio = radioOf(model, exchange);
-    if (exchange.text("curr_country_name") != radio.settings.text("country"))
-        throw Refused{Outcome::kInvalidValue};
-    model.change(radio, {{"country", exchange.text("new_country_name")}});
+    Radio& radio = radioOf(model, request);
+    if (request.text("curr_country_name") != radio.settings.text("country"))
+        throw Refused{ReplyStatus::kInvalidValue};
+    model.change(radio, {{"country", request.text("new_country_name")}});
 }
 
 // --- Radar checks ------------------------------------------------------------------------------------------------------------
 
-void getDfsRadioStatus(Model& model, Exchange& exchange)
+void getDfsRadioStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("status", static_cast<std::uint32_t>(radioOf(model, exchange).dfsRadio.status));
+    request.setNumber("status", static_cast<std::uint32_t>(radioOf(model, request).dfsRadio.status));
 }
 
-void startDfsRadio(Model& model, Exchange& exchange)
+void startDfsRadio(Model& model, CommandRequest& request)
 {
-    model.startDfsRadio(radioOf(model, exchange), exchange.number("value"));
+    model.startDfsRadio(radioOf(model, request), request.number("value"));
 }
 
-void stopDfsRadio(Model& model, Exchange& exchange)
+void stopDfsRadio(Model& model, CommandRequest& request)
 {
-    model.stopDfsRadio(radioOf(model, exchange));
+    model.stopDfsRadio(radioOf(model, request));
 }
 
-void getCacStatus(Model& model, Exchange& exchange)
+void getCacStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("cacstatus", radioOf(model, exchange).checking ? 1 : 0);
+    request.setNumber("cacstatus", radioOf(model, request).checking ? 1 : 0);
 }
 
-void getIcacStatus(Model& model, Exchange& exchange)
+void getIcacStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("status", radioOf(model, exchange).dfsRadio.status == DfsRadioStatus::kChecking ? 1 : 0);
+    request.setNumber("status", radioOf(model, request).dfsRadio.status == DfsRadioStatus::kChecking ? 1 : 0);
 }
 
-void getAvailability(Model& model, Exchange& exchange)
+void getAvailability(Model& model, CommandRequest& request)
 {
     enum Availability : std::uint8_t
     {
@@ -158,7 +158,7 @@ void getAvailability(Model& model, Exchange& exchange)
         kNotChecked = 2,
         kBeingChecked = 3
     };
-    const Radio& radio = radioOf(model, exchange);
+    const Radio& radio = radioOf(model, request);
     const auto isBeingChecked = [&](std::uint32_t channel)
     {
         return (radio.checking && channel == radio.settings.number("channel")) ||
@@ -172,69 +172,69 @@ void getAvailability(Model& model, Exchange& exchange)
         pairs.push_back(static_cast<std::uint8_t>(channel));
         pairs.push_back(isFree ? kAvailable : isBeingChecked(channel) ? kBeingChecked : kNotChecked);
     }
-    Record table = exchange.blank("chan_avail_status");
+    Record table = request.blank("chan_avail_status");
     table.setNumber("number", channels.size());
     table.setBlock("channels", pairs.data(), pairs.size());
-    exchange.setRecord("chan_avail_status", table);
+    request.setRecord("chan_avail_status", table);
 }
 
 // --- Transmit power ----------------------------------------------------------------------------------------------------------
 
-void getPowerLevels(Model& model, Exchange& exchange)
+void getPowerLevels(Model& model, CommandRequest& request)
 {
-    radioOf(model, exchange);
-    exchange.setText("available_percentages", "100,75,50,25,12");
+    radioOf(model, request);
+    request.setText("available_percentages", "100,75,50,25,12");
 }
 
 // Channel, dB less, and the bandwidth that it holds for: 0 all, 1 to 4 for 20 to 160 MHz.
-void setPowerBackoff(Model& model, Exchange& exchange)
+void setPowerBackoff(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kMostBackoff = 20;
-    Radio& radio = radioOf(model, exchange);
-    const std::uint32_t channel = exchange.number("value1");
-    const std::uint32_t backoff = exchange.number("value2");
-    const std::uint32_t bandwidth = exchange.number("value3");
+    Radio& radio = radioOf(model, request);
+    const std::uint32_t channel = request.number("value1");
+    const std::uint32_t backoff = request.number("value2");
+    const std::uint32_t bandwidth = request.number("value3");
     requireChannel(radio, channel);
     if (backoff > kMostBackoff || bandwidth > 4)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     radio.powerBackoffs[channel] = {backoff, bandwidth};
 }
 
-void getTransmitPower(Model& model, Exchange& exchange)
+void getTransmitPower(Model& model, CommandRequest& request)
 {
     const Radio& radio = model.moduleRadio();
     std::uint32_t chain = 0;
     for (const char* name : {"pwr0", "pwr1", "pwr2", "pwr3"})
-        exchange.setSigned(name, model.chainPower(radio, chain++));
+        request.setSigned(name, model.chainPower(radio, chain++));
 }
 
 // --- Scans -------------------------------------------------------------------------------------------------------------------
 
-void startScan(Model& model, Exchange& exchange)
+void startScan(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kMostFlags = 0xff;
-    Radio& radio = radioOf(model, exchange);
-    const std::uint32_t flags = exchange.number("value");
+    Radio& radio = radioOf(model, request);
+    const std::uint32_t flags = request.number("value");
     if (flags > kMostFlags)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     model.startScan(radio, flags);
 }
 
-void getScanStatus(Model& model, Exchange& exchange)
+void getScanStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("scanstatus", radioOf(model, exchange).scan.status == ScanStatus::kRunning ? 1 : 0);
+    request.setNumber("scanstatus", radioOf(model, request).scan.status == ScanStatus::kRunning ? 1 : 0);
 }
 
-void getScanResults(Model& model, Exchange& exchange)
+void getScanResults(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("count_APs", count(radioOf(model, exchange).scan.results));
+    request.setNumber("count_APs", count(radioOf(model, request).scan.results));
 }
 
-void getScanResult(Model& model, Exchange& exchange)
+void getScanResult(Model& model, CommandRequest& request)
 {
-    Record properties = exchange.blank("ap_property");
-    fillNeighbour(properties, elementAt(radioOf(model, exchange).scan.results, exchange.number("index")));
-    exchange.setRecord("ap_property", properties);
+    Record properties = request.blank("ap_property");
+    fillNeighbour(properties, elementAt(radioOf(model, request).scan.results, request.number("index")));
+    request.setRecord("ap_property", properties);
 }
 
 } // namespace

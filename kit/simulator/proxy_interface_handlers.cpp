@@ -11,108 +11,108 @@ namespace
 
 // --- WPS ---------------------------------------------------------------------------------------------------------------------
 
-void getWpsState(Model& model, Exchange& exchange)
+void getWpsState(Model& model, CommandRequest& request)
 {
     static const char* const kStates[] = {"idle", "open", "expired", "cancelled"};
-    const Interface& interface = interfaceOf(model, exchange);
+    const Interface& interface = interfaceOf(model, request);
     const bool isEnabled = interface.settings.number("wpsEnabled") != 0;
-    exchange.setText("wps_state", isEnabled ? kStates[static_cast<std::uint32_t>(interface.window.status)] : "disabled");
+    request.setText("wps_state", isEnabled ? kStates[static_cast<std::uint32_t>(interface.window.status)] : "disabled");
 }
 
-void reportPin(Model& model, Exchange& exchange)
+void reportPin(Model& model, CommandRequest& request)
 {
-    model.openWpsWindow(interfaceOf(model, exchange), WpsMethod::kPin, exchange.text("wps_pin"));
+    model.openWpsWindow(interfaceOf(model, request), WpsMethod::kPin, request.text("wps_pin"));
 }
 
-void reportButtonPress(Model& model, Exchange& exchange)
+void reportButtonPress(Model& model, CommandRequest& request)
 {
-    model.openWpsWindow(interfaceOf(model, exchange), WpsMethod::kButton, "");
+    model.openWpsWindow(interfaceOf(model, request), WpsMethod::kButton, "");
 }
 
-void cancelWps(Model& model, Exchange& exchange)
+void cancelWps(Model& model, CommandRequest& request)
 {
-    model.cancelWpsWindow(interfaceOf(model, exchange));
+    model.cancelWpsWindow(interfaceOf(model, request));
 }
 
-void disableWps(Model& model, Exchange& exchange)
+void disableWps(Model& model, CommandRequest& request)
 {
-    model.change(interfaceOf(model, exchange), {{"wpsEnabled", exchange.number("disable") != 0 ? 0u : 1u}});
+    model.change(interfaceOf(model, request), {{"wpsEnabled", request.number("disable") != 0 ? 0u : 1u}});
 }
 
-void saveApPin(Model& model, Exchange& exchange)
+void saveApPin(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
+    Interface& interface = interfaceOf(model, request);
     interface.savedApPin = interface.settings.text("wpsApPin");
 }
 
-std::uint32_t wpsParameterId(const Exchange& exchange)
+std::uint32_t wpsParameterId(const CommandRequest& request)
 {
     constexpr std::uint32_t kMostId = 32;
-    const std::uint32_t id = exchange.number("param_id");
+    const std::uint32_t id = request.number("param_id");
     if (id == 0 || id > kMostId)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     return id;
 }
 
-void setWpsParameter(Model& model, Exchange& exchange)
+void setWpsParameter(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    interface.wpsParameters[wpsParameterId(exchange)] = exchange.text("param_value");
+    Interface& interface = interfaceOf(model, request);
+    interface.wpsParameters[wpsParameterId(request)] = request.text("param_value");
 }
 
-void getWpsParameter(Model& model, Exchange& exchange)
+void getWpsParameter(Model& model, CommandRequest& request)
 {
-    const std::map<std::uint32_t, std::string>& parameters = interfaceOf(model, exchange).wpsParameters;
-    const auto found = parameters.find(wpsParameterId(exchange));
+    const std::map<std::uint32_t, std::string>& parameters = interfaceOf(model, request).wpsParameters;
+    const auto found = parameters.find(wpsParameterId(request));
     if (found == parameters.end())
-        throw Refused{Outcome::kNotThere};
-    exchange.setText("param_value", found->second);
+        throw Refused{ReplyStatus::kNotThere};
+    request.setText("param_value", found->second);
 }
 
 // --- DSCP maps ---------------------------------------------------------------------------------------------------------------
 
 // One access category, 0 to 3, for each of the 64 code points.
-DscpMap dscpMap(const Exchange& exchange)
+DscpMap dscpMap(const CommandRequest& request)
 {
-    const std::vector<std::uint8_t> list = exchange.block("dscp_list");
+    const std::vector<std::uint8_t> list = request.block("dscp_list");
     if (std::any_of(list.begin(), list.end(), [](std::uint8_t category) { return category > 3; }))
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     DscpMap map;
     std::copy(list.begin(), list.end(), map.list.begin());
-    map.valueA = exchange.number("value_a");
-    map.valueB = exchange.number("value_b");
+    map.valueA = request.number("value_a");
+    map.valueB = request.number("value_b");
     return map;
 }
 
-void setDscpTable(Model& model, Exchange& exchange)
+void setDscpTable(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kMostTableId = 7;
-    const std::uint32_t id = exchange.number("table_id");
+    const std::uint32_t id = request.number("table_id");
     if (id > kMostTableId)
-        throw Refused{Outcome::kInvalidValue};
-    model.module.dscpTables[id] = dscpMap(exchange);
+        throw Refused{ReplyStatus::kInvalidValue};
+    model.module.dscpTables[id] = dscpMap(request);
 }
 
-void setDscpMap(Model& model, Exchange& exchange)
+void setDscpMap(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    interface.dscpMap = dscpMap(exchange);
+    Interface& interface = interfaceOf(model, request);
+    interface.dscpMap = dscpMap(request);
 }
 
 // --- Stations and their filter -----------------------------------------------------------------------------------------------
 
-void disassociate(Model& model, Exchange& exchange)
+void disassociate(Model& model, CommandRequest& request)
 {
-    model.kickOut(interfaceOf(model, exchange), exchange.address("mac"));
+    model.kickOut(interfaceOf(model, request), request.address("mac"));
 }
 
-void setGroupLimit(Model& model, Exchange& exchange)
+void setGroupLimit(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kMostGroup = 15;
     constexpr std::uint32_t kMostStations = 128;
-    if (exchange.number("value1") > kMostGroup || exchange.number("value2") > kMostStations)
-        throw Refused{Outcome::kInvalidValue};
-    model.module.groupLimits[exchange.number("value1")] = exchange.number("value2");
+    if (request.number("value1") > kMostGroup || request.number("value2") > kMostStations)
+        throw Refused{ReplyStatus::kInvalidValue};
+    model.module.groupLimits[request.number("value1")] = request.number("value2");
 }
 
 // In a list of those who may come, to authorise is to add and to deny is to remove; in one of those who may not, the other way
@@ -121,40 +121,40 @@ void authorize(Interface& interface, const MacAddress& address, bool authorized)
 {
     const auto mode = static_cast<MacFilterMode>(interface.settings.number("macFilterMode"));
     if (mode == MacFilterMode::kOff)
-        throw Refused{Outcome::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff};
     if ((mode == MacFilterMode::kAllow) == authorized)
         Model::addAddress(interface.macFilter, address, kMacFilterRoom);
     else
         Model::removeAddress(interface.macFilter, address);
 }
 
-void authorizeAddress(Model& model, Exchange& exchange)
+void authorizeAddress(Model& model, CommandRequest& request)
 {
-    authorize(interfaceOf(model, exchange), exchange.address("address_to_authorize"), true);
+    authorize(interfaceOf(model, request), request.address("address_to_authorize"), true);
 }
 
-void denyAddress(Model& model, Exchange& exchange)
+void denyAddress(Model& model, CommandRequest& request)
 {
-    authorize(interfaceOf(model, exchange), exchange.address("address_to_deny"), false);
+    authorize(interfaceOf(model, request), request.address("address_to_deny"), false);
 }
 
-void clearFilter(Model& model, Exchange& exchange)
+void clearFilter(Model& model, CommandRequest& request)
 {
-    interfaceOf(model, exchange).macFilter.clear();
+    interfaceOf(model, request).macFilter.clear();
 }
 
 // --- The interface as a whole ------------------------------------------------------------------------------------------------
 
-void applySecurity(Model& model, Exchange& exchange)
+void applySecurity(Model& model, CommandRequest& request)
 {
-    model.applySecurity(interfaceOf(model, exchange));
+    model.applySecurity(interfaceOf(model, request));
 }
 
-void createBss(Model& model, Exchange& exchange)
+void createBss(Model& model, CommandRequest& request)
 {
-    if (exchange.number("value") > 1)
-        throw Refused{Outcome::kInvalidValue};
-    model.createInterface(exchange.text("ifname"), exchange.number("value") != 0);
+    if (request.number("value") > 1)
+        throw Refused{ReplyStatus::kInvalidValue};
+    model.createInterface(request.text("ifname"), request.number("value") != 0);
 }
 
 } // namespace

@@ -8,132 +8,132 @@ namespace tarn::simulator
 namespace
 {
 
-Station& stationOf(Model& model, const Exchange& exchange)
+Station& stationOf(Model& model, const CommandRequest& request)
 {
-    return model.stationAt(interfaceOf(model, exchange), exchange.number("association_index"));
+    return model.stationAt(interfaceOf(model, request), request.number("association_index"));
 }
 
-void getInterfaceStats(Model& model, Exchange& exchange)
+void getInterfaceStats(Model& model, CommandRequest& request)
 {
-    const Interface& interface = interfaceOf(model, exchange);
-    Record stats = exchange.blank("stats");
+    const Interface& interface = interfaceOf(model, request);
+    Record stats = request.blank("stats");
     model.counters(interface).fill(stats);
     stats.setNumber("stations", interface.stations.size());
-    exchange.setRecord("stats", stats);
+    request.setRecord("stats", stats);
 }
 
-void getRssiByChain(Model& model, Exchange& exchange)
+void getRssiByChain(Model& model, CommandRequest& request)
 {
-    const Radio& radio = radioOf(model, exchange);
+    const Radio& radio = radioOf(model, request);
     std::uint32_t chain = 0;
     for (const char* name : {"rssi0", "rssi1", "rssi2", "rssi3"})
-        exchange.setSigned(name, model.chainRssi(radio, chain++));
+        request.setSigned(name, model.chainRssi(radio, chain++));
 }
 
-void getConnectionMode(Model& model, Exchange& exchange)
+void getConnectionMode(Model& model, CommandRequest& request)
 {
-    exchange.setText("p_wifi_phy_mode", model.stationAt(interfaceOf(model, exchange), exchange.number("value")).phyMode);
+    request.setText("p_wifi_phy_mode", model.stationAt(interfaceOf(model, request), request.number("value")).phyMode);
 }
 
-void getRssi(Model& model, Exchange& exchange)
+void getRssi(Model& model, CommandRequest& request)
 {
-    exchange.setSigned("rssi", stationOf(model, exchange).rssi);
+    request.setSigned("rssi", stationOf(model, request).rssi);
 }
 
-void getTxMcs(Model& model, Exchange& exchange)
+void getTxMcs(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("tx_mcs", stationOf(model, exchange).txMcs);
+    request.setNumber("tx_mcs", stationOf(model, request).txMcs);
 }
 
-void getRxMcs(Model& model, Exchange& exchange)
+void getRxMcs(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("rx_mcs", stationOf(model, exchange).rxMcs);
+    request.setNumber("rx_mcs", stationOf(model, request).rxMcs);
 }
 
-void getTimeAssociated(Model& model, Exchange& exchange)
+void getTimeAssociated(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("time_in_second", model.secondsAssociated(stationOf(model, exchange)));
+    request.setNumber("time_in_second", model.secondsAssociated(stationOf(model, request)));
 }
 
-void getNodeStats(Model& model, Exchange& exchange)
+void getNodeStats(Model& model, CommandRequest& request)
 {
-    const Station& station = stationOf(model, exchange);
+    const Station& station = stationOf(model, request);
     const Counters counters = model.counters(station);
-    exchange.setSigned("out0", station.rssi);
-    exchange.setNumber("out1", station.txRate);
-    exchange.setNumber("out2", station.rxRate);
-    exchange.setNumber("out3", station.txMcs);
-    exchange.setNumber("out4", station.rxMcs);
-    exchange.setWords("node_stats",
-                      {static_cast<std::uint32_t>(counters.txPackets), static_cast<std::uint32_t>(counters.rxPackets),
-                       static_cast<std::uint32_t>(counters.txBytes), static_cast<std::uint32_t>(counters.rxBytes),
-                       static_cast<std::uint32_t>(counters.txErrors)});
+    request.setSigned("out0", station.rssi);
+    request.setNumber("out1", station.txRate);
+    request.setNumber("out2", station.rxRate);
+    request.setNumber("out3", station.txMcs);
+    request.setNumber("out4", station.rxMcs);
+    request.setWords("node_stats",
+                     {static_cast<std::uint32_t>(counters.txPackets), static_cast<std::uint32_t>(counters.rxPackets),
+                      static_cast<std::uint32_t>(counters.txBytes), static_cast<std::uint32_t>(counters.rxBytes),
+                      static_cast<std::uint32_t>(counters.txErrors)});
 }
 
-void getDeviceAddress(Model& model, Exchange& exchange)
+void getDeviceAddress(Model& model, CommandRequest& request)
 {
-    exchange.setAddress("mac_addr", stationOf(model, exchange).address);
+    request.setAddress("mac_addr", stationOf(model, request).address);
 }
 
 // By its address; by its index where the address is all zeros.
-void getNodeInfoset(Model& model, Exchange& exchange)
+void getNodeInfoset(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    const MacAddress address = exchange.address("mac_addr");
+    Interface& interface = interfaceOf(model, request);
+    const MacAddress address = request.address("mac_addr");
     const Station& station =
-        address == MacAddress{} ? model.stationAt(interface, exchange.number("index")) : model.station(interface, address);
-    Record nis = exchange.blank("nis");
+        address == MacAddress{} ? model.stationAt(interface, request.number("index")) : model.station(interface, address);
+    Record nis = request.blank("nis");
     fillStation(nis, model, interface, station);
     model.counters(station).fill(nis);
-    exchange.setRecord("nis", nis);
+    request.setRecord("nis", nis);
 }
 
-void getRates(Model& model, Exchange& exchange)
+void getRates(Model& model, CommandRequest& request)
 {
     static const char* const kRates[] = {"6,12,24", "6,9,12,18,24,36,48,54", "1,2,5.5,6,9,11,12,18,24,36,48,54"};
-    interfaceOf(model, exchange);
-    const std::string rates = elementAt(kRates, exchange.number("rate_type"));
-    exchange.setBlock("rates", {rates.begin(), rates.end()});
+    interfaceOf(model, request);
+    const std::string rates = elementAt(kRates, request.number("rate_type"));
+    request.setBlock("rates", {rates.begin(), rates.end()});
 }
 
-void getVapExtStats(Model& model, Exchange& exchange)
+void getVapExtStats(Model& model, CommandRequest& request)
 {
-    const Interface& interface = interfaceOf(model, exchange);
+    const Interface& interface = interfaceOf(model, request);
     const Counters counters = model.counters(interface);
-    Record stats = exchange.blank("stats");
+    Record stats = request.blank("stats");
     stats.setNumber("stations", interface.stations.size());
     stats.setNumber("associations", interface.associations);
     stats.setNumber("disassociations", interface.disassociations);
     stats.setNumber("txErrors", counters.txErrors);
     stats.setNumber("rxErrors", counters.rxErrors);
     stats.setNumber("txRetries", counters.txRetries);
-    exchange.setRecord("stats", stats);
+    request.setRecord("stats", stats);
 }
 
-void getMaxBitrate(Model& model, Exchange& exchange)
+void getMaxBitrate(Model& model, CommandRequest& request)
 {
-    exchange.setText("max_bitrate", std::to_string(model.maximumRate(radioOf(model, exchange))));
+    request.setText("max_bitrate", std::to_string(model.maximumRate(radioOf(model, request))));
 }
 
-void getCcaStats(Model& model, Exchange& exchange)
+void getCcaStats(Model& model, CommandRequest& request)
 {
-    const Radio& radio = radioOf(model, exchange);
+    const Radio& radio = radioOf(model, request);
     const std::uint32_t transmitting = radio.channelLoad / 2;
     const std::uint32_t receiving = radio.channelLoad / 4;
-    Record stats = exchange.blank("stats");
+    Record stats = request.blank("stats");
     stats.setNumber("channelLoad", radio.channelLoad);
     stats.setNumber("transmitting", transmitting);
     stats.setNumber("receiving", receiving);
     stats.setNumber("others", radio.channelLoad - transmitting - receiving);
     stats.setSigned("noise", radio.noise);
-    exchange.setRecord("stats", stats);
+    request.setRecord("stats", stats);
 }
 
 // Errors of short and of long preambles: the simulated radio has one of each for every so many seconds.
-void getPreambleError(Model& model, Exchange& exchange)
+void getPreambleError(Model& model, CommandRequest& request)
 {
-    radioOf(model, exchange);
-    exchange.setWords("preamble_error", {model.secondsSinceStart() / 10, model.secondsSinceStart() / 60});
+    radioOf(model, request);
+    request.setWords("preamble_error", {model.secondsSinceStart() / 10, model.secondsSinceStart() / 60});
 }
 
 } // namespace

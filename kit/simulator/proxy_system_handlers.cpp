@@ -13,9 +13,9 @@ namespace
 void setText(std::map<std::string, std::string>& texts, const std::string& key, const std::string& value)
 {
     if (key.empty())
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     if (texts.count(key) == 0 && texts.size() >= kTableRoom)
-        throw Refused{Outcome::kFull};
+        throw Refused{ReplyStatus::kFull};
     texts[key] = value;
 }
 
@@ -23,94 +23,94 @@ const std::string& textOf(const std::map<std::string, std::string>& texts, const
 {
     const auto found = texts.find(key);
     if (found == texts.end())
-        throw Refused{Outcome::kNotThere};
+        throw Refused{ReplyStatus::kNotThere};
     return found->second;
 }
 
-void init(Model& model, Exchange&)
+void init(Model& model, CommandRequest&)
 {
     model.module.initialised = true;
 }
 
-void getTemperatureInfo(Model& model, Exchange& exchange)
+void getTemperatureInfo(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("tempsens_ex", model.module.temperatureExternal);
-    exchange.setNumber("tempsens_in", model.module.temperatureInternal);
-    exchange.setNumber("temsens_bbic", model.module.temperatureBaseband);
+    request.setNumber("tempsens_ex", model.module.temperatureExternal);
+    request.setNumber("tempsens_in", model.module.temperatureInternal);
+    request.setNumber("temsens_bbic", model.module.temperatureBaseband);
 }
 
-void getStatus(Model& model, Exchange& exchange)
+void getStatus(Model& model, CommandRequest& request)
 {
-    const Interface& interface = interfaceOf(model, exchange);
+    const Interface& interface = interfaceOf(model, request);
     const bool isUp = interface.settings.number("enabled") != 0 && Model::isReady(*interface.radio);
-    exchange.setText("status", isUp ? "up" : "down");
+    request.setText("status", isUp ? "up" : "down");
 }
 
-void startProduction(Model& model, Exchange&)
+void startProduction(Model& model, CommandRequest&)
 {
     model.startProduction();
 }
 
-void isProductionDone(Model& model, Exchange& exchange)
+void isProductionDone(Model& model, CommandRequest& request)
 {
     const bool isDone = model.module.productionStarted && model.now() >= model.module.productionDone;
-    exchange.setNumber("is_start_prod_done", isDone ? 1 : 0);
+    request.setNumber("is_start_prod_done", isDone ? 1 : 0);
 }
 
 // All radios of the module.
-void enableRadios(Model& model, Exchange& exchange)
+void enableRadios(Model& model, CommandRequest& request)
 {
     for (Radio& radio : model.radios)
         if (radio.onModule)
-            model.change(radio, {{"enabled", exchange.number("value")}});
+            model.change(radio, {{"enabled", request.number("value")}});
 }
 
-void setCustomValue(Model& model, Exchange& exchange)
+void setCustomValue(Model& model, CommandRequest& request)
 {
-    setText(model.module.customValues, exchange.text("custom_key"), exchange.text("custom_value"));
+    setText(model.module.customValues, request.text("custom_key"), request.text("custom_value"));
 }
 
-void getCustomValue(Model& model, Exchange& exchange)
+void getCustomValue(Model& model, CommandRequest& request)
 {
-    exchange.setText("custom_value", textOf(model.module.customValues, exchange.text("custom_key")));
+    request.setText("custom_value", textOf(model.module.customValues, request.text("custom_key")));
 }
 
-void runScript(Model& model, Exchange& exchange)
+void runScript(Model& model, CommandRequest& request)
 {
     const std::vector<std::string>& scripts = model.module.scripts;
-    const std::string name = exchange.text("scriptname");
+    const std::string name = request.text("scriptname");
     if (std::find(scripts.begin(), scripts.end(), name) == scripts.end())
-        throw Refused{Outcome::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject};
     model.module.lastScript = name;
-    model.module.lastScriptParameter = exchange.text("param");
+    model.module.lastScriptParameter = request.text("param");
 }
 
-void getBootParameter(Model& model, Exchange& exchange)
+void getBootParameter(Model& model, CommandRequest& request)
 {
-    exchange.setText("param_value", textOf(model.module.bootParameters, exchange.text("param_name")));
+    request.setText("param_value", textOf(model.module.bootParameters, request.text("param_name")));
 }
 
 // A parameter of an interface stands among the boot parameters under INTERFACE.NAME.
-void updateParameter(Model& model, Exchange& exchange)
+void updateParameter(Model& model, CommandRequest& request)
 {
-    const Interface& interface = interfaceOf(model, exchange);
-    const std::string name = exchange.text("param_name");
+    const Interface& interface = interfaceOf(model, request);
+    const std::string name = request.text("param_name");
     if (name.empty())
-        throw Refused{Outcome::kInvalidValue};
-    setText(model.module.bootParameters, interface.name + "." + name, exchange.text("param_value"));
+        throw Refused{ReplyStatus::kInvalidValue};
+    setText(model.module.bootParameters, interface.name + "." + name, request.text("param_value"));
 }
 
 // Up to 16 pairs of name and value; only the one of that name if the caller gives one.
-void setParameters(Model& model, Exchange& exchange)
+void setParameters(Model& model, CommandRequest& request)
 {
     const Layout& entryLayout = layout("tarn_qcsapi_set_params.set_params.entry");
-    const Interface& interface = interfaceOf(model, exchange);
-    const std::string only = exchange.text("param_name");
-    const Record block = exchange.record("set_params");
+    const Interface& interface = interfaceOf(model, request);
+    const std::string only = request.text("param_name");
+    const Record block = request.record("set_params");
     const std::vector<std::uint8_t> entries = block.block("entries");
     const std::uint32_t number = block.number("number");
     if (number == 0 || number > entries.size() / entryLayout.size)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
 
     std::map<std::string, std::string> chosen;
     for (std::uint32_t i = 0; i < number; ++i)
@@ -119,12 +119,12 @@ void setParameters(Model& model, Exchange& exchange)
         const Record entry(entryLayout, {begin, begin + static_cast<std::ptrdiff_t>(entryLayout.size)});
         const std::string name = entry.text("name");
         if (name.empty())
-            throw Refused{Outcome::kInvalidValue};
+            throw Refused{ReplyStatus::kInvalidValue};
         if (only.empty() || name == only)
             chosen[interface.name + "." + name] = entry.text("value");
     }
     if (chosen.empty())
-        throw Refused{Outcome::kNotThere};
+        throw Refused{ReplyStatus::kNotThere};
     std::map<std::string, std::string> changed = model.module.bootParameters;
     for (const auto& [name, value] : chosen)
         setText(changed, name, value);
@@ -132,18 +132,18 @@ void setParameters(Model& model, Exchange& exchange)
 }
 
 // The proxy's own switch holds telnet open like any process.
-void enableTelnet(Model& model, Exchange& exchange)
+void enableTelnet(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kProxy = 0;
-    if (exchange.number("value") > 1)
-        throw Refused{Outcome::kInvalidValue};
-    if (exchange.number("value") != 0)
+    if (request.number("value") > 1)
+        throw Refused{ReplyStatus::kInvalidValue};
+    if (request.number("value") != 0)
         model.module.telnetHolders.insert(kProxy);
     else
         model.module.telnetHolders.erase(kProxy);
 }
 
-void controlService(Model& model, Exchange& exchange)
+void controlService(Model& model, CommandRequest& request)
 {
     static const char* const kSettings[] = {"mauiEnabled", "smartWiFiEnabled", "dfsDaemon", "webServer"};
     enum Action : std::uint32_t
@@ -152,49 +152,49 @@ void controlService(Model& model, Exchange& exchange)
         kStart,
         kRestart
     };
-    const std::uint32_t service = exchange.number("service");
-    const std::uint32_t action = exchange.number("action");
+    const std::uint32_t service = request.number("service");
+    const std::uint32_t action = request.number("action");
     if (service == 0 || service > std::size(kSettings))
-        throw Refused{Outcome::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject};
     if (action > kRestart)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     Settings& settings = model.module.settings;
     const char* setting = kSettings[service - 1];
     if (action != kRestart)
         settings.set(setting, action == kStart ? 1u : 0u);
     else if (settings.number(setting) == 0)
-        throw Refused{Outcome::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff};
 }
 
-void getTimeSinceStart(Model& model, Exchange& exchange)
+void getTimeSinceStart(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("p_elapsed_time", model.secondsSinceStart());
+    request.setNumber("p_elapsed_time", model.secondsSinceStart());
 }
 
-void getFirmwareVersion(Model& model, Exchange& exchange)
+void getFirmwareVersion(Model& model, CommandRequest& request)
 {
-    exchange.setText("firmware_version", model.module.firmwareVersion);
+    request.setText("firmware_version", model.module.firmwareVersion);
 }
 
-void getStatusMessage(Model&, Exchange& exchange)
+void getStatusMessage(Model&, CommandRequest& request)
 {
-    exchange.setText("err_msg", moduleStatusText(exchange.number("error_code")));
+    request.setText("err_msg", moduleStatusText(request.number("error_code")));
 }
 
-void setSecurityAgent(Model& model, Exchange& exchange)
+void setSecurityAgent(Model& model, CommandRequest& request)
 {
     std::map<std::string, SecurityAgentEntry>& entries = model.module.securityAgent;
-    const std::string action = exchange.text("action");
-    const std::string key = exchange.text("key");
+    const std::string action = request.text("action");
+    const std::string key = request.text("key");
     if ((action != "set" && action != "clear") || key.empty())
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     if (action == "clear" && entries.erase(key) == 0)
-        throw Refused{Outcome::kNotThere};
+        throw Refused{ReplyStatus::kNotThere};
     if (action == "clear")
         return;
     if (entries.count(key) == 0 && entries.size() >= kTableRoom)
-        throw Refused{Outcome::kFull};
-    entries[key] = {action, exchange.number("value")};
+        throw Refused{ReplyStatus::kFull};
+    entries[key] = {action, request.number("value")};
 }
 
 // --- Thermal mitigation ------------------------------------------------------------------------------------------------------
@@ -202,36 +202,36 @@ void setSecurityAgent(Model& model, Exchange& exchange)
 void requireThermalMitigation(const Model& model)
 {
     if (!model.module.thermalInitialised)
-        throw Refused{Outcome::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff};
 }
 
-void initThermalMitigation(Model& model, Exchange& exchange)
+void initThermalMitigation(Model& model, CommandRequest& request)
 {
     if (model.module.thermalInitialised)
-        throw Refused{Outcome::kAlreadyThere};
-    Model::change(model.module.settings, {{"thermalLevel", exchange.number("value")}});
+        throw Refused{ReplyStatus::kAlreadyThere};
+    Model::change(model.module.settings, {{"thermalLevel", request.number("value")}});
     model.module.thermalInitialised = true;
 }
 
-void startThermalMitigation(Model& model, Exchange& exchange)
+void startThermalMitigation(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
+    Interface& interface = interfaceOf(model, request);
     requireThermalMitigation(model);
     if (model.module.thermalInterfaces.count(interface.name) != 0)
-        throw Refused{Outcome::kAlreadyThere};
-    model.change(interface, {{"thermalStart", exchange.number("value1")}, {"thermalStop", exchange.number("value2")}});
+        throw Refused{ReplyStatus::kAlreadyThere};
+    model.change(interface, {{"thermalStart", request.number("value1")}, {"thermalStop", request.number("value2")}});
     model.module.thermalInterfaces.insert(interface.name);
 }
 
-void stopThermalMitigation(Model& model, Exchange& exchange)
+void stopThermalMitigation(Model& model, CommandRequest& request)
 {
-    const Interface& interface = interfaceOf(model, exchange);
+    const Interface& interface = interfaceOf(model, request);
     requireThermalMitigation(model);
     if (model.module.thermalInterfaces.erase(interface.name) == 0)
-        throw Refused{Outcome::kNotThere};
+        throw Refused{ReplyStatus::kNotThere};
 }
 
-void exitThermalMitigation(Model& model, Exchange&)
+void exitThermalMitigation(Model& model, CommandRequest&)
 {
     requireThermalMitigation(model);
     model.module.thermalInitialised = false;

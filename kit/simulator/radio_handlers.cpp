@@ -8,63 +8,63 @@ namespace tarn::simulator
 namespace
 {
 
-void getLastErrorMask(Model& model, Exchange& exchange)
+void getLastErrorMask(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("mask", std::exchange(model.errorMask, 0));
+    request.setNumber("mask", std::exchange(model.errorMask, 0));
 }
 
-void setStopPollingEnable(Model& model, Exchange& exchange)
+void setStopPollingEnable(Model& model, CommandRequest& request)
 {
-    const std::uint32_t what = exchange.number("value1");
-    const std::uint32_t stop = exchange.number("value2");
+    const std::uint32_t what = request.number("value1");
+    const std::uint32_t stop = request.number("value2");
     if (what > static_cast<std::uint32_t>(Polling::kStations) || stop > 1)
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     model.stopPolling(static_cast<Polling>(what), stop != 0);
 }
 
-void getIsSupportedWfaAlliance(Model& model, Exchange& exchange)
+void getIsSupportedWfaAlliance(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("isSupported", model.supportsWfaAlliance ? 1 : 0);
+    request.setNumber("isSupported", model.supportsWfaAlliance ? 1 : 0);
 }
 
-void getNum(Model& model, Exchange& exchange)
+void getNum(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(model.radios));
+    request.setNumber("number", count(model.radios));
 }
 
-void answerRadio(const Radio& radio, Exchange& exchange)
+void answerRadio(const Radio& radio, CommandRequest& request)
 {
-    Record data = exchange.blank("data");
+    Record data = request.blank("data");
     fillRadio(data, radio);
-    exchange.setRecord("data", data);
+    request.setRecord("data", data);
 }
 
-void getAt(Model& model, Exchange& exchange)
+void getAt(Model& model, CommandRequest& request)
 {
-    answerRadio(elementAt(model.radios, exchange.number("index")), exchange);
+    answerRadio(elementAt(model.radios, request.number("index")), request);
 }
 
-void get(Model& model, Exchange& exchange)
+void get(Model& model, CommandRequest& request)
 {
-    answerRadio(radioOf(model, exchange), exchange);
+    answerRadio(radioOf(model, request), request);
 }
 
-void getIsReady(Model& model, Exchange& exchange)
+void getIsReady(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("isReady", Model::isReady(radioOf(model, exchange)) ? 1 : 0);
+    request.setNumber("isReady", Model::isReady(radioOf(model, request)) ? 1 : 0);
 }
 
 // The parameter of both configurations selects the fields to take.
-void setCfg(Model& model, Exchange& exchange)
+void setCfg(Model& model, CommandRequest& request)
 {
-    Radio& radio = radioOf(model, exchange);
-    model.change(radio, exchange.record("cfg").changes(exchange.number("param")));
+    Radio& radio = radioOf(model, request);
+    model.change(radio, request.record("cfg").changes(request.number("param")));
 }
 
-void getStats(Model& model, Exchange& exchange)
+void getStats(Model& model, CommandRequest& request)
 {
-    const Radio& radio = radioOf(model, exchange);
-    Record stats = exchange.blank("stats");
+    const Radio& radio = radioOf(model, request);
+    Record stats = request.blank("stats");
     model.polled(radio).fill(stats);
     std::size_t stations = 0;
     for (const Interface& interface : radio.interfaces)
@@ -72,91 +72,91 @@ void getStats(Model& model, Exchange& exchange)
     stats.setNumber("stations", stations);
     stats.setSigned("noise", radio.noise);
     stats.setNumber("channelLoad", radio.channelLoad);
-    exchange.setRecord("stats", stats);
+    request.setRecord("stats", stats);
 }
 
-void getDriverVersion(Model& model, Exchange& exchange)
+void getDriverVersion(Model& model, CommandRequest& request)
 {
-    exchange.setText("version", radioOf(model, exchange).driverVersion);
+    request.setText("version", radioOf(model, request).driverVersion);
 }
 
-void getIsSupportedWdsInterface(Model& model, Exchange& exchange)
+void getIsSupportedWdsInterface(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("isSupported", radioOf(model, exchange).supportsWds ? 1 : 0);
+    request.setNumber("isSupported", radioOf(model, request).supportsWds ? 1 : 0);
 }
 
-void getPossibleChannels(Model& model, Exchange& exchange)
+void getPossibleChannels(Model& model, CommandRequest& request)
 {
-    const Radio& radio = radioOf(model, exchange);
-    const Record query = exchange.record("query");
-    ChannelRequest request;
-    request.band = radio.band;
-    request.bandwidth = query.number("bandwidth") != 0 ? query.number("bandwidth") : radio.settings.number("bandwidth");
-    request.country = !query.text("country").empty() ? query.text("country") : radio.settings.text("country");
-    request.withRadarChannels = query.number("withoutRadarChannels") == 0;
-    request.withWeatherChannels = radio.settings.number("tdwrChannels") != 0;
-    const std::vector<std::uint8_t> channels = channelBytes(channelsFor(request));
+    const Radio& radio = radioOf(model, request);
+    const Record query = request.record("query");
+    ChannelCriteria criteria;
+    criteria.band = radio.band;
+    criteria.bandwidth = query.number("bandwidth") != 0 ? query.number("bandwidth") : radio.settings.number("bandwidth");
+    criteria.country = !query.text("country").empty() ? query.text("country") : radio.settings.text("country");
+    criteria.withRadarChannels = query.number("withoutRadarChannels") == 0;
+    criteria.withWeatherChannels = radio.settings.number("tdwrChannels") != 0;
+    const std::vector<std::uint8_t> channels = channelBytes(channelsFor(criteria));
     if (channels.empty())
-        throw Refused{Outcome::kInvalidValue};
-    Record list = exchange.blank("channels");
+        throw Refused{ReplyStatus::kInvalidValue};
+    Record list = request.blank("channels");
     list.setBlock("channels", channels.data(), channels.size());
-    exchange.setRecord("channels", list);
+    request.setRecord("channels", list);
 }
 
-void getChainNumber(Model& model, Exchange& exchange)
+void getChainNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", radioOf(model, exchange).chains);
+    request.setNumber("number", radioOf(model, request).chains);
 }
 
-void getChainRssiAt(Model& model, Exchange& exchange)
+void getChainRssiAt(Model& model, CommandRequest& request)
 {
-    const Radio& radio = radioOf(model, exchange);
-    const std::uint32_t chain = exchange.number("chainIndex");
+    const Radio& radio = radioOf(model, request);
+    const std::uint32_t chain = request.number("chainIndex");
     if (chain >= radio.chains)
-        throw Refused{Outcome::kNoSuchObject};
-    exchange.setSigned("rssi", model.chainRssi(radio, chain));
+        throw Refused{ReplyStatus::kNoSuchObject};
+    request.setSigned("rssi", model.chainRssi(radio, chain));
 }
 
-void getChipTemperature(Model& model, Exchange& exchange)
+void getChipTemperature(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("temperature", radioOf(model, exchange).temperature);
+    request.setNumber("temperature", radioOf(model, request).temperature);
 }
 
-void getPrimarySsidIntfId(Model& model, Exchange& exchange)
+void getPrimarySsidIntfId(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("ssid_id", radioOf(model, exchange).interfaces.front().id);
+    request.setNumber("ssid_id", radioOf(model, request).interfaces.front().id);
 }
 
-void getNeighboringStatus(Model& model, Exchange& exchange)
+void getNeighboringStatus(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("status", static_cast<std::uint32_t>(radioOf(model, exchange).scan.status));
+    request.setNumber("status", static_cast<std::uint32_t>(radioOf(model, request).scan.status));
 }
 
-void scanNeighborhood(Model& model, Exchange& exchange)
+void scanNeighborhood(Model& model, CommandRequest& request)
 {
-    model.startScan(radioOf(model, exchange), 0);
+    model.startScan(radioOf(model, request), 0);
 }
 
-void cancelNeighborhoodScanning(Model& model, Exchange& exchange)
+void cancelNeighborhoodScanning(Model& model, CommandRequest& request)
 {
-    model.cancelScan(radioOf(model, exchange));
+    model.cancelScan(radioOf(model, request));
 }
 
-void getNeighboringResultNum(Model& model, Exchange& exchange)
+void getNeighboringResultNum(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(radioOf(model, exchange).scan.results));
+    request.setNumber("number", count(radioOf(model, request).scan.results));
 }
 
-void getNeighboringResultAt(Model& model, Exchange& exchange)
+void getNeighboringResultAt(Model& model, CommandRequest& request)
 {
-    Record bss = exchange.blank("bss");
-    fillNeighbour(bss, elementAt(radioOf(model, exchange).scan.results, exchange.number("index")));
-    exchange.setRecord("bss", bss);
+    Record bss = request.blank("bss");
+    fillNeighbour(bss, elementAt(radioOf(model, request).scan.results, request.number("index")));
+    request.setRecord("bss", bss);
 }
 
-void getIsSupportedOpxRoaming(Model& model, Exchange& exchange)
+void getIsSupportedOpxRoaming(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("isSupported", radioOf(model, exchange).supportsRoaming ? 1 : 0);
+    request.setNumber("isSupported", radioOf(model, request).supportsRoaming ? 1 : 0);
 }
 
 } // namespace

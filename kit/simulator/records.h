@@ -1,7 +1,7 @@
 // The opaque records, filled from the model.
 #pragma once
 
-#include "exchange.h"
+#include "command_request.h"
 #include "model.h"
 
 namespace tarn::simulator

@@ -2,7 +2,7 @@
 
 #include "base/join.h"
 #include "mobility_domain.h"
-#include "outcome.h"
+#include "reply_status.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -261,7 +261,7 @@ void Settings::set(std::string_view name, const Value& value)
     if (known == nullptr)
         throw std::logic_error("no setting " + std::string(name));
     if (value.index() != known->initial.index() || !known->accepts(value))
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     values_.find(name)->second = value;
 }
 

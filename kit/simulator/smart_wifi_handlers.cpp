@@ -12,123 +12,123 @@ namespace
 void requireDaemon(const Model& model)
 {
     if (model.module.settings.number("smartWiFiEnabled") == 0)
-        throw Refused{Outcome::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff};
 }
 
-void resetDaemon(Model& model, Exchange&)
+void resetDaemon(Model& model, CommandRequest&)
 {
     requireDaemon(model);
     model.smartWiFi.snapshots = {};
     model.smartWiFi.propagations = 0;
 }
 
-void getVersion(Model& model, Exchange& exchange)
+void getVersion(Model& model, CommandRequest& request)
 {
-    exchange.setText("version", model.module.smartWiFiVersion);
+    request.setText("version", model.module.smartWiFiVersion);
 }
 
-void getDaemonVersion(Model& model, Exchange& exchange)
+void getDaemonVersion(Model& model, CommandRequest& request)
 {
-    exchange.setText("version", model.module.smartWiFiDaemonVersion);
+    request.setText("version", model.module.smartWiFiDaemonVersion);
 }
 
 // An empty name unbinds.
-void setBindingInterface(Model& model, Exchange& exchange)
+void setBindingInterface(Model& model, CommandRequest& request)
 {
-    const std::string name = exchange.text("intf_name");
+    const std::string name = request.text("intf_name");
     bool isThere = name.empty();
     for (const Radio& radio : model.radios)
         for (const Interface& interface : radio.interfaces)
             isThere = isThere || interface.name == name;
     if (!isThere)
-        throw Refused{Outcome::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject};
     model.module.settings.set("smartWiFiInterface", name);
 }
 
-void getQcomm(Model& model, Exchange& exchange)
+void getQcomm(Model& model, CommandRequest& request)
 {
     const SmartWiFi& smartWiFi = model.smartWiFi;
     std::vector<std::uint8_t> addresses;
     for (const MacAddress& slave : smartWiFi.slaves)
         addresses.insert(addresses.end(), slave.begin(), slave.end());
-    Record data = exchange.blank("data");
+    Record data = request.blank("data");
     data.fill(model.module.settings);
     data.setNumber("propagations", smartWiFi.propagations);
     data.setNumber("slaveDevices", smartWiFi.slaves.size());
     data.setBlock("slaveAddresses", addresses.data(), addresses.size());
-    exchange.setRecord("data", data);
+    request.setRecord("data", data);
 }
 
-void setQcommCfg(Model& model, Exchange& exchange)
+void setQcommCfg(Model& model, CommandRequest& request)
 {
-    Model::change(model.module.settings, exchange.record("cfg").changes(exchange.number("value")));
+    Model::change(model.module.settings, request.record("cfg").changes(request.number("value")));
 }
 
 // --- Mobility domains --------------------------------------------------------------------------------------------------------
 
-SteeringDomain& domainOf(Model& model, const Exchange& exchange)
+SteeringDomain& domainOf(Model& model, const CommandRequest& request)
 {
-    return model.steeringDomain(exchange.mobilityDomain("mdid"));
+    return model.steeringDomain(request.mobilityDomain("mdid"));
 }
 
-void getMdidNumber(Model& model, Exchange& exchange)
+void getMdidNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(model.smartWiFi.domains));
+    request.setNumber("number", count(model.smartWiFi.domains));
 }
 
-void getMdidAt(Model& model, Exchange& exchange)
+void getMdidAt(Model& model, CommandRequest& request)
 {
-    exchange.setMobilityDomain("mdid", elementAt(model.smartWiFi.domains, exchange.number("index")).id);
+    request.setMobilityDomain("mdid", elementAt(model.smartWiFi.domains, request.number("index")).id);
 }
 
-void getQsl(Model& model, Exchange& exchange)
+void getQsl(Model& model, CommandRequest& request)
 {
-    Record data = exchange.blank("data");
-    data.fill(domainOf(model, exchange).settings);
-    exchange.setRecord("data", data);
+    Record data = request.blank("data");
+    data.fill(domainOf(model, request).settings);
+    request.setRecord("data", data);
 }
 
 // The first part makes a domain that is not there yet.
-void setQslPart1(Model& model, Exchange& exchange)
+void setQslPart1(Model& model, CommandRequest& request)
 {
     std::vector<SteeringDomain>& domains = model.smartWiFi.domains;
-    const MobilityDomain id = exchange.mobilityDomain("mdid");
-    const Changes changes = exchange.record("cfg").changes(exchange.number("value"));
+    const MobilityDomain id = request.mobilityDomain("mdid");
+    const Changes changes = request.record("cfg").changes(request.number("value"));
     for (SteeringDomain& each : domains)
         if (each.id == id)
             return Model::change(each.settings, changes);
     if (domains.size() >= kDomainRoom)
-        throw Refused{Outcome::kFull};
+        throw Refused{ReplyStatus::kFull};
     SteeringDomain domain;
     domain.id = id;
     Model::change(domain.settings, changes);
     domains.push_back(std::move(domain));
 }
 
-void setQslPart2(Model& model, Exchange& exchange)
+void setQslPart2(Model& model, CommandRequest& request)
 {
-    SteeringDomain& domain = domainOf(model, exchange);
-    Model::change(domain.settings, exchange.record("cfg").changes(exchange.number("value")));
+    SteeringDomain& domain = domainOf(model, request);
+    Model::change(domain.settings, request.record("cfg").changes(request.number("value")));
 }
 
-void getNonSteerNumber(Model& model, Exchange& exchange)
+void getNonSteerNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(domainOf(model, exchange).nonSteer));
+    request.setNumber("number", count(domainOf(model, request).nonSteer));
 }
 
-void getNonSteerAt(Model& model, Exchange& exchange)
+void getNonSteerAt(Model& model, CommandRequest& request)
 {
-    exchange.setAddress("mac_addr", elementAt(domainOf(model, exchange).nonSteer, exchange.number("index")));
+    request.setAddress("mac_addr", elementAt(domainOf(model, request).nonSteer, request.number("index")));
 }
 
-void addNonSteer(Model& model, Exchange& exchange)
+void addNonSteer(Model& model, CommandRequest& request)
 {
-    Model::addAddress(domainOf(model, exchange).nonSteer, exchange.address("mac_addr"), kNonSteerRoom);
+    Model::addAddress(domainOf(model, request).nonSteer, request.address("mac_addr"), kNonSteerRoom);
 }
 
-void delNonSteer(Model& model, Exchange& exchange)
+void delNonSteer(Model& model, CommandRequest& request)
 {
-    Model::removeAddress(domainOf(model, exchange).nonSteer, exchange.address("mac_addr"));
+    Model::removeAddress(domainOf(model, request).nonSteer, request.address("mac_addr"));
 }
 
 // --- Tables, read from copies ------------------------------------------------------------------------------------------------
@@ -174,7 +174,7 @@ Record stationEntry(const Model& model, const Interface& interface, const Statio
     return entry;
 }
 
-void syncBssTable(Model& model, Exchange&)
+void syncBssTable(Model& model, CommandRequest&)
 {
     requireDaemon(model);
     std::vector<Record>& entries = model.smartWiFi.snapshots.bssEntries;
@@ -186,7 +186,7 @@ void syncBssTable(Model& model, Exchange&)
         entries.push_back(slaveBss(slave, model.moduleRadio().interfaces.front()));
 }
 
-void syncStations(Model& model, Exchange&)
+void syncStations(Model& model, CommandRequest&)
 {
     requireDaemon(model);
     std::vector<Record>& entries = model.smartWiFi.snapshots.stations;
@@ -197,7 +197,7 @@ void syncStations(Model& model, Exchange&)
                 entries.push_back(stationEntry(model, interface, station));
 }
 
-void syncRecordInfo(Model& model, Exchange&)
+void syncRecordInfo(Model& model, CommandRequest&)
 {
     requireDaemon(model);
     auto& entries = model.smartWiFi.snapshots.history;
@@ -211,57 +211,57 @@ void syncRecordInfo(Model& model, Exchange&)
     }
 }
 
-void syncSlaveDevice(Model& model, Exchange&)
+void syncSlaveDevice(Model& model, CommandRequest&)
 {
     requireDaemon(model);
     model.smartWiFi.snapshots.slaves = model.smartWiFi.slaves;
 }
 
-void getBssEntryNumber(Model& model, Exchange& exchange)
+void getBssEntryNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(model.smartWiFi.snapshots.bssEntries));
+    request.setNumber("number", count(model.smartWiFi.snapshots.bssEntries));
 }
 
-void getBssEntryAt(Model& model, Exchange& exchange)
+void getBssEntryAt(Model& model, CommandRequest& request)
 {
-    exchange.setRecord("data", elementAt(model.smartWiFi.snapshots.bssEntries, exchange.number("index")));
+    request.setRecord("data", elementAt(model.smartWiFi.snapshots.bssEntries, request.number("index")));
 }
 
-void getStationNumber(Model& model, Exchange& exchange)
+void getStationNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(model.smartWiFi.snapshots.stations));
+    request.setNumber("number", count(model.smartWiFi.snapshots.stations));
 }
 
-void getStationAt(Model& model, Exchange& exchange)
+void getStationAt(Model& model, CommandRequest& request)
 {
-    exchange.setRecord("data", elementAt(model.smartWiFi.snapshots.stations, exchange.number("index")));
+    request.setRecord("data", elementAt(model.smartWiFi.snapshots.stations, request.number("index")));
 }
 
-void getRecordInfoNumber(Model& model, Exchange& exchange)
+void getRecordInfoNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(model.smartWiFi.snapshots.history));
+    request.setNumber("number", count(model.smartWiFi.snapshots.history));
 }
 
-void getRecordInfoAt(Model& model, Exchange& exchange)
+void getRecordInfoAt(Model& model, CommandRequest& request)
 {
-    const auto& [status, entry] = elementAt(model.smartWiFi.snapshots.history, exchange.number("index"));
-    exchange.setNumber("status", status);
-    exchange.setRecord("data", entry);
+    const auto& [status, entry] = elementAt(model.smartWiFi.snapshots.history, request.number("index"));
+    request.setNumber("status", status);
+    request.setRecord("data", entry);
 }
 
-void getSlaveDeviceNumber(Model& model, Exchange& exchange)
+void getSlaveDeviceNumber(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(model.smartWiFi.snapshots.slaves));
+    request.setNumber("number", count(model.smartWiFi.snapshots.slaves));
 }
 
-void getSlaveDeviceAt(Model& model, Exchange& exchange)
+void getSlaveDeviceAt(Model& model, CommandRequest& request)
 {
-    exchange.setAddress("data", elementAt(model.smartWiFi.snapshots.slaves, exchange.number("index")));
+    request.setAddress("data", elementAt(model.smartWiFi.snapshots.slaves, request.number("index")));
 }
 
 // --- The configuration as a whole --------------------------------------------------------------------------------------------
 
-void doCfgPropagation(Model& model, Exchange&)
+void doCfgPropagation(Model& model, CommandRequest&)
 {
     requireDaemon(model);
     ++model.smartWiFi.propagations;
@@ -278,14 +278,14 @@ void appendLines(std::string& text, const Settings& settings)
 }
 
 // The file is one of the simulated gateway's, not one of the machine that it runs on.
-void getCfgToFile(Model& model, Exchange& exchange)
+void getCfgToFile(Model& model, CommandRequest& request)
 {
-    const std::string path = exchange.text("path");
+    const std::string path = request.text("path");
     std::map<std::string, std::string>& files = model.module.files;
     if (path.empty() || path[0] != '/')
-        throw Refused{Outcome::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue};
     if (files.count(path) == 0 && files.size() >= kTableRoom)
-        throw Refused{Outcome::kFull};
+        throw Refused{ReplyStatus::kFull};
     std::string text;
     for (const SteeringDomain& domain : model.smartWiFi.domains)
     {

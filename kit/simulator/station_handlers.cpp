@@ -8,64 +8,64 @@ namespace tarn::simulator
 namespace
 {
 
-void getAssociatedNum(Model& model, Exchange& exchange)
+void getAssociatedNum(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(interfaceOf(model, exchange).stations));
+    request.setNumber("number", count(interfaceOf(model, request).stations));
 }
 
-void answerStation(const Model& model, const Interface& interface, const Station& station, Exchange& exchange)
+void answerStation(const Model& model, const Interface& interface, const Station& station, CommandRequest& request)
 {
-    Record associated = exchange.blank("associated");
+    Record associated = request.blank("associated");
     fillStation(associated, model, interface, station);
     associated.setText("name", interface.name);
-    exchange.setRecord("associated", associated);
+    request.setRecord("associated", associated);
 }
 
-void getAssociatedAt(Model& model, Exchange& exchange)
+void getAssociatedAt(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    answerStation(model, interface, model.stationAt(interface, exchange.number("index")), exchange);
+    Interface& interface = interfaceOf(model, request);
+    answerStation(model, interface, model.stationAt(interface, request.number("index")), request);
 }
 
-void getAssociated(Model& model, Exchange& exchange)
+void getAssociated(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, exchange);
-    answerStation(model, interface, model.station(interface, exchange.address("macAddress")), exchange);
+    Interface& interface = interfaceOf(model, request);
+    answerStation(model, interface, model.station(interface, request.address("macAddress")), request);
 }
 
-void getAssociatedStats(Model& model, Exchange& exchange)
+void getAssociatedStats(Model& model, CommandRequest& request)
 {
-    const Station& station = model.station(interfaceOf(model, exchange), exchange.address("macAddress"));
-    Record stats = exchange.blank("stats");
+    const Station& station = model.station(interfaceOf(model, request), request.address("macAddress"));
+    Record stats = request.blank("stats");
     model.polled(station).fill(stats);
     stats.setSigned("rssi", station.rssi);
     stats.setNumber("secondsAssociated", model.secondsAssociated(station));
-    exchange.setRecord("stats", stats);
+    request.setRecord("stats", stats);
 }
 
-void kickOut(Model& model, Exchange& exchange)
+void kickOut(Model& model, CommandRequest& request)
 {
-    model.kickOut(interfaceOf(model, exchange), exchange.address("macAddress"));
+    model.kickOut(interfaceOf(model, request), request.address("macAddress"));
 }
 
-void addMacFilter(Model& model, Exchange& exchange)
+void addMacFilter(Model& model, CommandRequest& request)
 {
-    Model::addAddress(interfaceOf(model, exchange).macFilter, exchange.address("macAddress"), kMacFilterRoom);
+    Model::addAddress(interfaceOf(model, request).macFilter, request.address("macAddress"), kMacFilterRoom);
 }
 
-void delMacFilter(Model& model, Exchange& exchange)
+void delMacFilter(Model& model, CommandRequest& request)
 {
-    Model::removeAddress(interfaceOf(model, exchange).macFilter, exchange.address("macAddress"));
+    Model::removeAddress(interfaceOf(model, request).macFilter, request.address("macAddress"));
 }
 
-void getMacFilterNum(Model& model, Exchange& exchange)
+void getMacFilterNum(Model& model, CommandRequest& request)
 {
-    exchange.setNumber("number", count(interfaceOf(model, exchange).macFilter));
+    request.setNumber("number", count(interfaceOf(model, request).macFilter));
 }
 
-void getMacFilterAt(Model& model, Exchange& exchange)
+void getMacFilterAt(Model& model, CommandRequest& request)
 {
-    exchange.setAddress("macAddress", elementAt(interfaceOf(model, exchange).macFilter, exchange.number("index")));
+    request.setAddress("macAddress", elementAt(interfaceOf(model, request).macFilter, request.number("index")));
 }
 
 } // namespace

@@ -143,7 +143,7 @@ constexpr StoredEntry kStoredEntries[] = {
     {"tarn_qcsapi_wifi_set_ac_agg_hold_time", "aggregationHoldTimes", "value1", "value2", 0, 3},
 };
 
-Settings& settingsOf(Model& model, const Exchange& exchange, Owner owner)
+Settings& settingsOf(Model& model, const CommandRequest& request, Owner owner)
 {
     switch (owner)
     {
@@ -152,61 +152,61 @@ Settings& settingsOf(Model& model, const Exchange& exchange, Owner owner)
     case Owner::kModule:
         return model.module.settings;
     case Owner::kRadio:
-        return radioOf(model, exchange).settings;
+        return radioOf(model, request).settings;
     case Owner::kModuleRadio:
-        return moduleRadioOf(model, exchange).settings;
+        return moduleRadioOf(model, request).settings;
     case Owner::kInterface:
     case Owner::kSecurity:
-        return interfaceOf(model, exchange).settings;
+        return interfaceOf(model, request).settings;
     }
     throw std::logic_error("no such owner");
 }
 
-void change(Model& model, const Exchange& exchange, Owner owner, const Changes& changes)
+void change(Model& model, const CommandRequest& request, Owner owner, const Changes& changes)
 {
     if (owner == Owner::kService || owner == Owner::kModule)
-        Model::change(settingsOf(model, exchange, owner), changes);
+        Model::change(settingsOf(model, request, owner), changes);
     else if (owner == Owner::kRadio)
-        model.change(radioOf(model, exchange), changes);
+        model.change(radioOf(model, request), changes);
     else if (owner == Owner::kModuleRadio)
-        model.change(moduleRadioOf(model, exchange), changes);
+        model.change(moduleRadioOf(model, request), changes);
     else if (owner == Owner::kInterface)
-        model.change(interfaceOf(model, exchange), changes);
+        model.change(interfaceOf(model, request), changes);
     else
-        model.changeSecurity(interfaceOf(model, exchange), changes);
+        model.changeSecurity(interfaceOf(model, request), changes);
 }
 
-void handle(Model& model, Exchange& exchange, const std::vector<StoredSetting>& rows)
+void handle(Model& model, CommandRequest& request, const std::vector<StoredSetting>& rows)
 {
     Changes changes;
-    const Settings& settings = settingsOf(model, exchange, rows.front().owner);
+    const Settings& settings = settingsOf(model, request, rows.front().owner);
     for (const StoredSetting& row : rows)
     {
-        const bool isOutput = exchange.command().argument(row.argument)->direction == contract::Direction::kOut;
+        const bool isOutput = request.command().argument(row.argument)->direction == contract::Direction::kOut;
         const bool isText = settings.property(row.setting)->isText();
         if (isOutput && isText)
-            exchange.setText(row.argument, settings.text(row.setting));
+            request.setText(row.argument, settings.text(row.setting));
         else if (isOutput)
-            exchange.setNumber(row.argument, settings.number(row.setting));
+            request.setNumber(row.argument, settings.number(row.setting));
         else if (isText)
-            changes.emplace_back(row.setting, exchange.text(row.argument));
+            changes.emplace_back(row.setting, request.text(row.argument));
         else
-            changes.emplace_back(row.setting, exchange.number(row.argument));
+            changes.emplace_back(row.setting, request.number(row.argument));
     }
     if (!changes.empty())
-        change(model, exchange, rows.front().owner, changes);
+        change(model, request, rows.front().owner, changes);
 }
 
-void handle(Model& model, Exchange& exchange, const StoredEntry& row)
+void handle(Model& model, CommandRequest& request, const StoredEntry& row)
 {
-    NumberTable& table = interfaceOf(model, exchange).tables[row.table];
-    const std::uint32_t key = exchange.number(row.key);
+    NumberTable& table = interfaceOf(model, request).tables[row.table];
+    const std::uint32_t key = request.number(row.key);
     if (key < row.lowestKey || key > row.highestKey)
-        throw Refused{Outcome::kInvalidValue};
-    if (exchange.command().argument(row.value)->direction == contract::Direction::kIn)
-        table[key] = exchange.number(row.value);
+        throw Refused{ReplyStatus::kInvalidValue};
+    if (request.command().argument(row.value)->direction == contract::Direction::kIn)
+        table[key] = request.number(row.value);
     else
-        exchange.setNumber(row.value, table.count(key) != 0 ? table[key] : 0);
+        request.setNumber(row.value, table.count(key) != 0 ? table[key] : 0);
 }
 
 } // namespace
@@ -221,10 +221,10 @@ void addStoredSettings(HandlerTable& table)
         if (!isLast)
             continue;
         table.add(row.function,
-                  [rows = std::exchange(rows, {})](Model& model, Exchange& exchange) { handle(model, exchange, rows); });
+                  [rows = std::exchange(rows, {})](Model& model, CommandRequest& request) { handle(model, request, rows); });
     }
     for (const StoredEntry& row : kStoredEntries)
-        table.add(row.function, [&row](Model& model, Exchange& exchange) { handle(model, exchange, row); });
+        table.add(row.function, [&row](Model& model, CommandRequest& request) { handle(model, request, row); });
 }
 
 } // namespace tarn::simulator

@@ -30,7 +30,7 @@ TEST_F(DispatcherTest, EveryFunctionHasItsHandler)
 TEST_F(DispatcherTest, HandlerIsForOneFunctionOfTheContract)
 {
     tarn::simulator::HandlerTable table;
-    const tarn::simulator::Handler nothing = [](tarn::simulator::Model&, tarn::simulator::Exchange&) {};
+    const tarn::simulator::Handler nothing = [](tarn::simulator::Model&, tarn::simulator::CommandRequest&) {};
     table.add("TarnGetRadioNum", nothing);
     EXPECT_THROW(table.add("TarnGetRadioNum", nothing), std::logic_error);
     EXPECT_THROW(table.add("TarnGetNothing", nothing), std::logic_error);
@@ -105,8 +105,8 @@ TEST_F(DispatcherTest, AnyBytesGetAnAnswer)
     {
         const auto status = statusOf(each);
         std::set<std::uint32_t> documented;
-        for (std::uint32_t i = 0; i < tarn::simulator::kOutcomeCount; ++i)
-            documented.insert(status(static_cast<tarn::simulator::Outcome>(i)));
+        for (std::uint32_t i = 0; i < tarn::simulator::kReplyStatusCount; ++i)
+            documented.insert(status(static_cast<tarn::simulator::ReplyStatus>(i)));
         const tarn::simulator::Dispatcher dispatcher(each, status, true);
         for (const contract::Command& command : each.commands)
             for (int round = 0; round < 30; ++round)

@@ -3,7 +3,7 @@
 #include "contract/contract.h"
 #include "simulator/handlers.h"
 #include "simulator/layout.h"
-#include "simulator/outcome.h"
+#include "simulator/reply_status.h"
 #include "simulator/records.h"
 #include "simulator/scenario.h"
 

@@ -1,6 +1,6 @@
-// One request on its way to becoming its reply: the message, reached by the names of the function's arguments.
+// A request of one command: the message, which becomes the reply, read and written by the names of the function's arguments.
 //
-// Where an argument stands in the message, and how, is the contract's to say.
+// The contract says where in the message an argument is, and how it is encoded.
 #pragma once
 
 #include "contract/contract.h"
@@ -17,11 +17,11 @@ namespace tarn::simulator
 {
 
 // An argument's name that the function does not have, or that is not of the kind asked for, throws std::logic_error.
-class Exchange
+class CommandRequest
 {
 public:
     // `message` has the length that the contract says.
-    Exchange(const contract::Command& command, void* message);
+    CommandRequest(const contract::Command& command, void* message);
 
     const contract::Command& command() const
     {

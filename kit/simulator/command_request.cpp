@@ -1,4 +1,4 @@
-#include "exchange.h"
+#include "command_request.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,12 +11,12 @@ using contract::Argument;
 using contract::Direction;
 using contract::Encoding;
 
-Exchange::Exchange(const contract::Command& command, void* message)
+CommandRequest::CommandRequest(const contract::Command& command, void* message)
     : command_(command), message_(static_cast<std::uint8_t*>(message))
 {
 }
 
-const Argument& Exchange::find(std::string_view argument, Direction direction) const
+const Argument& CommandRequest::find(std::string_view argument, Direction direction) const
 {
     const Argument* found = command_.argument(argument);
     if (found == nullptr || found->direction != direction)
@@ -24,32 +24,32 @@ const Argument& Exchange::find(std::string_view argument, Direction direction) c
     return *found;
 }
 
-std::size_t Exchange::room(const Argument& argument) const
+std::size_t CommandRequest::room(const Argument& argument) const
 {
     return argument.size != 0 ? argument.size : command_.status - argument.offset;
 }
 
 // Words stand at multiples of 4 in the message, but nobody promises where the message itself stands.
-std::uint32_t Exchange::word(std::uint32_t offset) const
+std::uint32_t CommandRequest::word(std::uint32_t offset) const
 {
     std::uint32_t value;
     std::memcpy(&value, message_ + offset, sizeof value);
     return value;
 }
 
-void Exchange::setWord(std::uint32_t offset, std::uint32_t value)
+void CommandRequest::setWord(std::uint32_t offset, std::uint32_t value)
 {
     std::memcpy(message_ + offset, &value, sizeof value);
 }
 
-void Exchange::copyIn(const Argument& argument, void* to, std::size_t length) const
+void CommandRequest::copyIn(const Argument& argument, void* to, std::size_t length) const
 {
     if (room(argument) != length)
         throw std::logic_error(command_.function + ": " + argument.name + " is not of " + std::to_string(length) + " bytes");
     std::memcpy(to, message_ + argument.offset, length);
 }
 
-void Exchange::copyOut(const Argument& argument, const void* from, std::size_t length)
+void CommandRequest::copyOut(const Argument& argument, const void* from, std::size_t length)
 {
     if (length > room(argument))
         throw std::logic_error(command_.function + ": " + argument.name + " has no room for " + std::to_string(length) +
@@ -60,7 +60,7 @@ void Exchange::copyOut(const Argument& argument, const void* from, std::size_t l
 
 // --- Inputs ------------------------------------------------------------------------------------------------------------------
 
-std::uint32_t Exchange::number(std::string_view argument) const
+std::uint32_t CommandRequest::number(std::string_view argument) const
 {
     const Argument& place = find(argument, Direction::kIn);
     switch (place.encoding)
@@ -78,51 +78,51 @@ std::uint32_t Exchange::number(std::string_view argument) const
     }
 }
 
-std::string Exchange::text(std::string_view argument) const
+std::string CommandRequest::text(std::string_view argument) const
 {
     const Argument& place = find(argument, Direction::kIn);
     const char* from = reinterpret_cast<const char*>(message_) + place.offset;
     return {from, strnlen(from, room(place))};
 }
 
-std::vector<std::uint8_t> Exchange::block(std::string_view argument) const
+std::vector<std::uint8_t> CommandRequest::block(std::string_view argument) const
 {
     const Argument& place = find(argument, Direction::kIn);
     return {message_ + place.offset, message_ + place.offset + room(place)};
 }
 
-MacAddress Exchange::address(std::string_view argument) const
+MacAddress CommandRequest::address(std::string_view argument) const
 {
     MacAddress result;
     copyIn(find(argument, Direction::kIn), result.data(), result.size());
     return result;
 }
 
-MobilityDomain Exchange::mobilityDomain(std::string_view argument) const
+MobilityDomain CommandRequest::mobilityDomain(std::string_view argument) const
 {
     MobilityDomain result;
     copyIn(find(argument, Direction::kIn), result.data(), result.size());
     return result;
 }
 
-const Layout& Exchange::layoutOf(const Argument& argument) const
+const Layout& CommandRequest::layoutOf(const Argument& argument) const
 {
     return layout(argument.record.empty() ? command_.function + "." + argument.name : argument.record);
 }
 
-Record Exchange::record(std::string_view argument) const
+Record CommandRequest::record(std::string_view argument) const
 {
     return Record(layoutOf(find(argument, Direction::kIn)), block(argument));
 }
 
-Record Exchange::blank(std::string_view argument) const
+Record CommandRequest::blank(std::string_view argument) const
 {
     return Record(layoutOf(find(argument, Direction::kOut)));
 }
 
 // --- Outputs -----------------------------------------------------------------------------------------------------------------
 
-void Exchange::setNumber(std::string_view argument, std::uint32_t value)
+void CommandRequest::setNumber(std::string_view argument, std::uint32_t value)
 {
     const Argument& place = find(argument, Direction::kOut);
     if (place.encoding == Encoding::kWord)
@@ -133,12 +133,12 @@ void Exchange::setNumber(std::string_view argument, std::uint32_t value)
         throw std::logic_error(command_.function + ": " + place.name + " is no number");
 }
 
-void Exchange::setSigned(std::string_view argument, std::int32_t value)
+void CommandRequest::setSigned(std::string_view argument, std::int32_t value)
 {
     setNumber(argument, static_cast<std::uint32_t>(value));
 }
 
-void Exchange::setText(std::string_view argument, std::string_view value)
+void CommandRequest::setText(std::string_view argument, std::string_view value)
 {
     const Argument& place = find(argument, Direction::kOut);
     const std::size_t length = std::min(value.size(), room(place) - 1);
@@ -146,32 +146,32 @@ void Exchange::setText(std::string_view argument, std::string_view value)
     message_[place.offset + length] = '\0';
 }
 
-void Exchange::setBlock(std::string_view argument, const std::vector<std::uint8_t>& bytes)
+void CommandRequest::setBlock(std::string_view argument, const std::vector<std::uint8_t>& bytes)
 {
     copyOut(find(argument, Direction::kOut), bytes.data(), bytes.size());
 }
 
-void Exchange::setWords(std::string_view argument, const std::vector<std::uint32_t>& words)
+void CommandRequest::setWords(std::string_view argument, const std::vector<std::uint32_t>& words)
 {
     copyOut(find(argument, Direction::kOut), words.data(), words.size() * sizeof words[0]);
 }
 
-void Exchange::setAddress(std::string_view argument, const MacAddress& address)
+void CommandRequest::setAddress(std::string_view argument, const MacAddress& address)
 {
     copyOut(find(argument, Direction::kOut), address.data(), address.size());
 }
 
-void Exchange::setMobilityDomain(std::string_view argument, const MobilityDomain& domain)
+void CommandRequest::setMobilityDomain(std::string_view argument, const MobilityDomain& domain)
 {
     copyOut(find(argument, Direction::kOut), domain.data(), domain.size());
 }
 
-void Exchange::setRecord(std::string_view argument, const Record& record)
+void CommandRequest::setRecord(std::string_view argument, const Record& record)
 {
     setBlock(argument, record.bytes());
 }
 
-void Exchange::setAddressWhere(const char* other, std::string_view argument, const MacAddress& address)
+void CommandRequest::setAddressWhere(const char* other, std::string_view argument, const MacAddress& address)
 {
     const contract::Row row = contract::find(other);
     const Argument* place = row ? row.command->argument(argument) : nullptr;
@@ -180,7 +180,7 @@ void Exchange::setAddressWhere(const char* other, std::string_view argument, con
     std::memcpy(message_ + place->offset, address.data(), address.size());
 }
 
-void Exchange::setStatus(std::uint32_t status)
+void CommandRequest::setStatus(std::uint32_t status)
 {
     setWord(command_.status, status);
 }
