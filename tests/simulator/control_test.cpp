@@ -24,82 +24,82 @@ TEST_F(ControlTest, PublishesWhatItIsGiven)
     message.event = TARN_EVT_AP_ASSOCIATED_CHANGED;
     message.length = 3;
     std::memcpy(message.data, "abc", 3);
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_PUBLISH, message));
-    EXPECT_EQ(TARN_GATEWAY_OK, message.status);
-    EXPECT_EQ(0U, message.subscribers);
+    EXPECT_EQ(send(TARN_GATEWAY_PUBLISH, message), KOR_IIL_OK);
+    EXPECT_EQ(message.status, TARN_GATEWAY_OK);
+    EXPECT_EQ(message.subscribers, 0u);
 
     subscribe(TARN_EVT_AP_ASSOCIATED_CHANGED);
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_PUBLISH, message));
-    EXPECT_EQ(1U, message.subscribers);
+    EXPECT_EQ(send(TARN_GATEWAY_PUBLISH, message), KOR_IIL_OK);
+    EXPECT_EQ(message.subscribers, 1u);
     const ReceivedEvent event = nextEvent();
-    EXPECT_EQ(TARN_EVT_AP_ASSOCIATED_CHANGED, event.event);
-    EXPECT_EQ((std::vector<std::uint8_t>{'a', 'b', 'c'}), event.data);
+    EXPECT_EQ(event.event, TARN_EVT_AP_ASSOCIATED_CHANGED);
+    EXPECT_EQ(event.data, (std::vector<std::uint8_t>{'a', 'b', 'c'}));
 }
 
 TEST_F(ControlTest, RefusesToPublishWhatItCannot)
 {
     TarnGatewayPublish message = {};
-    for (const std::uint32_t event : {0U, 6U})
+    for (const std::uint32_t event : {0u, 6u})
     {
         message.event = event;
-        EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_PUBLISH, message));
-        EXPECT_EQ(TARN_GATEWAY_NO_SUCH_OBJECT, message.status);
+        EXPECT_EQ(send(TARN_GATEWAY_PUBLISH, message), KOR_IIL_OK);
+        EXPECT_EQ(message.status, TARN_GATEWAY_NO_SUCH_OBJECT);
     }
     message.event = 1;
     message.length = TARN_GATEWAY_PUBLISH_DATA_SIZE + 1;
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_PUBLISH, message));
-    EXPECT_EQ(TARN_GATEWAY_INVALID_VALUE, message.status);
+    EXPECT_EQ(send(TARN_GATEWAY_PUBLISH, message), KOR_IIL_OK);
+    EXPECT_EQ(message.status, TARN_GATEWAY_INVALID_VALUE);
 }
 
 TEST_F(ControlTest, StateIsReadAsAWholeAndInPart)
 {
     const Json whole = state("");
-    EXPECT_EQ(2U, whole["radios"].size());
+    EXPECT_EQ(whole["radios"].size(), 2u);
     EXPECT_EQ(whole["radios"][0]["channel"], state("/radios/0/channel"));
-    EXPECT_EQ("eu", state("/radios/1/country"));
+    EXPECT_EQ(state("/radios/1/country"), "eu");
 }
 
 TEST_F(ControlTest, StateHasNothingWhereNothingIs)
 {
     const auto message = std::make_unique<TarnGatewayReadState>();
     std::strcpy(message->path, "/radios/2");
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_READ_STATE, *message));
-    EXPECT_EQ(TARN_GATEWAY_NO_SUCH_OBJECT, message->status);
+    EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
+    EXPECT_EQ(message->status, TARN_GATEWAY_NO_SUCH_OBJECT);
     std::strcpy(message->path, "radios");
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_READ_STATE, *message));
-    EXPECT_EQ(TARN_GATEWAY_INVALID_VALUE, message->status);
+    EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
+    EXPECT_EQ(message->status, TARN_GATEWAY_INVALID_VALUE);
     std::memset(message->path, 'x', sizeof message->path); // not terminated
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_READ_STATE, *message));
-    EXPECT_EQ(TARN_GATEWAY_INVALID_VALUE, message->status);
+    EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
+    EXPECT_EQ(message->status, TARN_GATEWAY_INVALID_VALUE);
     for (const char* path : {"/radios/x", "/radios/0/channel/0"})
     {
         std::strcpy(message->path, path);
-        EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_READ_STATE, *message));
-        EXPECT_EQ(TARN_GATEWAY_NO_SUCH_OBJECT, message->status) << path;
+        EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
+        EXPECT_EQ(message->status, TARN_GATEWAY_NO_SUCH_OBJECT) << path;
     }
 }
 
 // Whatever a caller has set, the state is JSON text.
 TEST_F(ControlTest, StateShowsBytesThatAreNoText)
 {
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", "caf\xe9\\"));
-    EXPECT_EQ("caf\\xe9\\\\", state("/radios/0/interfaces/0/ssid"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", "caf\xe9\\"), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/ssid"), "caf\\xe9\\\\");
 }
 
 TEST_F(ControlTest, OddRequestsAreToldSo)
 {
     std::uint8_t message[8] = {};
-    EXPECT_EQ(KOR_IIL_UNKNOWN_CMD, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 3, sizeof message, message));
-    EXPECT_EQ(KOR_IIL_MISMATCH_CMD_LEN, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 0, sizeof message, message));
-    EXPECT_EQ(KOR_IIL_MISMATCH_CMD_LEN, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 1, sizeof message, message));
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 3, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 0, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 1, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
 }
 
 TEST_F(ControlTest, ShutDownIsAskedForOnce)
 {
     std::string path = ::testing::TempDir() + "simulator-XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(path.data()));
+    ASSERT_NE(mkdtemp(path.data()), nullptr);
     const std::string before = std::getenv("KORIIL_DIR");
-    ASSERT_EQ(0, setenv("KORIIL_DIR", path.c_str(), 1));
+    ASSERT_EQ(setenv("KORIIL_DIR", path.c_str(), 1), 0);
     const ManualClock clock;
     tarn::simulator::Model model(clock);
     tarn::simulator::readDefaultScenario(model);
@@ -107,11 +107,11 @@ TEST_F(ControlTest, ShutDownIsAskedForOnce)
     tarn::simulator::Gateway other(model, [&] { ++asked; });
     other.start();
     TarnGatewayShutDown message = {};
-    EXPECT_EQ(KOR_IIL_OK, send(TARN_GATEWAY_SHUT_DOWN, message));
-    EXPECT_EQ(TARN_GATEWAY_OK, message.status);
-    EXPECT_EQ(1, asked);
+    EXPECT_EQ(send(TARN_GATEWAY_SHUT_DOWN, message), KOR_IIL_OK);
+    EXPECT_EQ(message.status, TARN_GATEWAY_OK);
+    EXPECT_EQ(asked, 1);
     other.stop();
-    EXPECT_EQ(KOR_IIL_UNKNOWN_DST_ID, send(TARN_GATEWAY_SHUT_DOWN, message));
+    EXPECT_EQ(send(TARN_GATEWAY_SHUT_DOWN, message), KOR_IIL_UNKNOWN_DST_ID);
     setenv("KORIIL_DIR", before.c_str(), 1);
     std::filesystem::remove_all(path);
 }
@@ -129,9 +129,9 @@ TEST_F(ControlTest, SecondGatewayIsTurnedAway)
     }
     catch (const tarn::simulator::GatewayError& error)
     {
-        EXPECT_STREQ("the identifier TARN is taken: another gateway runs in this runtime directory", error.what());
+        EXPECT_STREQ(error.what(), "the identifier TARN is taken: another gateway runs in this runtime directory");
     }
-    EXPECT_EQ(3U, stationCount()); // the first one goes on
+    EXPECT_EQ(stationCount(), 3u); // the first one goes on
 }
 
 } // namespace simulator_test

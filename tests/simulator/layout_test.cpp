@@ -3,8 +3,8 @@
 #include "contract/contract.h"
 #include "simulator/handlers.h"
 #include "simulator/layout.h"
-#include "simulator/reply_status.h"
 #include "simulator/records.h"
+#include "simulator/reply_status.h"
 #include "simulator/scenario.h"
 
 #include <set>
@@ -19,28 +19,28 @@ namespace contract = tarn::contract;
 
 TEST(LayoutTest, EveryRecordOfTheContractHasOneOfItsSize)
 {
-    for (const contract::Contract& each : contract::all())
+    for (const contract::Contract& service : contract::all())
     {
-        for (const contract::Record& record : each.records)
-            EXPECT_EQ(record.size, tarn::simulator::layout(record.name).size) << record.name;
-        for (const contract::Event& event : each.events)
-            EXPECT_LT(0U, tarn::simulator::layout(event.name).size) << event.name;
+        for (const contract::Record& record : service.records)
+            EXPECT_EQ(tarn::simulator::layout(record.name).size, record.size) << record.name;
+        for (const contract::Event& event : service.events)
+            EXPECT_GT(tarn::simulator::layout(event.name).size, 0u) << event.name;
     }
 }
 
-// What stands for no record is named FUNCTION.ARGUMENT, and is as long as that argument.
+// A layout of no record is named FUNCTION.ARGUMENT, and is as long as that argument.
 TEST(LayoutTest, EveryOtherLayoutIsOfAnArgument)
 {
-    for (const Layout& each : layouts())
+    for (const Layout& entry : layouts())
     {
-        const std::size_t dot = each.name.find('.');
-        if (dot == std::string::npos || each.name == "tarn_qcsapi_set_params.set_params.entry")
+        const std::size_t dot = entry.name.find('.');
+        if (dot == std::string::npos || entry.name == "tarn_qcsapi_set_params.set_params.entry")
             continue;
-        const contract::Row row = contract::find(each.name.substr(0, dot));
-        ASSERT_TRUE(row) << each.name;
-        const contract::Argument* argument = row.command->argument(each.name.substr(dot + 1));
-        ASSERT_NE(nullptr, argument) << each.name;
-        EXPECT_EQ(argument->size, each.size) << each.name;
+        const contract::Row row = contract::find(entry.name.substr(0, dot));
+        ASSERT_TRUE(row) << entry.name;
+        const contract::Argument* argument = row.command->argument(entry.name.substr(dot + 1));
+        ASSERT_NE(argument, nullptr) << entry.name;
+        EXPECT_EQ(entry.size, argument->size) << entry.name;
     }
 }
 
@@ -62,13 +62,13 @@ TEST(LayoutTest, EveryFieldOfAConfigurationIsASetting)
         const tarn::simulator::Settings settings(properties);
         for (const tarn::simulator::Field& field : tarn::simulator::layout(name).fields)
         {
-            ASSERT_NE(nullptr, settings.property(field.name)) << name << ' ' << field.name;
+            ASSERT_NE(settings.property(field.name), nullptr) << name << ' ' << field.name;
             EXPECT_EQ(field.type == tarn::simulator::FieldType::kText, settings.property(field.name)->isText()) << field.name;
         }
     }
 }
 
-// A field that nothing is ever written to would be one that the documentation promises in vain.
+// No field is left unwritten: layouts.json documents each of them.
 TEST(LayoutTest, EveryFieldOfADescriptionIsFilled)
 {
     const ManualClock clock;
@@ -81,28 +81,28 @@ TEST(LayoutTest, EveryFieldOfADescriptionIsFilled)
 
     Record record = blank("TarnRadioData");
     fillRadio(record, radio);
-    EXPECT_EQ(none, record.untouched());
+    EXPECT_EQ(record.untouched(), none);
     record = blank("TarnNeighborBss");
     fillNeighbour(record, radio.neighbours.front());
-    EXPECT_EQ(none, record.untouched());
+    EXPECT_EQ(record.untouched(), none);
     record = blank("TarnSsidIntfData");
     fillInterface(record, interface);
-    EXPECT_EQ(none, record.untouched());
+    EXPECT_EQ(record.untouched(), none);
     record = blank("TarnAccessPointData");
     fillAccessPoint(record, interface);
-    EXPECT_EQ(none, record.untouched());
+    EXPECT_EQ(record.untouched(), none);
     record = blank("TarnAccessPointWpsData");
     fillWps(record, model, interface);
-    EXPECT_EQ(none, record.untouched());
+    EXPECT_EQ(record.untouched(), none);
     record = blank("TarnAccessPointAssociatedData");
     fillStation(record, model, interface, interface.stations.front());
-    EXPECT_EQ(std::vector<std::string>{"name"}, record.untouched());
+    EXPECT_EQ(record.untouched(), std::vector<std::string>{"name"});
     for (const char* name : {"TarnAccessPointSecurityData", "TarnQuantennaSmartWiFiQslData"})
     {
         record = blank(name);
         record.fill(interface.settings);
         record.fill(model.smartWiFi.domains.front().settings);
-        EXPECT_EQ(none, record.untouched()) << name;
+        EXPECT_EQ(record.untouched(), none) << name;
     }
 }
 
@@ -111,9 +111,9 @@ TEST(LayoutTest, RecordKeepsWhatItIsGiven)
     Record record = blank("TarnSsidIntfCfg");
     record.setText("ssid", std::string(40, 'x'));
     record.setNumber("hidden", 0x101);
-    EXPECT_EQ(std::string(32, 'x'), record.text("ssid")); // cut, and terminated
-    EXPECT_EQ(1U, record.number("hidden"));
-    EXPECT_EQ(0U, record.number("priority"));
+    EXPECT_EQ(record.text("ssid"), std::string(32, 'x')); // cut, and terminated
+    EXPECT_EQ(record.number("hidden"), 1u);
+    EXPECT_EQ(record.number("priority"), 0u);
     EXPECT_THROW(record.number("ssid"), std::logic_error);
     EXPECT_THROW(record.number("nothing"), std::logic_error);
     EXPECT_THROW(Record(tarn::simulator::layout("TarnSsidIntfCfg"), std::vector<std::uint8_t>(39)), std::logic_error);
@@ -121,8 +121,8 @@ TEST(LayoutTest, RecordKeepsWhatItIsGiven)
 
     Record power = blank("TarnGetRadioQuantennaCurrentTransmitPower.power");
     power.setSigned("chain1", -5);
-    EXPECT_EQ(-5, power.signedNumber("chain1"));
-    EXPECT_EQ(0, power.signedNumber("chain0"));
+    EXPECT_EQ(power.signedNumber("chain1"), -5);
+    EXPECT_EQ(power.signedNumber("chain0"), 0);
 }
 
 TEST(LayoutTest, RecordBecomesTheChangesThatAreSelected)
@@ -130,11 +130,11 @@ TEST(LayoutTest, RecordBecomesTheChangesThatAreSelected)
     Record record = blank("TarnSsidIntfCfg");
     record.setText("ssid", "a");
     record.setNumber("enabled", 1);
-    EXPECT_EQ(5U, record.changes(0).size());
+    EXPECT_EQ(record.changes(0).size(), 5u);
     const tarn::simulator::Changes changes = record.changes(0x11);
-    ASSERT_EQ(2U, changes.size());
-    EXPECT_EQ("ssid", changes[0].first);
-    EXPECT_EQ("enabled", changes[1].first);
+    ASSERT_EQ(changes.size(), 2u);
+    EXPECT_EQ(changes[0].first, "ssid");
+    EXPECT_EQ(changes[1].first, "enabled");
     EXPECT_THROW(record.changes(0x20), tarn::simulator::Refused);
 }
 
@@ -154,21 +154,21 @@ TEST(LayoutTest, UnsoundLayoutsAreRefused)
         }
         return "";
     };
-    EXPECT_EQ("", errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "number"})"));
-    EXPECT_EQ("layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes",
-              errorOf(R"({"name": "b", "offset": 0, "size": 4, "type": "number"})"));
-    EXPECT_EQ("layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes",
-              errorOf(R"({"name": "b", "offset": 4, "size": 5, "type": "bytes"})"));
-    EXPECT_EQ("layouts: /records/R/fields/1/name: expected a name that no earlier field has",
-              errorOf(R"({"name": "a", "offset": 4, "size": 4, "type": "number"})"));
-    EXPECT_EQ("layouts: /records/R/fields/1: expected a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 "
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "number"})"), "");
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 0, "size": 4, "type": "number"})"),
+              "layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes");
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 5, "type": "bytes"})"),
+              "layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes");
+    EXPECT_EQ(errorOf(R"({"name": "a", "offset": 4, "size": 4, "type": "number"})"),
+              "layouts: /records/R/fields/1/name: expected a name that no earlier field has");
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 5, "size": 2, "type": "number"})"),
+              "layouts: /records/R/fields/1: expected a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 "
               "bytes, or a "
-              "text or bytes of at least 1",
-              errorOf(R"({"name": "b", "offset": 5, "size": 2, "type": "number"})"));
-    EXPECT_EQ("layouts: /records/R/fields/1/type: expected one of number, signed, text, bytes, address",
-              errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "word"})"));
-    EXPECT_EQ("layouts: /records/R/fields/1: expected an object with \"size\"",
-              errorOf(R"({"name": "b", "offset": 4, "type": "text"})"));
+              "text or bytes of at least 1");
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "word"})"),
+              "layouts: /records/R/fields/1/type: expected one of number, signed, text, bytes, address");
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "type": "text"})"),
+              "layouts: /records/R/fields/1: expected an object with \"size\"");
     EXPECT_THROW(parseLayouts("{"), std::runtime_error);
 }
 

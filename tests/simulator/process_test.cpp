@@ -118,8 +118,8 @@ protected:
     void SetUp() override
     {
         directory_ = ::testing::TempDir() + "simulator-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(directory_.data()));
-        ASSERT_EQ(0, setenv("KORIIL_DIR", directory_.c_str(), 1));
+        ASSERT_NE(mkdtemp(directory_.data()), nullptr);
+        ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
     }
 
     void TearDown() override
@@ -138,76 +138,76 @@ TEST_F(ProcessTest, ServesUntilItIsTerminated)
     for (const int signal : {SIGTERM, SIGINT})
     {
         Program gateway({"--directory", directory_});
-        ASSERT_EQ("ready", gateway.line());
+        ASSERT_EQ(gateway.line(), "ready");
         std::uint32_t number = 0;
-        EXPECT_EQ(kDone, CALL(TarnGetRadioNum)(&number));
-        EXPECT_EQ(2U, number);
+        EXPECT_EQ(CALL(TarnGetRadioNum)(&number), kDone);
+        EXPECT_EQ(number, 2u);
         std::uint32_t status = 99;
-        EXPECT_EQ(kDone, CALL(tarn_qtn_mirror_get_mirror_status)(&status));
+        EXPECT_EQ(CALL(tarn_qtn_mirror_get_mirror_status)(&status), kDone);
         gateway.signal(signal);
-        EXPECT_EQ(0, gateway.wait());
-        EXPECT_EQ("", gateway.rest());
-        EXPECT_EQ(TARN_FAILED, CALL(TarnGetRadioNum)(&number));
+        EXPECT_EQ(gateway.wait(), 0);
+        EXPECT_EQ(gateway.rest(), "");
+        EXPECT_EQ(CALL(TarnGetRadioNum)(&number), TARN_FAILED);
     }
 }
 
 TEST_F(ProcessTest, PlaysTheScenarioItIsGiven)
 {
     Program gateway({"--scenario", CROWDED_SCENARIO});
-    ASSERT_EQ("ready", gateway.line());
+    ASSERT_EQ(gateway.line(), "ready");
     char version[65];
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_firmware_get_version)(version, sizeof version));
-    EXPECT_STREQ("5.3.9-crowded", version);
+    EXPECT_EQ(CALL(tarn_qcsapi_firmware_get_version)(version, sizeof version), kDone);
+    EXPECT_STREQ(version, "5.3.9-crowded");
 }
 
 TEST_F(ProcessTest, ShutsDownWhenItIsAskedTo)
 {
     Program gateway({});
-    ASSERT_EQ("ready", gateway.line());
+    ASSERT_EQ(gateway.line(), "ready");
     TarnGatewayShutDown message = {};
     message.status = 99;
-    EXPECT_EQ(KOR_IIL_OK, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_SHUT_DOWN, sizeof message, &message));
-    EXPECT_EQ(TARN_GATEWAY_OK, message.status);
-    EXPECT_EQ(0, gateway.wait());
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_SHUT_DOWN, sizeof message, &message), KOR_IIL_OK);
+    EXPECT_EQ(message.status, TARN_GATEWAY_OK);
+    EXPECT_EQ(gateway.wait(), 0);
 }
 
 TEST_F(ProcessTest, SaysReadyWhereItIsTold)
 {
     Program gateway({"--ready-fd", "2"});
-    EXPECT_EQ("ready", gateway.line());
+    EXPECT_EQ(gateway.line(), "ready");
     Program closed({"--directory", directory_ + "/other", "--ready-fd", "77"});
-    EXPECT_EQ("tarn-gateway: descriptor 77 cannot be written to: Bad file descriptor; expected one that is open for writing",
-              closed.line());
-    EXPECT_EQ(1, closed.wait());
+    EXPECT_EQ(closed.line(),
+              "tarn-gateway: descriptor 77 cannot be written to: Bad file descriptor; expected one that is open for writing");
+    EXPECT_EQ(closed.wait(), 1);
 }
 
 TEST_F(ProcessTest, SecondOneSaysThatTheNameIsTaken)
 {
     Program first({});
-    ASSERT_EQ("ready", first.line());
+    ASSERT_EQ(first.line(), "ready");
     Program second({});
-    EXPECT_EQ("tarn-gateway: the identifier TARN is taken: another gateway runs in this runtime directory", second.line());
-    EXPECT_EQ(1, second.wait());
+    EXPECT_EQ(second.line(), "tarn-gateway: the identifier TARN is taken: another gateway runs in this runtime directory");
+    EXPECT_EQ(second.wait(), 1);
 }
 
 TEST_F(ProcessTest, WrongUsageIsToldSo)
 {
     Program unknown({"--seed", "1"});
-    EXPECT_NE(std::string::npos, unknown.rest().find("--seed"));
-    EXPECT_EQ(2, unknown.wait());
+    EXPECT_NE(unknown.rest().find("--seed"), std::string::npos);
+    EXPECT_EQ(unknown.wait(), 2);
     Program negative({"--ready-fd", "-1"});
-    EXPECT_NE(std::string::npos, negative.rest().find("ready-fd"));
-    EXPECT_EQ(2, negative.wait());
+    EXPECT_NE(negative.rest().find("ready-fd"), std::string::npos);
+    EXPECT_EQ(negative.wait(), 2);
     Program missing({"--scenario", directory_ + "/none.json"});
-    EXPECT_EQ("tarn-gateway: " + directory_ + "/none.json: cannot be read, or is empty; expected a scenario file",
-              missing.line());
-    EXPECT_EQ(1, missing.wait());
+    EXPECT_EQ(missing.line(),
+              "tarn-gateway: " + directory_ + "/none.json: cannot be read, or is empty; expected a scenario file");
+    EXPECT_EQ(missing.wait(), 1);
     Program help({"--help"});
-    EXPECT_NE(std::string::npos, help.rest().find("--scenario FILE"));
-    EXPECT_EQ(0, help.wait());
+    EXPECT_NE(help.rest().find("--scenario FILE"), std::string::npos);
+    EXPECT_EQ(help.wait(), 0);
     Program version({"--version"});
-    EXPECT_EQ(0U, version.line().find("tarn-gateway "));
-    EXPECT_EQ(0, version.wait());
+    EXPECT_EQ(version.line().find("tarn-gateway "), 0u);
+    EXPECT_EQ(version.wait(), 0);
 }
 
 } // namespace simulator_test

@@ -44,120 +44,120 @@ TEST_F(ProxyInterfaceTest, NumbersAreStoredForTheirInterfaceAlone)
          "priority", 3, 4},
     };
 #undef SETS
-    for (const StoredNumber& each : kNumbers)
+    for (const StoredNumber& number : kNumbers)
     {
-        const std::string path = std::string("/radios/0/interfaces/0/") + each.setting;
-        const std::string neighbour = std::string("/radios/0/interfaces/1/") + each.setting;
+        const std::string path = std::string("/radios/0/interfaces/0/") + number.setting;
+        const std::string neighbour = std::string("/radios/0/interfaces/1/") + number.setting;
         const Json before = state(neighbour);
-        EXPECT_NE(each.good, state(path)) << each.setting;
-        EXPECT_EQ(kDone, each.set("wifi0", each.good)) << each.setting;
-        EXPECT_EQ(each.good, state(path)) << each.setting;
-        EXPECT_EQ(kModuleInvalidValue, each.set("wifi0", each.bad)) << each.setting;
-        EXPECT_EQ(each.good, state(path)) << each.setting;
-        EXPECT_EQ(kModuleNoSuchObject, each.set("wifi9", each.good)) << each.setting;
-        EXPECT_EQ(before, state(neighbour)) << each.setting;
+        EXPECT_NE(state(path), number.good) << number.setting;
+        EXPECT_EQ(number.set("wifi0", number.good), kDone) << number.setting;
+        EXPECT_EQ(state(path), number.good) << number.setting;
+        EXPECT_EQ(number.set("wifi0", number.bad), kModuleInvalidValue) << number.setting;
+        EXPECT_EQ(state(path), number.good) << number.setting;
+        EXPECT_EQ(number.set("wifi9", number.good), kModuleNoSuchObject) << number.setting;
+        EXPECT_EQ(state(neighbour), before) << number.setting;
     }
 }
 
 TEST_F(ProxyInterfaceTest, TextsAreStored)
 {
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", "renamed"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", "renamed"), kDone);
     TarnSsidIntfData raw;
-    EXPECT_EQ(kDone, CALL(TarnGetSsidIntf)(1, 1, &raw));
-    EXPECT_EQ("renamed", recordOf("TarnSsidIntfData", raw).text("ssid"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", ""));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_mcs_rate)("wifi0", "MCS7"));
-    EXPECT_EQ("MCS7", state("/radios/0/interfaces/0/mcsRate"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_mcs_rate)("wifi0", ""));
+    EXPECT_EQ(CALL(TarnGetSsidIntf)(1, 1, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnSsidIntfData", raw).text("ssid"), "renamed");
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", ""), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_mcs_rate)("wifi0", "MCS7"), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/mcsRate"), "MCS7");
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_mcs_rate)("wifi0", ""), kModuleInvalidValue);
 }
 
 Record security()
 {
     TarnAccessPointSecurityData raw;
-    EXPECT_EQ(kDone, CALL(TarnGetAccessPointSecurity)(1, 1, &raw));
+    EXPECT_EQ(CALL(TarnGetAccessPointSecurity)(1, 1, &raw), kDone);
     return recordOf("TarnAccessPointSecurityData", raw);
 }
 
 TEST_F(ProxyInterfaceTest, SecurityIsTheDeviceServicesToo)
 {
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa3"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_WPA_authentication_mode)("wifi0", "sae"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_WPA_encryption_modes)("wifi0", "tkip-aes"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_key_passphrase)("wifi0", "a better one"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_group_key_interval)("wifi0", 60));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 2));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa3"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_WPA_authentication_mode)("wifi0", "sae"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_WPA_encryption_modes)("wifi0", "tkip-aes"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_key_passphrase)("wifi0", "a better one"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_group_key_interval)("wifi0", 60), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 2), kDone);
     const Record data = security();
-    EXPECT_EQ("wpa3", data.text("beaconType"));
-    EXPECT_EQ("sae", data.text("authenticationMode"));
-    EXPECT_EQ("tkip-aes", data.text("encryptionModes"));
-    EXPECT_EQ("a better one", data.text("passphrase"));
-    EXPECT_EQ(60U, data.number("groupKeyInterval"));
-    EXPECT_EQ(2U, data.number("pmf"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa9"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_key_passphrase)("wifi0", "short"));
+    EXPECT_EQ(data.text("beaconType"), "wpa3");
+    EXPECT_EQ(data.text("authenticationMode"), "sae");
+    EXPECT_EQ(data.text("encryptionModes"), "tkip-aes");
+    EXPECT_EQ(data.text("passphrase"), "a better one");
+    EXPECT_EQ(data.number("groupKeyInterval"), 60u);
+    EXPECT_EQ(data.number("pmf"), 2u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa9"), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_key_passphrase)("wifi0", "short"), kModuleInvalidValue);
 }
 
 TEST_F(ProxyInterfaceTest, DeferredSecurityWaitsToBeApplied)
 {
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_security_defer_mode)("wifi0", 1));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa3"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 2));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 9)); // what could not be applied is refused at once
-    EXPECT_EQ("wpa2", security().text("beaconType"));
-    EXPECT_EQ("wpa3", state("/radios/0/interfaces/0/deferredSecurity/beaconType"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_apply_security_config)("wifi0"));
-    EXPECT_EQ("wpa3", security().text("beaconType"));
-    EXPECT_EQ(2U, security().number("pmf"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_security_defer_mode)("wifi0", 1), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa3"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 2), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 9), kModuleInvalidValue); // what could not be applied is refused at once
+    EXPECT_EQ(security().text("beaconType"), "wpa2");
+    EXPECT_EQ(state("/radios/0/interfaces/0/deferredSecurity/beaconType"), "wpa3");
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_apply_security_config)("wifi0"), kDone);
+    EXPECT_EQ(security().text("beaconType"), "wpa3");
+    EXPECT_EQ(security().number("pmf"), 2u);
     EXPECT_TRUE(state("/radios/0/interfaces/0/deferredSecurity").empty());
-    EXPECT_EQ(kModuleNoSuchObject, CALL(tarn_qcsapi_wifi_apply_security_config)("wifi9"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_apply_security_config)("wifi9"), kModuleNoSuchObject);
 }
 
 TEST_F(ProxyInterfaceTest, ApPinIsSetAndSaved)
 {
     TarnAccessPointWpsData raw;
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wps_set_ap_pin)("wifi0", "12345678"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wps_set_ap_pin)("wifi0", "00000000"));
-    EXPECT_EQ(kDone, CALL(TarnGetAccessPointWps)(1, 1, &raw));
-    EXPECT_EQ("00000000", recordOf("TarnAccessPointWpsData", raw).text("wpsApPin"));
-    EXPECT_EQ("", recordOf("TarnAccessPointWpsData", raw).text("savedApPin"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wps_save_ap_pin)("wifi0"));
-    EXPECT_EQ(kDone, CALL(TarnGetAccessPointWps)(1, 1, &raw));
-    EXPECT_EQ("00000000", recordOf("TarnAccessPointWpsData", raw).text("savedApPin"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_set_ap_pin)("wifi0", "12345678"), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_set_ap_pin)("wifi0", "00000000"), kDone);
+    EXPECT_EQ(CALL(TarnGetAccessPointWps)(1, 1, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnAccessPointWpsData", raw).text("wpsApPin"), "00000000");
+    EXPECT_EQ(recordOf("TarnAccessPointWpsData", raw).text("savedApPin"), "");
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_save_ap_pin)("wifi0"), kDone);
+    EXPECT_EQ(CALL(TarnGetAccessPointWps)(1, 1, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnAccessPointWpsData", raw).text("savedApPin"), "00000000");
 }
 
 TEST_F(ProxyInterfaceTest, WpsParametersAreReadBack)
 {
     char text[129];
-    EXPECT_EQ(kModuleNotThere, CALL(tarn_qcsapi_wps_get_param)("wifi0", 3, text, sizeof text));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wps_set_param)("wifi0", 3, "label"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wps_get_param)("wifi0", 3, text, sizeof text));
-    EXPECT_STREQ("label", text);
-    EXPECT_EQ(kModuleNotThere, CALL(tarn_qcsapi_wps_get_param)("wifi1", 3, text, sizeof text));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wps_set_param)("wifi0", 0, "label"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wps_set_param)("wifi0", 33, "label"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_get_param)("wifi0", 3, text, sizeof text), kModuleNotThere);
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_set_param)("wifi0", 3, "label"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_get_param)("wifi0", 3, text, sizeof text), kDone);
+    EXPECT_STREQ(text, "label");
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_get_param)("wifi1", 3, text, sizeof text), kModuleNotThere);
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_set_param)("wifi0", 0, "label"), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wps_set_param)("wifi0", 33, "label"), kModuleInvalidValue);
 }
 
 TEST_F(ProxyInterfaceTest, NumberedValuesAreKept)
 {
     std::uint32_t value = 99;
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_get_parameter)(kWifi0, 5, &value));
-    EXPECT_EQ(0U, value);
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_parameter)(kWifi0, 5, 77));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_get_parameter)(kWifi0, 5, &value));
-    EXPECT_EQ(77U, value);
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_get_parameter)(kWifi1, 5, &value));
-    EXPECT_EQ(0U, value);
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_parameter)(kWifi0, 65, 77));
-    EXPECT_EQ(kModuleNoSuchObject, CALL(tarn_qcsapi_wifi_get_parameter)(kNobody, 5, &value));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_parameter)(kWifi0, 5, &value), kDone);
+    EXPECT_EQ(value, 0u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_parameter)(kWifi0, 5, 77), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_parameter)(kWifi0, 5, &value), kDone);
+    EXPECT_EQ(value, 77u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_parameter)(kWifi1, 5, &value), kDone);
+    EXPECT_EQ(value, 0u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_parameter)(kWifi0, 65, 77), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_parameter)(kNobody, 5, &value), kModuleNoSuchObject);
 
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_option)("wifi0", 2, 8));
-    EXPECT_EQ(8, state("/radios/0/interfaces/0/options/2"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_option)("wifi0", 33, 8));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_extender_params)("wifi0", 1, 9));
-    EXPECT_EQ(9, state("/radios/0/interfaces/0/extenderParameters/1"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_ac_agg_hold_time)(kWifi0, 0, 10));
-    EXPECT_EQ(10, state("/radios/0/interfaces/0/aggregationHoldTimes/0"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_ac_agg_hold_time)(kWifi0, 4, 10));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_option)("wifi0", 2, 8), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/options/2"), 8);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_option)("wifi0", 33, 8), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_extender_params)("wifi0", 1, 9), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/extenderParameters/1"), 9);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_ac_agg_hold_time)(kWifi0, 0, 10), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/aggregationHoldTimes/0"), 10);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_ac_agg_hold_time)(kWifi0, 4, 10), kModuleInvalidValue);
 }
 
 // Both travel as command 27: an interface name makes the one, an empty one the other.
@@ -166,55 +166,55 @@ TEST_F(ProxyInterfaceTest, DscpTableAndMapAreToldApart)
     std::uint8_t list[64];
     for (std::uint8_t i = 0; i < 64; ++i)
         list[i] = static_cast<std::uint8_t>(i % 4);
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_dscp_ac_table)(2, list, 1, 2));
-    EXPECT_EQ(1, state("/module/dscpTables/2/valueA"));
-    EXPECT_EQ(2, state("/module/dscpTables/2/valueB"));
-    EXPECT_EQ(3, state("/module/dscpTables/2/list/63"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_dscp_ac_table)(2, list, 1, 2), kDone);
+    EXPECT_EQ(state("/module/dscpTables/2/valueA"), 1);
+    EXPECT_EQ(state("/module/dscpTables/2/valueB"), 2);
+    EXPECT_EQ(state("/module/dscpTables/2/list/63"), 3);
     EXPECT_FALSE(state("/radios/0/interfaces/0").contains("dscpMap"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_dscp_ac_map)("wifi0", list, 255, 0));
-    EXPECT_EQ(255, state("/radios/0/interfaces/0/dscpMap/valueA"));
-    EXPECT_EQ(1, state("/radios/0/interfaces/0/dscpMap/list/1"));
-    EXPECT_EQ(1U, state("/module/dscpTables").size());
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_dscp_ac_map)("wifi0", list, 255, 0), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/dscpMap/valueA"), 255);
+    EXPECT_EQ(state("/radios/0/interfaces/0/dscpMap/list/1"), 1);
+    EXPECT_EQ(state("/module/dscpTables").size(), 1u);
 
     list[7] = 4; // no such access category
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_dscp_ac_map)("wifi0", list, 0, 0));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_dscp_ac_table)(8, list, 0, 0));
-    EXPECT_EQ(kModuleNoSuchObject, CALL(tarn_qcsapi_wifi_set_dscp_ac_map)("wifi9", list, 0, 0));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_dscp_ac_map)("wifi0", list, 0, 0), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_dscp_ac_table)(8, list, 0, 0), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_dscp_ac_map)("wifi9", list, 0, 0), kModuleNoSuchObject);
 }
 
 TEST_F(ProxyInterfaceTest, LimitsAndVlansAreKept)
 {
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(1, 20));
-    EXPECT_EQ(20, state("/module/groupLimits/1"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(16, 20));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_vlan_config)("wifi0", 1, 100));
-    EXPECT_EQ(1, state("/radios/0/interfaces/0/vlanCommand"));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(1, 20), kDone);
+    EXPECT_EQ(state("/module/groupLimits/1"), 20);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(16, 20), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_vlan_config)("wifi0", 1, 100), kDone);
+    EXPECT_EQ(state("/radios/0/interfaces/0/vlanCommand"), 1);
     TarnSsidIntfData raw;
-    EXPECT_EQ(kDone, CALL(TarnGetSsidIntf)(1, 1, &raw));
-    EXPECT_EQ(100U, recordOf("TarnSsidIntfData", raw).number("vlanId"));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_vlan_config)("wifi0", 2, 4095));
-    EXPECT_EQ(1, state("/radios/0/interfaces/0/vlanCommand"));
+    EXPECT_EQ(CALL(TarnGetSsidIntf)(1, 1, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnSsidIntfData", raw).number("vlanId"), 100u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_vlan_config)("wifi0", 2, 4095), kModuleInvalidValue);
+    EXPECT_EQ(state("/radios/0/interfaces/0/vlanCommand"), 1);
 }
 
 TEST_F(ProxyInterfaceTest, NewBssIsSeenByTheDeviceService)
 {
     std::uint32_t number = 0;
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi2", 1));
-    EXPECT_EQ(kModuleAlreadyThere, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi2", 1));
-    EXPECT_EQ(kModuleAlreadyThere, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wlan0", 1)); // taken by the other radio
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("", 1));
-    EXPECT_EQ(kModuleInvalidValue, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi3", 2));
-    EXPECT_EQ(kDone, CALL(TarnGetSsidIntfNum)(1, &number));
-    EXPECT_EQ(3U, number);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi2", 1), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi2", 1), kModuleAlreadyThere);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wlan0", 1), kModuleAlreadyThere); // taken by the other radio
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("", 1), kModuleInvalidValue);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi3", 2), kModuleInvalidValue);
+    EXPECT_EQ(CALL(TarnGetSsidIntfNum)(1, &number), kDone);
+    EXPECT_EQ(number, 3u);
     TarnSsidIntfData raw;
-    ASSERT_EQ(kDone, CALL(TarnGetSsidIntf)(1, 3, &raw));
-    EXPECT_EQ("wifi2", recordOf("TarnSsidIntfData", raw).text("name"));
-    EXPECT_EQ(1U, recordOf("TarnSsidIntfData", raw).number("enabled"));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_SSID)("wifi2", "third"));
-    EXPECT_EQ(0U, stationCount(1, 3));
+    ASSERT_EQ(CALL(TarnGetSsidIntf)(1, 3, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnSsidIntfData", raw).text("name"), "wifi2");
+    EXPECT_EQ(recordOf("TarnSsidIntfData", raw).number("enabled"), 1u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_SSID)("wifi2", "third"), kDone);
+    EXPECT_EQ(stationCount(1, 3), 0u);
     for (const char* name : {"wifi3", "wifi4", "wifi5", "wifi6", "wifi7"})
-        EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)(name, 0));
-    EXPECT_EQ(kModuleFull, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi8", 0));
+        EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)(name, 0), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi8", 0), kModuleFull);
 }
 
 } // namespace simulator_test

@@ -41,84 +41,84 @@ TEST(ScenarioTest, SmallestOneIsSound)
     Model model(clock);
     readScenario(scenario(), "f", model);
     model.start();
-    EXPECT_EQ(1U, model.radios.size());
-    EXPECT_EQ(36U, model.radio(1).settings.number("channel"));
-    EXPECT_EQ("wifi0", model.interfaceOf(1, 1).name);
+    EXPECT_EQ(model.radios.size(), 1u);
+    EXPECT_EQ(model.radio(1).settings.number("channel"), 36u);
+    EXPECT_EQ(model.interfaceOf(1, 1).name, "wifi0");
     EXPECT_TRUE(model.interfaceOf(1, 1).stations.empty());
 }
 
 TEST(ScenarioTest, ErrorsSayWhereAndWhatWasExpected)
 {
-    EXPECT_EQ("f: /radios/0/band: \"7GHz\"; expected one of 2.4GHz, 5GHz, 6GHz",
-              errorOf(R"({"scenario": 1, "radios": [{"name": "r", "band": "7GHz"}]})"));
-    EXPECT_EQ("f: /radios/0/channel: 37; expected one of 36 40 44 48 52 56 60 64 100 104 108 112, the channels of the 5GHz "
+    EXPECT_EQ(errorOf(R"({"scenario": 1, "radios": [{"name": "r", "band": "7GHz"}]})"),
+              "f: /radios/0/band: \"7GHz\"; expected one of 2.4GHz, 5GHz, 6GHz");
+    EXPECT_EQ(errorOf(scenario(R"(, "channel": 37)")),
+              "f: /radios/0/channel: 37; expected one of 36 40 44 48 52 56 60 64 100 104 108 112, the channels of the 5GHz "
               "band at 80 MHz "
-              "in country eu",
-              errorOf(scenario(R"(, "channel": 37)")));
-    EXPECT_EQ("f: /radios/0/bandwidth: 30; expected one of 20, 40, 80, 160", errorOf(scenario(R"(, "bandwidth": 30)")));
-    EXPECT_EQ("f: /radios/0/chains: 5; expected a number from 1 to 4", errorOf(scenario(R"(, "chains": 5)")));
-    EXPECT_EQ("f: /radios/0/chains: \"4\"; expected a number from 1 to 4", errorOf(scenario(R"(, "chains": "4")")));
-    EXPECT_EQ("f: /radios/0/chains: -1; expected a number from 1 to 4", errorOf(scenario(R"(, "chains": -1)")));
-    EXPECT_EQ("f: /radios/0/noise: 5; expected a number from -110 to -50", errorOf(scenario(R"(, "noise": 5)")));
-    EXPECT_EQ("f: /radios/0/supportsWds: 1; expected true or false", errorOf(scenario(R"(, "supportsWds": 1)")));
-    EXPECT_EQ("f: /radios/0/interfaces/0/ssid: \"\"; expected a text of 1 to 32 characters",
-              errorOf(scenario("", R"(, "ssid": "")")));
-    EXPECT_EQ("f: /radios/0/interfaces/0/ssid: 7; expected a text of 1 to 32 characters",
-              errorOf(scenario("", R"(, "ssid": 7)")));
-    EXPECT_EQ("f: /radios/0/interfaces/0/stations/0/address: missing; expected it to be there",
-              errorOf(scenario("", R"(, "stations": [{}])")));
-    EXPECT_EQ("f: /radios/0/interfaces/0/stations/0/address: \"02-00\"; expected a MAC address such as 02:00:00:00:01:05, no "
-              "group address",
-              errorOf(scenario("", R"(, "stations": [{ "address": "02-00" }])")));
-    EXPECT_EQ("f: /radios/0/interfaces/0/stations: 3; expected a list of objects", errorOf(scenario("", R"(, "stations": 3)")));
+              "in country eu");
+    EXPECT_EQ(errorOf(scenario(R"(, "bandwidth": 30)")), "f: /radios/0/bandwidth: 30; expected one of 20, 40, 80, 160");
+    EXPECT_EQ(errorOf(scenario(R"(, "chains": 5)")), "f: /radios/0/chains: 5; expected a number from 1 to 4");
+    EXPECT_EQ(errorOf(scenario(R"(, "chains": "4")")), "f: /radios/0/chains: \"4\"; expected a number from 1 to 4");
+    EXPECT_EQ(errorOf(scenario(R"(, "chains": -1)")), "f: /radios/0/chains: -1; expected a number from 1 to 4");
+    EXPECT_EQ(errorOf(scenario(R"(, "noise": 5)")), "f: /radios/0/noise: 5; expected a number from -110 to -50");
+    EXPECT_EQ(errorOf(scenario(R"(, "supportsWds": 1)")), "f: /radios/0/supportsWds: 1; expected true or false");
+    EXPECT_EQ(errorOf(scenario("", R"(, "ssid": "")")),
+              "f: /radios/0/interfaces/0/ssid: \"\"; expected a text of 1 to 32 characters");
+    EXPECT_EQ(errorOf(scenario("", R"(, "ssid": 7)")),
+              "f: /radios/0/interfaces/0/ssid: 7; expected a text of 1 to 32 characters");
+    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{}])")),
+              "f: /radios/0/interfaces/0/stations/0/address: missing; expected it to be there");
+    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02-00" }])")),
+              "f: /radios/0/interfaces/0/stations/0/address: \"02-00\"; expected a MAC address such as 02:00:00:00:01:05, no "
+              "group address");
+    EXPECT_EQ(errorOf(scenario("", R"(, "stations": 3)")), "f: /radios/0/interfaces/0/stations: 3; expected a list of objects");
     EXPECT_EQ(
+        errorOf(scenario("", R"(, "macFilter": ["02:00:00:00:00:01", "02:00:00:00:00:01"])")),
         "f: /radios/0/interfaces/0/macFilter: [\"02:00:00:00:00:01\",\"02:00:00:00:00:01\"]; expected a list of at most 32 MAC "
-        "addresses such as 02:00:00:00:01:05, each once",
-        errorOf(scenario("", R"(, "macFilter": ["02:00:00:00:00:01", "02:00:00:00:00:01"])")));
-    EXPECT_EQ("f: /timing/scanSeconds: -1; expected a number of seconds from 0 to 86400",
-              errorOf(scenario("", "", R"(, "timing": { "scanSeconds": -1 })")));
+        "addresses such as 02:00:00:00:01:05, each once");
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "timing": { "scanSeconds": -1 })")),
+              "f: /timing/scanSeconds: -1; expected a number of seconds from 0 to 86400");
     EXPECT_EQ(
-        "f: /smartWiFi/domains/0/id: \"xyz\"; expected a mobility domain, four hexadecimal digits, that no other domain has",
-        errorOf(scenario("", "", R"(, "smartWiFi": { "domains": [{ "id": "xyz" }] })")));
-    EXPECT_EQ("f: /module/scripts: [1]; expected a list of texts of at most 32 characters",
-              errorOf(scenario("", "", R"(, "module": { "scripts": [1] })")));
-    EXPECT_EQ("f: /module/bootParameters/a: 1; expected a text of at most 128 characters",
-              errorOf(scenario("", "", R"(, "module": { "bootParameters": { "a": 1 } })")));
+        errorOf(scenario("", "", R"(, "smartWiFi": { "domains": [{ "id": "xyz" }] })")),
+        "f: /smartWiFi/domains/0/id: \"xyz\"; expected a mobility domain, four hexadecimal digits, that no other domain has");
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "module": { "scripts": [1] })")),
+              "f: /module/scripts: [1]; expected a list of texts of at most 32 characters");
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "module": { "bootParameters": { "a": 1 } })")),
+              "f: /module/bootParameters/a: 1; expected a text of at most 128 characters");
 }
 
 TEST(ScenarioTest, UnknownKeysAreErrors)
 {
     const std::string error = errorOf(scenario(R"(, "chanel": 36)"));
-    EXPECT_EQ(0U, error.find("f: /radios/0/chanel: unknown key; expected one of name, band, ")) << error;
-    EXPECT_NE(std::string::npos, error.find(", channel, ")) << error;
-    EXPECT_EQ("f: /smartWifi: unknown key; expected one of scenario, description, supportsWfaAlliance, timing, service, "
+    EXPECT_EQ(error.find("f: /radios/0/chanel: unknown key; expected one of name, band, "), 0u) << error;
+    EXPECT_NE(error.find(", channel, "), std::string::npos) << error;
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "smartWifi": {})")),
+              "f: /smartWifi: unknown key; expected one of scenario, description, supportsWfaAlliance, timing, service, "
               "module, radios, "
-              "smartWiFi",
-              errorOf(scenario("", "", R"(, "smartWifi": {})")));
+              "smartWiFi");
 }
 
 TEST(ScenarioTest, TextThatIsNoScenarioIsRefused)
 {
-    EXPECT_EQ(0U, errorOf("{").find("f: byte "));
-    EXPECT_EQ("f: expected an object, { ... }", errorOf("[]"));
-    EXPECT_EQ("f: /scenario: missing; expected it to be there", errorOf("{}"));
-    EXPECT_EQ("f: /scenario: 2; expected a number from 1 to 1", errorOf(R"({"scenario": 2})"));
-    EXPECT_EQ("f: /radios: missing; expected 1 to 8 of them, at least one with \"onModule\": true",
-              errorOf(R"({"scenario": 1})"));
-    EXPECT_EQ("f: the key \"scenario\" stands twice in one object; expected it once",
-              errorOf(R"({"scenario": 1, "scenario": 1})"));
-    EXPECT_EQ("f: /radios/0/interfaces: missing; expected 1 to 8 of them",
-              errorOf(R"({"scenario": 1, "radios": [{"name": "r", "band": "5GHz"}]})"));
+    EXPECT_EQ(errorOf("{").find("f: byte "), 0u);
+    EXPECT_EQ(errorOf("[]"), "f: expected an object, { ... }");
+    EXPECT_EQ(errorOf("{}"), "f: /scenario: missing; expected it to be there");
+    EXPECT_EQ(errorOf(R"({"scenario": 2})"), "f: /scenario: 2; expected a number from 1 to 1");
+    EXPECT_EQ(errorOf(R"({"scenario": 1})"),
+              "f: /radios: missing; expected 1 to 8 of them, at least one with \"onModule\": true");
+    EXPECT_EQ(errorOf(R"({"scenario": 1, "scenario": 1})"),
+              "f: the key \"scenario\" stands twice in one object; expected it once");
+    EXPECT_EQ(errorOf(R"({"scenario": 1, "radios": [{"name": "r", "band": "5GHz"}]})"),
+              "f: /radios/0/interfaces: missing; expected 1 to 8 of them");
 }
 
 TEST(ScenarioTest, NamesAndAddressesStandForOneThing)
 {
-    EXPECT_EQ("f: the address 02:00:00:00:00:10 stands there twice; expected it once in the whole gateway",
-              errorOf(scenario("", R"(, "stations": [{ "address": "02:00:00:00:00:10" }])")));
+    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02:00:00:00:00:10" }])")),
+              "f: the address 02:00:00:00:00:10 stands there twice; expected it once in the whole gateway");
     const std::string second = R"(, { "name": "wifi0", "bssid": "02:00:00:00:00:11" } ] } ] })";
     std::string twice = scenario();
     twice.replace(twice.rfind(" ] } ] }"), std::string::npos, second);
-    EXPECT_EQ("f: the interface name wifi0 stands there twice; expected it once in the whole gateway", errorOf(twice));
+    EXPECT_EQ(errorOf(twice), "f: the interface name wifi0 stands there twice; expected it once in the whole gateway");
 }
 
 TEST(ScenarioTest, FileThatCannotBeReadIsToldSo)
@@ -133,7 +133,7 @@ TEST(ScenarioTest, FileThatCannotBeReadIsToldSo)
         }
         catch (const ScenarioError& error)
         {
-            EXPECT_EQ(path + ": cannot be read, or is empty; expected a scenario file", error.what());
+            EXPECT_EQ(error.what(), path + ": cannot be read, or is empty; expected a scenario file");
         }
 }
 
@@ -153,23 +153,23 @@ protected:
 TEST_F(CrowdedTest, IsPlayed)
 {
     std::uint32_t number = 0;
-    EXPECT_EQ(kDone, CALL(TarnGetRadioNum)(&number));
-    EXPECT_EQ(3U, number);
-    EXPECT_EQ(20U, stationCount(1, 1));
-    EXPECT_EQ(12U, stationCount(2, 1));
-    EXPECT_EQ(kDone, CALL(TarnAddAccessPointMacFilter)(1, 1, kStranger.data()));
-    EXPECT_EQ(kFull, CALL(TarnAddAccessPointMacFilter)(1, 1, kFirstStation.data()));
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi7", 1));
-    EXPECT_EQ(kModuleFull, CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi8", 1));
-    EXPECT_EQ(kDone, CALL(TarnScanRadioNeighborhood)(1));
+    EXPECT_EQ(CALL(TarnGetRadioNum)(&number), kDone);
+    EXPECT_EQ(number, 3u);
+    EXPECT_EQ(stationCount(1, 1), 20u);
+    EXPECT_EQ(stationCount(2, 1), 12u);
+    EXPECT_EQ(CALL(TarnAddAccessPointMacFilter)(1, 1, kStranger.data()), kDone);
+    EXPECT_EQ(CALL(TarnAddAccessPointMacFilter)(1, 1, kFirstStation.data()), kFull);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi7", 1), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_create_bss_with_ifstate)("wifi8", 1), kModuleFull);
+    EXPECT_EQ(CALL(TarnScanRadioNeighborhood)(1), kDone);
     passSeconds(1);
-    EXPECT_EQ(kDone, CALL(TarnGetRadioNeighboringResultNum)(1, &number));
-    EXPECT_EQ(30U, number);
+    EXPECT_EQ(CALL(TarnGetRadioNeighboringResultNum)(1, &number), kDone);
+    EXPECT_EQ(number, 30u);
 
     TarnRadioData raw;
-    EXPECT_EQ(kDone, CALL(TarnGetRadio)(3, &raw));
-    EXPECT_EQ("6GHz", recordOf("TarnRadioData", raw).text("band"));
-    EXPECT_EQ(37U, recordOf("TarnRadioData", raw).number("channel"));
+    EXPECT_EQ(CALL(TarnGetRadio)(3, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnRadioData", raw).text("band"), "6GHz");
+    EXPECT_EQ(recordOf("TarnRadioData", raw).number("channel"), 37u);
 }
 
 } // namespace simulator_test

@@ -13,34 +13,34 @@ TEST_F(SmartWiFiTest, DaemonIsSwitched)
 {
     std::uint32_t enable = 99;
     char version[65];
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiState)(&enable));
-    EXPECT_EQ(1U, enable);
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiVersion)(version));
-    EXPECT_STREQ("3.1.0-sim", version);
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiDaemonVersion)(version));
-    EXPECT_STREQ("3.1.4-sim", version);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiState)(&enable), kDone);
+    EXPECT_EQ(enable, 1u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiVersion)(version), kDone);
+    EXPECT_STREQ(version, "3.1.0-sim");
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiDaemonVersion)(version), kDone);
+    EXPECT_STREQ(version, "3.1.4-sim");
 
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiEnable)(0));
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiState)(&enable));
-    EXPECT_EQ(0U, enable);
-    EXPECT_EQ(kSwitchedOff, CALL(TarnResetQuantennaSmartWiFiDaemon)());
-    EXPECT_EQ(kSwitchedOff, CALL(TarnSyncQuantennaSmartWiFiBSSTable)());
-    EXPECT_EQ(kSwitchedOff, CALL(TarnDoQuantennaSmartWiFiCfgPropagation)());
-    EXPECT_EQ(kInvalidValue, CALL(TarnSetQuantennaSmartWiFiEnable)(2));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiEnable)(0), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiState)(&enable), kDone);
+    EXPECT_EQ(enable, 0u);
+    EXPECT_EQ(CALL(TarnResetQuantennaSmartWiFiDaemon)(), kSwitchedOff);
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiBSSTable)(), kSwitchedOff);
+    EXPECT_EQ(CALL(TarnDoQuantennaSmartWiFiCfgPropagation)(), kSwitchedOff);
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiEnable)(2), kInvalidValue);
 
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_service_control)(2, 1)); // the module's switch of the same daemon
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiState)(&enable));
-    EXPECT_EQ(1U, enable);
+    EXPECT_EQ(CALL(tarn_qcsapi_service_control)(2, 1), kDone); // the module's switch of the same daemon
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiState)(&enable), kDone);
+    EXPECT_EQ(enable, 1u);
 }
 
 TEST_F(SmartWiFiTest, BindingInterfaceMustBeThere)
 {
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiBindingInterface)("wlan0"));
-    EXPECT_EQ("wlan0", state("/module/smartWiFiInterface"));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnSetQuantennaSmartWiFiBindingInterface)("wlan7"));
-    EXPECT_EQ("wlan0", state("/module/smartWiFiInterface"));
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiBindingInterface)(""));
-    EXPECT_EQ("", state("/module/smartWiFiInterface"));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiBindingInterface)("wlan0"), kDone);
+    EXPECT_EQ(state("/module/smartWiFiInterface"), "wlan0");
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiBindingInterface)("wlan7"), kNoSuchObject);
+    EXPECT_EQ(state("/module/smartWiFiInterface"), "wlan0");
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiBindingInterface)(""), kDone);
+    EXPECT_EQ(state("/module/smartWiFiInterface"), "");
 }
 
 TEST_F(SmartWiFiTest, QcommConfigurationIsReadBack)
@@ -51,45 +51,45 @@ TEST_F(SmartWiFiTest, QcommConfigurationIsReadBack)
     cfg.setNumber("qcommPort", 1234);
     cfg.setNumber("qcommIntervalSeconds", 60);
     cfg.setText("qcommKey", "secret");
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiQcommCfg)(0, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg)));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQcommCfg)(0, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg)), kDone);
     TarnQuantennaSmartWiFiQcommData raw;
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiQcomm)(&raw));
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQcomm)(&raw), kDone);
     const Record data = recordOf("TarnQuantennaSmartWiFiQcommData", raw);
-    EXPECT_EQ(2U, data.number("qcommRole"));
-    EXPECT_EQ(1234U, data.number("qcommPort"));
-    EXPECT_EQ(60U, data.number("qcommIntervalSeconds"));
-    EXPECT_EQ("secret", data.text("qcommKey"));
-    EXPECT_EQ(2U, data.number("slaveDevices"));
-    EXPECT_EQ(0x02, data.block("slaveAddresses")[0]);
+    EXPECT_EQ(data.number("qcommRole"), 2u);
+    EXPECT_EQ(data.number("qcommPort"), 1234u);
+    EXPECT_EQ(data.number("qcommIntervalSeconds"), 60u);
+    EXPECT_EQ(data.text("qcommKey"), "secret");
+    EXPECT_EQ(data.number("slaveDevices"), 2u);
+    EXPECT_EQ(data.block("slaveAddresses")[0], 0x02);
 
     cfg.setNumber("qcommPort", 0);
-    EXPECT_EQ(kInvalidValue, CALL(TarnSetQuantennaSmartWiFiQcommCfg)(0, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg)));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQcommCfg)(0, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg)), kInvalidValue);
     cfg.setNumber("qcommRole", 1);
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiQcommCfg)(2, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg))); // the role alone
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiQcomm)(&raw));
-    EXPECT_EQ(1U, recordOf("TarnQuantennaSmartWiFiQcommData", raw).number("qcommRole"));
-    EXPECT_EQ(1234U, recordOf("TarnQuantennaSmartWiFiQcommData", raw).number("qcommPort"));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQcommCfg)(2, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg)), kDone); // the role alone
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQcomm)(&raw), kDone);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiQcommData", raw).number("qcommRole"), 1u);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiQcommData", raw).number("qcommPort"), 1234u);
 }
 
 TEST_F(SmartWiFiTest, SyncingIsReadBack)
 {
     std::uint32_t syncing = 99;
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiQslCfgSyncing)(1));
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiQslCfgSyncing)(&syncing));
-    EXPECT_EQ(1U, syncing);
-    EXPECT_EQ(kInvalidValue, CALL(TarnSetQuantennaSmartWiFiQslCfgSyncing)(5));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslCfgSyncing)(1), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQslCfgSyncing)(&syncing), kDone);
+    EXPECT_EQ(syncing, 1u);
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslCfgSyncing)(5), kInvalidValue);
 }
 
 TEST_F(SmartWiFiTest, MobilityDomainsAreCountedAndListed)
 {
     std::uint32_t number = 0;
     std::uint8_t mdid[2] = {};
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiQslMdidNumber)(&number));
-    EXPECT_EQ(2U, number);
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiQslMdidAt)(1, mdid));
-    EXPECT_EQ(0xc3, mdid[0]);
-    EXPECT_EQ(0xd4, mdid[1]);
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiQslMdidAt)(2, mdid));
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQslMdidNumber)(&number), kDone);
+    EXPECT_EQ(number, 2u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQslMdidAt)(1, mdid), kDone);
+    EXPECT_EQ(mdid[0], 0xc3);
+    EXPECT_EQ(mdid[1], 0xd4);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQslMdidAt)(2, mdid), kNoSuchObject);
 }
 
 TEST_F(SmartWiFiTest, QslIsWrittenInTwoPartsAndReadInOne)
@@ -101,27 +101,27 @@ TEST_F(SmartWiFiTest, QslIsWrittenInTwoPartsAndReadInOne)
     first.setText("name", "attic");
     second.setNumber("bandThreshold", 55);
     second.setText("uplink", "wifi0");
-    EXPECT_EQ(kNoSuchObject,
-              CALL(TarnSetQuantennaSmartWiFiQslPart2Cfg)(kNew, 0, rawOf<TarnQuantennaSmartWiFiQslPart2Cfg>(second)));
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(kNew, 0, rawOf<TarnQuantennaSmartWiFiQslPart1Cfg>(first)));
-    EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiQslPart2Cfg)(kNew, 0, rawOf<TarnQuantennaSmartWiFiQslPart2Cfg>(second)));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslPart2Cfg)(kNew, 0, rawOf<TarnQuantennaSmartWiFiQslPart2Cfg>(second)),
+              kNoSuchObject);
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(kNew, 0, rawOf<TarnQuantennaSmartWiFiQslPart1Cfg>(first)), kDone);
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslPart2Cfg)(kNew, 0, rawOf<TarnQuantennaSmartWiFiQslPart2Cfg>(second)), kDone);
 
     TarnQuantennaSmartWiFiQslData raw;
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiQsl)(kNew, &raw));
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiQsl)(kNew, &raw), kDone);
     const Record data = recordOf("TarnQuantennaSmartWiFiQslData", raw);
-    EXPECT_EQ(70U, data.number("rssiThreshold"));
-    EXPECT_EQ("attic", data.text("name"));
-    EXPECT_EQ(55U, data.number("bandThreshold"));
-    EXPECT_EQ("wifi0", data.text("uplink"));
+    EXPECT_EQ(data.number("rssiThreshold"), 70u);
+    EXPECT_EQ(data.text("name"), "attic");
+    EXPECT_EQ(data.number("bandThreshold"), 55u);
+    EXPECT_EQ(data.text("uplink"), "wifi0");
     // The read record is the two written ones, one behind the other.
     std::vector<std::uint8_t> both = first.bytes();
     both.insert(both.end(), second.bytes().begin(), second.bytes().end());
-    EXPECT_EQ(both, data.bytes());
+    EXPECT_EQ(data.bytes(), both);
 
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiQsl)(kUnknown, &raw));
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiQsl)(kUnknown, &raw), kNoSuchObject);
     first.setNumber("rssiThreshold", 101);
-    EXPECT_EQ(kInvalidValue,
-              CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(kHome, 0, rawOf<TarnQuantennaSmartWiFiQslPart1Cfg>(first)));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(kHome, 0, rawOf<TarnQuantennaSmartWiFiQslPart1Cfg>(first)),
+              kInvalidValue);
 }
 
 TEST_F(SmartWiFiTest, MobilityDomainsAreLimited)
@@ -130,26 +130,26 @@ TEST_F(SmartWiFiTest, MobilityDomainsAreLimited)
     for (std::uint8_t i = 0; i < 6; ++i)
     {
         const std::uint8_t mdid[2] = {1, i};
-        EXPECT_EQ(kDone, CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(mdid, 0, cfg));
+        EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(mdid, 0, cfg), kDone);
     }
-    EXPECT_EQ(kFull, CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(kNew, 0, cfg));
+    EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQslPart1Cfg)(kNew, 0, cfg), kFull);
 }
 
 TEST_F(SmartWiFiTest, NonSteerListJudgesItsAddresses)
 {
     std::uint32_t number = 99;
     std::uint8_t mac[6] = {};
-    EXPECT_EQ(kDone, CALL(TarnAddQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()));
-    EXPECT_EQ(kAlreadyThere, CALL(TarnAddQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnAddQuantennaSmartWiFiNonSteer)(kUnknown, kStranger.data()));
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiNonSteerNumber)(kHome, &number));
-    EXPECT_EQ(2U, number); // the scenario has one
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiNonSteerAt)(kHome, 1, mac));
-    EXPECT_EQ(0, std::memcmp(kStranger.data(), mac, sizeof mac));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiNonSteerAt)(kHome, 2, mac));
-    EXPECT_EQ(kDone, CALL(TarnDelQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()));
-    EXPECT_EQ(kNotThere, CALL(TarnDelQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiNonSteerNumber)(kUnknown, &number));
+    EXPECT_EQ(CALL(TarnAddQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()), kDone);
+    EXPECT_EQ(CALL(TarnAddQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()), kAlreadyThere);
+    EXPECT_EQ(CALL(TarnAddQuantennaSmartWiFiNonSteer)(kUnknown, kStranger.data()), kNoSuchObject);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiNonSteerNumber)(kHome, &number), kDone);
+    EXPECT_EQ(number, 2u); // the scenario has one
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiNonSteerAt)(kHome, 1, mac), kDone);
+    EXPECT_EQ(std::memcmp(kStranger.data(), mac, sizeof mac), 0);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiNonSteerAt)(kHome, 2, mac), kNoSuchObject);
+    EXPECT_EQ(CALL(TarnDelQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()), kDone);
+    EXPECT_EQ(CALL(TarnDelQuantennaSmartWiFiNonSteer)(kHome, kStranger.data()), kNotThere);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiNonSteerNumber)(kUnknown, &number), kNoSuchObject);
 }
 
 // --- Tables ------------------------------------------------------------------------------------------------------------------
@@ -158,94 +158,94 @@ TEST_F(SmartWiFiTest, BssTableIsACopyFromTheLastSync)
 {
     std::uint32_t number = 99;
     TarnQuantennaSmartWiFiBSSEntryData raw;
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiBSSEntryNumber)(&number));
-    EXPECT_EQ(0U, number);
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(0, &raw));
-    EXPECT_EQ(kDone, CALL(TarnSyncQuantennaSmartWiFiBSSTable)());
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiBSSEntryNumber)(&number));
-    EXPECT_EQ(5U, number); // three of its own, two slave devices'
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryNumber)(&number), kDone);
+    EXPECT_EQ(number, 0u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(0, &raw), kNoSuchObject);
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiBSSTable)(), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryNumber)(&number), kDone);
+    EXPECT_EQ(number, 5u); // three of its own, two slave devices'
 
-    EXPECT_EQ(kDone, CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", "renamed"));
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(0, &raw));
-    EXPECT_EQ("home", recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).text("ssid"));
-    EXPECT_EQ(kDone, CALL(TarnSyncQuantennaSmartWiFiBSSTable)());
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(0, &raw));
-    EXPECT_EQ("renamed", recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).text("ssid"));
-    EXPECT_EQ(3U, recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).number("stations"));
-    EXPECT_EQ(1U, recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).number("own"));
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(4, &raw));
-    EXPECT_EQ((MacAddress{0x02, 0, 0, 0, 3, 2}), recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).address("bssid"));
-    EXPECT_EQ(0U, recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).number("own"));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(5, &raw));
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_SSID)("wifi0", "renamed"), kDone);
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(0, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).text("ssid"), "home");
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiBSSTable)(), kDone);
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(0, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).text("ssid"), "renamed");
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).number("stations"), 3u);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).number("own"), 1u);
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(4, &raw), kDone);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).address("bssid"), (MacAddress{0x02, 0, 0, 0, 3, 2}));
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiBSSEntryData", raw).number("own"), 0u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryAt)(5, &raw), kNoSuchObject);
 
-    EXPECT_EQ(kDone, CALL(TarnResetQuantennaSmartWiFiDaemon)());
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiBSSEntryNumber)(&number));
-    EXPECT_EQ(0U, number);
+    EXPECT_EQ(CALL(TarnResetQuantennaSmartWiFiDaemon)(), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiBSSEntryNumber)(&number), kDone);
+    EXPECT_EQ(number, 0u);
 }
 
 TEST_F(SmartWiFiTest, StationTableIsACopyFromTheLastSync)
 {
     std::uint32_t number = 99;
     TarnQuantennaSmartWiFiAssoiatedData raw;
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiAssoiatedAt)(0, &raw));
-    EXPECT_EQ(kDone, CALL(TarnSyncQuantennaSmartWiFiAssoiated)());
-    EXPECT_EQ(kDone, CALL(TarnKickOutAccessPointAssociated)(1, 1, kFirstStation.data()));
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiAssoiatedNumber)(&number));
-    EXPECT_EQ(5U, number);
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiAssoiatedAt)(0, &raw));
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiAssoiatedAt)(0, &raw), kNoSuchObject);
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiAssoiated)(), kDone);
+    EXPECT_EQ(CALL(TarnKickOutAccessPointAssociated)(1, 1, kFirstStation.data()), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiAssoiatedNumber)(&number), kDone);
+    EXPECT_EQ(number, 5u);
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiAssoiatedAt)(0, &raw), kDone);
     const Record entry = recordOf("TarnQuantennaSmartWiFiAssoiatedData", raw);
-    EXPECT_EQ(kFirstStation, entry.address("macAddress"));
-    EXPECT_EQ(-48, entry.signedNumber("rssi"));
-    EXPECT_EQ("home", entry.text("ssid"));
-    EXPECT_EQ(kDone, CALL(TarnSyncQuantennaSmartWiFiAssoiated)());
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiAssoiatedNumber)(&number));
-    EXPECT_EQ(4U, number);
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiAssoiatedAt)(4, &raw));
+    EXPECT_EQ(entry.address("macAddress"), kFirstStation);
+    EXPECT_EQ(entry.signedNumber("rssi"), -48);
+    EXPECT_EQ(entry.text("ssid"), "home");
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiAssoiated)(), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiAssoiatedNumber)(&number), kDone);
+    EXPECT_EQ(number, 4u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiAssoiatedAt)(4, &raw), kNoSuchObject);
 }
 
 TEST_F(SmartWiFiTest, RecordInfoTellsWhoCameAndWent)
 {
     passSeconds(7);
-    EXPECT_EQ(kDone, CALL(TarnKickOutAccessPointAssociated)(1, 1, kFirstStation.data()));
+    EXPECT_EQ(CALL(TarnKickOutAccessPointAssociated)(1, 1, kFirstStation.data()), kDone);
     std::uint32_t number = 99;
     std::uint32_t status = 99;
     TarnQuantennaSmartWiFiRecordInfoData raw;
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(0, &status, &raw));
-    EXPECT_EQ(kDone, CALL(TarnSyncQuantennaSmartWiFiRecordInfo)());
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiRecordInfoNumber)(&number));
-    ASSERT_EQ(6U, number); // five have come, one has gone
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(0, &status, &raw));
-    EXPECT_EQ(1U, status);
-    EXPECT_EQ("02:00:00:00:01:01 has come to wifi0", recordOf("TarnQuantennaSmartWiFiRecordInfoData", raw).text("text"));
-    ASSERT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(5, &status, &raw));
-    EXPECT_EQ(0U, status);
-    EXPECT_EQ("02:00:00:00:01:01 has left wifi0", recordOf("TarnQuantennaSmartWiFiRecordInfoData", raw).text("text"));
-    EXPECT_EQ(7U, recordOf("TarnQuantennaSmartWiFiRecordInfoData", raw).number("secondsSinceStart"));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(6, &status, &raw));
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(0, &status, &raw), kNoSuchObject);
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiRecordInfo)(), kDone);
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiRecordInfoNumber)(&number), kDone);
+    ASSERT_EQ(number, 6u); // five have come, one has gone
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(0, &status, &raw), kDone);
+    EXPECT_EQ(status, 1u);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiRecordInfoData", raw).text("text"), "02:00:00:00:01:01 has come to wifi0");
+    ASSERT_EQ(CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(5, &status, &raw), kDone);
+    EXPECT_EQ(status, 0u);
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiRecordInfoData", raw).text("text"), "02:00:00:00:01:01 has left wifi0");
+    EXPECT_EQ(recordOf("TarnQuantennaSmartWiFiRecordInfoData", raw).number("secondsSinceStart"), 7u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiRecordInfoAt)(6, &status, &raw), kNoSuchObject);
 }
 
 TEST_F(SmartWiFiTest, SlaveDevicesAreThoseOfTheScenario)
 {
     std::uint32_t number = 99;
     std::uint8_t mac[6] = {};
-    EXPECT_EQ(kDone, CALL(TarnSyncQuantennaSmartWiFiSlaveDevice)());
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiSlaveDeviceNumber)(&number));
-    EXPECT_EQ(2U, number);
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiSlaveDeviceAt)(0, mac));
-    EXPECT_EQ(0, std::memcmp((MacAddress{0x02, 0, 0, 0, 3, 1}).data(), mac, sizeof mac));
-    EXPECT_EQ(kNoSuchObject, CALL(TarnGetQuantennaSmartWiFiSlaveDeviceAt)(2, mac));
+    EXPECT_EQ(CALL(TarnSyncQuantennaSmartWiFiSlaveDevice)(), kDone);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiSlaveDeviceNumber)(&number), kDone);
+    EXPECT_EQ(number, 2u);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiSlaveDeviceAt)(0, mac), kDone);
+    EXPECT_EQ(std::memcmp((MacAddress{0x02, 0, 0, 0, 3, 1}).data(), mac, sizeof mac), 0);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiSlaveDeviceAt)(2, mac), kNoSuchObject);
 }
 
 TEST_F(SmartWiFiTest, ConfigurationIsPropagatedAndWritten)
 {
-    EXPECT_EQ(kDone, CALL(TarnDoQuantennaSmartWiFiCfgPropagation)());
-    EXPECT_EQ(kDone, CALL(TarnDoQuantennaSmartWiFiCfgPropagation)());
-    EXPECT_EQ(2, state("/smartWiFi/propagations"));
-    EXPECT_EQ(kDone, CALL(TarnGetQuantennaSmartWiFiCfgToFile)("/var/steering.conf"));
+    EXPECT_EQ(CALL(TarnDoQuantennaSmartWiFiCfgPropagation)(), kDone);
+    EXPECT_EQ(CALL(TarnDoQuantennaSmartWiFiCfgPropagation)(), kDone);
+    EXPECT_EQ(state("/smartWiFi/propagations"), 2);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiCfgToFile)("/var/steering.conf"), kDone);
     const std::string text = state("/module/files")["/var/steering.conf"];
-    EXPECT_EQ(0U, text.find("[a1b2]\\x0asteering=1"));
-    EXPECT_NE(std::string::npos, text.find("[c3d4]\\x0asteering=0"));
-    EXPECT_EQ(kInvalidValue, CALL(TarnGetQuantennaSmartWiFiCfgToFile)(""));
+    EXPECT_EQ(text.find("[a1b2]\\x0asteering=1"), 0u);
+    EXPECT_NE(text.find("[c3d4]\\x0asteering=0"), std::string::npos);
+    EXPECT_EQ(CALL(TarnGetQuantennaSmartWiFiCfgToFile)(""), kInvalidValue);
 }
 
 } // namespace simulator_test

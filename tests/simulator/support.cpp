@@ -44,7 +44,7 @@ void collect(const char* serviceId, std::uint32_t event, const void* data, std::
     eventArrived.notify_all();
 }
 
-// Fails the run if a function of the contract has never been called and had done. Only when no test has been left out.
+// Fails the run if a function of the contract has never been called with success. Only when no test is left out.
 class EveryFunction : public ::testing::Environment
 {
 public:
@@ -52,8 +52,8 @@ public:
     {
         if (::testing::UnitTest::GetInstance()->test_to_run_count() != ::testing::UnitTest::GetInstance()->total_test_count())
             return;
-        EXPECT_EQ(247U, tarn::contract::rows().size());
-        EXPECT_EQ(std::vector<std::string>(), neverDone());
+        EXPECT_EQ(tarn::contract::rows().size(), 247u);
+        EXPECT_EQ(neverDone(), std::vector<std::string>());
     }
 };
 
@@ -78,9 +78,9 @@ std::vector<std::string> neverDone()
 void SimulatorTest::SetUp()
 {
     std::string path = ::testing::TempDir() + "simulator-XXXXXX";
-    ASSERT_NE(nullptr, mkdtemp(path.data()));
+    ASSERT_NE(mkdtemp(path.data()), nullptr);
     directory_ = path;
-    ASSERT_EQ(0, setenv("KORIIL_DIR", directory_.c_str(), 1));
+    ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
 
     model_ = std::make_unique<tarn::simulator::Model>(clock_);
     if (scenario_.empty())
@@ -94,7 +94,7 @@ void SimulatorTest::SetUp()
 void SimulatorTest::TearDown()
 {
     for (const std::uint32_t event : subscriptions)
-        EXPECT_EQ(TARN_OK, tarnCancelEvent(kCaller, event, nullptr, collect));
+        EXPECT_EQ(tarnCancelEvent(kCaller, event, nullptr, collect), TARN_OK);
     subscriptions.clear();
     gateway_.reset();
     events.clear();
@@ -112,8 +112,8 @@ Json SimulatorTest::state(const std::string& path)
 {
     const auto message = std::make_unique<TarnGatewayReadState>();
     path.copy(message->path, sizeof message->path - 1);
-    EXPECT_EQ(0U, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_READ_STATE, sizeof *message, message.get()));
-    EXPECT_EQ(0U, message->status) << path;
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_READ_STATE, sizeof *message, message.get()), 0u);
+    EXPECT_EQ(message->status, 0u) << path;
     return message->status == 0 ? Json::parse(message->text) : Json();
 }
 
@@ -121,7 +121,7 @@ void SimulatorTest::subscribe(std::uint32_t event)
 {
     if (!subscriptions.insert(event).second)
         return;
-    ASSERT_EQ(TARN_OK, tarnSubscribeEvent(kCaller, event, nullptr, collect));
+    ASSERT_EQ(tarnSubscribeEvent(kCaller, event, nullptr, collect), TARN_OK);
 }
 
 ReceivedEvent SimulatorTest::nextEvent()
@@ -141,29 +141,29 @@ Record SimulatorTest::nextEvent(std::uint32_t event, const char* layoutName)
 {
     const tarn::simulator::Layout& layout = tarn::simulator::layout(layoutName);
     ReceivedEvent received = nextEvent();
-    EXPECT_EQ("TARN", received.service);
-    EXPECT_EQ(event, received.event);
-    EXPECT_EQ(layout.size, received.data.size());
+    EXPECT_EQ(received.service, "TARN");
+    EXPECT_EQ(received.event, event);
+    EXPECT_EQ(received.data.size(), layout.size);
     received.data.resize(layout.size);
     return Record(layout, received.data);
 }
 
-// Events arrive in the order in which they are published: a last one, of a kind that no test uses this way, shows that all have
-// come.
+// Events arrive in the order in which they are published: a last one, of a length that no other event has, shows that all have
+// arrived.
 bool SimulatorTest::noMoreEvents()
 {
     TarnGatewayPublish message = {};
     message.event = TARN_EVT_RADIO_STATUS_CHANGED;
     message.length = 3;
     subscribe(message.event);
-    EXPECT_EQ(0U, KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_PUBLISH, sizeof message, &message));
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_PUBLISH, sizeof message, &message), 0u);
     return nextEvent().data.size() == message.length;
 }
 
 std::size_t SimulatorTest::stationCount(std::uint32_t radioId, std::uint32_t apId)
 {
     std::uint32_t number = 0;
-    EXPECT_EQ(kDone, CALL(TarnGetAccessPointAssociatedNum)(radioId, apId, &number));
+    EXPECT_EQ(CALL(TarnGetAccessPointAssociatedNum)(radioId, apId, &number), kDone);
     return number;
 }
 

@@ -1,4 +1,4 @@
-// What the tests of the simulated gateway share: a gateway in this process whose clock they turn, calls of the library's
+// What the tests of the simulated gateway share: a gateway in this process with a clock that they set, calls of the library's
 // functions that are counted, the state of the gateway, and the events that it publishes.
 #pragma once
 
@@ -53,7 +53,7 @@ constexpr MacAddress kGuestStation = {0x02, 0, 0, 0, 1, 4};
 constexpr MacAddress kSlowBandStation = {0x02, 0, 0, 0, 1, 5};
 constexpr MacAddress kStranger = {0x02, 0, 0, 0, 9, 9};
 
-// The names of the interface functions: some take 65 bytes as they stand.
+// The interfaces' names; some functions take 65 bytes whatever the name's length.
 extern const char kWifi0[65];
 extern const char kWifi1[65];
 extern const char kNobody[65];
@@ -95,7 +95,7 @@ private:
 };
 
 void noteCall(const char* function);
-// Functions that no test has called so far and had done.
+// Functions that no test has called with success so far.
 std::vector<std::string> neverDone();
 
 template <typename Result, typename... Parameters>
@@ -109,7 +109,7 @@ std::int64_t Counted<Result, Parameters...>::operator()(Parameters... arguments)
 
 #define CALL(function) ::simulator_test::Counted(#function, function)
 
-// An event as its subscriber has got it.
+// An event as its subscriber received it.
 struct ReceivedEvent
 {
     std::string service;
@@ -139,9 +139,9 @@ protected:
     static void subscribe(std::uint32_t event);
     // The next event that arrives. Fails, and returns an empty one, if none does.
     static ReceivedEvent nextEvent();
-    // The next one must be that event, with that inside.
+    // The next event, which must be that one with data of that layout.
     static Record nextEvent(std::uint32_t event, const char* layoutName);
-    // True if nothing that has been published so far is still to come.
+    // True if no event published so far is still to arrive.
     bool noMoreEvents();
 
     tarn::simulator::Gateway& gateway()
@@ -172,7 +172,7 @@ template <typename Raw>
 Raw rawOf(const Record& record)
 {
     Raw raw;
-    EXPECT_EQ(sizeof raw, record.bytes().size());
+    EXPECT_EQ(record.bytes().size(), sizeof raw);
     std::memcpy(&raw, record.bytes().data(), sizeof raw);
     return raw;
 }
