@@ -1,4 +1,4 @@
-// The time that the gateway goes by, in milliseconds from any beginning. Tests turn a clock of their own.
+// The gateway's time, in milliseconds from an arbitrary start. Tests set a clock of their own.
 #pragma once
 
 #include <chrono>

@@ -24,7 +24,7 @@ using base::MacAddress;
 
 struct Radio;
 
-// Numbers set under a number, none of which anything here goes by: options, driver parameters ...
+// Numbers stored under a number, without further effect: options, driver parameters ...
 using NumberTable = std::map<std::uint32_t, std::uint32_t>;
 
 struct Station
@@ -40,7 +40,7 @@ struct Station
     std::uint32_t packetRate = 20; // packets a second, each way
 
     Milliseconds since = 0; // while associated
-    Milliseconds due = 0;   // while away: not back before then
+    Milliseconds due = 0;   // while away: when it may return
     std::optional<Counters> frozen;
 };
 
@@ -77,7 +77,7 @@ struct DscpMap
 enum class MacFilterMode : std::uint32_t
 {
     kOff,
-    kAllow, // those listed, nobody else
+    kAllow, // only listed addresses
     kDeny
 };
 
@@ -90,7 +90,7 @@ struct Interface
     Radio* radio = nullptr;
     Settings settings{interfaceProperties()};
 
-    std::vector<Station> stations; // associated, in the order in which they came
+    std::vector<Station> stations; // associated, in the order of their association
     std::vector<Station> away;
     std::vector<MacAddress> macFilter;
     std::vector<MacAddress> blocked; // the block list of the SSID interface
@@ -98,12 +98,12 @@ struct Interface
     WpsWindow window;
     std::string savedApPin;
     std::map<std::uint32_t, std::string> wpsParameters;
-    Changes deferredSecurity; // set while security is deferred, not applied yet
+    Changes deferredSecurity; // set while security is deferred, and not yet applied
 
     std::map<std::string, NumberTable, std::less<>> tables;
     std::optional<DscpMap> dscpMap;
 
-    Counters departed; // what stations counted that are gone
+    Counters departed; // of the stations that are gone
     std::uint32_t associations = 0;
     std::uint32_t disassociations = 0;
     std::optional<Counters> frozen;
@@ -133,7 +133,7 @@ struct Scan
     ScanStatus status = ScanStatus::kNever;
     Milliseconds ends = 0;
     std::uint32_t flags = 0;        // as the caller of the proxy gave them
-    std::vector<Neighbour> results; // of the last one that was done
+    std::vector<Neighbour> results; // of the last completed scan
 };
 
 // The second receiver, which checks radar channels while the radio works on another one.
@@ -156,7 +156,7 @@ struct Radio
     std::uint32_t id = 0; // from 1
     std::string name;
     Band band = Band::k5;
-    bool onModule = false; // of the Wi-Fi module, and so within the proxy's reach
+    bool onModule = false; // of the Wi-Fi module, and so reached by the proxy
     bool supportsWds = true;
     bool supportsRoaming = true;
     std::uint32_t chains = 4;
@@ -167,15 +167,15 @@ struct Radio
     std::string driverVersion;
     Settings settings{radioProperties()};
 
-    std::deque<Interface> interfaces; // they stay where they are when one more is made
+    std::deque<Interface> interfaces; // whose addresses stay valid when one is added
     std::vector<Neighbour> neighbours;
     Scan scan;
-    bool checking = false; // a radar channel, before it works on it
+    bool checking = false; // its channel for radar, before it is used
     Milliseconds checkEnds = 0;
     std::set<std::uint32_t> checkedChannels;
     DfsRadio dfsRadio;
     std::set<std::uint32_t> inactiveChannels;
-    std::map<std::uint32_t, std::uint32_t> secondaryChannels; // those set by hand
+    std::map<std::uint32_t, std::uint32_t> secondaryChannels; // where they are not the default ones
     std::map<std::uint32_t, std::array<std::uint32_t, 2>> powerBackoffs;
     std::optional<Counters> frozen;
 };
@@ -228,8 +228,8 @@ struct Module
     std::map<std::uint32_t, DscpMap> dscpTables;
     NumberTable groupLimits; // stations of an SSID group
     bool thermalInitialised = false;
-    std::set<std::string> thermalInterfaces;  // where mitigation runs
-    std::map<std::string, std::string> files; // written by commands, on the gateway as it were
+    std::set<std::string> thermalInterfaces;  // those with mitigation running
+    std::map<std::string, std::string> files; // written by commands, by path
 };
 
 // One mobility domain of Smart WiFi.
@@ -243,11 +243,11 @@ struct SteeringDomain
 struct HistoryEntry
 {
     Milliseconds time = 0;
-    std::uint32_t status = 0; // 1 a station has come, 0 one has gone
+    std::uint32_t status = 0; // 1 a station associated, 0 one left
     std::string text;
 };
 
-// Copies of the Smart WiFi tables, taken when the caller asked for it.
+// Copies of the Smart WiFi tables, taken at the caller's request.
 struct Snapshots
 {
     std::vector<Record> bssEntries;
@@ -264,7 +264,7 @@ struct SmartWiFi
     Snapshots snapshots;
 };
 
-// How long things take, in milliseconds.
+// Durations, in milliseconds.
 struct Timing
 {
     Milliseconds scan = 4000;
@@ -272,7 +272,7 @@ struct Timing
     Milliseconds download = 5000;
     Milliseconds radarCheck = 60000;
     Milliseconds production = 3000;
-    Milliseconds reassociation = 10000; // 0: stations that are gone stay away
+    Milliseconds reassociation = 10000; // 0: stations do not return
 };
 
 } // namespace tarn::simulator
