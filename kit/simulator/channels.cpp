@@ -1,5 +1,7 @@
 #include "channels.h"
 
+#include "lists.h"
+
 #include <algorithm>
 
 namespace tarn::simulator
@@ -10,7 +12,7 @@ namespace
 
 using Channels = std::vector<std::uint32_t>;
 
-// Runs of channels, 20 MHz each, in which wider ones are formed.
+// Runs of 20 MHz channels, within which wider ones are formed.
 struct Run
 {
     std::uint32_t first;
@@ -19,11 +21,6 @@ struct Run
 
 constexpr Run kRuns5[] = {{36, 8}, {100, 12}, {149, 5}};
 constexpr Run kRun6 = {1, 59};
-
-bool contains(const Channels& channels, std::uint32_t channel)
-{
-    return std::find(channels.begin(), channels.end(), channel) != channels.end();
-}
 
 const Run* runOf(Band band, std::uint32_t channel)
 {
@@ -41,7 +38,7 @@ void append(Channels& channels, std::uint32_t first, std::uint32_t last, std::ui
         channels.push_back(channel);
 }
 
-// Those of 20 MHz.
+// The 20 MHz channels of a band in a country.
 Channels permitted(Band band, const std::string& country)
 {
     Channels channels;
@@ -65,7 +62,7 @@ Channels permitted(Band band, const std::string& country)
     return channels;
 }
 
-// Whether the channel can be part of a wider one, all of whose channels are there.
+// Whether the channel is part of a wider one of which every 20 MHz channel is permitted.
 bool widens(Band band, std::uint32_t channel, std::uint32_t bandwidth, const Channels& channels)
 {
     if (bandwidth == 20)
@@ -85,15 +82,24 @@ bool widens(Band band, std::uint32_t channel, std::uint32_t bandwidth, const Cha
 
 const char* toString(Band band)
 {
-    return band == Band::k2 ? "2.4GHz" : band == Band::k5 ? "5GHz" : "6GHz";
+    switch (band)
+    {
+    case Band::k2:
+        return "2.4GHz";
+    case Band::k5:
+        return "5GHz";
+    case Band::k6:
+        break;
+    }
+    return "6GHz";
 }
 
 bool parseBand(const std::string& text, Band& band)
 {
-    for (const Band each : {Band::k2, Band::k5, Band::k6})
-        if (text == toString(each))
+    for (const Band candidate : {Band::k2, Band::k5, Band::k6})
+        if (text == toString(candidate))
         {
-            band = each;
+            band = candidate;
             return true;
         }
     return false;
@@ -122,8 +128,10 @@ bool isRadarChannel(Band band, std::uint32_t channel)
 
 std::uint32_t secondaryOf(Band band, std::uint32_t channel)
 {
+    if (band == Band::k2 && (channel == 0 || channel > 13))
+        return 0;
     if (band == Band::k2)
-        return channel == 0 || channel > 13 ? 0 : channel <= 7 ? channel + 4 : channel - 4;
+        return channel <= 7 ? channel + 4 : channel - 4;
     const Run* run = runOf(band, channel);
     if (run == nullptr)
         return 0;

@@ -1,5 +1,5 @@
-// The channels of the bands: which there are in a country at a bandwidth, which are under radar protection, and what is next to
-// what.
+// The channels of the bands: which a country permits at a bandwidth, which are subject to radar checks, and which is the
+// secondary channel of which.
 #pragma once
 
 #include <cstdint>
@@ -31,12 +31,12 @@ struct ChannelCriteria
     bool withWeatherChannels = true; // 120 to 128, those of terminal weather radars
 };
 
-// In ascending order; none where nothing fits.
+// In ascending order; empty if none meets the criteria.
 std::vector<std::uint32_t> channelsFor(const ChannelCriteria& criteria);
 
 bool isRadarChannel(Band band, std::uint32_t channel);
 
-// The channel that makes 40 MHz of this one; 0 if it has none.
+// The secondary channel, which makes 40 MHz of this one; 0 if it has none.
 std::uint32_t secondaryOf(Band band, std::uint32_t channel);
 
 } // namespace tarn::simulator

@@ -1,5 +1,7 @@
 #include "command_request.h"
 
+#include "reply_status.h"
+
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
@@ -29,7 +31,7 @@ std::size_t CommandRequest::room(const Argument& argument) const
     return argument.size != 0 ? argument.size : command_.status - argument.offset;
 }
 
-// Words stand at multiples of 4 in the message, but nobody promises where the message itself stands.
+// Words are at multiples of 4 within the message, but the message itself need not be aligned.
 std::uint32_t CommandRequest::word(std::uint32_t offset) const
 {
     std::uint32_t value;
@@ -76,6 +78,14 @@ std::uint32_t CommandRequest::number(std::string_view argument) const
     default:
         throw std::logic_error(command_.function + ": " + place.name + " is no number");
     }
+}
+
+bool CommandRequest::flag(std::string_view argument) const
+{
+    const std::uint32_t value = number(argument);
+    if (value > 1)
+        throw Refused{ReplyStatus::kInvalidValue};
+    return value != 0;
 }
 
 std::string CommandRequest::text(std::string_view argument) const

@@ -28,8 +28,9 @@ public:
         return command_;
     }
 
-    // What the caller passed: an id counts from 1 again, an inverted flag is turned back.
+    // As the caller of the function passed it: ids count from 1, and an inverted flag is inverted again.
     std::uint32_t number(std::string_view argument) const;
+    bool flag(std::string_view argument) const;        // throws Refused for a number over 1
     std::string text(std::string_view argument) const; // ends before the first NUL, or with the field
     std::vector<std::uint8_t> block(std::string_view argument) const;
     MacAddress address(std::string_view argument) const;

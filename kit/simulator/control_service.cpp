@@ -57,7 +57,7 @@ std::uint32_t readState(Model& model, const Control&, TarnGatewayReadState& mess
     return TARN_GATEWAY_OK;
 }
 
-// The message may stand anywhere, a struct may not: it is copied in and out.
+// The struct is aligned, the message need not be: it is copied in and out.
 template <typename Message>
 std::uint32_t serve(std::uint32_t (*answer)(Model&, const Control&, Message&), Model& model, const Control& control,
                     std::uint32_t length, void* bytes)

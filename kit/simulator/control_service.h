@@ -1,4 +1,4 @@
-// The requests of the control identifier, those of tarn_gateway_control.h.
+// Answers the requests of the control identifier, whose messages are in tarn_gateway_control.h.
 #pragma once
 
 #include "model.h"

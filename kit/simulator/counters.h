@@ -1,4 +1,4 @@
-// What an interface or a station counts.
+// The traffic counters of a station, an interface or a radio.
 #pragma once
 
 #include "layout.h"
@@ -29,7 +29,7 @@ struct Counters
         txRetries += other.txRetries;
     }
 
-    // The record must have a field for each of them, of the same name.
+    // The record must have a field of the same name for every counter.
     void fill(Record& record) const
     {
         record.setNumber("txPackets", txPackets);

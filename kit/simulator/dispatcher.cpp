@@ -19,8 +19,8 @@ Dispatcher::Dispatcher(const contract::Contract& contract, StatusOf statusOf, bo
     }
 }
 
-// Of two functions with one command, the message's contents say which is meant: the one with an interface name if there is a
-// name. Where none of them has one, the requests are the same and each function takes its own part of the reply.
+// Where two functions have one command, the message says which was called: the one with an interface name if it has a name.
+// Where neither has that argument, the requests are equal, and the reply carries the outputs of both.
 std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<HandledFunction>& functions, void* message)
 {
     constexpr const char* kName = "intf_name";

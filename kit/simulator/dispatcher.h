@@ -17,7 +17,7 @@ class Dispatcher
 public:
     using StatusOf = std::uint32_t (*)(ReplyStatus);
 
-    // `notesFailures`: the model's error mask remembers what is refused here.
+    // `notesFailures`: what is refused here enters the model's error mask.
     Dispatcher(const contract::Contract& contract, StatusOf statusOf, bool notesFailures);
 
     // Turns the request into its reply. Returns the IPC status: KOR_IIL_OK, or what is wrong with the request.

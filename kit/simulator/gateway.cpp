@@ -13,7 +13,7 @@ namespace tarn::simulator
 namespace
 {
 
-// How late what is due may happen by itself.
+// How often the model is advanced while no request comes.
 constexpr std::chrono::milliseconds kTick{100};
 
 std::string whyNot(const std::string& serviceId, std::uint32_t status)
@@ -23,9 +23,8 @@ std::string whyNot(const std::string& serviceId, std::uint32_t status)
     case KOR_IIL_CONFLICT_ID:
         return "the identifier " + serviceId + " is taken: another gateway runs in this runtime directory";
     case KOR_IIL_UNKNOWN_COMM:
-        return "the runtime directory cannot be used, see the trace; expected a directory of ours that others cannot write to, "
-               "as an "
-               "absolute path";
+        return "the runtime directory cannot be used, see the trace; "
+               "expected a directory of ours that others cannot write to, as an absolute path";
     default:
         return "the identifier " + serviceId + " cannot be registered: IPC status " + std::to_string(status);
     }
@@ -33,9 +32,9 @@ std::string whyNot(const std::string& serviceId, std::uint32_t status)
 
 std::uint32_t eventNumber(const std::string& name)
 {
-    for (const contract::Event& each : contract::findService("TARN")->events)
-        if (each.name == name)
-            return each.event;
+    for (const contract::Event& event : contract::findService("TARN")->events)
+        if (event.name == name)
+            return event.event;
     throw std::logic_error("no event " + name);
 }
 
@@ -55,7 +54,7 @@ void Gateway::start()
     try
     {
         openContract("TARN", deviceStatus, true);
-        deviceService_ = served_.back()->service;
+        deviceService_ = endpoints_.back()->service;
         openContract("QTN_RPC_PROXY", moduleStatus, false);
         openContract("QTN_MIRROR", moduleStatus, false);
         open(TARN_GATEWAY_SERVICE, 0,
@@ -70,16 +69,17 @@ void Gateway::start()
     model_.start();
 
     stopping_ = false;
-    for (const std::unique_ptr<Served>& each : served_)
-        each->thread = std::thread(
-            [this, service = each->service]
-            {
-                if (KorIilServiceRun(service) == KOR_IIL_OK)
-                    return;
-                failed_ = true;
-                shutDown_();
-            });
+    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
+        endpoint->thread = std::thread(&Gateway::run, this, endpoint->service);
     timekeeper_ = std::thread([this] { keepTime(); });
+}
+
+void Gateway::run(KorIilService* service)
+{
+    if (KorIilServiceRun(service) == KOR_IIL_OK)
+        return;
+    failed_ = true;
+    shutDown_();
 }
 
 void Gateway::stop()
@@ -91,15 +91,15 @@ void Gateway::stop()
     stopped_.notify_all();
     if (timekeeper_.joinable())
         timekeeper_.join();
-    for (const std::unique_ptr<Served>& each : served_)
-        KorIilServiceStop(each->service);
-    for (const std::unique_ptr<Served>& each : served_)
-        if (each->thread.joinable())
-            each->thread.join();
+    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
+        KorIilServiceStop(endpoint->service);
+    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
+        if (endpoint->thread.joinable())
+            endpoint->thread.join();
     model_.publish = nullptr;
-    for (const std::unique_ptr<Served>& each : served_)
-        KorIilServiceClose(each->service);
-    served_.clear();
+    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
+        KorIilServiceClose(endpoint->service);
+    endpoints_.clear();
 }
 
 void Gateway::tick()
@@ -115,16 +115,15 @@ void Gateway::keepTime()
         tick();
 }
 
-void Gateway::open(const char* serviceId, std::uint32_t eventCount,
-                   std::function<std::uint32_t(const KorIilRequest&, void*)> answer)
+void Gateway::open(const char* serviceId, std::uint32_t eventCount, Answer answer)
 {
-    auto served = std::make_unique<Served>();
-    served->gateway = this;
-    served->answer = std::move(answer);
-    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, handle, served.get(), &served->service);
+    auto endpoint = std::make_unique<Endpoint>();
+    endpoint->gateway = this;
+    endpoint->answer = std::move(answer);
+    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, handle, endpoint.get(), &endpoint->service);
     if (status != KOR_IIL_OK)
         throw GatewayError(whyNot(serviceId, status));
-    served_.push_back(std::move(served));
+    endpoints_.push_back(std::move(endpoint));
 }
 
 void Gateway::openContract(const char* serviceId, Dispatcher::StatusOf statusOf, bool notesFailures)
@@ -135,14 +134,14 @@ void Gateway::openContract(const char* serviceId, Dispatcher::StatusOf statusOf,
          { return dispatcher.serve(model_, request.command, request.length, message); });
 }
 
-// Called through C code, which no exception may pass.
+// Called from C code, through which no exception may pass.
 std::uint32_t Gateway::handle(void* context, const KorIilRequest* request, void* message)
 {
-    auto& served = *static_cast<Served*>(context);
+    auto& endpoint = *static_cast<Endpoint*>(context);
     try
     {
-        const std::lock_guard<std::mutex> guard(served.gateway->mutex_);
-        return served.answer(*request, message);
+        const std::lock_guard<std::mutex> guard(endpoint.gateway->mutex_);
+        return endpoint.answer(*request, message);
     }
     catch (const std::exception& error)
     {

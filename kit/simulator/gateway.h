@@ -1,4 +1,4 @@
-// The simulated gateway at work: its services, each on a thread of its own, over one model.
+// The running gateway: its services, with a thread for each, over one model.
 #pragma once
 
 #include "dispatcher.h"
@@ -30,8 +30,8 @@ public:
 class Gateway
 {
 public:
-    // `model` is as its scenario has filled it, and outlives the gateway. `shutDown` is called, from any thread, when a caller
-    // asks for the end, or when a service cannot go on.
+    // `model` has been filled by a scenario, and outlives the gateway. `shutDown` is called, from any thread, when a caller asks
+    // for it, or when a service fails.
     Gateway(Model& model, std::function<void()> shutDown);
     ~Gateway(); // stops
     Gateway(const Gateway&) = delete;
@@ -39,10 +39,10 @@ public:
 
     // Registers all services and starts to serve them. Throws GatewayError; none of them is registered then.
     void start();
-    // Takes the services back. No request is served after that.
+    // Unregisters the services. No request is served after that.
     void stop();
 
-    // Lets happen what is due. It happens by itself too, a little later.
+    // Advances the model now; it also happens at short intervals.
     void tick();
 
     // Runs `body` while no request is served.
@@ -53,26 +53,29 @@ public:
         return body(model_);
     }
 
-    // A service could not go on.
+    // Whether a service has failed.
     bool hasFailed() const
     {
         return failed_;
     }
 
 private:
-    // One identifier: what answers its requests, and the thread that it is served on.
-    struct Served
+    // Turns a request's message into the reply. Returns the IPC status.
+    using Answer = std::function<std::uint32_t(const KorIilRequest&, void* message)>;
+
+    // An identifier with its service and the thread that serves it.
+    struct Endpoint
     {
         Gateway* gateway = nullptr;
-        std::function<std::uint32_t(const KorIilRequest&, void*)> answer;
+        Answer answer;
         KorIilService* service = nullptr;
         std::thread thread;
     };
 
     static std::uint32_t handle(void* context, const KorIilRequest* request, void* message);
-    void open(const char* serviceId, std::uint32_t eventCount,
-              std::function<std::uint32_t(const KorIilRequest&, void*)> answer);
+    void open(const char* serviceId, std::uint32_t eventCount, Answer answer);
     void openContract(const char* serviceId, Dispatcher::StatusOf statusOf, bool notesFailures);
+    void run(KorIilService* service);
     void publish(const std::string& event, const Record& data);
     std::uint32_t answerControl(const KorIilRequest& request, void* message);
     void keepTime();
@@ -80,7 +83,7 @@ private:
     Model& model_;
     std::function<void()> shutDown_;
     std::mutex mutex_; // of the model
-    std::vector<std::unique_ptr<Served>> served_;
+    std::vector<std::unique_ptr<Endpoint>> endpoints_;
     KorIilService* deviceService_ = nullptr; // the one that publishes events
     std::atomic<bool> failed_{false};
 

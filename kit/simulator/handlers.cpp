@@ -47,8 +47,8 @@ const Handler* HandlerTable::find(const std::string& function) const
 
 const HandlerTable& handlers()
 {
-    static const HandlerTable table = makeTable();
-    return table;
+    static const HandlerTable kTable = makeTable();
+    return kTable;
 }
 
 Interface& interfaceOf(Model& model, const CommandRequest& request)

@@ -1,11 +1,11 @@
-// What each command does to the model and what it answers: one handler a function of the contract.
+// What a command does to the model and what it answers: one handler for each function of the contract.
 #pragma once
 
 #include "command_request.h"
+#include "lists.h"
 #include "model.h"
 
 #include <functional>
-#include <iterator>
 #include <map>
 #include <string>
 
@@ -50,19 +50,12 @@ Radio& radioOf(Model& model, const CommandRequest& request);       // "radioId",
 Radio& moduleRadioOf(Model& model, const CommandRequest& request); // the same, and it is one of the Wi-Fi module's
 Interface& interfaceOf(Model& model, const CommandRequest& request);
 
-// The element at an index that counts from 0. Throws Refused beyond the end.
-template <typename List>
-auto& elementAt(List& list, std::uint32_t index)
+// Throws Refused if the key would be one more than a table has room for.
+template <typename Table>
+void requireRoom(const Table& table, const typename Table::key_type& key)
 {
-    if (index >= std::size(list))
-        throw Refused{ReplyStatus::kNoSuchObject};
-    return list[index];
-}
-
-template <typename List>
-std::uint32_t count(const List& list)
-{
-    return static_cast<std::uint32_t>(std::size(list));
+    if (table.count(key) == 0 && table.size() >= kTableRoom)
+        throw Refused{ReplyStatus::kFull};
 }
 
 } // namespace tarn::simulator

@@ -36,7 +36,7 @@ void getSsidIntf(Model& model, CommandRequest& request)
 void setSsidIntfCfg(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    model.change(interface, request.record("cfg").changes(request.number("param")));
+    Model::change(interface, request.record("cfg").changes(request.number("param")));
 }
 
 void getSsidIntfStats(Model& model, CommandRequest& request)
@@ -58,17 +58,17 @@ void setRoamingEnable(Model& model, CommandRequest& request)
     Interface& interface = interfaceOf(model, request);
     if (request.number("enable") != 0 && !interface.radio->supportsRoaming)
         throw Refused{ReplyStatus::kSwitchedOff};
-    model.change(interface, {{"roaming", request.number("enable")}});
+    Model::change(interface, {{"roaming", request.number("enable")}});
 }
 
 void getRoamingMdid(Model& model, CommandRequest& request)
 {
-    request.setMobilityDomain("mdid", *parseMobilityDomain(interfaceOf(model, request).settings.text("mobilityDomain")));
+    request.setMobilityDomain("mdid", mobilityDomainOf(interfaceOf(model, request)));
 }
 
 void setRoamingMdid(Model& model, CommandRequest& request)
 {
-    model.change(interfaceOf(model, request), {{"mobilityDomain", base::hexText(request.mobilityDomain("mdid"))}});
+    Model::change(interfaceOf(model, request), {{"mobilityDomain", base::hexText(request.mobilityDomain("mdid"))}});
 }
 
 void getBlockAddrNum(Model& model, CommandRequest& request)
@@ -76,7 +76,7 @@ void getBlockAddrNum(Model& model, CommandRequest& request)
     request.setNumber("number", count(interfaceOf(model, request).blocked));
 }
 
-// The caller does not get it, but the message carries it.
+// The message carries the address, although the library does not return it.
 void getBlockAddrAt(Model& model, CommandRequest& request)
 {
     const MacAddress& address = elementAt(interfaceOf(model, request).blocked, request.number("index"));
@@ -105,7 +105,7 @@ void getAccessPoint(Model& model, CommandRequest& request)
 void setWholeCfg(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    model.change(interface, request.record("cfg").changes(0));
+    Model::change(interface, request.record("cfg").changes(0));
 }
 
 void getSecurity(Model& model, CommandRequest& request)
@@ -125,7 +125,7 @@ void getWps(Model& model, CommandRequest& request)
 void setWpsCfg(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    model.change(interface, request.record("cfg").changes(request.number("value")));
+    Model::change(interface, request.record("cfg").changes(request.number("value")));
 }
 
 void getWpsWindowStatus(Model& model, CommandRequest& request)

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 
 #include <unistd.h>
 
@@ -21,7 +20,7 @@ using namespace tarn::simulator;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
-// Signals that end the program. They are blocked in every thread, and waited for.
+// The signals that end the program: blocked in every thread, and waited for.
 sigset_t endingSignals()
 {
     sigset_t signals;
@@ -68,31 +67,31 @@ void run(const std::string& scenario, int readyDescriptor)
 
 int main(int argc, char** argv)
 {
-    CLI::App app("The simulated gateway: the services TARN, QTN_RPC_PROXY and QTN_MIRROR over one model of a gateway.\n"
-                 "It prints one line, ready, once all of them can be called, and ends on SIGTERM or SIGINT.\n"
-                 "Exit status: 0 ended as asked, 1 could not start or go on, 2 wrong usage.");
-    app.name("tarn-gateway");
-    std::string scenario;
-    std::string directory;
-    int readyDescriptor = STDOUT_FILENO;
-    app.add_option("--scenario", scenario, "Scenario file, JSON; a gateway with two radios if left out")->type_name("FILE");
-    app.add_option("--directory", directory, "Runtime directory of the IPC, absolute; sets KORIIL_DIR")->type_name("DIRECTORY");
-    app.add_option("--ready-fd", readyDescriptor,
-                   "Descriptor to write the line to instead of standard output; closed afterwards")
-        ->type_name("N")
-        ->check(CLI::NonNegativeNumber);
-    app.set_version_flag("--version", "tarn-gateway " TARN_VERSION);
     try
     {
-        app.parse(argc, argv);
-    }
-    catch (const CLI::ParseError& error)
-    {
-        return app.exit(error) == 0 ? 0 : kUsage;
-    }
-
-    try
-    {
+        CLI::App app("The simulated gateway: the services TARN, QTN_RPC_PROXY and QTN_MIRROR over one model of a gateway.\n"
+                     "It prints one line, ready, once all of them can be called, and ends on SIGTERM or SIGINT.\n"
+                     "Exit status: 0 ended as asked, 1 could not start or go on, 2 wrong usage.");
+        app.name("tarn-gateway");
+        std::string scenario;
+        std::string directory;
+        int readyDescriptor = STDOUT_FILENO;
+        app.add_option("--scenario", scenario, "Scenario file, JSON; a gateway with two radios if left out")->type_name("FILE");
+        app.add_option("--directory", directory, "Runtime directory of the IPC, absolute; sets KORIIL_DIR")
+            ->type_name("DIRECTORY");
+        app.add_option("--ready-fd", readyDescriptor,
+                       "Descriptor to write the line to instead of standard output; closed afterwards")
+            ->type_name("N")
+            ->check(CLI::NonNegativeNumber);
+        app.set_version_flag("--version", "tarn-gateway " TARN_VERSION);
+        try
+        {
+            app.parse(argc, argv);
+        }
+        catch (const CLI::ParseError& error)
+        {
+            return app.exit(error) == 0 ? 0 : kUsage;
+        }
         if (!directory.empty())
             setenv("KORIIL_DIR", directory.c_str(), 1);
         run(scenario, readyDescriptor);
@@ -100,7 +99,7 @@ int main(int argc, char** argv)
     }
     catch (const std::exception& error)
     {
-        std::cerr << "tarn-gateway: " << error.what() << std::endl;
+        std::fprintf(stderr, "tarn-gateway: %s\n", error.what());
         return kFailed;
     }
 }

@@ -13,17 +13,17 @@ void getTelnetStatus(Model& model, CommandRequest& request)
     request.setNumber("status", model.module.telnetHolders.empty() ? 0 : 1);
 }
 
-// However often a process asks for it, it counts once.
+// A process counts once, however often it asks.
 void setTelnetEnable(Model& model, CommandRequest& request)
 {
     std::set<std::uint32_t>& holders = model.module.telnetHolders;
     const std::uint32_t process = request.number("pid");
-    if (request.number("enable") > 1 || process == 0)
+    const bool isEnabled = request.flag("enable");
+    if (process == 0)
         throw Refused{ReplyStatus::kInvalidValue};
-    if (request.number("enable") != 0)
+    if (isEnabled)
     {
-        if (holders.count(process) == 0 && holders.size() >= kTableRoom)
-            throw Refused{ReplyStatus::kFull};
+        requireRoom(holders, process);
         holders.insert(process);
     }
     else if (holders.erase(process) == 0)

@@ -1,5 +1,7 @@
 #include "model.h"
 
+#include "lists.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -14,20 +16,10 @@ constexpr Milliseconds kNeverAgain = std::numeric_limits<Milliseconds>::max();
 
 std::vector<std::uint32_t> channelsWith(const Radio& radio, const Settings& settings)
 {
-    ChannelCriteria criteria;
-    criteria.band = radio.band;
-    criteria.country = settings.text("country");
-    criteria.bandwidth = settings.number("bandwidth");
-    criteria.withWeatherChannels = settings.number("tdwrChannels") != 0;
-    std::vector<std::uint32_t> channels = channelsFor(criteria);
+    std::vector<std::uint32_t> channels = channelsFor(Model::channelCriteria(radio, settings));
     const auto inactive = [&](std::uint32_t channel) { return radio.inactiveChannels.count(channel) != 0; };
     channels.erase(std::remove_if(channels.begin(), channels.end(), inactive), channels.end());
     return channels;
-}
-
-bool contains(const std::vector<std::uint32_t>& channels, std::uint32_t channel)
-{
-    return std::find(channels.begin(), channels.end(), channel) != channels.end();
 }
 
 bool names(const Changes& changes, const char* property)
@@ -50,8 +42,8 @@ Model::Model(const Clock& clock) : clock_(clock), started_(clock.now())
 void Model::start()
 {
     started_ = now();
-    for (Radio& each : radios)
-        each.checkedChannels.insert(each.settings.number("channel")); // it has been at work for long
+    for (Radio& radio : radios)
+        radio.checkedChannels.insert(radio.settings.number("channel")); // as if checked long ago
     advance();
 }
 
@@ -84,41 +76,43 @@ Interface& Model::interfaceOf(std::uint32_t radioId, std::uint32_t interfaceId)
 
 Interface& Model::moduleInterface(const std::string& name)
 {
-    for (Radio& each : radios)
-        for (Interface& interface : each.interfaces)
-            if (each.onModule && interface.name == name)
+    for (Radio& radio : radios)
+        for (Interface& interface : radio.interfaces)
+            if (radio.onModule && interface.name == name)
                 return interface;
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 
+bool Model::hasInterface(const std::string& name) const
+{
+    for (const Radio& radio : radios)
+        for (const Interface& interface : radio.interfaces)
+            if (interface.name == name)
+                return true;
+    return false;
+}
+
 Radio& Model::moduleRadio()
 {
-    for (Radio& each : radios)
-        if (each.onModule)
-            return each;
+    for (Radio& radio : radios)
+        if (radio.onModule)
+            return radio;
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 Station& Model::station(Interface& interface, const MacAddress& address)
 {
-    for (Station& each : interface.stations)
-        if (each.address == address)
-            return each;
+    for (Station& station : interface.stations)
+        if (station.address == address)
+            return station;
     throw Refused{ReplyStatus::kNoSuchObject};
-}
-
-Station& Model::stationAt(Interface& interface, std::uint32_t index)
-{
-    if (index >= interface.stations.size())
-        throw Refused{ReplyStatus::kNoSuchObject};
-    return interface.stations[index];
 }
 
 SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
 {
-    for (SteeringDomain& each : smartWiFi.domains)
-        if (each.id == id)
-            return each;
+    for (SteeringDomain& domain : smartWiFi.domains)
+        if (domain.id == id)
+            return domain;
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 
@@ -145,23 +139,23 @@ void Model::change(Radio& radio, const Changes& changes)
 
     const Settings before = std::exchange(radio.settings, std::move(changed));
     const auto differs = [&](const char* name) { return before.value(name) != radio.settings.value(name); };
-    const auto tellOf = [&](const char* event, const char* name)
+    const auto publishChange = [&](const char* event, const char* name)
     {
         Record data(layout(event));
         data.setNumber("radioId", radio.id);
         data.setNumber(name, radio.settings.number(name));
-        tell(event, data);
+        publishEvent(event, data);
     };
     if (differs("channel"))
     {
-        tellOf("EVT_RADIO_OPR_CHANNEL_CHANGED", "channel");
+        publishChange("EVT_RADIO_OPR_CHANNEL_CHANGED", "channel");
         beginRadarCheck(radio);
     }
     if (differs("bandwidth"))
-        tellOf("EVT_RADIO_OPR_BANDWIDTH_CHANGED", "bandwidth");
+        publishChange("EVT_RADIO_OPR_BANDWIDTH_CHANGED", "bandwidth");
     if (differs("enabled"))
     {
-        tellOf("EVT_RADIO_STATUS_CHANGED", "enabled");
+        publishChange("EVT_RADIO_STATUS_CHANGED", "enabled");
         beginRadarCheck(radio);
     }
 }
@@ -190,10 +184,8 @@ Interface& Model::createInterface(const std::string& name, bool enabled)
     Radio& radio = moduleRadio();
     if (!isInterfaceName(name))
         throw Refused{ReplyStatus::kInvalidValue};
-    for (const Radio& each : radios)
-        for (const Interface& interface : each.interfaces)
-            if (interface.name == name)
-                throw Refused{ReplyStatus::kAlreadyThere};
+    if (hasInterface(name))
+        throw Refused{ReplyStatus::kAlreadyThere};
     if (radio.interfaces.size() >= kInterfaceRoom)
         throw Refused{ReplyStatus::kFull};
 
@@ -220,32 +212,32 @@ void Model::kickOut(Interface& interface, const MacAddress& address)
 
 void Model::stopPolling(Polling what, bool stop)
 {
-    for (const Polling each : {Polling::kRadios, Polling::kInterfaces, Polling::kStations})
+    for (const Polling kind : {Polling::kRadios, Polling::kInterfaces, Polling::kStations})
     {
-        if (what != Polling::kAll && what != each)
+        if (what != Polling::kAll && what != kind)
             continue;
-        const bool isStopped = stoppedPolling.count(each) != 0;
+        const bool isStopped = stoppedPolling.count(kind) != 0;
         if (isStopped == stop)
             continue;
         const auto freeze = [&](auto& object)
         { object.frozen = stop ? std::optional<Counters>(counters(object)) : std::nullopt; };
         for (Radio& radio : radios)
         {
-            if (each == Polling::kRadios)
+            if (kind == Polling::kRadios)
                 freeze(radio);
             for (Interface& interface : radio.interfaces)
             {
-                if (each == Polling::kInterfaces)
+                if (kind == Polling::kInterfaces)
                     freeze(interface);
                 for (Station& station : interface.stations)
-                    if (each == Polling::kStations)
+                    if (kind == Polling::kStations)
                         freeze(station);
             }
         }
         if (stop)
-            stoppedPolling.insert(each);
+            stoppedPolling.insert(kind);
         else
-            stoppedPolling.erase(each);
+            stoppedPolling.erase(kind);
     }
 }
 
@@ -253,7 +245,7 @@ void Model::addAddress(std::vector<MacAddress>& list, const MacAddress& address,
 {
     if (!base::isIndividual(address))
         throw Refused{ReplyStatus::kInvalidValue};
-    if (std::find(list.begin(), list.end(), address) != list.end())
+    if (contains(list, address))
         throw Refused{ReplyStatus::kAlreadyThere};
     if (list.size() >= room)
         throw Refused{ReplyStatus::kFull};
@@ -270,6 +262,7 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 
 // --- What takes time ---------------------------------------------------------------------------------------------------------
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::startScan(Radio& radio, std::uint32_t flags)
 {
     if (radio.settings.number("enabled") == 0)
@@ -292,7 +285,7 @@ void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::str
 {
     if (method == WpsMethod::kPin && !isWpsPin(pin))
         throw Refused{ReplyStatus::kInvalidValue};
-    if (interface.settings.number("wpsEnabled") == 0 || interface.settings.number("enabled") == 0 || !isReady(*interface.radio))
+    if (interface.settings.number("wpsEnabled") == 0 || !isUp(interface))
         throw Refused{ReplyStatus::kSwitchedOff};
     WpsWindow& window = interface.window;
     if (window.status == WpsStatus::kOpen)
@@ -328,6 +321,7 @@ void Model::startProduction()
     module.productionDone = now() + timing.production;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 {
     if (radio.settings.number("enabled") == 0)
@@ -335,8 +329,7 @@ void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
     if (radio.dfsRadio.status == DfsRadioStatus::kChecking)
         throw Refused{ReplyStatus::kBusy};
     std::vector<std::uint32_t> unchecked = allowedChannels(radio);
-    const auto needsNoCheck = [&](std::uint32_t each)
-    { return !isRadarChannel(radio.band, each) || radio.checkedChannels.count(each) != 0; };
+    const auto needsNoCheck = [&](std::uint32_t candidate) { return !needsRadarCheck(radio, candidate); };
     unchecked.erase(std::remove_if(unchecked.begin(), unchecked.end(), needsNoCheck), unchecked.end());
     if (channel == 0 && unchecked.empty())
         throw Refused{ReplyStatus::kNotThere};
@@ -356,13 +349,12 @@ void Model::stopDfsRadio(Radio& radio)
 
 void Model::advance()
 {
-    for (Radio& each : radios)
-        settle(each);
+    for (Radio& radio : radios)
+        settle(radio);
     Download& download = module.download;
     if (download.state == DownloadState::kRunning && now() >= download.ends)
     {
-        const auto& missing = module.missingFiles;
-        const bool fails = std::find(missing.begin(), missing.end(), download.path) != missing.end();
+        const bool fails = contains(module.missingFiles, download.path);
         download.state = fails ? DownloadState::kFailed : DownloadState::kDone;
     }
 }
@@ -394,9 +386,7 @@ void Model::settle(Interface& interface)
 {
     if (interface.window.status == WpsStatus::kOpen)
     {
-        const bool works = interface.settings.number("wpsEnabled") != 0 && interface.settings.number("enabled") != 0 &&
-                           isReady(*interface.radio);
-        if (!works)
+        if (interface.settings.number("wpsEnabled") == 0 || !isUp(interface))
             setWpsWindow(interface, WpsStatus::kCancelled);
         else if (now() >= interface.window.closes)
             setWpsWindow(interface, WpsStatus::kExpired);
@@ -419,21 +409,20 @@ void Model::settle(Interface& interface)
             ++i;
 }
 
-bool Model::admits(const Interface& interface, const Station& station, std::size_t associated) const
+bool Model::admits(const Interface& interface, const Station& station, std::size_t associated)
 {
-    if (!isReady(*interface.radio) || interface.settings.number("enabled") == 0)
+    if (!isUp(interface))
         return false;
     const std::uint32_t limit = interface.settings.number("assocLimit");
     if (limit != 0 && associated >= limit)
         return false;
-    const auto& filter = interface.macFilter;
-    const bool listed = std::find(filter.begin(), filter.end(), station.address) != filter.end();
+    const bool isListed = contains(interface.macFilter, station.address);
     switch (static_cast<MacFilterMode>(interface.settings.number("macFilterMode")))
     {
     case MacFilterMode::kAllow:
-        return listed;
+        return isListed;
     case MacFilterMode::kDeny:
-        return !listed;
+        return !isListed;
     case MacFilterMode::kOff:
         break;
     }
@@ -447,7 +436,7 @@ void Model::associate(Interface& interface, Station station)
         station.frozen = Counters{};
     ++interface.associations;
     interface.stations.push_back(std::move(station));
-    tellStation(interface, interface.stations.back(), true);
+    reportAssociation(interface, interface.stations.back(), true);
 }
 
 void Model::part(Interface& interface, std::size_t index)
@@ -459,7 +448,7 @@ void Model::part(Interface& interface, std::size_t index)
     ++interface.disassociations;
     station.due = timing.reassociation == 0 ? kNeverAgain : now() + timing.reassociation;
     station.frozen.reset();
-    tellStation(interface, station, false);
+    reportAssociation(interface, station, false);
     interface.away.push_back(std::move(station));
 }
 
@@ -470,24 +459,24 @@ void Model::setWpsWindow(Interface& interface, WpsStatus status)
     data.setNumber("radioId", interface.radio->id);
     data.setNumber("apId", interface.id);
     data.setNumber("status", static_cast<std::uint32_t>(status));
-    tell("EVT_AP_WPS_WIN_STATUS_CHANGED", data);
+    publishEvent("EVT_AP_WPS_WIN_STATUS_CHANGED", data);
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::beginRadarCheck(Radio& radio)
 {
-    const std::uint32_t channel = radio.settings.number("channel");
-    radio.checking = radio.settings.number("enabled") != 0 && isRadarChannel(radio.band, channel) &&
-                     radio.checkedChannels.count(channel) == 0 && timing.radarCheck > 0;
+    radio.checking = radio.settings.number("enabled") != 0 && timing.radarCheck > 0 &&
+                     needsRadarCheck(radio, radio.settings.number("channel"));
     radio.checkEnds = now() + timing.radarCheck;
 }
 
-void Model::tell(const char* event, const Record& data) const
+void Model::publishEvent(const char* event, const Record& data) const
 {
     if (publish)
         publish(event, data);
 }
 
-void Model::tellStation(const Interface& interface, const Station& station, bool associated)
+void Model::reportAssociation(const Interface& interface, const Station& station, bool associated)
 {
     history.push_back({now() - started_, associated ? 1u : 0u,
                        base::macText(station.address) + (associated ? " has come to " : " has left ") + interface.name});
@@ -498,7 +487,7 @@ void Model::tellStation(const Interface& interface, const Station& station, bool
     data.setNumber("apId", interface.id);
     data.setAddress("macAddress", station.address);
     data.setNumber("associated", associated ? 1 : 0);
-    tell("EVT_AP_ASSOCIATED_CHANGED", data);
+    publishEvent("EVT_AP_ASSOCIATED_CHANGED", data);
 }
 
 // --- What follows from the state ---------------------------------------------------------------------------------------------
@@ -506,6 +495,26 @@ void Model::tellStation(const Interface& interface, const Station& station, bool
 bool Model::isReady(const Radio& radio)
 {
     return radio.settings.number("enabled") != 0 && !radio.checking;
+}
+
+bool Model::isUp(const Interface& interface)
+{
+    return interface.settings.number("enabled") != 0 && isReady(*interface.radio);
+}
+
+bool Model::needsRadarCheck(const Radio& radio, std::uint32_t channel)
+{
+    return isRadarChannel(radio.band, channel) && radio.checkedChannels.count(channel) == 0;
+}
+
+ChannelCriteria Model::channelCriteria(const Radio& radio, const Settings& settings)
+{
+    ChannelCriteria criteria;
+    criteria.band = radio.band;
+    criteria.country = settings.text("country");
+    criteria.bandwidth = settings.number("bandwidth");
+    criteria.withWeatherChannels = settings.number("tdwrChannels") != 0;
+    return criteria;
 }
 
 std::vector<std::uint32_t> Model::allowedChannels(const Radio& radio)
@@ -534,7 +543,7 @@ std::uint32_t Model::secondaryChannel(const Radio& radio, std::uint32_t channel)
     return found != radio.secondaryChannels.end() ? found->second : secondaryOf(radio.band, channel);
 }
 
-// Each level halves the power of the one before it, more or less: 3 dB.
+// A level is a percentage of the maximum power: half of it is 3 dB less.
 std::int32_t Model::chainPower(const Radio& radio, std::uint32_t chain) const
 {
     if (chain >= radio.chains || radio.settings.number("enabled") == 0)
@@ -558,8 +567,8 @@ std::int32_t Model::chainPower(const Radio& radio, std::uint32_t chain) const
     }
 }
 
-// The strongest station's, a little less on each chain than on the one before.
-std::int32_t Model::chainRssi(const Radio& radio, std::uint32_t chain) const
+// The strongest station's, and 1 dB less on every further chain.
+std::int32_t Model::chainRssi(const Radio& radio, std::uint32_t chain)
 {
     std::int32_t strongest = radio.noise;
     for (const Interface& interface : radio.interfaces)
@@ -568,11 +577,14 @@ std::int32_t Model::chainRssi(const Radio& radio, std::uint32_t chain) const
     return chain >= radio.chains ? radio.noise : std::max(radio.noise, strongest - static_cast<std::int32_t>(chain));
 }
 
-std::uint32_t Model::maximumRate(const Radio& radio) const
+std::uint32_t Model::maximumRate(const Radio& radio)
 {
-    const std::uint32_t perStream = radio.settings.text("phyMode") == "11ax"   ? 150
-                                    : radio.settings.text("phyMode") == "11ac" ? 108
-                                                                               : 54;
+    const std::string& mode = radio.settings.text("phyMode");
+    std::uint32_t perStream = 54; // at 20 MHz
+    if (mode == "11ax")
+        perStream = 150;
+    else if (mode == "11ac")
+        perStream = 108;
     return perStream * radio.chains * radio.settings.number("bandwidth") / 20;
 }
 
@@ -609,21 +621,6 @@ Counters Model::counters(const Radio& radio) const
     for (const Interface& interface : radio.interfaces)
         result.add(counters(interface));
     return result;
-}
-
-Counters Model::polled(const Radio& radio) const
-{
-    return radio.frozen ? *radio.frozen : counters(radio);
-}
-
-Counters Model::polled(const Interface& interface) const
-{
-    return interface.frozen ? *interface.frozen : counters(interface);
-}
-
-Counters Model::polled(const Station& station) const
-{
-    return station.frozen ? *station.frozen : counters(station);
 }
 
 } // namespace tarn::simulator

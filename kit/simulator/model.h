@@ -1,7 +1,6 @@
-// The model of one gateway: what all its services read and change.
+// The model of one gateway, which all its services read and change.
 //
-// Everything that can be asked of it and that it cannot grant throws Refused. The model is not locked: who uses it sees to
-// that.
+// Its functions throw Refused for what cannot be granted. They do not lock the model; their callers do.
 #pragma once
 
 #include "objects.h"
@@ -21,7 +20,7 @@ constexpr std::size_t kInterfaceRoom = 8; // of one radio
 constexpr std::size_t kHistoryRoom = 64;
 constexpr std::size_t kTableRoom = 64; // custom values, boot parameters, files, entries of the security agent ...
 
-// What the device service may stop reading for its statistics.
+// The objects whose statistics the device service can stop polling.
 enum class Polling : std::uint32_t
 {
     kAll,
@@ -49,12 +48,12 @@ public:
     std::deque<HistoryEntry> history;
     std::set<Polling> stoppedPolling;
     std::uint32_t errorMask = 0;
-    Publish publish; // called for each change that an event tells of; may be empty
+    Publish publish; // called with every event; may be empty
 
-    // Stations associate, times begin to run.
+    // Stations associate, and time starts to count.
     void start();
 
-    // Lets happen what is due by now. To be called before the model is read, and after it has been changed.
+    // Carries out what is due by now. To be called before the model is read and after it has been changed.
     void advance();
 
     Milliseconds now() const;
@@ -65,21 +64,21 @@ public:
     Radio& radio(std::uint32_t id);
     Interface& interfaceOf(std::uint32_t radioId, std::uint32_t interfaceId);
     Interface& moduleInterface(const std::string& name); // one that the proxy reaches
-    Radio& moduleRadio();                                // the module's first
-    Station& station(Interface& interface, const MacAddress& address);
-    Station& stationAt(Interface& interface, std::uint32_t index);
+    bool hasInterface(const std::string& name) const;
+    Radio& moduleRadio(); // the module's first
+    static Station& station(Interface& interface, const MacAddress& address);
     SteeringDomain& steeringDomain(const MobilityDomain& id);
 
     // --- Changing ------------------------------------------------------------------------------------------------------------
 
-    // All of the changes, or none. With the events that they lead to.
+    // Makes all of the changes, or none, and publishes their events.
     void change(Radio& radio, const Changes& changes);
-    void change(Interface& interface, const Changes& changes);
+    static void change(Interface& interface, const Changes& changes);
     static void change(Settings& settings, const Changes& changes);
 
     // Security settings made through the module: at once, or, while security is deferred, with the next applySecurity.
-    void changeSecurity(Interface& interface, const Changes& changes);
-    void applySecurity(Interface& interface);
+    static void changeSecurity(Interface& interface, const Changes& changes);
+    static void applySecurity(Interface& interface);
 
     Interface& createInterface(const std::string& name, bool enabled);
     void kickOut(Interface& interface, const MacAddress& address);
@@ -91,29 +90,35 @@ public:
     // --- What takes time -----------------------------------------------------------------------------------------------------
 
     void startScan(Radio& radio, std::uint32_t flags);
-    void cancelScan(Radio& radio);
+    static void cancelScan(Radio& radio);
     void openWpsWindow(Interface& interface, WpsMethod method, const std::string& pin);
     void cancelWpsWindow(Interface& interface);
     void startDownload(const std::string& path);
     void startProduction();
     void startDfsRadio(Radio& radio, std::uint32_t channel);
-    void stopDfsRadio(Radio& radio);
+    static void stopDfsRadio(Radio& radio);
 
     // --- What follows from the state -----------------------------------------------------------------------------------------
 
     static bool isReady(const Radio& radio);
+    static bool isUp(const Interface& interface);
+    static bool needsRadarCheck(const Radio& radio, std::uint32_t channel); // before its first use
+    static ChannelCriteria channelCriteria(const Radio& radio, const Settings& settings);
     static std::vector<std::uint32_t> allowedChannels(const Radio& radio);
     static std::uint32_t secondaryChannel(const Radio& radio, std::uint32_t channel);
     std::int32_t chainPower(const Radio& radio, std::uint32_t chain) const; // dBm; 0 where there is no such chain
-    std::int32_t chainRssi(const Radio& radio, std::uint32_t chain) const;  // dBm; the noise where there is no station or chain
-    std::uint32_t maximumRate(const Radio& radio) const;                    // Mbit/s
+    static std::int32_t chainRssi(const Radio& radio, std::uint32_t chain); // dBm; the noise where there is no station or chain
+    static std::uint32_t maximumRate(const Radio& radio);                   // Mbit/s
     std::uint32_t secondsAssociated(const Station& station) const;
 
-    // As the device service sees them: those at the time its polling was stopped, if it is.
-    Counters polled(const Radio& radio) const;
-    Counters polled(const Interface& interface) const;
-    Counters polled(const Station& station) const;
-    // As they are.
+    // The counters that the device service sees: those of the time its polling was stopped, if it is.
+    template <typename Object>
+    Counters polled(const Object& object) const
+    {
+        return object.frozen ? *object.frozen : counters(object);
+    }
+
+    // The actual counters.
     Counters counters(const Radio& radio) const;
     Counters counters(const Interface& interface) const;
     Counters counters(const Station& station) const;
@@ -121,13 +126,14 @@ public:
 private:
     void settle(Radio& radio);
     void settle(Interface& interface);
-    bool admits(const Interface& interface, const Station& station, std::size_t associated) const;
+    static bool admits(const Interface& interface, const Station& station, std::size_t associated);
     void associate(Interface& interface, Station station);
     void part(Interface& interface, std::size_t index);
     void setWpsWindow(Interface& interface, WpsStatus status);
     void beginRadarCheck(Radio& radio);
-    void tell(const char* event, const Record& data) const;
-    void tellStation(const Interface& interface, const Station& station, bool associated);
+    void publishEvent(const char* event, const Record& data) const;
+    // Adds it to the history and publishes its event.
+    void reportAssociation(const Interface& interface, const Station& station, bool associated);
     static std::uint32_t quietestChannel(const Radio& radio, const Settings& settings);
 
     const Clock& clock_;

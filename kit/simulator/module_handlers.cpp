@@ -91,9 +91,9 @@ void getCurrentAssociationAt(Model& model, CommandRequest& request)
 void getCurrentAssociation(Model& model, CommandRequest& request)
 {
     const MacAddress address = request.address("mac_addr");
-    for (const Association& each : associations(model))
-        if (each.station->address == address)
-            return answerAssociation(model, each, request);
+    for (const Association& association : associations(model))
+        if (association.station->address == address)
+            return answerAssociation(model, association, request);
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 

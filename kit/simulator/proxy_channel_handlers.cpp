@@ -2,26 +2,17 @@
 #include "handlers.h"
 #include "records.h"
 
-#include <algorithm>
-
 namespace tarn::simulator
 {
 
 namespace
 {
 
-bool contains(const std::vector<std::uint32_t>& channels, std::uint32_t channel)
-{
-    return std::find(channels.begin(), channels.end(), channel) != channels.end();
-}
-
-// Those of the radio's band in its country, 20 MHz each, the inactive ones included.
+// The 20 MHz channels of the radio's band in its country, the inactive ones included.
 std::vector<std::uint32_t> channelsOf(const Radio& radio)
 {
-    ChannelCriteria criteria;
-    criteria.band = radio.band;
-    criteria.country = radio.settings.text("country");
-    criteria.withWeatherChannels = radio.settings.number("tdwrChannels") != 0;
+    ChannelCriteria criteria = Model::channelCriteria(radio, radio.settings);
+    criteria.bandwidth = 20;
     return channelsFor(criteria);
 }
 
@@ -41,7 +32,7 @@ void getSecondaryChannel(Model& model, CommandRequest& request)
     request.setNumber("secondary_channel", Model::secondaryChannel(radio, channel));
 }
 
-// A second value of 0 takes what has been set by hand back.
+// A second value of 0 restores the default.
 void setSecondaryChannel(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
@@ -59,16 +50,13 @@ void setSecondaryChannel(Model& model, CommandRequest& request)
     radio.secondaryChannels[channel] = secondary;
 }
 
-// The channel that the radio works on stays active.
+// The radio's own channel cannot be made inactive.
 void setChannelInactive(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
     const std::uint32_t channel = request.number("value1");
-    const std::uint32_t inactive = request.number("value2");
     requireChannel(radio, channel);
-    if (inactive > 1)
-        throw Refused{ReplyStatus::kInvalidValue};
-    if (inactive == 0)
+    if (!request.flag("value2"))
         radio.inactiveChannels.erase(channel);
     else if (channel == radio.settings.number("channel"))
         throw Refused{ReplyStatus::kBusy};
@@ -105,13 +93,12 @@ void getRegulatory(Model& model, CommandRequest& request)
 // The value: 0 all channels, 1 those without radar protection.
 void getRegulatoryOfInterface(Model& model, CommandRequest& request)
 {
-    if (request.number("value") > 1)
-        throw Refused{ReplyStatus::kInvalidValue};
+    const bool withoutRadarChannels = request.flag("value");
     ChannelCriteria criteria;
     criteria.band = radioOf(model, request).band;
     criteria.country = request.text("region_name");
     criteria.bandwidth = request.number("bandwidth");
-    criteria.withRadarChannels = request.number("value") == 0;
+    criteria.withRadarChannels = !withoutRadarChannels;
     answerRegulatory(criteria, request);
 }
 
@@ -137,7 +124,7 @@ void startDfsRadio(Model& model, CommandRequest& request)
 
 void stopDfsRadio(Model& model, CommandRequest& request)
 {
-    model.stopDfsRadio(radioOf(model, request));
+    Model::stopDfsRadio(radioOf(model, request));
 }
 
 void getCacStatus(Model& model, CommandRequest& request)
@@ -159,18 +146,20 @@ void getAvailability(Model& model, CommandRequest& request)
         kBeingChecked = 3
     };
     const Radio& radio = radioOf(model, request);
-    const auto isBeingChecked = [&](std::uint32_t channel)
+    const auto availabilityOf = [&](std::uint32_t channel)
     {
-        return (radio.checking && channel == radio.settings.number("channel")) ||
-               (radio.dfsRadio.status == DfsRadioStatus::kChecking && channel == radio.dfsRadio.channel);
+        if (!Model::needsRadarCheck(radio, channel))
+            return kAvailable;
+        const bool isBeingChecked = (radio.checking && channel == radio.settings.number("channel")) ||
+                                    (radio.dfsRadio.status == DfsRadioStatus::kChecking && channel == radio.dfsRadio.channel);
+        return isBeingChecked ? kBeingChecked : kNotChecked;
     };
     const std::vector<std::uint32_t> channels = channelsOf(radio);
     std::vector<std::uint8_t> pairs;
     for (const std::uint32_t channel : channels)
     {
-        const bool isFree = !isRadarChannel(radio.band, channel) || radio.checkedChannels.count(channel) != 0;
         pairs.push_back(static_cast<std::uint8_t>(channel));
-        pairs.push_back(isFree ? kAvailable : isBeingChecked(channel) ? kBeingChecked : kNotChecked);
+        pairs.push_back(availabilityOf(channel));
     }
     Record table = request.blank("chan_avail_status");
     table.setNumber("number", channels.size());
@@ -186,7 +175,7 @@ void getPowerLevels(Model& model, CommandRequest& request)
     request.setText("available_percentages", "100,75,50,25,12");
 }
 
-// Channel, dB less, and the bandwidth that it holds for: 0 all, 1 to 4 for 20 to 160 MHz.
+// The channel, the reduction in dB, and the bandwidth it applies to: 0 all, 1 to 4 for 20 to 160 MHz.
 void setPowerBackoff(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kMostBackoff = 20;

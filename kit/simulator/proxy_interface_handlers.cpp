@@ -36,7 +36,7 @@ void cancelWps(Model& model, CommandRequest& request)
 
 void disableWps(Model& model, CommandRequest& request)
 {
-    model.change(interfaceOf(model, request), {{"wpsEnabled", request.number("disable") != 0 ? 0u : 1u}});
+    Model::change(interfaceOf(model, request), {{"wpsEnabled", request.number("disable") != 0 ? 0u : 1u}});
 }
 
 void saveApPin(Model& model, CommandRequest& request)
@@ -71,7 +71,7 @@ void getWpsParameter(Model& model, CommandRequest& request)
 
 // --- DSCP maps ---------------------------------------------------------------------------------------------------------------
 
-// One access category, 0 to 3, for each of the 64 code points.
+// The access category, 0 to 3, of each of the 64 code points.
 DscpMap dscpMap(const CommandRequest& request)
 {
     const std::vector<std::uint8_t> list = request.block("dscp_list");
@@ -115,8 +115,8 @@ void setGroupLimit(Model& model, CommandRequest& request)
     model.module.groupLimits[request.number("value1")] = request.number("value2");
 }
 
-// In a list of those who may come, to authorise is to add and to deny is to remove; in one of those who may not, the other way
-// round.
+// While only listed addresses are admitted, to authorise is to add and to deny is to remove; while listed addresses are
+// excluded, the reverse.
 void authorize(Interface& interface, const MacAddress& address, bool authorized)
 {
     const auto mode = static_cast<MacFilterMode>(interface.settings.number("macFilterMode"));
@@ -147,14 +147,12 @@ void clearFilter(Model& model, CommandRequest& request)
 
 void applySecurity(Model& model, CommandRequest& request)
 {
-    model.applySecurity(interfaceOf(model, request));
+    Model::applySecurity(interfaceOf(model, request));
 }
 
 void createBss(Model& model, CommandRequest& request)
 {
-    if (request.number("value") > 1)
-        throw Refused{ReplyStatus::kInvalidValue};
-    model.createInterface(request.text("ifname"), request.number("value") != 0);
+    model.createInterface(request.text("ifname"), request.flag("value"));
 }
 
 } // namespace

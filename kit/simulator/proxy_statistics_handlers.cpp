@@ -10,7 +10,7 @@ namespace
 
 Station& stationOf(Model& model, const CommandRequest& request)
 {
-    return model.stationAt(interfaceOf(model, request), request.number("association_index"));
+    return elementAt(interfaceOf(model, request).stations, request.number("association_index"));
 }
 
 void getInterfaceStats(Model& model, CommandRequest& request)
@@ -27,12 +27,12 @@ void getRssiByChain(Model& model, CommandRequest& request)
     const Radio& radio = radioOf(model, request);
     std::uint32_t chain = 0;
     for (const char* name : {"rssi0", "rssi1", "rssi2", "rssi3"})
-        request.setSigned(name, model.chainRssi(radio, chain++));
+        request.setSigned(name, Model::chainRssi(radio, chain++));
 }
 
 void getConnectionMode(Model& model, CommandRequest& request)
 {
-    request.setText("p_wifi_phy_mode", model.stationAt(interfaceOf(model, request), request.number("value")).phyMode);
+    request.setText("p_wifi_phy_mode", elementAt(interfaceOf(model, request).stations, request.number("value")).phyMode);
 }
 
 void getRssi(Model& model, CommandRequest& request)
@@ -75,13 +75,13 @@ void getDeviceAddress(Model& model, CommandRequest& request)
     request.setAddress("mac_addr", stationOf(model, request).address);
 }
 
-// By its address; by its index where the address is all zeros.
+// By the address, or by the index if the address is all zeros.
 void getNodeInfoset(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
     const MacAddress address = request.address("mac_addr");
     const Station& station =
-        address == MacAddress{} ? model.stationAt(interface, request.number("index")) : model.station(interface, address);
+        address == MacAddress{} ? elementAt(interface.stations, request.number("index")) : Model::station(interface, address);
     Record nis = request.blank("nis");
     fillStation(nis, model, interface, station);
     model.counters(station).fill(nis);
@@ -112,7 +112,7 @@ void getVapExtStats(Model& model, CommandRequest& request)
 
 void getMaxBitrate(Model& model, CommandRequest& request)
 {
-    request.setText("max_bitrate", std::to_string(model.maximumRate(radioOf(model, request))));
+    request.setText("max_bitrate", std::to_string(Model::maximumRate(radioOf(model, request))));
 }
 
 void getCcaStats(Model& model, CommandRequest& request)
@@ -129,7 +129,7 @@ void getCcaStats(Model& model, CommandRequest& request)
     request.setRecord("stats", stats);
 }
 
-// Errors of short and of long preambles: the simulated radio has one of each for every so many seconds.
+// Errors of short and of long preambles: in the simulation one every 10 and one every 60 seconds.
 void getPreambleError(Model& model, CommandRequest& request)
 {
     radioOf(model, request);

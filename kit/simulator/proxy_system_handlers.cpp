@@ -1,21 +1,18 @@
 // The proxy's calls that address the Wi-Fi module as a whole.
 #include "handlers.h"
 
-#include <algorithm>
-
 namespace tarn::simulator
 {
 
 namespace
 {
 
-// Sets one text of a limited number of them.
+// Sets the text of a key in a table of limited size.
 void setText(std::map<std::string, std::string>& texts, const std::string& key, const std::string& value)
 {
     if (key.empty())
         throw Refused{ReplyStatus::kInvalidValue};
-    if (texts.count(key) == 0 && texts.size() >= kTableRoom)
-        throw Refused{ReplyStatus::kFull};
+    requireRoom(texts, key);
     texts[key] = value;
 }
 
@@ -42,8 +39,7 @@ void getTemperatureInfo(Model& model, CommandRequest& request)
 void getStatus(Model& model, CommandRequest& request)
 {
     const Interface& interface = interfaceOf(model, request);
-    const bool isUp = interface.settings.number("enabled") != 0 && Model::isReady(*interface.radio);
-    request.setText("status", isUp ? "up" : "down");
+    request.setText("status", Model::isUp(interface) ? "up" : "down");
 }
 
 void startProduction(Model& model, CommandRequest&)
@@ -77,9 +73,8 @@ void getCustomValue(Model& model, CommandRequest& request)
 
 void runScript(Model& model, CommandRequest& request)
 {
-    const std::vector<std::string>& scripts = model.module.scripts;
     const std::string name = request.text("scriptname");
-    if (std::find(scripts.begin(), scripts.end(), name) == scripts.end())
+    if (!contains(model.module.scripts, name))
         throw Refused{ReplyStatus::kNoSuchObject};
     model.module.lastScript = name;
     model.module.lastScriptParameter = request.text("param");
@@ -90,7 +85,7 @@ void getBootParameter(Model& model, CommandRequest& request)
     request.setText("param_value", textOf(model.module.bootParameters, request.text("param_name")));
 }
 
-// A parameter of an interface stands among the boot parameters under INTERFACE.NAME.
+// A parameter of an interface is a boot parameter with the name INTERFACE.NAME.
 void updateParameter(Model& model, CommandRequest& request)
 {
     const Interface& interface = interfaceOf(model, request);
@@ -100,7 +95,7 @@ void updateParameter(Model& model, CommandRequest& request)
     setText(model.module.bootParameters, interface.name + "." + name, request.text("param_value"));
 }
 
-// Up to 16 pairs of name and value; only the one of that name if the caller gives one.
+// Up to 16 pairs of name and value; if the caller gives a name, only the pair of that name.
 void setParameters(Model& model, CommandRequest& request)
 {
     const Layout& entryLayout = layout("tarn_qcsapi_set_params.set_params.entry");
@@ -113,10 +108,10 @@ void setParameters(Model& model, CommandRequest& request)
         throw Refused{ReplyStatus::kInvalidValue};
 
     std::map<std::string, std::string> chosen;
-    for (std::uint32_t i = 0; i < number; ++i)
+    for (std::size_t i = 0; i < number; ++i)
     {
-        const auto begin = entries.begin() + static_cast<std::ptrdiff_t>(i * entryLayout.size);
-        const Record entry(entryLayout, {begin, begin + static_cast<std::ptrdiff_t>(entryLayout.size)});
+        const std::uint8_t* begin = entries.data() + i * entryLayout.size;
+        const Record entry(entryLayout, {begin, begin + entryLayout.size});
         const std::string name = entry.text("name");
         if (name.empty())
             throw Refused{ReplyStatus::kInvalidValue};
@@ -131,13 +126,11 @@ void setParameters(Model& model, CommandRequest& request)
     model.module.bootParameters = std::move(changed);
 }
 
-// The proxy's own switch holds telnet open like any process.
+// The proxy's own switch counts as one more process.
 void enableTelnet(Model& model, CommandRequest& request)
 {
     constexpr std::uint32_t kProxy = 0;
-    if (request.number("value") > 1)
-        throw Refused{ReplyStatus::kInvalidValue};
-    if (request.number("value") != 0)
+    if (request.flag("value"))
         model.module.telnetHolders.insert(kProxy);
     else
         model.module.telnetHolders.erase(kProxy);
@@ -192,8 +185,7 @@ void setSecurityAgent(Model& model, CommandRequest& request)
         throw Refused{ReplyStatus::kNotThere};
     if (action == "clear")
         return;
-    if (entries.count(key) == 0 && entries.size() >= kTableRoom)
-        throw Refused{ReplyStatus::kFull};
+    requireRoom(entries, key);
     entries[key] = {action, request.number("value")};
 }
 
@@ -219,7 +211,7 @@ void startThermalMitigation(Model& model, CommandRequest& request)
     requireThermalMitigation(model);
     if (model.module.thermalInterfaces.count(interface.name) != 0)
         throw Refused{ReplyStatus::kAlreadyThere};
-    model.change(interface, {{"thermalStart", request.number("value1")}, {"thermalStop", request.number("value2")}});
+    Model::change(interface, {{"thermalStart", request.number("value1")}, {"thermalStop", request.number("value2")}});
     model.module.thermalInterfaces.insert(interface.name);
 }
 

@@ -16,10 +16,9 @@ void getLastErrorMask(Model& model, CommandRequest& request)
 void setStopPollingEnable(Model& model, CommandRequest& request)
 {
     const std::uint32_t what = request.number("value1");
-    const std::uint32_t stop = request.number("value2");
-    if (what > static_cast<std::uint32_t>(Polling::kStations) || stop > 1)
+    if (what > static_cast<std::uint32_t>(Polling::kStations))
         throw Refused{ReplyStatus::kInvalidValue};
-    model.stopPolling(static_cast<Polling>(what), stop != 0);
+    model.stopPolling(static_cast<Polling>(what), request.flag("value2"));
 }
 
 void getIsSupportedWfaAlliance(Model& model, CommandRequest& request)
@@ -54,7 +53,7 @@ void getIsReady(Model& model, CommandRequest& request)
     request.setNumber("isReady", Model::isReady(radioOf(model, request)) ? 1 : 0);
 }
 
-// The parameter of both configurations selects the fields to take.
+// Both configurations come with a selection of the fields to take.
 void setCfg(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
@@ -89,12 +88,12 @@ void getPossibleChannels(Model& model, CommandRequest& request)
 {
     const Radio& radio = radioOf(model, request);
     const Record query = request.record("query");
-    ChannelCriteria criteria;
-    criteria.band = radio.band;
-    criteria.bandwidth = query.number("bandwidth") != 0 ? query.number("bandwidth") : radio.settings.number("bandwidth");
-    criteria.country = !query.text("country").empty() ? query.text("country") : radio.settings.text("country");
+    ChannelCriteria criteria = Model::channelCriteria(radio, radio.settings);
+    if (query.number("bandwidth") != 0)
+        criteria.bandwidth = query.number("bandwidth");
+    if (!query.text("country").empty())
+        criteria.country = query.text("country");
     criteria.withRadarChannels = query.number("withoutRadarChannels") == 0;
-    criteria.withWeatherChannels = radio.settings.number("tdwrChannels") != 0;
     const std::vector<std::uint8_t> channels = channelBytes(channelsFor(criteria));
     if (channels.empty())
         throw Refused{ReplyStatus::kInvalidValue};
@@ -114,7 +113,7 @@ void getChainRssiAt(Model& model, CommandRequest& request)
     const std::uint32_t chain = request.number("chainIndex");
     if (chain >= radio.chains)
         throw Refused{ReplyStatus::kNoSuchObject};
-    request.setSigned("rssi", model.chainRssi(radio, chain));
+    request.setSigned("rssi", Model::chainRssi(radio, chain));
 }
 
 void getChipTemperature(Model& model, CommandRequest& request)
@@ -139,7 +138,7 @@ void scanNeighborhood(Model& model, CommandRequest& request)
 
 void cancelNeighborhoodScanning(Model& model, CommandRequest& request)
 {
-    model.cancelScan(radioOf(model, request));
+    Model::cancelScan(radioOf(model, request));
 }
 
 void getNeighboringResultNum(Model& model, CommandRequest& request)

@@ -5,9 +5,16 @@
 namespace tarn::simulator
 {
 
+MobilityDomain mobilityDomainOf(const Interface& interface)
+{
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the setting accepts nothing but mobility domains
+    return *parseMobilityDomain(interface.settings.text("mobilityDomain"));
+}
+
 std::vector<std::uint8_t> channelBytes(const std::vector<std::uint32_t>& channels)
 {
     std::vector<std::uint8_t> bytes;
+    bytes.reserve(channels.size());
     for (const std::uint32_t channel : channels)
         bytes.push_back(static_cast<std::uint8_t>(channel));
     return bytes;
@@ -55,8 +62,8 @@ void fillInterface(Record& record, const Interface& interface)
     record.setText("name", interface.name);
     record.setAddress("bssid", interface.bssid);
     record.setNumber("primary", interface.id == 1 ? 1 : 0);
-    const auto domain = parseMobilityDomain(interface.settings.text("mobilityDomain"));
-    record.setBlock("mobilityDomain", domain->data(), domain->size());
+    const MobilityDomain domain = mobilityDomainOf(interface);
+    record.setBlock("mobilityDomain", domain.data(), domain.size());
 }
 
 void fillAccessPoint(Record& record, const Interface& interface)

@@ -1,4 +1,4 @@
-// The opaque records, filled from the model.
+// Fills the opaque records from the model.
 #pragma once
 
 #include "command_request.h"
@@ -7,7 +7,7 @@
 namespace tarn::simulator
 {
 
-// Each fills every field of its record, whose layout it expects.
+// They fill every field of the record, whose layout they expect.
 void fillRadio(Record& record, const Radio& radio);
 void fillNeighbour(Record& record, const Neighbour& neighbour);
 void fillInterface(Record& record, const Interface& interface);
@@ -15,7 +15,9 @@ void fillAccessPoint(Record& record, const Interface& interface);
 void fillWps(Record& record, const Model& model, const Interface& interface);
 void fillStation(Record& record, const Model& model, const Interface& interface, const Station& station);
 
-// One byte a channel; ended by 0 where there is room.
+MobilityDomain mobilityDomainOf(const Interface& interface);
+
+// One byte for each channel.
 std::vector<std::uint8_t> channelBytes(const std::vector<std::uint32_t>& channels);
 // "36,40,44".
 std::string channelText(const std::vector<std::uint32_t>& channels);

@@ -102,15 +102,15 @@ bool isWpsPin(const std::string& text)
 
 const Properties& serviceProperties()
 {
-    static const Properties properties = {
+    static const Properties kProperties = {
         number("logLevel", 0, 7, 3),
     };
-    return properties;
+    return kProperties;
 }
 
 const Properties& moduleProperties()
 {
-    static const Properties properties = {
+    static const Properties kProperties = {
         number("carrierId", 0, 255, 1),
         flag("carrierIdKept", 0),
         flag("debug", 0),
@@ -132,12 +132,12 @@ const Properties& moduleProperties()
         number("qcommIntervalSeconds", 1, 3600, 10),
         text("qcommKey", 0, 32, ""),
     };
-    return properties;
+    return kProperties;
 }
 
 const Properties& radioProperties()
 {
-    static const Properties properties = {
+    static const Properties kProperties = {
         flag("enabled", 1),
         number("channel", 1, 233, 36),
         flag("autoChannel", 0),
@@ -160,12 +160,12 @@ const Properties& radioProperties()
         number("nacMonitorOnTime", 0, 100, 10),
         flag("weatherCac", 1),
     };
-    return properties;
+    return kProperties;
 }
 
 const Properties& interfaceProperties()
 {
-    static const Properties properties = {
+    static const Properties kProperties = {
         flag("enabled", 1),
         text("ssid", 1, 32, "tarn"),
         flag("hidden", 0),
@@ -203,12 +203,12 @@ const Properties& interfaceProperties()
         number("thermalStart", 0, 150, 0),
         number("thermalStop", 0, 150, 0),
     };
-    return properties;
+    return kProperties;
 }
 
 const Properties& steeringProperties()
 {
-    static const Properties properties = {
+    static const Properties kProperties = {
         flag("steering", 1),
         number("rssiThreshold", 0, 100, 75), // dBm below zero
         number("rssiHysteresis", 0, 40, 5),
@@ -221,7 +221,7 @@ const Properties& steeringProperties()
         number("retryLimit", 0, 10, 3),
         text("uplink", 0, 32, ""),
     };
-    return properties;
+    return kProperties;
 }
 
 Settings::Settings(const Properties& properties) : properties_(&properties)
@@ -233,7 +233,7 @@ Settings::Settings(const Properties& properties) : properties_(&properties)
 const Property* Settings::property(std::string_view name) const
 {
     const auto found =
-        std::find_if(properties_->begin(), properties_->end(), [&](const Property& each) { return each.name == name; });
+        std::find_if(properties_->begin(), properties_->end(), [&](const Property& property) { return property.name == name; });
     return found == properties_->end() ? nullptr : &*found;
 }
 

@@ -1,7 +1,7 @@
 // The settings of the gateway's objects: named values, each with the range that it accepts.
 //
-// A setting is reached by several ways (a field of a configuration record, a proxy call, the scenario); its name and its range
-// stand once, in the tables of settings.cpp.
+// A setting is reached in several ways (a field of a configuration record, a proxy call, the scenario); its name and its range
+// are given once, in the tables of settings.cpp.
 #pragma once
 
 #include <cstdint>

@@ -36,11 +36,7 @@ void getDaemonVersion(Model& model, CommandRequest& request)
 void setBindingInterface(Model& model, CommandRequest& request)
 {
     const std::string name = request.text("intf_name");
-    bool isThere = name.empty();
-    for (const Radio& radio : model.radios)
-        for (const Interface& interface : radio.interfaces)
-            isThere = isThere || interface.name == name;
-    if (!isThere)
+    if (!name.empty() && !model.hasInterface(name))
         throw Refused{ReplyStatus::kNoSuchObject};
     model.module.settings.set("smartWiFiInterface", name);
 }
@@ -88,21 +84,21 @@ void getQsl(Model& model, CommandRequest& request)
     request.setRecord("data", data);
 }
 
-// The first part makes a domain that is not there yet.
+// The first part creates a domain that does not exist yet.
 void setQslPart1(Model& model, CommandRequest& request)
 {
     std::vector<SteeringDomain>& domains = model.smartWiFi.domains;
     const MobilityDomain id = request.mobilityDomain("mdid");
     const Changes changes = request.record("cfg").changes(request.number("value"));
-    for (SteeringDomain& each : domains)
-        if (each.id == id)
-            return Model::change(each.settings, changes);
+    for (SteeringDomain& domain : domains)
+        if (domain.id == id)
+            return Model::change(domain.settings, changes);
     if (domains.size() >= kDomainRoom)
         throw Refused{ReplyStatus::kFull};
-    SteeringDomain domain;
-    domain.id = id;
-    Model::change(domain.settings, changes);
-    domains.push_back(std::move(domain));
+    SteeringDomain created;
+    created.id = id;
+    Model::change(created.settings, changes);
+    domains.push_back(std::move(created));
 }
 
 void setQslPart2(Model& model, CommandRequest& request)
@@ -136,7 +132,7 @@ void delNonSteer(Model& model, CommandRequest& request)
 Record ownBss(const Interface& interface)
 {
     Record entry(layout("TarnQuantennaSmartWiFiBSSEntryData"));
-    const auto domain = parseMobilityDomain(interface.settings.text("mobilityDomain"));
+    const MobilityDomain domain = mobilityDomainOf(interface);
     entry.setAddress("bssid", interface.bssid);
     entry.setText("ssid", interface.settings.text("ssid"));
     entry.setText("name", interface.name);
@@ -145,7 +141,7 @@ Record ownBss(const Interface& interface)
     entry.setNumber("bandwidth", interface.radio->settings.number("bandwidth"));
     entry.setNumber("stations", interface.stations.size());
     entry.setNumber("own", 1);
-    entry.setBlock("mobilityDomain", domain->data(), domain->size());
+    entry.setBlock("mobilityDomain", domain.data(), domain.size());
     return entry;
 }
 
@@ -202,12 +198,12 @@ void syncRecordInfo(Model& model, CommandRequest&)
     requireDaemon(model);
     auto& entries = model.smartWiFi.snapshots.history;
     entries.clear();
-    for (const HistoryEntry& each : model.history)
+    for (const HistoryEntry& event : model.history)
     {
         Record entry(layout("TarnQuantennaSmartWiFiRecordInfoData"));
-        entry.setNumber("secondsSinceStart", each.time / 1000);
-        entry.setText("text", each.text);
-        entries.emplace_back(each.status, std::move(entry));
+        entry.setNumber("secondsSinceStart", event.time / 1000);
+        entry.setText("text", event.text);
+        entries.emplace_back(event.status, std::move(entry));
     }
 }
 
@@ -277,15 +273,14 @@ void appendLines(std::string& text, const Settings& settings)
     }
 }
 
-// The file is one of the simulated gateway's, not one of the machine that it runs on.
+// A file of the simulated gateway, not of the machine that runs it.
 void getCfgToFile(Model& model, CommandRequest& request)
 {
     const std::string path = request.text("path");
     std::map<std::string, std::string>& files = model.module.files;
     if (path.empty() || path[0] != '/')
         throw Refused{ReplyStatus::kInvalidValue};
-    if (files.count(path) == 0 && files.size() >= kTableRoom)
-        throw Refused{ReplyStatus::kFull};
+    requireRoom(files, path);
     std::string text;
     for (const SteeringDomain& domain : model.smartWiFi.domains)
     {

@@ -24,18 +24,18 @@ void answerStation(const Model& model, const Interface& interface, const Station
 void getAssociatedAt(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    answerStation(model, interface, model.stationAt(interface, request.number("index")), request);
+    answerStation(model, interface, elementAt(interface.stations, request.number("index")), request);
 }
 
 void getAssociated(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    answerStation(model, interface, model.station(interface, request.address("macAddress")), request);
+    answerStation(model, interface, Model::station(interface, request.address("macAddress")), request);
 }
 
 void getAssociatedStats(Model& model, CommandRequest& request)
 {
-    const Station& station = model.station(interfaceOf(model, request), request.address("macAddress"));
+    const Station& station = Model::station(interfaceOf(model, request), request.address("macAddress"));
     Record stats = request.blank("stats");
     model.polled(station).fill(stats);
     stats.setSigned("rssi", station.rssi);

@@ -1,5 +1,5 @@
-// The regular commands: those that only set or read settings, one row an argument. What follows from a change (events, stations
-// that leave) is the model's.
+// The regular commands, which only set or read settings: one row for each argument. What follows from a change (events,
+// stations that leave) is up to the model.
 #include "handlers.h"
 
 #include <cstring>
@@ -13,7 +13,7 @@ namespace tarn::simulator
 namespace
 {
 
-// Whose setting it is.
+// The object whose setting it is.
 enum class Owner
 {
     kService,
@@ -24,7 +24,7 @@ enum class Owner
     kSecurity // the interface's too, but applied at once or later as its securityDeferMode says
 };
 
-// An input sets the setting, an output reads it. Rows of one function stand together and take effect together.
+// An input sets the setting, an output reads it. Rows of one function are adjacent and take effect together.
 struct StoredSetting
 {
     const char* function;
@@ -124,7 +124,7 @@ constexpr StoredSetting kStoredSettings[] = {
     {"tarn_qtn_mirror_set_mirror_enable", Owner::kModule, "enable", "mirror"},
 };
 
-// Numbers that are kept under a number, one table of them an interface.
+// Numbers stored under a number, in tables of an interface.
 struct StoredEntry
 {
     const char* function;
@@ -171,9 +171,9 @@ void change(Model& model, const CommandRequest& request, Owner owner, const Chan
     else if (owner == Owner::kModuleRadio)
         model.change(moduleRadioOf(model, request), changes);
     else if (owner == Owner::kInterface)
-        model.change(interfaceOf(model, request), changes);
+        Model::change(interfaceOf(model, request), changes);
     else
-        model.changeSecurity(interfaceOf(model, request), changes);
+        Model::changeSecurity(interfaceOf(model, request), changes);
 }
 
 void handle(Model& model, CommandRequest& request, const std::vector<StoredSetting>& rows)
