@@ -146,9 +146,9 @@ Bytes Argument::content() const
     return Bytes(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(length));
 }
 
-std::vector<contract::Value> Arguments::values()
+std::vector<calling::ArgumentValue> Arguments::values()
 {
-    std::vector<contract::Value> values;
+    std::vector<calling::ArgumentValue> values;
     for (Argument& argument : all)
         values.push_back({argument.number, argument.isNull || argument.buffer.empty() ? nullptr : argument.buffer.data()});
     return values;

@@ -44,7 +44,7 @@ struct Arguments
     std::vector<std::string> notes; // what a user should know about them, one line each
 
     // Valid as long as this object.
-    std::vector<contract::Value> values();
+    std::vector<calling::ArgumentValue> values();
 };
 
 // Throws UsageError for a name that is unknown, repeated, or an output's, for one that is missing, and for a value that

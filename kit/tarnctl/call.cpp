@@ -12,11 +12,11 @@ namespace tarn::ctl
 namespace
 {
 
-LocalResult invoke(const Function& function, const char* callerId, const std::vector<contract::Value>& values)
+LocalResult invoke(const Function& function, const char* callerId, const std::vector<calling::ArgumentValue>& values)
 {
     if (function.local != nullptr)
         return function.local(callerId, values);
-    const contract::Function* const exported = contract::findFunction(function.name);
+    const calling::Callable* const exported = calling::find(function.name);
     if (exported == nullptr)
         throw std::logic_error(function.name + " stands in the contract, but the library has no such function");
     LocalResult result;

@@ -2,7 +2,7 @@
 // that carry no command, which are described here.
 #pragma once
 
-#include "contract/call_by_name.h"
+#include "calling/calling.h"
 #include "contract/contract.h"
 
 #include <cstdint>
@@ -80,7 +80,7 @@ struct Function
     std::string note;
     std::vector<Parameter> parameters; // those behind the caller id
     contract::Row row;                 // for Kind::kCommand
-    LocalResult (*local)(const char* callerId, const std::vector<contract::Value>& values) = nullptr; // for the others
+    LocalResult (*local)(const char* callerId, const std::vector<calling::ArgumentValue>& values) = nullptr; // for the others
 
     const Parameter* parameter(std::string_view parameterName) const;
 };

@@ -10,7 +10,7 @@ namespace tarn::ctl
 namespace
 {
 
-using Values = std::vector<contract::Value>;
+using Values = std::vector<calling::ArgumentValue>;
 
 Parameter number(std::string name, std::string content)
 {
@@ -92,7 +92,7 @@ void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
 }
 
 // An address that was left out is not null: it is the handler above.
-KorIilEventHandler handlerOf(const contract::Value& value)
+KorIilEventHandler handlerOf(const calling::ArgumentValue& value)
 {
     return value.pointer == nullptr ? nullptr : &ignoreEvent;
 }

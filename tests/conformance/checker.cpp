@@ -9,12 +9,12 @@
 namespace conformance
 {
 
+using tarn::calling::ParameterKind;
+using tarn::calling::ParameterType;
 using tarn::contract::Argument;
 using tarn::contract::Check;
 using tarn::contract::Direction;
 using tarn::contract::Encoding;
-using tarn::contract::Parameter;
-using tarn::contract::ParameterKind;
 using tarn::contract::Type;
 
 namespace
@@ -39,7 +39,7 @@ constexpr Placement kPlacements[] = {Placement::kFront, Placement::kBack};
 constexpr std::uint32_t kTimeout = 7;
 
 // What a parameter must be for an argument of the contract.
-std::string parameterComplaint(const Argument& argument, const Parameter& parameter, std::uint32_t recordSize)
+std::string parameterComplaint(const Argument& argument, const ParameterType& parameter, std::uint32_t recordSize)
 {
     const auto number = [&](std::size_t size)
     {
@@ -104,7 +104,7 @@ std::string caseOf(const Style& style, Placement placement)
 } // namespace
 
 Checker::Checker(const tarn::contract::Contract& contractToHold, const tarn::contract::Command& commandToHold,
-                 const tarn::contract::Function& functionToCheck)
+                 const tarn::calling::Callable& functionToCheck)
     : contract(contractToHold),
       command(commandToHold),
       function(functionToCheck),
@@ -148,9 +148,9 @@ std::int64_t Checker::call(const char* callerId, const PreparedCall& prepared)
 {
     struct Context
     {
-        const tarn::contract::Function& function;
+        const tarn::calling::Callable& function;
         const char* callerId;
-        const std::vector<tarn::contract::Value>& values;
+        const std::vector<tarn::calling::ArgumentValue>& values;
         std::int64_t result;
     } context{function, callerId, prepared.values(), 0};
 
@@ -236,7 +236,7 @@ std::string Checker::signature()
     return complaintOf(
         [&]
         {
-            const std::vector<Parameter>& parameters = *function.parameters;
+            const std::vector<ParameterType>& parameters = *function.parameters;
             require(parameters.size() == command.arguments.size(),
                     std::to_string(command.arguments.size()) + " arguments behind the caller id",
                     std::to_string(parameters.size()));

@@ -4,7 +4,7 @@
 // or an empty text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
 #pragma once
 
-#include "contract/call_by_name.h"
+#include "calling/calling.h"
 #include "contract/contract.h"
 #include "function_lines.h"
 #include "prepared_call.h"
@@ -21,7 +21,7 @@ class Checker
 {
 public:
     Checker(const tarn::contract::Contract& contract, const tarn::contract::Command& command,
-            const tarn::contract::Function& function);
+            const tarn::calling::Callable& function);
 
     // The prototype takes and returns what the row says. If it does not, none of the others may be run.
     std::string signature();
@@ -88,7 +88,7 @@ private:
 
     const tarn::contract::Contract& contract;
     const tarn::contract::Command& command;
-    const tarn::contract::Function& function;
+    const tarn::calling::Callable& function;
     const FunctionLines& lines;
     std::string doing; // the case at hand, for complaints
     Recorder recorder;

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+namespace calling = tarn::calling;
 namespace contract = tarn::contract;
 using conformance::Checker;
 
@@ -168,7 +169,7 @@ class AlteredRow : public testing::TestWithParam<contract::Row>
 
 TEST_P(AlteredRow, IsNoticed)
 {
-    const contract::Function* const function = contract::findFunction(GetParam().command->function);
+    const calling::Callable* const function = calling::find(GetParam().command->function);
     ASSERT_NE(function, nullptr);
     unsigned noticed = 0;
     for (const Alteration& alteration : alterationsOf(*GetParam().command))
@@ -192,8 +193,7 @@ TEST(AlteredRow, ComplaintNamesFunctionOffsetExpectedAndGot)
 {
     contract::Contract altered = only(contract::find("TarnSetLogLevel"));
     altered.commands[0].arguments[0].offset = 4;
-    const std::string complaint =
-        Checker(altered, altered.commands[0], *contract::findFunction("TarnSetLogLevel")).everything();
+    const std::string complaint = Checker(altered, altered.commands[0], *calling::find("TarnSetLogLevel")).everything();
     EXPECT_THAT(complaint, testing::StartsWith("TarnSetLogLevel (numbers 0"));
     EXPECT_THAT(complaint, testing::HasSubstr("the message differs at offset 0: expected 0, got "));
 }
@@ -202,8 +202,7 @@ TEST(AlteredRow, ComplaintNamesTheOutput)
 {
     contract::Contract altered = only(contract::find("TarnGetLogLevel"));
     altered.commands[0].arguments[0].offset = 0;
-    const std::string complaint =
-        Checker(altered, altered.commands[0], *contract::findFunction("TarnGetLogLevel")).everything();
+    const std::string complaint = Checker(altered, altered.commands[0], *calling::find("TarnGetLogLevel")).everything();
     EXPECT_THAT(complaint,
                 testing::HasSubstr("TarnGetLogLevel (a reply without a zero for buffers of 48): level[0]: expected "));
 }

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+namespace calling = tarn::calling;
 namespace contract = tarn::contract;
 using conformance::Checker;
 
@@ -26,7 +27,7 @@ class Conformance : public testing::TestWithParam<contract::Row>
 protected:
     void SetUp() override
     {
-        const contract::Function* const function = contract::findFunction(GetParam().command->function);
+        const calling::Callable* const function = calling::find(GetParam().command->function);
         ASSERT_NE(function, nullptr) << "the library has no function of this name";
         checker = std::make_unique<Checker>(*GetParam().contract, *GetParam().command, *function);
     }
@@ -42,36 +43,6 @@ TEST_P(Conformance, OfTheFunction)
 INSTANTIATE_TEST_SUITE_P(Every, Conformance, testing::ValuesIn(contract::rows()),
                          [](const auto& each) { return each.param.command->function; });
 
-std::set<std::string> namesInContract(const std::string& service)
-{
-    std::set<std::string> names;
-    for (const contract::Command& command : contract::findService(service)->commands)
-        names.insert(command.function);
-    return names;
-}
-
-TEST(Counts, AreThoseOfTheServices)
-{
-    EXPECT_EQ(namesInContract("TARN").size(), 115u);
-    EXPECT_EQ(namesInContract("QTN_RPC_PROXY").size(), 128u);
-    EXPECT_EQ(namesInContract("QTN_MIRROR").size(), 4u);
-}
-
-TEST(Counts, AreTheSameInContractAndLibrary)
-{
-    std::set<std::string> inContract;
-    for (const contract::Row& row : contract::rows())
-        inContract.insert(row.command->function);
-    std::set<std::string> inLibrary;
-    for (const contract::Function& function : contract::functions())
-        inLibrary.insert(function.name);
-
-    for (const std::string& name : inContract)
-        EXPECT_EQ(inLibrary.count(name), 1u) << name << " is in the contract and not in the library";
-    for (const std::string& name : inLibrary)
-        EXPECT_EQ(inContract.count(name), 1u) << name << " is in the library and not in the contract";
-}
-
 // A trace record shows a source unit's tag and a line, and nothing else tells which function failed.
 TEST(FailureTraces, TellEveryFunctionFromEveryOther)
 {
@@ -84,7 +55,7 @@ TEST(FailureTraces, TellEveryFunctionFromEveryOther)
 
     for (const contract::Row& row : contract::rows())
     {
-        const contract::Function* const function = contract::findFunction(row.command->function);
+        const calling::Callable* const function = calling::find(row.command->function);
         ASSERT_NE(function, nullptr) << row.command->function;
         const Checker::Site site = Checker(*row.contract, *row.command, *function).failureSite();
         add(site.tag, site.line, row.command->function);

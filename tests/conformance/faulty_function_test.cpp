@@ -15,6 +15,7 @@
 #include <cstring>
 #include <string>
 
+namespace calling = tarn::calling;
 namespace contract = tarn::contract;
 
 namespace
@@ -206,8 +207,8 @@ std::int64_t getParameter(const char* id, char* name, std::uint32_t parameter, c
 std::string complaint()
 {
     const contract::Row row = contract::find(kModel);
-    contract::Function function = *contract::findFunction(kModel);
-    function.invoke = [](contract::AnyFunction, const char* id, const contract::Value* values)
+    calling::Callable function = *calling::find(kModel);
+    function.invoke = [](calling::AnyFunction, const char* id, const calling::ArgumentValue* values)
     {
         return getParameter(id, static_cast<char*>(values[0].pointer), values[1].number, static_cast<char*>(values[2].pointer),
                             values[3].number);

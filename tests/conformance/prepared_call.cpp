@@ -76,7 +76,7 @@ PreparedCall::PreparedCall(const tarn::contract::Contract& contractOfCommand, co
         const Argument& argument = command.arguments[i];
         Slot slot;
         slot.argument = &argument;
-        tarn::contract::Value value;
+        tarn::calling::ArgumentValue value;
         if (argument.isNumber())
         {
             value.number = argument.encoding == Encoding::kSize ? callerSize : numberFor(style, i);

@@ -1,7 +1,7 @@
 // The arguments of one call, laid out in guarded memory, and what the contract says they become.
 #pragma once
 
-#include "contract/call_by_name.h"
+#include "calling/calling.h"
 #include "contract/contract.h"
 #include "guarded_area.h"
 
@@ -60,7 +60,7 @@ public:
     // Makes a check fail: `empty` chooses the empty text where the check takes either.
     void violate(const tarn::contract::Check& check, bool empty);
 
-    const std::vector<tarn::contract::Value>& values() const
+    const std::vector<tarn::calling::ArgumentValue>& values() const
     {
         return passed;
     }
@@ -94,7 +94,7 @@ private:
     std::uint32_t sizeFromCaller;
     std::uint32_t bufferBytes;
     std::vector<Slot> slots;
-    std::vector<tarn::contract::Value> passed;
+    std::vector<tarn::calling::ArgumentValue> passed;
 };
 
 } // namespace conformance

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "contract/call_by_name.h"
+#include "calling/calling.h"
 #include "contract/contract.h"
 #include "facts.h"
 
@@ -72,7 +72,7 @@ TEST(Names, ThatTheSharedLibraryExportsAreThoseOfTheContract)
 TEST(Names, CanAllBeCalledByName)
 {
     for (const std::string& name : contractNames())
-        EXPECT_NE(tarn::contract::findFunction(name), nullptr) << name;
+        EXPECT_NE(tarn::calling::find(name), nullptr) << name;
 }
 
 TEST(Needs, AreTheCLibraryAlone)

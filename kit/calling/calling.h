@@ -8,12 +8,12 @@
 #include <string_view>
 #include <vector>
 
-namespace tarn::contract
+namespace tarn::calling
 {
 
 // One argument behind the caller id: `number` where the parameter is a number, `pointer` where it is a pointer, and for a
 // record that is passed by value `pointer` to the record's bytes, at any alignment.
-struct Value
+struct ArgumentValue
 {
     std::uint32_t number = 0;
     void* pointer = nullptr;
@@ -26,7 +26,7 @@ enum class ParameterKind
     kRecord // by value
 };
 
-struct Parameter
+struct ParameterType
 {
     ParameterKind kind = ParameterKind::kNumber;
     std::size_t size =
@@ -38,23 +38,23 @@ struct Parameter
 
 using AnyFunction = void (*)();
 
-struct Function
+struct Callable
 {
     const char* name = nullptr;
-    const std::vector<Parameter>* parameters = nullptr; // those behind the caller id
-    bool signedResult = false;                          // int32_t instead of uint32_t
+    const std::vector<ParameterType>* parameters = nullptr; // those behind the caller id
+    bool signedResult = false;                              // int32_t instead of uint32_t
     AnyFunction address = nullptr;
-    std::int64_t (*invoke)(AnyFunction function, const char* callerId, const Value* values) = nullptr;
+    std::int64_t (*invoke)(AnyFunction function, const char* callerId, const ArgumentValue* values) = nullptr;
 
     // Numbers are cut to the parameter's width, as in any call in C. Throws std::invalid_argument if `count` is not the number
     // of parameters, or if a record's pointer is null.
-    std::int64_t call(const char* callerId, const Value* values, std::size_t count) const;
+    std::int64_t call(const char* callerId, const ArgumentValue* values, std::size_t count) const;
 };
 
-// Every command function: the wireless device service's, then the proxy's, then the mirror's, in command order.
-const std::vector<Function>& functions();
+// Every command function, in the order in which the public headers declare them. The build takes the list from there.
+const std::vector<Callable>& all();
 
 // The function of exactly that name, or null.
-const Function* findFunction(std::string_view name);
+const Callable* find(std::string_view name);
 
-} // namespace tarn::contract
+} // namespace tarn::calling

@@ -1,0 +1,13 @@
+# Writes OUTPUT: a line TARN_FUNCTION(name) for each function that HEADERS (separated by commas) declare with TARN_EXPORT.
+string(REPLACE "," ";" headers "${HEADERS}")
+set(lines "")
+foreach(header IN LISTS headers)
+    file(STRINGS "${header}" declarations REGEX "^TARN_EXPORT ")
+    foreach(declaration IN LISTS declarations)
+        if(NOT declaration MATCHES "^TARN_EXPORT [a-z0-9_ ]+[ *]([A-Za-z0-9_]+)\\(")
+            message(FATAL_ERROR "${header}: expected a function's type and name in one line: ${declaration}")
+        endif()
+        string(APPEND lines "TARN_FUNCTION(${CMAKE_MATCH_1})\n")
+    endforeach()
+endforeach()
+file(WRITE "${OUTPUT}" "${lines}")
