@@ -2,6 +2,8 @@
 #include "schema.h"
 
 #include <fstream>
+#include <map>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -23,7 +25,7 @@ const Json kGood = {{"schema", "tarnctl/1"}, {"kind", "log-level"}, {"level", 4}
 
 bool isAllowed(const Json& document)
 {
-    return schemaComplaints(document, publishedSchema()).empty();
+    return schemaViolations(document, publishedSchema()).empty();
 }
 
 Json with(const char* key, const Json& value)
@@ -68,9 +70,57 @@ TEST(SchemaTest, SeesWhatIsWrongDeepInside)
     EXPECT_FALSE(isAllowed(document));
 }
 
+// A keyword of draft 7, and a document that violates it.
+struct Violated
+{
+    Json schema;
+    Json document;
+};
+
+const std::map<std::string, Violated> kViolated = {
+    {"additionalProperties", {{{"additionalProperties", false}}, {{"a", 1}}}},
+    {"const", {{{"const", "a"}}, "b"}},
+    {"enum", {{{"enum", {1, 2}}}, 3}},
+    {"items", {{{"items", {{"type", "string"}}}}, Json::array({"a", 1})}},
+    {"maximum", {{{"maximum", 4294967295}}, 4294967296}},
+    {"minimum", {{{"minimum", 0}}, -1}},
+    {"oneOf", {{{"oneOf", Json::array({Json{{"type", "integer"}}, Json{{"minimum", 0}}})}}, 1}},
+    {"pattern", {{{"pattern", "^[a-z]$"}}, "A"}},
+    {"properties", {{{"properties", {{"a", {{"type", "string"}}}}}}, {{"a", 1}}}},
+    {"required", {{{"required", {"a"}}}, {{"b", 1}}}},
+    {"type", {{{"type", {"string", "null"}}}, 1}},
+    {"$ref", {{{"$ref", "#/definitions/a"}, {"definitions", {{"a", {{"type", "string"}}}}}}, 1}},
+};
+
+TEST(SchemaTest, EveryKeywordIsChecked)
+{
+    for (const auto& [keyword, violated] : kViolated)
+        EXPECT_FALSE(schemaViolations(violated.document, violated.schema).empty()) << keyword;
+}
+
+void collectKeywords(const Json& schema, std::set<std::string>& keywords)
+{
+    for (const auto& [keyword, value] : schema.items())
+    {
+        keywords.insert(keyword);
+        if (keyword == "properties" || keyword == "definitions" || keyword == "oneOf")
+            for (const Json& part : value)
+                collectKeywords(part, keywords);
+        else if (value.is_object())
+            collectKeywords(value, keywords);
+    }
+}
+
+// A keyword that the library does not know, a misspelt one for instance, it passes over in silence.
 TEST(SchemaTest, KnowsEveryKeywordOfTheSchema)
 {
-    EXPECT_FALSE(schemaComplaints(1, Json{{"multipleOf", 2}}).empty());
+    std::set<std::string> keywords;
+    collectKeywords(publishedSchema(), keywords);
+    for (const char* annotation : {"$schema", "title", "description", "definitions"})
+        keywords.erase(annotation);
+    for (const std::string& keyword : keywords)
+        EXPECT_EQ(kViolated.count(keyword), 1u) << keyword;
+    EXPECT_EQ(keywords.size(), kViolated.size());
 }
 
 } // namespace

@@ -74,8 +74,8 @@ Json checkedDocument(const std::string& text)
         ADD_FAILURE() << "no JSON document: " << text;
         return Json::object();
     }
-    for (const std::string& complaint : schemaComplaints(document, publishedSchema()))
-        ADD_FAILURE() << complaint << "\n" << text.substr(0, 2000);
+    for (const std::string& violation : schemaViolations(document, publishedSchema()))
+        ADD_FAILURE() << violation << "\n" << text.substr(0, 2000);
     return document;
 }
 
