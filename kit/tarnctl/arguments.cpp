@@ -5,6 +5,8 @@
 #include "usage_error.h"
 
 #include <algorithm>
+#include <cstring>
+#include <set>
 
 namespace tarn::ctl
 {
@@ -14,27 +16,26 @@ namespace
 
 constexpr char kNullWord[] = "null";
 
-std::vector<std::string> parameterNames(const Function& function)
+std::vector<std::string> parameterNames(const LibraryFunction& function)
 {
     std::vector<std::string> names;
-    for (const Parameter& parameter : function.parameters)
+    for (const FunctionParameter& parameter : function.parameters)
         names.push_back(parameter.name);
     return names;
 }
 
-void checkNames(const Function& function, const std::vector<Assignment>& assignments)
+void checkNames(const LibraryFunction& function, const std::vector<Assignment>& assignments)
 {
     const std::vector<std::string> names = parameterNames(function);
-    for (auto each = assignments.begin(); each != assignments.end(); ++each)
+    std::set<std::string> given;
+    for (const Assignment& assignment : assignments)
     {
-        if (function.parameter(each->name) == nullptr)
-            throw UsageError(function.name + " has no argument " + inQuotes(each->name) + "; " +
+        if (function.parameter(assignment.name) == nullptr)
+            throw UsageError(function.name + " has no argument " + inQuotes(assignment.name) + "; " +
                                  (names.empty() ? "it has none" : "it has " + base::join(names)),
-                             base::suggestions(each->name, names));
-        const bool isRepeated =
-            std::any_of(assignments.begin(), each, [&](const Assignment& earlier) { return earlier.name == each->name; });
-        if (isRepeated)
-            throw UsageError(each->name + ": given twice; expected once");
+                             base::suggestions(assignment.name, names));
+        if (!given.insert(assignment.name).second)
+            throw UsageError(assignment.name + ": given twice; expected once");
     }
 }
 
@@ -44,9 +45,9 @@ bool asksForNull(const Assignment& given)
 }
 
 // A null pointer where that is a call, or a refusal to make one that would crash.
-void setNull(Argument& argument)
+void setNull(PreparedArgument& argument)
 {
-    const Parameter& parameter = *argument.parameter;
+    const FunctionParameter& parameter = *argument.parameter;
     if (parameter.null == Null::kImpossible)
         throw UsageError(parameter.name + ": null is for pointers, and this is passed by value; expected " +
                          expectedValue(parameter));
@@ -56,18 +57,18 @@ void setNull(Argument& argument)
     argument.isNull = true;
 }
 
-void setNumber(Argument& argument, const std::string& text)
+void setNumber(PreparedArgument& argument, const std::string& text)
 {
-    const Parameter& parameter = *argument.parameter;
+    const FunctionParameter& parameter = *argument.parameter;
     argument.number = parseNumber(parameter.name, text, parameter.width);
     if (parameter.saysSize && argument.number > kLargestBufferSize)
         throw UsageError(parameter.name + ": expected a size of at most " + std::to_string(kLargestBufferSize) +
                          " bytes; got " + text);
 }
 
-void setText(Argument& argument, const std::string& text, std::vector<std::string>& notes)
+void setText(PreparedArgument& argument, const std::string& text, std::vector<std::string>& notes)
 {
-    const Parameter& parameter = *argument.parameter;
+    const FunctionParameter& parameter = *argument.parameter;
     const bool isCutByLibrary = parameter.wire != nullptr && parameter.wire->encoding == contract::Encoding::kText;
     const bool needsNul = parameter.wire == nullptr;
     const std::size_t most = parameter.size - (needsNul ? 1 : 0);
@@ -83,9 +84,9 @@ void setText(Argument& argument, const std::string& text, std::vector<std::strin
     argument.length = text.size();
 }
 
-void setInput(Argument& argument, const Assignment& given, std::vector<std::string>& notes)
+void setInput(PreparedArgument& argument, const Assignment& given, std::vector<std::string>& notes)
 {
-    const Parameter& parameter = *argument.parameter;
+    const FunctionParameter& parameter = *argument.parameter;
     if (given.isLiteral && parameter.form != Form::kText)
         throw UsageError(parameter.name + ": --text is for texts; expected " + expectedValue(parameter));
     if (asksForNull(given))
@@ -107,9 +108,9 @@ void setInput(Argument& argument, const Assignment& given, std::vector<std::stri
     }
 }
 
-void leaveOut(Argument& argument)
+void leaveOut(PreparedArgument& argument)
 {
-    const Parameter& parameter = *argument.parameter;
+    const FunctionParameter& parameter = *argument.parameter;
     if (parameter.saysSize)
         argument.number = kUsualBufferSize;
     else if (parameter.form == Form::kAddress)
@@ -120,12 +121,12 @@ void leaveOut(Argument& argument)
         throw UsageError(parameter.name + " is missing; expected " + expectedValue(parameter));
 }
 
-// Room for an output. Its size may hang on an argument that stands behind it, so this comes last.
-void makeRoom(Argument& argument, const std::vector<Argument>& all)
+// Room for an output. Its size may depend on an argument after it, so this comes last.
+void makeRoom(PreparedArgument& argument, const std::vector<PreparedArgument>& all)
 {
-    const Parameter& parameter = *argument.parameter;
+    const FunctionParameter& parameter = *argument.parameter;
     argument.length = parameter.size;
-    for (const Argument& other : all)
+    for (const PreparedArgument& other : all)
         if (!parameter.sizeArgument.empty() && other.parameter->name == parameter.sizeArgument)
             argument.length = other.number;
     argument.buffer.resize(std::max<std::size_t>(argument.length, 1)); // never a null pointer
@@ -141,30 +142,43 @@ Assignment assignment(const std::string& text, bool isLiteral)
     return {text.substr(0, equals), text.substr(equals + 1), isLiteral};
 }
 
-Bytes Argument::content() const
+Bytes PreparedArgument::content() const
 {
     return Bytes(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(length));
 }
 
-std::vector<calling::ArgumentValue> Arguments::values()
+std::vector<std::int64_t> PreparedArgument::numbers() const
+{
+    std::vector<std::int64_t> numbers;
+    for (std::size_t offset = 0; offset < length; offset += parameter->width)
+    {
+        std::uint32_t word = buffer.at(offset);
+        if (parameter->width == sizeof word)
+            std::memcpy(&word, &buffer.at(offset), sizeof word);
+        numbers.push_back(word);
+    }
+    return numbers;
+}
+
+std::vector<calling::ArgumentValue> PreparedArguments::values()
 {
     std::vector<calling::ArgumentValue> values;
-    for (Argument& argument : all)
+    for (PreparedArgument& argument : all)
         values.push_back({argument.number, argument.isNull || argument.buffer.empty() ? nullptr : argument.buffer.data()});
     return values;
 }
 
-Arguments prepare(const Function& function, const std::vector<Assignment>& assignments)
+PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& assignments)
 {
     checkNames(function, assignments);
 
-    Arguments arguments;
-    for (const Parameter& parameter : function.parameters)
+    PreparedArguments arguments;
+    for (const FunctionParameter& parameter : function.parameters)
     {
-        Argument argument;
+        PreparedArgument argument;
         argument.parameter = &parameter;
         const auto given = std::find_if(assignments.begin(), assignments.end(),
-                                        [&](const Assignment& each) { return each.name == parameter.name; });
+                                        [&](const Assignment& assignment) { return assignment.name == parameter.name; });
         if (given == assignments.end())
             leaveOut(argument);
         else if (parameter.isInput)
@@ -176,13 +190,13 @@ Arguments prepare(const Function& function, const std::vector<Assignment>& assig
                              inQuotes(given->value));
         arguments.all.push_back(std::move(argument));
     }
-    for (Argument& argument : arguments.all)
+    for (PreparedArgument& argument : arguments.all)
         if (argument.parameter->isOutput && !argument.parameter->isInput && !argument.isNull)
             makeRoom(argument, arguments.all);
     return arguments;
 }
 
-std::string expectedValue(const Parameter& parameter)
+std::string expectedValue(const FunctionParameter& parameter)
 {
     const std::string size = std::to_string(parameter.size);
     switch (parameter.form)

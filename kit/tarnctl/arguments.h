@@ -11,7 +11,7 @@
 namespace tarn::ctl
 {
 
-// Size that a caller's buffer has unless its size argument says otherwise, and the most that one may say. Both in bytes.
+// Default and greatest size of an output's buffer whose size is an argument of its own, in bytes.
 inline constexpr std::uint32_t kUsualBufferSize = 1024;
 inline constexpr std::uint32_t kLargestBufferSize = 1024 * 1024;
 
@@ -19,29 +19,30 @@ struct Assignment
 {
     std::string name;
     std::string value;
-    bool isLiteral = false; // a text as it stands, even if that is "null"
+    bool isLiteral = false; // a text, even if it is "null"
 };
 
 // Splits at the first '='. Throws UsageError if there is none.
 Assignment assignment(const std::string& text, bool isLiteral);
 
 // One argument, with the memory that the library is given.
-struct Argument
+struct PreparedArgument
 {
-    const Parameter* parameter = nullptr;
+    const FunctionParameter* parameter = nullptr;
     bool isNull = false;
     std::uint32_t number = 0;
     Bytes buffer;           // at least what the library reads or writes
-    std::size_t length = 0; // bytes of it that count
+    std::size_t length = 0; // bytes of it that are content
 
-    // The bytes that count.
+    // The content, and the numbers that it consists of.
     Bytes content() const;
+    std::vector<std::int64_t> numbers() const;
 };
 
-struct Arguments
+struct PreparedArguments
 {
-    std::vector<Argument> all;      // in the order of the function's parameters
-    std::vector<std::string> notes; // what a user should know about them, one line each
+    std::vector<PreparedArgument> all; // in the order of the function's parameters
+    std::vector<std::string> notes;    // remarks for the user, one line each
 
     // Valid as long as this object.
     std::vector<calling::ArgumentValue> values();
@@ -49,9 +50,9 @@ struct Arguments
 
 // Throws UsageError for a name that is unknown, repeated, or an output's, for one that is missing, and for a value that
 // does not fit.
-Arguments prepare(const Function& function, const std::vector<Assignment>& assignments);
+PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& assignments);
 
 // What `describe`, and an error, say about how an input is written.
-std::string expectedValue(const Parameter& parameter);
+std::string expectedValue(const FunctionParameter& parameter);
 
 } // namespace tarn::ctl

@@ -3,7 +3,6 @@
 #include "kor_iil_service.h"
 #include "tarn_frame.h"
 
-#include <stdexcept>
 #include <utility>
 
 namespace tarn::ctl
@@ -12,13 +11,13 @@ namespace tarn::ctl
 namespace
 {
 
-LocalResult invoke(const Function& function, const char* callerId, const std::vector<calling::ArgumentValue>& values)
+LocalResult invoke(const LibraryFunction& function, const char* callerId, const std::vector<calling::ArgumentValue>& values)
 {
     if (function.local != nullptr)
         return function.local(callerId, values);
     const calling::Callable* const exported = calling::find(function.name);
     if (exported == nullptr)
-        throw std::logic_error(function.name + " stands in the contract, but the library has no such function");
+        throw std::logic_error(function.name + " is in the contract, but the library has no such function");
     LocalResult result;
     result.number = exported->call(callerId, values.data(), values.size());
     return result;
@@ -33,10 +32,10 @@ std::string ipcFailure(const Report& report, const std::string& what)
 
 std::string rejection(const Report& report)
 {
-    const std::string text = report.function->kind == Kind::kLocal ? report.result.meaning
-                             : report.seen.traces.empty()          ? "it did not say which"
-                                                                   : report.seen.traces.back().text;
-    const std::string nothingSent = report.function->kind == Kind::kLocal ? "" : "; nothing was sent";
+    const std::string text = report.function->kind == FunctionKind::kLocal ? report.result.meaning
+                             : report.seen.traces.empty()                  ? "it did not say which"
+                                                                           : report.seen.traces.back().text;
+    const std::string nothingSent = report.function->kind == FunctionKind::kLocal ? "" : "; nothing was sent";
     return report.function->name + " refused an argument: " + text + " (result " + std::to_string(report.result.number) +
            nothingSent + ")";
 }
@@ -45,19 +44,33 @@ std::string rejection(const Report& report)
 
 bool Report::hasReply() const
 {
-    return function->kind == Kind::kLocal ? outcome != Outcome::kRejected
-                                          : outcome == Outcome::kDone || outcome == Outcome::kServiceStatus;
+    return function->kind == FunctionKind::kLocal ? outcome != CallOutcome::kRejected
+                                                  : outcome == CallOutcome::kDone || outcome == CallOutcome::kServiceStatus;
 }
 
-const Argument& Report::argument(const std::string& name) const
+const PreparedArgument& Report::argument(const std::string& name) const
 {
-    for (const Argument& each : arguments.all)
-        if (each.parameter->name == name)
-            return each;
+    for (const PreparedArgument& argument : arguments.all)
+        if (argument.parameter->name == name)
+            return argument;
     throw std::logic_error(function->name + " has no argument " + name);
 }
 
-Report perform(const Function& function, Arguments arguments, const CallerId& callerId, Passage passage)
+std::int64_t Report::number(const std::string& output) const
+{
+    return argument(output).numbers().at(0);
+}
+
+std::string Report::text(const std::string& output) const
+{
+    return textOf(argument(output).content());
+}
+
+CallFailure::CallFailure(Report failed) : std::runtime_error(failureText(failed)), report(std::move(failed))
+{
+}
+
+Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Passage passage)
 {
     Report report;
     report.function = &function;
@@ -73,83 +86,91 @@ Report perform(const Function& function, Arguments arguments, const CallerId& ca
 
 Report perform(const std::string& function, const std::vector<std::string>& assignments)
 {
-    const Function& named = functionNamed(function);
+    const LibraryFunction& named = functionNamed(function);
     std::vector<Assignment> given;
-    for (const std::string& each : assignments)
-        given.push_back(assignment(each, false));
+    for (const std::string& text : assignments)
+        given.push_back(assignment(text, false));
     return perform(named, prepare(named, given));
 }
 
-Outcome outcomeOf(std::uint32_t ipcStatus)
+Report performOrFail(const std::string& function, const std::vector<std::string>& assignments)
+{
+    Report report = perform(function, assignments);
+    if (report.outcome != CallOutcome::kDone)
+        throw CallFailure(std::move(report));
+    return report;
+}
+
+CallOutcome outcomeOf(std::uint32_t ipcStatus)
 {
     switch (ipcStatus)
     {
     case KOR_IIL_OK:
-        return Outcome::kDone;
+        return CallOutcome::kDone;
     case KOR_IIL_TIMEOUT:
-        return Outcome::kTimedOut;
+        return CallOutcome::kTimedOut;
     case KOR_IIL_UNKNOWN_DST_ID:
-        return Outcome::kNoService;
+        return CallOutcome::kNoService;
     default:
-        return Outcome::kIpcFailed;
+        return CallOutcome::kIpcFailed;
     }
 }
 
-Outcome outcomeOf(const Report& report)
+CallOutcome outcomeOf(const Report& report)
 {
-    if (report.function->kind == Kind::kLocal)
+    if (report.function->kind == FunctionKind::kLocal)
     {
         if (report.result.answer == Answer::kRefused)
-            return Outcome::kRejected;
-        return report.result.answer == Answer::kYes ? Outcome::kDone : Outcome::kNo;
+            return CallOutcome::kRejected;
+        return report.result.answer == Answer::kYes ? CallOutcome::kDone : CallOutcome::kNo;
     }
     if (!report.seen.request)
-        return Outcome::kRejected;
-    const Outcome outcome = outcomeOf(report.seen.ipcStatus.value_or(KOR_IIL_OK));
-    if (outcome == Outcome::kDone && report.result.number != 0)
-        return Outcome::kServiceStatus;
+        return CallOutcome::kRejected;
+    const CallOutcome outcome = outcomeOf(report.seen.ipcStatus.value_or(KOR_IIL_OK));
+    if (outcome == CallOutcome::kDone && report.result.number != 0)
+        return CallOutcome::kServiceStatus;
     return outcome;
 }
 
-ExitCode exitCodeOf(Outcome outcome)
+ExitCode exitCodeOf(CallOutcome outcome)
 {
     switch (outcome)
     {
-    case Outcome::kDone:
+    case CallOutcome::kDone:
         return ExitCode::kSuccess;
-    case Outcome::kRejected:
+    case CallOutcome::kRejected:
         return ExitCode::kRejected;
-    case Outcome::kNoService:
+    case CallOutcome::kNoService:
         return ExitCode::kNoService;
-    case Outcome::kTimedOut:
+    case CallOutcome::kTimedOut:
         return ExitCode::kTimedOut;
-    case Outcome::kIpcFailed:
+    case CallOutcome::kIpcFailed:
         return ExitCode::kIpcFailed;
-    case Outcome::kServiceStatus:
+    case CallOutcome::kServiceStatus:
         return ExitCode::kServiceStatus;
-    case Outcome::kNo:
+    case CallOutcome::kNo:
         break;
     }
     return ExitCode::kOther;
 }
 
-const char* toString(Outcome outcome)
+const char* toString(CallOutcome outcome)
 {
     switch (outcome)
     {
-    case Outcome::kDone:
+    case CallOutcome::kDone:
         return "done";
-    case Outcome::kRejected:
+    case CallOutcome::kRejected:
         return "rejected";
-    case Outcome::kNoService:
+    case CallOutcome::kNoService:
         return "no-service";
-    case Outcome::kTimedOut:
+    case CallOutcome::kTimedOut:
         return "timed-out";
-    case Outcome::kIpcFailed:
+    case CallOutcome::kIpcFailed:
         return "ipc-failed";
-    case Outcome::kServiceStatus:
+    case CallOutcome::kServiceStatus:
         return "service-status";
-    case Outcome::kNo:
+    case CallOutcome::kNo:
         break;
     }
     return "no";
@@ -160,23 +181,23 @@ std::string failureText(const Report& report)
     const std::string service = report.function->service;
     switch (report.outcome)
     {
-    case Outcome::kDone:
+    case CallOutcome::kDone:
         return "";
-    case Outcome::kRejected:
+    case CallOutcome::kRejected:
         return rejection(report);
-    case Outcome::kNoService:
+    case CallOutcome::kNoService:
         return ipcFailure(report, "no service " + service + " is running");
-    case Outcome::kTimedOut:
-        return ipcFailure(report, report.function->kind == Kind::kEvent
+    case CallOutcome::kTimedOut:
+        return ipcFailure(report, report.function->kind == FunctionKind::kEvent
                                       ? "service " + service + " did not confirm in time"
                                       : "service " + service + " did not reply within a wait of " +
                                             std::to_string(report.seen.request->wait));
-    case Outcome::kIpcFailed:
+    case CallOutcome::kIpcFailed:
         return ipcFailure(report, "the IPC call to service " + service + " failed");
-    case Outcome::kServiceStatus:
+    case CallOutcome::kServiceStatus:
         return "service " + service + " answered " + report.function->name + " with status " +
                std::to_string(report.result.number);
-    case Outcome::kNo:
+    case CallOutcome::kNo:
         return report.function->name + ": " + report.result.meaning + " (result " + std::to_string(report.result.number) + ")";
     }
     return "";

@@ -1,4 +1,4 @@
-// One call of one function, and what came of it.
+// One call of one function, and its outcome.
 #pragma once
 
 #include "arguments.h"
@@ -7,7 +7,9 @@
 #include "exit_code.h"
 #include "observer.h"
 
+#include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,7 +18,7 @@ namespace tarn::ctl
 
 inline constexpr char kOwnCallerId[] = "tarnctl";
 
-enum class Outcome
+enum class CallOutcome
 {
     kDone,
     kRejected,
@@ -27,38 +29,52 @@ enum class Outcome
     kNo // a local utility's answer
 };
 
-// Nothing stands for a null pointer.
+// No value is a null pointer.
 using CallerId = std::optional<std::string>;
 
 struct Report
 {
-    const Function* function = nullptr;
+    const LibraryFunction* function = nullptr;
     CallerId callerId;
-    Arguments arguments; // outputs as they are after the call
-    LocalResult result;  // for a command function the number alone
+    PreparedArguments arguments; // outputs as they are after the call
+    LocalResult result;          // for a command function the number alone
     Observation seen;
-    Outcome outcome = Outcome::kDone;
+    CallOutcome outcome = CallOutcome::kDone;
 
     // Whether the service's reply, and with it every output, is there.
     bool hasReply() const;
-    // What an argument holds after the call.
-    const Argument& argument(const std::string& name) const;
+    // What an argument holds after the call; of an output that is one number, or a text, that.
+    const PreparedArgument& argument(const std::string& name) const;
+    std::int64_t number(const std::string& output) const;
+    std::string text(const std::string& output) const;
 };
 
-Report perform(const Function& function, Arguments arguments, const CallerId& callerId = kOwnCallerId,
+// Ends a verb: the report is written, and its exit code is that of the program.
+class CallFailure : public std::runtime_error
+{
+public:
+    explicit CallFailure(Report failed);
+
+    const Report report;
+};
+
+Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId = kOwnCallerId,
                Passage passage = Passage::kSend);
 
-// The same for arguments as they would stand on the command line.
+// The same for arguments as they are written on the command line.
 Report perform(const std::string& function, const std::vector<std::string>& assignments = {});
 
-// What became of a call, and of a request that was sent without the library.
-Outcome outcomeOf(const Report& report);
-Outcome outcomeOf(std::uint32_t ipcStatus);
+// The same for a call that the verb cannot do without: throws CallFailure unless the outcome is kDone.
+Report performOrFail(const std::string& function, const std::vector<std::string>& assignments = {});
 
-ExitCode exitCodeOf(Outcome outcome);
-const char* toString(Outcome outcome);
+// The outcome of a call, and that of a request that was sent without the library.
+CallOutcome outcomeOf(const Report& report);
+CallOutcome outcomeOf(std::uint32_t ipcStatus);
 
-// One sentence about a call that did not do; empty for one that did.
+ExitCode exitCodeOf(CallOutcome outcome);
+const char* toString(CallOutcome outcome);
+
+// One sentence about a call that failed; empty for one that succeeded.
 std::string failureText(const Report& report);
 
 } // namespace tarn::ctl

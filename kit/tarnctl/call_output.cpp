@@ -4,7 +4,6 @@
 #include "tarn_frame.h"
 #include "values.h"
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -14,30 +13,13 @@ namespace tarn::ctl
 namespace
 {
 
-std::uint32_t numberAt(const Bytes& bytes, std::size_t offset, std::uint32_t width)
-{
-    if (width == 1)
-        return bytes.at(offset);
-    std::uint32_t word = 0;
-    std::memcpy(&word, bytes.data() + offset, sizeof word);
-    return word;
-}
-
-std::vector<std::uint32_t> numbersOf(const Argument& output)
-{
-    std::vector<std::uint32_t> numbers;
-    for (std::size_t offset = 0; offset < output.length; offset += output.parameter->width)
-        numbers.push_back(numberAt(output.buffer, offset, output.parameter->width));
-    return numbers;
-}
-
-bool isWritten(const Argument& output)
+bool isWritten(const PreparedArgument& output)
 {
     const contract::Argument* const wire = output.parameter->wire;
     return wire == nullptr || wire->encoding != contract::Encoding::kNothing;
 }
 
-bool isMacAddress(const Argument& argument)
+bool isMacAddress(const PreparedArgument& argument)
 {
     return argument.parameter->form == Form::kBytes && argument.length == kMacAddressSize;
 }
@@ -54,21 +36,21 @@ std::vector<std::string> ratesOf(const Bytes& table)
     return rates;
 }
 
-bool isRateTable(const Argument& argument)
+bool isRateTable(const PreparedArgument& argument)
 {
     return argument.parameter->record == "TarnRateTable";
 }
 
 // --- For a person -----------------------------------------------------------------------------------------------------------
 
-void writeNumbers(const Console& console, const Argument& output)
+void writeNumbers(const Console& console, const PreparedArgument& output)
 {
     const std::uint32_t width = output.parameter->width;
-    const auto text = [&](std::uint32_t number) { return numberText(number, width); };
-    console.out << base::join(numbersOf(output), ", ", text) << '\n';
+    const auto text = [&](std::int64_t number) { return numberText(static_cast<std::uint32_t>(number), width); };
+    console.out << base::join(output.numbers(), ", ", text) << '\n';
 }
 
-void writeBytes(const Console& console, const Argument& output)
+void writeBytes(const Console& console, const PreparedArgument& output)
 {
     const Bytes bytes = output.content();
     console.out << bytes.size() << " bytes";
@@ -81,7 +63,7 @@ void writeBytes(const Console& console, const Argument& output)
     table.write(console.out);
 }
 
-void writeRates(const Console& console, const Argument& output)
+void writeRates(const Console& console, const PreparedArgument& output)
 {
     const std::vector<std::string> rates = ratesOf(output.buffer);
     console.out << "rates: " << rates.size();
@@ -90,7 +72,7 @@ void writeRates(const Console& console, const Argument& output)
     console.out << '\n';
 }
 
-void writeOutput(const Console& console, const Argument& output)
+void writeOutput(const Console& console, const PreparedArgument& output)
 {
     console.out << output.parameter->name << ": ";
     if (output.isNull)
@@ -113,8 +95,8 @@ void writeResult(const Console& console, const Report& report)
 {
     if (!report.result.text.empty())
         console.out << "result: " << inQuotes(report.result.text) << '\n';
-    else if (report.function->kind == Kind::kCommand)
-        console.out << "status: " << report.result.number << '\n';
+    else if (report.function->kind == FunctionKind::kCommand)
+        console.out << "reply status: " << report.result.number << '\n';
     else
         console.out << "result: " << report.result.number << (report.result.meaning.empty() ? "" : ", " + report.result.meaning)
                     << '\n';
@@ -122,7 +104,7 @@ void writeResult(const Console& console, const Report& report)
 
 // --- For a program ----------------------------------------------------------------------------------------------------------
 
-Json outputDocument(const Argument& output)
+Json outputDocument(const PreparedArgument& output)
 {
     static const char* const types[] = {"number", "text", "bytes", "record", "address"};
     Json document = {{"type", types[static_cast<std::size_t>(output.parameter->form)]}};
@@ -135,7 +117,7 @@ Json outputDocument(const Argument& output)
     document["written"] = true;
     if (output.parameter->form == Form::kNumber)
     {
-        const std::vector<std::uint32_t> numbers = numbersOf(output);
+        const std::vector<std::int64_t> numbers = output.numbers();
         if (numbers.size() == 1)
             document["value"] = numbers[0];
         else
@@ -163,7 +145,7 @@ Json outputDocuments(const Report& report)
 {
     Json outputs = Json::object();
     if (report.hasReply())
-        for (const Argument& argument : report.arguments.all)
+        for (const PreparedArgument& argument : report.arguments.all)
             if (argument.parameter->isOutput)
                 outputs[argument.parameter->name] = outputDocument(argument);
     return outputs;
@@ -186,11 +168,6 @@ Json ipcStatusDocument(const Report& report)
 
 } // namespace
 
-std::uint32_t numberOf(const Argument& output)
-{
-    return numberAt(output.buffer, 0, output.parameter->width);
-}
-
 void writeReport(const Console& console, const Report& report)
 {
     for (const std::string& note : report.arguments.notes)
@@ -201,18 +178,18 @@ void writeReport(const Console& console, const Report& report)
     }
     else if (report.hasReply())
     {
-        for (const Argument& argument : report.arguments.all)
+        for (const PreparedArgument& argument : report.arguments.all)
             if (argument.parameter->isOutput)
                 writeOutput(console, argument);
         writeResult(console, report);
     }
-    if (report.outcome != Outcome::kDone)
+    if (report.outcome != CallOutcome::kDone)
         console.remark(failureText(report));
 }
 
 Json reportDocument(const Report& report)
 {
-    const bool isCommand = report.function->kind == Kind::kCommand;
+    const bool isCommand = report.function->kind == FunctionKind::kCommand;
     Json document = Console::document("call");
     document["function"] = report.function->name;
     document["service"] = report.function->service.empty() ? Json(nullptr) : Json(report.function->service);

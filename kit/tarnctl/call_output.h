@@ -12,7 +12,4 @@ void writeReport(const Console& console, const Report& report);
 // The document of kind "call".
 Json reportDocument(const Report& report);
 
-// The number behind an output; for outputs that are one number.
-std::uint32_t numberOf(const Argument& output);
-
 } // namespace tarn::ctl

@@ -97,9 +97,9 @@ std::string contentOf(const contract::Command& command, const contract::Argument
 {
     if (argument.encoding == contract::Encoding::kSize)
     {
-        for (const contract::Argument& each : command.arguments)
-            if (each.sizeArgument == argument.name)
-                return "bytes of the buffer for " + each.name + ", not sent";
+        for (const contract::Argument& other : command.arguments)
+            if (other.sizeArgument == argument.name)
+                return "bytes of the buffer for " + other.name + ", not sent";
         return "not sent";
     }
     if (argument.direction == contract::Direction::kOut)
@@ -107,9 +107,9 @@ std::string contentOf(const contract::Command& command, const contract::Argument
     return argument.isNumber() ? contentOfNumber(argument) : contentOfInput(argument);
 }
 
-Parameter parameterOf(const contract::Command& command, const contract::Argument& argument)
+FunctionParameter parameterOf(const contract::Command& command, const contract::Argument& argument)
 {
-    Parameter parameter;
+    FunctionParameter parameter;
     parameter.name = argument.name;
     parameter.form = formOf(argument.type);
     parameter.isInput = argument.direction == contract::Direction::kIn;
@@ -125,10 +125,10 @@ Parameter parameterOf(const contract::Command& command, const contract::Argument
     return parameter;
 }
 
-Function functionOf(const contract::Row& row)
+LibraryFunction functionOf(const contract::Row& row)
 {
-    Function function;
-    function.kind = Kind::kCommand;
+    LibraryFunction function;
+    function.kind = FunctionKind::kCommand;
     function.name = row.command->function;
     function.service = row.contract->service;
     function.group = row.command->group;
@@ -142,38 +142,43 @@ Function functionOf(const contract::Row& row)
 
 } // namespace
 
-const Parameter* Function::parameter(std::string_view parameterName) const
+const FunctionParameter* LibraryFunction::parameter(std::string_view parameterName) const
 {
-    const auto found =
-        std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& each) { return each.name == parameterName; });
-    return found == parameters.end() ? nullptr : &*found;
+    for (const FunctionParameter& parameter : parameters)
+        if (parameter.name == parameterName)
+            return &parameter;
+    return nullptr;
 }
 
-const std::vector<Function>& catalogue()
+const std::vector<LibraryFunction>& catalogue()
 {
-    static const std::vector<Function> everyFunction = []
+    static const std::vector<LibraryFunction> everyFunction = []
     {
-        std::vector<Function> functions;
+        std::vector<LibraryFunction> functions;
         for (const contract::Row& row : contract::rows())
             functions.push_back(functionOf(row));
-        for (Function& function : localFunctions())
+        for (LibraryFunction& function : localFunctions())
             functions.push_back(std::move(function));
         return functions;
     }();
     return everyFunction;
 }
 
-const Function& functionNamed(const std::string& name)
+std::vector<std::string> functionNames()
 {
     std::vector<std::string> names;
-    for (const Function& function : catalogue())
-    {
+    for (const LibraryFunction& function : catalogue())
+        names.push_back(function.name);
+    return names;
+}
+
+const LibraryFunction& functionNamed(const std::string& name)
+{
+    for (const LibraryFunction& function : catalogue())
         if (function.name == name)
             return function;
-        names.push_back(function.name);
-    }
     throw UsageError("there is no function " + inQuotes(name) + "; tarnctl list shows them all",
-                     base::suggestions(name, names));
+                     base::suggestions(name, functionNames()));
 }
 
 } // namespace tarn::ctl

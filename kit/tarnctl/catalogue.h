@@ -1,5 +1,5 @@
 // Every function that the library exports, in one form: the command functions as the contract describes them, and the few
-// that carry no command, which are described here.
+// without a command, which local_functions.cpp describes.
 #pragma once
 
 #include "calling/calling.h"
@@ -18,7 +18,7 @@ enum class Form
     kText,
     kBytes,
     kRecord,
-    kAddress // of something that has no form on a command line
+    kAddress // of something that cannot be written on a command line
 };
 
 // What the library does with a null pointer.
@@ -30,7 +30,7 @@ enum class Null
     kUnguarded // the library would read or write through it
 };
 
-struct Parameter
+struct FunctionParameter
 {
     std::string name;
     Form form = Form::kNumber;
@@ -42,11 +42,11 @@ struct Parameter
     bool saysSize = false; // it is the size argument of another one
     std::string record;
     Null null = Null::kImpossible;
-    std::string content;                      // what it is, in a few words
-    const contract::Argument* wire = nullptr; // how it stands in the message; null for a function without one
+    std::string content;                      // a short description
+    const contract::Argument* wire = nullptr; // its place in the message; null for a function without one
 };
 
-// What went on behind a result of a function that carries no command.
+// What the result of a function without a command amounts to.
 enum class Answer
 {
     kYes,
@@ -63,32 +63,34 @@ struct LocalResult
     std::string meaning;
 };
 
-enum class Kind
+enum class FunctionKind
 {
     kCommand, // sends one command to a service
     kEvent,   // registers with the platform
     kLocal    // works in the caller's process alone
 };
 
-struct Function
+struct LibraryFunction
 {
-    Kind kind = Kind::kCommand;
+    FunctionKind kind = FunctionKind::kCommand;
     std::string name;
-    std::string service; // empty for Kind::kLocal
+    std::string service; // empty for FunctionKind::kLocal
     std::string group;
     std::string description;
     std::string note;
-    std::vector<Parameter> parameters; // those behind the caller id
-    contract::Row row;                 // for Kind::kCommand
+    std::vector<FunctionParameter> parameters; // those after the caller id
+    contract::Row row;                         // for FunctionKind::kCommand
     LocalResult (*local)(const char* callerId, const std::vector<calling::ArgumentValue>& values) = nullptr; // for the others
 
-    const Parameter* parameter(std::string_view parameterName) const;
+    const FunctionParameter* parameter(std::string_view parameterName) const;
 };
 
-// In the order of the contract, the others behind.
-const std::vector<Function>& catalogue();
+// In the order of the contract, the others after them.
+const std::vector<LibraryFunction>& catalogue();
 
-// Throws UsageError with names that come close.
-const Function& functionNamed(const std::string& name);
+std::vector<std::string> functionNames();
+
+// Throws UsageError, which suggests similar names.
+const LibraryFunction& functionNamed(const std::string& name);
 
 } // namespace tarn::ctl

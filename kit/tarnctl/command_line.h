@@ -1,4 +1,4 @@
-// The whole of tarnctl behind its main function.
+// All of tarnctl but its main function.
 #pragma once
 
 #include <ostream>

@@ -20,7 +20,7 @@ Json Console::document(const char* kind)
 
 void Console::write(const Json& document) const
 {
-    // Texts of services need not be UTF-8. What is not is replaced here; their bytes stand beside them in hexadecimal.
+    // Texts of services need not be UTF-8. What is not is replaced here; their bytes are also there in hexadecimal.
     out << document.dump(oneLine ? kNoLineBreaks : kIndentation, ' ', false, Json::error_handler_t::replace) << '\n'
         << std::flush;
 }
@@ -51,23 +51,28 @@ ExitCode Console::fail(ExitCode exit, const std::string& message, const std::vec
     return exit;
 }
 
+ExitCode Console::fail(const UsageError& error) const
+{
+    return fail(ExitCode::kUsage, error.what(), error.suggestions);
+}
+
 void Table::add(std::vector<std::string> cells)
 {
-    rows.push_back(std::move(cells));
+    rows_.push_back(std::move(cells));
 }
 
 void Table::write(std::ostream& out) const
 {
     std::vector<std::size_t> widths;
-    for (const std::vector<std::string>& row : rows)
+    for (const std::vector<std::string>& row : rows_)
     {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i)
             widths[i] = std::max(widths[i], row[i].size());
     }
-    for (const std::vector<std::string>& row : rows)
+    for (const std::vector<std::string>& row : rows_)
     {
-        std::string line = margin;
+        std::string line = margin_;
         for (std::size_t i = 0; i < row.size(); ++i)
             line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
         line.erase(line.find_last_not_of(' ') + 1);

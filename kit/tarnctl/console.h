@@ -1,7 +1,8 @@
-// Where everything is written: results to one stream, what a person should know besides to the other.
+// The two streams that are written to: results to one, remarks for a person to the other.
 #pragma once
 
 #include "exit_code.h"
+#include "usage_error.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +16,7 @@ namespace tarn::ctl
 // Keys stay in the order in which they are put in.
 using Json = nlohmann::ordered_json;
 
-// Names this form of the documents; it changes when a key changes its meaning or goes away.
+// Version of the documents: another one when a key changes its meaning or is dropped.
 inline constexpr char kSchema[] = "tarnctl/1";
 
 class Console
@@ -35,18 +36,19 @@ public:
 
     void write(const Json& document) const;
 
-    // What went wrong, or is worth knowing, for a person to read.
+    // An error, or another remark for a person.
     void remark(const std::string& text) const;
 
     // Ends in failure: a remark, and with JSON a document of kind "error".
     ExitCode fail(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions = {}) const;
+    ExitCode fail(const UsageError& error) const;
 };
 
 // Rows of cells, each column as wide as its widest cell.
 class Table
 {
 public:
-    explicit Table(std::string leftMargin = "") : margin(std::move(leftMargin))
+    explicit Table(std::string leftMargin = "") : margin_(std::move(leftMargin))
     {
     }
 
@@ -54,8 +56,8 @@ public:
     void write(std::ostream& out) const;
 
 private:
-    std::string margin;
-    std::vector<std::vector<std::string>> rows;
+    std::string margin_;
+    std::vector<std::vector<std::string>> rows_;
 };
 
 } // namespace tarn::ctl

@@ -1,6 +1,6 @@
 #include "dry_run.h"
 
-#include "layout.h"
+#include "message_fields.h"
 #include "values.h"
 
 namespace tarn::ctl
@@ -9,7 +9,7 @@ namespace tarn::ctl
 namespace
 {
 
-std::string numberMeaning(const Argument& argument)
+std::string numberMeaning(const PreparedArgument& argument)
 {
     const std::string number = std::to_string(argument.number);
     switch (argument.parameter->wire->encoding)
@@ -25,7 +25,7 @@ std::string numberMeaning(const Argument& argument)
     }
 }
 
-std::string inputMeaning(const Argument& argument)
+std::string inputMeaning(const PreparedArgument& argument)
 {
     if (argument.isNull)
         return "left out";
@@ -47,16 +47,16 @@ std::string inputMeaning(const Argument& argument)
     return "";
 }
 
-std::string meaningOf(const Field& field, const Report& report)
+std::string meaningOf(const MessageField& field, const Report& report)
 {
     switch (field.role)
     {
-    case Role::kInput:
+    case FieldRole::kInput:
         return inputMeaning(report.argument(field.name));
-    case Role::kOutput:
-    case Role::kStatus:
+    case FieldRole::kOutput:
+    case FieldRole::kStatus:
         return "the service's to fill";
-    case Role::kReserved:
+    case FieldRole::kReserved:
         break;
     }
     return "zero";
@@ -74,7 +74,7 @@ Json messageDocument(const Report& report)
     document["length"] = request.message.size();
     document["message"] = hexText(request.message);
     document["fields"] = Json::array();
-    for (const Field& field : layoutOf(*report.function))
+    for (const MessageField& field : messageFields(*report.function))
         document["fields"].push_back({{"offset", field.offset},
                                       {"size", field.size},
                                       {"name", field.name},
@@ -92,7 +92,7 @@ void writeText(const Console& console, const Report& report)
 
     Table table;
     table.add({"offset", "bytes", "field", "meaning"});
-    for (const Field& field : layoutOf(*report.function))
+    for (const MessageField& field : messageFields(*report.function))
     {
         std::string name = field.name;
         std::string meaning = meaningOf(field, report);

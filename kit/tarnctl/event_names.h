@@ -10,6 +10,7 @@ namespace tarn::ctl
 {
 
 const std::vector<contract::Event>& knownEvents();
+std::vector<std::string> eventNames();
 
 // By its name or number. Throws UsageError.
 const contract::Event& eventNamed(const std::string& text);

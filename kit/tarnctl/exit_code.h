@@ -1,4 +1,4 @@
-// What the shell gets to know of how it went.
+// The exit codes of the program.
 #pragma once
 
 namespace tarn::ctl
@@ -8,7 +8,7 @@ enum class ExitCode
 {
     kSuccess = 0,
     kOther = 1,         // anything else: nothing found, a file not written, the answer "no" of a local utility
-    kUsage = 2,         // the command line cannot be carried out as it stands
+    kUsage = 2,         // the command line is not valid
     kRejected = 3,      // the library refused an argument; nothing was sent
     kNoService = 4,     // the service is not running
     kTimedOut = 5,      // no reply, or fewer events than asked for, in time

@@ -12,18 +12,18 @@ namespace
 
 using Values = std::vector<calling::ArgumentValue>;
 
-Parameter number(std::string name, std::string content)
+FunctionParameter number(std::string name, std::string content)
 {
-    Parameter parameter;
+    FunctionParameter parameter;
     parameter.name = std::move(name);
     parameter.isInput = true;
     parameter.content = std::move(content);
     return parameter;
 }
 
-Parameter address(std::string name, std::string content)
+FunctionParameter address(std::string name, std::string content)
 {
-    Parameter parameter;
+    FunctionParameter parameter;
     parameter.name = std::move(name);
     parameter.form = Form::kAddress;
     parameter.isInput = true;
@@ -32,9 +32,9 @@ Parameter address(std::string name, std::string content)
     return parameter;
 }
 
-Parameter rateTable()
+FunctionParameter rateTable()
 {
-    Parameter parameter;
+    FunctionParameter parameter;
     parameter.name = "table";
     parameter.form = Form::kRecord;
     parameter.isInput = true;
@@ -46,9 +46,9 @@ Parameter rateTable()
     return parameter;
 }
 
-Parameter rate()
+FunctionParameter rate()
 {
-    Parameter parameter;
+    FunctionParameter parameter;
     parameter.name = "rate";
     parameter.form = Form::kText;
     parameter.isInput = true;
@@ -86,7 +86,7 @@ LocalResult rateResult(std::uint32_t result)
 
 // --- Calls ------------------------------------------------------------------------------------------------------------------
 
-// Stands where a component's own handler would. Watching events is the matter of another command.
+// In place of a component's own handler. Events are watched with another verb.
 void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
 {
 }
@@ -134,10 +134,11 @@ LocalResult deleteRate(const char*, const Values& values)
 
 // --- Descriptions -----------------------------------------------------------------------------------------------------------
 
-Function eventFunction(const char* name, const char* description, const char* note, decltype(Function::local) call)
+LibraryFunction eventFunction(const char* name, const char* description, const char* note,
+                              decltype(LibraryFunction::local) call)
 {
-    Function function;
-    function.kind = Kind::kEvent;
+    LibraryFunction function;
+    function.kind = FunctionKind::kEvent;
     function.name = name;
     function.service = "TARN";
     function.group = "Events";
@@ -149,11 +150,11 @@ Function eventFunction(const char* name, const char* description, const char* no
     return function;
 }
 
-Function localFunction(const char* name, const char* description, std::vector<Parameter> parameters,
-                       decltype(Function::local) call)
+LibraryFunction localFunction(const char* name, const char* description, std::vector<FunctionParameter> parameters,
+                              decltype(LibraryFunction::local) call)
 {
-    Function function;
-    function.kind = Kind::kLocal;
+    LibraryFunction function;
+    function.kind = FunctionKind::kLocal;
     function.name = name;
     function.group = "Local utilities";
     function.description = description;
@@ -164,7 +165,7 @@ Function localFunction(const char* name, const char* description, std::vector<Pa
 
 } // namespace
 
-std::vector<Function> localFunctions()
+std::vector<LibraryFunction> localFunctions()
 {
     return {
         eventFunction("tarnSubscribeEvent", "Subscribes to one event of the device service.",

@@ -8,6 +8,6 @@
 namespace tarn::ctl
 {
 
-std::vector<Function> localFunctions();
+std::vector<LibraryFunction> localFunctions();
 
 } // namespace tarn::ctl

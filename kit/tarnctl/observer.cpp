@@ -17,14 +17,14 @@ thread_local Observer* observing = nullptr;
 
 } // namespace
 
-Observer::Observer(Passage how) : passage(how), outer(observing)
+Observer::Observer(Passage how) : passage(how), outer_(observing)
 {
     observing = this;
 }
 
 Observer::~Observer()
 {
-    observing = outer;
+    observing = outer_;
 }
 
 } // namespace tarn::ctl
@@ -53,7 +53,7 @@ void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, cons
 namespace
 {
 
-// Writes the request down and, unless it is to be held back, lets `send` carry it out.
+// Records the request and, unless it is to be held back, sends it.
 template <typename Send>
 uint32_t observed(tarn::ctl::Request request, Send send)
 {
@@ -91,7 +91,7 @@ uint32_t __wrap_KorIilCancelEvent(const char* callerId, const char* serviceId, u
 
 void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, const char* format, ...)
 {
-    const int callersErrno = errno; // %m may stand in the format
+    const int callersErrno = errno; // the format may contain %m
     va_list arguments;
     va_start(arguments, format);
     const std::string text = tarn::base::vformat(format, arguments);

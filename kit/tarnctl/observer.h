@@ -1,8 +1,8 @@
 /* What passes between the library and the platform while a function is called.
  *
  * A function's result alone does not tell a refused argument from a failed IPC call, nor either from the service's own
- * status. So tarnctl stands between the two: the linker is told to send the library's KorIil calls (--wrap) to the
- * functions of this file, which write down what they see and hand it on. That needs nothing of the library, nor of the
+ * status. So tarnctl sits between the two: the linker directs the library's KorIil calls (--wrap) to the functions of this
+ * file, which record them and pass them on. That needs nothing of the library, nor of the
  * platform, and works with a static platform library as well as with a shared one, on every target with GNU ld, gold or
  * lld. */
 #pragma once
@@ -17,7 +17,7 @@
 namespace tarn::ctl
 {
 
-// What the library handed to the platform.
+// What the library passed to the platform.
 struct Request
 {
     std::string service;
@@ -44,7 +44,7 @@ struct Observation
 enum class Passage
 {
     kSend, // requests go to the platform
-    kHold  // requests are written down only; the library gets its own message back as the reply, with success
+    kHold  // requests are recorded only; the library gets its own message back as the reply, with success
 };
 
 // Observes this thread for as long as it lives. The latest one sees what passes.
@@ -60,7 +60,7 @@ public:
     const Passage passage;
 
 private:
-    Observer* const outer;
+    Observer* const outer_;
 };
 
 } // namespace tarn::ctl

@@ -17,22 +17,22 @@ namespace tarn::ctl
 namespace
 {
 
-bool canBeSaved(const Parameter& parameter)
+bool canBeSaved(const FunctionParameter& parameter)
 {
     const bool isWritten = parameter.wire == nullptr || parameter.wire->encoding != contract::Encoding::kNothing;
     return parameter.isOutput && isWritten && parameter.form != Form::kNumber;
 }
 
-std::vector<std::string> savableNames(const Function& function)
+std::vector<std::string> savableNames(const LibraryFunction& function)
 {
     std::vector<std::string> names;
-    for (const Parameter& parameter : function.parameters)
+    for (const FunctionParameter& parameter : function.parameters)
         if (canBeSaved(parameter))
             names.push_back(parameter.name);
     return names;
 }
 
-Bytes savedBytes(const Argument& output)
+Bytes savedBytes(const PreparedArgument& output)
 {
     if (output.parameter->form != Form::kText)
         return output.content();
@@ -40,7 +40,7 @@ Bytes savedBytes(const Argument& output)
     return Bytes(text.begin(), text.end());
 }
 
-void saveOne(const Argument& output, const std::string& path)
+void saveOne(const PreparedArgument& output, const std::string& path)
 {
     const Bytes bytes = savedBytes(output);
     errno = 0;
@@ -53,7 +53,7 @@ void saveOne(const Argument& output, const std::string& path)
 
 } // namespace
 
-Saving savingOf(const Function& function, const Arguments& arguments, const std::string& text)
+Saving savingOf(const LibraryFunction& function, const PreparedArguments& arguments, const std::string& text)
 {
     const Assignment given = assignment(text, true);
     const std::vector<std::string> names = savableNames(function);
@@ -66,7 +66,7 @@ Saving savingOf(const Function& function, const Arguments& arguments, const std:
                              "; got " + inQuotes(text),
                          base::suggestions(given.name, names));
     }
-    for (const Argument& argument : arguments.all)
+    for (const PreparedArgument& argument : arguments.all)
         if (argument.parameter->name == given.name && argument.isNull)
             throw UsageError("--save: " + given.name + " is left out of the call");
     return {given.name, given.value};

@@ -16,9 +16,9 @@ struct Saving
 };
 
 // From "argument=file". Throws UsageError if there is no such output, it is a number, or it is left out of the call.
-Saving savingOf(const Function& function, const Arguments& arguments, const std::string& text);
+Saving savingOf(const LibraryFunction& function, const PreparedArguments& arguments, const std::string& text);
 
-// Writes each output's bytes, of a text those in front of its NUL. Throws std::runtime_error if a file cannot be written.
+// Writes the outputs' bytes, of a text those before its NUL. Throws std::runtime_error if a file cannot be written.
 // For a report that has a reply.
 void save(const Report& report, const std::vector<Saving>& savings);
 

@@ -1,4 +1,4 @@
-// A command line that cannot be carried out as it stands.
+// A command line that is not valid.
 #pragma once
 
 #include <stdexcept>
@@ -9,7 +9,7 @@
 namespace tarn::ctl
 {
 
-// The text says what was expected and what came instead. `suggestions` are names the user may have meant, the closest first.
+// The text says what was expected and what was given. `suggestions` are names the user may have meant, the closest first.
 class UsageError : public std::runtime_error
 {
 public:

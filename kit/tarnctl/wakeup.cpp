@@ -41,29 +41,29 @@ int remaining(const Deadline& deadline)
 
 Wakeup::Wakeup()
 {
-    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
+    if (pipe2(ends_, O_CLOEXEC | O_NONBLOCK) != 0)
         throw std::system_error(errno, std::generic_category(), "no pipe to wait on");
 }
 
 Wakeup::~Wakeup()
 {
-    close(ends[0]);
-    close(ends[1]);
+    close(ends_[0]);
+    close(ends_[1]);
 }
 
 void Wakeup::wake() const
 {
     const char byte = 0;
-    [[maybe_unused]] const ssize_t written = write(ends[1], &byte, 1); // when the pipe is full, it wakes as well
+    [[maybe_unused]] const ssize_t written = write(ends_[1], &byte, 1); // when the pipe is full, it wakes as well
 }
 
 void Wakeup::wait(const Deadline& deadline) const
 {
-    pollfd readable = {ends[0], POLLIN, 0};
+    pollfd readable = {ends_[0], POLLIN, 0};
     if (poll(&readable, 1, remaining(deadline)) <= 0)
         return;
     char bytes[256];
-    while (read(ends[0], bytes, sizeof bytes) > 0)
+    while (read(ends_[0], bytes, sizeof bytes) > 0)
         continue;
 }
 
@@ -74,14 +74,14 @@ StopSignals::StopSignals(const Wakeup& wakeup)
     struct sigaction action = {};
     action.sa_handler = &onSignal;
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, &interruptBefore);
-    sigaction(SIGTERM, &action, &terminateBefore);
+    sigaction(SIGINT, &action, &interruptBefore_);
+    sigaction(SIGTERM, &action, &terminateBefore_);
 }
 
 StopSignals::~StopSignals()
 {
-    sigaction(SIGINT, &interruptBefore, nullptr);
-    sigaction(SIGTERM, &terminateBefore, nullptr);
+    sigaction(SIGINT, &interruptBefore_, nullptr);
+    sigaction(SIGTERM, &terminateBefore_, nullptr);
     wokenBySignals = nullptr;
 }
 

@@ -27,7 +27,7 @@ public:
     void wait(const Deadline& deadline) const;
 
 private:
-    int ends[2];
+    int ends_[2];
 };
 
 // SIGINT and SIGTERM wake a thread instead of ending the process, as long as this lives. One at a time.
@@ -42,8 +42,8 @@ public:
     bool haveCome() const;
 
 private:
-    struct sigaction interruptBefore;
-    struct sigaction terminateBefore;
+    struct sigaction interruptBefore_;
+    struct sigaction terminateBefore_;
 };
 
 } // namespace tarn::ctl

@@ -115,8 +115,8 @@ TEST_F(ArgumentsTest, NumbersOfEightAndSixteenBits)
             const auto with = [&](const std::string& value)
             {
                 Words words = {"call", row.command->function, "--dry-run"};
-                for (const std::string& each : validArguments(*row.command))
-                    words.push_back(each.rfind(argument.name + "=", 0) == 0 ? argument.name + "=" + value : each);
+                for (const std::string& assignment : validArguments(*row.command))
+                    words.push_back(assignment.rfind(argument.name + "=", 0) == 0 ? argument.name + "=" + value : assignment);
                 return words;
             };
             EXPECT_EQ(run(with(isByte ? "255" : "65535")).exit, 0);
@@ -135,7 +135,7 @@ TEST_F(ArgumentsTest, MacAddresses)
     const Words kick = {"call", "TarnKickOutAccessPointAssociated", "radioId=1", "apId=1", "--dry-run"};
     const Argument& mac = *std::find_if(tarn::contract::find(kick[1]).command->arguments.begin(),
                                         tarn::contract::find(kick[1]).command->arguments.end(),
-                                        [](const Argument& each) { return each.size == 6; });
+                                        [](const Argument& argument) { return argument.size == 6; });
     const auto with = [&](const std::string& value)
     {
         Words words = kick;
@@ -219,8 +219,8 @@ TEST_F(ArgumentsTest, PointersThatTheLibraryUsesUncheckedCannotBeNull)
             SCOPED_TRACE(row.command->function + " " + argument.name);
             ++unguarded;
             Words words = {"call", row.command->function};
-            for (const std::string& each : validArguments(*row.command))
-                words.push_back(each.rfind(argument.name + "=", 0) == 0 ? argument.name + "=null" : each);
+            for (const std::string& assignment : validArguments(*row.command))
+                words.push_back(assignment.rfind(argument.name + "=", 0) == 0 ? argument.name + "=null" : assignment);
             const Ran ran = run(words);
             EXPECT_EQ(ran.exit, 2);
             EXPECT_NE(ran.err.find(argument.name + ": the library uses this pointer unchecked, so null cannot be passed"),
@@ -305,6 +305,30 @@ TEST_F(ArgumentsTest, CommandsAndOptions)
         EXPECT_NE(ran.err.find("--help shows what is expected"), std::string::npos) << ran.err;
         EXPECT_EQ(runJson(wrong).document.at("exit"), 2);
     }
+}
+
+TEST_F(ArgumentsTest, OptionsThatDoNotExistAreNamed)
+{
+    const auto unknown = [](const std::string& option, const std::string& verb = "")
+    { return "there is no option \"" + option + "\"; tarnctl " + verb + "--help shows what is expected"; };
+    expectUsageError({"--bogus"}, unknown("--bogus"));
+    expectUsageError({"--bogus", "list"}, unknown("--bogus", "list "));
+    expectUsageError({"--bogus", "lst"}, unknown("--bogus"));
+    expectUsageError({"--jsn", "list"}, unknown("--jsn", "list "), "--json");
+    expectUsageError({"describe", "--bogus=x"}, unknown("--bogus", "describe "));
+    expectUsageError({"describe", "TarnGetRadio", "--directoy", "x"}, unknown("--directoy", "describe "), "--directory");
+    expectUsageError({"call", "TarnGetRadio", "--dryrun"}, unknown("--dryrun", "call "), "--dry-run");
+    expectUsageError({"call", "TarnGetRadio", "-x"}, unknown("-x", "call "));
+}
+
+TEST_F(ArgumentsTest, CommandsThatDoNotExistAreNamed)
+{
+    const std::string expected = "; expected one of list, describe, call, events, log-level, radios, firmware, mirror, telnet, "
+                                 "publish, completion";
+    expectUsageError({"evnts"}, "there is no command \"evnts\"" + expected, "events");
+    expectUsageError({"raidos"}, "there is no command \"raidos\"" + expected, "radios");
+    expectUsageError({"lst", "list"}, "there is no command \"lst\"" + expected, "list");
+    expectUsageError({"-"}, "there is no command \"-\"" + expected);
 }
 
 TEST_F(ArgumentsTest, OtherCommands)

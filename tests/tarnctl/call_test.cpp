@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 namespace tarnctl_test
@@ -87,8 +88,8 @@ TEST_F(CallTest, EveryFunctionHandsOverWhatTheServiceAnswers)
     {
         SCOPED_TRACE(row.command->function);
         Words words = {"call", row.command->function};
-        for (const std::string& each : validArguments(*row.command))
-            words.push_back(each);
+        for (const std::string& assignment : validArguments(*row.command))
+            words.push_back(assignment);
         const RanJson ran = runJson(words);
         EXPECT_EQ(ran.exit, 0) << ran.err;
         EXPECT_EQ(ran.document.at("outcome"), "done");
@@ -119,9 +120,9 @@ TEST_F(CallTest, EveryCheckOfEveryFunctionCanBeProvoked)
         {
             SCOPED_TRACE(row.command->function + " " + check.argument);
             Words words = {"call", row.command->function, check.argument + (check.when == When::kZero ? "=0" : "=null")};
-            for (const std::string& each : validArguments(*row.command))
-                if (each.rfind(check.argument + "=", 0) != 0)
-                    words.push_back(each);
+            for (const std::string& assignment : validArguments(*row.command))
+                if (assignment.rfind(check.argument + "=", 0) != 0)
+                    words.push_back(assignment);
             const RanJson ran = runJson(words);
             EXPECT_EQ(ran.exit, 3);
             EXPECT_EQ(ran.document.at("outcome"), "rejected");
@@ -202,7 +203,7 @@ TEST_F(CallTest, AServicesOneAndTwoAreNoIpcFailures)
         const Service service("TARN", statusAnswer(status));
         const Ran ran = run({"call", "TarnGetLogLevel"});
         EXPECT_EQ(ran.exit, 7);
-        EXPECT_EQ(ran.out, "level: 0 (0x00000000)\nstatus: " + std::to_string(status) + "\n");
+        EXPECT_EQ(ran.out, "level: 0 (0x00000000)\nreply status: " + std::to_string(status) + "\n");
         EXPECT_EQ(ran.err, "tarnctl: service TARN answered TarnGetLogLevel with status " + std::to_string(status) + "\n");
     }
 }
@@ -266,19 +267,41 @@ TEST_F(CallTest, OutputsInText)
     const Service proxy("QTN_RPC_PROXY", &answerWithLetters);
     const std::uint32_t word = wordAt(letters(4, 4), 0);
     std::ostringstream number;
-    number << "level: " << word << " (0x" << std::hex << std::uppercase << word << ")\nstatus: 0\n";
+    number << "level: " << word << " (0x" << std::hex << std::uppercase << word << ")\nreply status: 0\n";
     EXPECT_EQ(run({"call", "TarnGetLogLevel"}).out, number.str());
-    EXPECT_EQ(run({"call", "TarnGetRadioCurrentTransmitPowerLevel", "radioId=1"}).out, "power: 67 (0x43)\nstatus: 0\n");
-    EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version", "size=5"}).out, "firmware_version: \"IJKL\"\nstatus: 0\n");
-    EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version", "size=1"}).out, "firmware_version: \"\"\nstatus: 0\n");
+    EXPECT_EQ(run({"call", "TarnGetRadioCurrentTransmitPowerLevel", "radioId=1"}).out, "power: 67 (0x43)\nreply status: 0\n");
+    EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version", "size=5"}).out, "firmware_version: \"IJKL\"\nreply status: 0\n");
+    EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version", "size=1"}).out, "firmware_version: \"\"\nreply status: 0\n");
     EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version", "size=0"}).out,
-              "firmware_version: untouched, its size is 0\nstatus: 0\n");
+              "firmware_version: untouched, its size is 0\nreply status: 0\n");
 
     const Ran block = run({"call", "TarnGetSsidOPXShgwBlockAddrAt", "radioId=1", "ssidId=1", "index=0"});
     EXPECT_NE(block.out.find("never written by the library\n"), std::string::npos) << block.out << block.err;
     const Ran record = run({"call", "TarnGetRadio", "radioId=1"});
     EXPECT_NE(record.out.find("data: 9552 bytes (TarnRadioData)\n  0     43 44 45 46"), std::string::npos)
         << record.out.substr(0, 200);
+}
+
+TEST_F(CallTest, EveryLineOfTheTextHasATitleOfItsOwn)
+{
+    const Service device("TARN", &answerWithLetters, 5);
+    const Service proxy("QTN_RPC_PROXY", &answerWithLetters);
+    const Service mirror("QTN_MIRROR", &answerWithLetters);
+    for (const Row& row : tarn::contract::rows())
+    {
+        SCOPED_TRACE(row.command->function);
+        Words words = {"call", row.command->function};
+        for (const std::string& argument : validArguments(*row.command))
+            words.push_back(argument);
+        std::istringstream lines(run(words).out);
+        std::set<std::string> titles;
+        for (std::string line; std::getline(lines, line);)
+        {
+            const bool isLineOfADump = line.front() == ' ';
+            EXPECT_TRUE(isLineOfADump || titles.insert(line.substr(0, line.find(':'))).second) << line;
+        }
+        EXPECT_EQ(titles.count("reply status"), 1u);
+    }
 }
 
 TEST_F(CallTest, NegativeNumbersZerosAndMacAddressesInText)
@@ -292,8 +315,9 @@ TEST_F(CallTest, NegativeNumbersZerosAndMacAddressesInText)
                              return std::uint32_t{KOR_IIL_OK};
                          });
     EXPECT_EQ(run({"call", "TarnGetRadioChipTemperature", "radioId=1"}).out,
-              "temperature: 4294967291 (0xFFFFFFFB, -5)\nstatus: 0\n");
-    EXPECT_EQ(run({"call", "TarnGetRadio", "radioId=1"}).out, "data: 9552 bytes (TarnRadioData)\n  0  00 x 9552\nstatus: 0\n");
+              "temperature: 4294967291 (0xFFFFFFFB, -5)\nreply status: 0\n");
+    EXPECT_EQ(run({"call", "TarnGetRadio", "radioId=1"}).out,
+              "data: 9552 bytes (TarnRadioData)\n  0  00 x 9552\nreply status: 0\n");
     const Ran address = run({"call", "TarnGetAccessPointMacFilterAt", "radioId=1", "apId=1", "index=0"});
     EXPECT_NE(address.out.find(": 00:00:00:00:00:00\n"), std::string::npos) << address.out << address.err;
 }
@@ -307,7 +331,8 @@ TEST_F(CallTest, TextsAreEscaped)
                             std::copy(text.begin(), text.end(), message.begin() + 1152);
                             return std::uint32_t{KOR_IIL_OK};
                         });
-    EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version"}).out, "firmware_version: \"a\\\"\\\\\\x0a\\xff\"\nstatus: 0\n");
+    EXPECT_EQ(run({"call", "tarn_qcsapi_firmware_get_version"}).out,
+              "firmware_version: \"a\\\"\\\\\\x0a\\xff\"\nreply status: 0\n");
     const RanJson ran = runJson({"call", "tarn_qcsapi_firmware_get_version"});
     EXPECT_EQ(ran.document.at("outputs").at("firmware_version").at("hex"), "61225c0aff");
     EXPECT_EQ(ran.document.at("outputs").at("firmware_version").at("text"), "a\"\\\n\xEF\xBF\xBD");

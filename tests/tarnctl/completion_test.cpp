@@ -1,8 +1,6 @@
 // The completion script, in the shell it is for.
 #include "support.h"
 
-#include <array>
-#include <cstdio>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -22,18 +20,7 @@ protected:
         const Ran ran = run({"completion", "bash"});
         ASSERT_EQ(ran.exit, 0);
         std::ofstream(path("completion")) << ran.out;
-        ASSERT_NE(output("command -v bash"), "") << "these tests need bash";
-    }
-
-    static std::string output(const std::string& command)
-    {
-        FILE* const pipe = popen(command.c_str(), "r");
-        std::string text;
-        std::array<char, 4096> part;
-        for (std::size_t length; (length = fread(part.data(), 1, part.size(), pipe)) > 0;)
-            text.append(part.data(), length);
-        EXPECT_EQ(pclose(pipe), 0) << command;
-        return text;
+        ASSERT_NE(shellOutput("command -v bash"), "") << "these tests need bash";
     }
 
     // What bash offers for the last of these words.
@@ -42,7 +29,7 @@ protected:
         std::ofstream(path("try")) << "source " << path("completion") << "\n"
                                    << "COMP_WORDS=(" << words << ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
                                    << "_tarnctl\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n";
-        std::istringstream lines(output("bash " + path("try")));
+        std::istringstream lines(shellOutput("bash " + path("try")));
         std::set<std::string> offers;
         for (std::string line; std::getline(lines, line);)
             if (!line.empty())
@@ -55,8 +42,8 @@ using Offers = std::set<std::string>;
 
 TEST_F(CompletionTest, TheScriptIsSound)
 {
-    EXPECT_EQ(output("bash -n " + path("completion") + " 2>&1"), "");
-    EXPECT_EQ(output("bash -c 'source " + path("completion") + " && complete -p tarnctl'"),
+    EXPECT_EQ(shellOutput("bash -n " + path("completion") + " 2>&1"), "");
+    EXPECT_EQ(shellOutput("bash -c 'source " + path("completion") + " && complete -p tarnctl'"),
               "complete -o default -F _tarnctl tarnctl\n");
 }
 

@@ -174,9 +174,9 @@ TEST_F(DryRunTest, LongTextsAreCutAndSaidToBe)
                 continue;
             SCOPED_TRACE(row.command->function + " " + argument.name);
             Words assignments = validArguments(*row.command);
-            for (std::string& each : assignments)
-                if (each.rfind(argument.name + "=", 0) == 0)
-                    each = argument.name + "=" + std::string(argument.size, 'x') + "yz";
+            for (std::string& assignment : assignments)
+                if (assignment.rfind(argument.name + "=", 0) == 0)
+                    assignment = argument.name + "=" + std::string(argument.size, 'x') + "yz";
             const RanJson ran = runJson(dryRun(*row.command, assignments));
             EXPECT_EQ(ran.document.at("message"), hexText(promisedMessage(*row.command, assignments)));
             ASSERT_EQ(ran.document.at("notes").size(), 1u);

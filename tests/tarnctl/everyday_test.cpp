@@ -27,21 +27,21 @@ Answer scripted(std::vector<Scripted> script)
     return [script = std::move(script)](const KorIilRequest& request, Bytes& message)
     {
         putWord(message, message.size() - 4, 16);
-        for (const Scripted& each : script)
+        for (const Scripted& answer : script)
         {
-            const Command& command = *tarn::contract::find(each.function).command;
+            const Command& command = *tarn::contract::find(answer.function).command;
             if (command.command != request.command)
                 continue;
             putWord(message, message.size() - 4, 0);
-            if (each.output == nullptr)
+            if (answer.output == nullptr)
                 continue;
-            const tarn::contract::Argument& output = *command.argument(each.output);
-            if (each.text != nullptr)
-                std::memcpy(&message.at(output.offset), each.text, std::strlen(each.text) + 1);
+            const tarn::contract::Argument& output = *command.argument(answer.output);
+            if (answer.text != nullptr)
+                std::memcpy(&message.at(output.offset), answer.text, std::strlen(answer.text) + 1);
             else if (output.encoding == tarn::contract::Encoding::kByte)
-                message.at(output.offset) = static_cast<unsigned char>(each.word);
+                message.at(output.offset) = static_cast<unsigned char>(answer.word);
             else
-                putWord(message, output.offset, each.word);
+                putWord(message, output.offset, answer.word);
         }
         return std::uint32_t{KOR_IIL_OK};
     };

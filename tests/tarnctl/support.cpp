@@ -3,6 +3,8 @@
 #include "schema.h"
 #include "tarnctl/command_line.h"
 
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -42,13 +44,13 @@ std::string readLine(int descriptor)
     return line;
 }
 
-Words programCommand(const Words& arguments)
+Words programCommand(const std::string& program, const Words& arguments)
 {
     Words command;
     std::istringstream emulator(EMULATOR); // words, or none
     for (std::string word; emulator >> word;)
         command.push_back(word);
-    command.push_back(TARNCTL_PROGRAM);
+    command.push_back(program);
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }
@@ -100,36 +102,36 @@ void TarnctlTest::TearDown()
     std::filesystem::remove_all(directory);
 }
 
-Service::Service(const char* serviceId, Answer reply, std::uint32_t eventCount) : answer(std::move(reply))
+Service::Service(const char* serviceId, Answer reply, std::uint32_t eventCount) : answer_(std::move(reply))
 {
-    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, &Service::handle, this, &service);
+    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, &Service::handle, this, &service_);
     if (status != KOR_IIL_OK)
         ADD_FAILURE() << "service " << serviceId << " did not open: " << status;
     else
-        thread = std::thread([this] { KorIilServiceRun(service); });
+        thread_ = std::thread([this] { KorIilServiceRun(service_); });
 }
 
 Service::~Service()
 {
-    if (service == nullptr)
+    if (service_ == nullptr)
         return;
-    KorIilServiceStop(service);
-    thread.join();
-    KorIilServiceClose(service);
+    KorIilServiceStop(service_);
+    thread_.join();
+    KorIilServiceClose(service_);
 }
 
 std::uint32_t Service::publish(std::uint32_t event, const Bytes& data)
 {
     std::uint32_t subscribers = 0;
-    EXPECT_EQ(KorIilServicePublish(service, event, data.data(), static_cast<std::uint32_t>(data.size()), &subscribers),
+    EXPECT_EQ(KorIilServicePublish(service_, event, data.data(), static_cast<std::uint32_t>(data.size()), &subscribers),
               KOR_IIL_OK);
     return subscribers;
 }
 
 std::vector<Seen> Service::requests() const
 {
-    const std::lock_guard<std::mutex> guard(mutex);
-    return seen;
+    const std::lock_guard<std::mutex> guard(mutex_);
+    return seen_;
 }
 
 std::uint32_t Service::handle(void* context, const KorIilRequest* request, void* message)
@@ -138,10 +140,10 @@ std::uint32_t Service::handle(void* context, const KorIilRequest* request, void*
     auto* const first = static_cast<unsigned char*>(message);
     Bytes bytes(first, first + request->length);
     {
-        const std::lock_guard<std::mutex> guard(self.mutex);
-        self.seen.push_back({request->callerId, request->command, request->wait, bytes});
+        const std::lock_guard<std::mutex> guard(self.mutex_);
+        self.seen_.push_back({request->callerId, request->command, request->wait, bytes});
     }
-    const std::uint32_t status = self.answer(*request, bytes);
+    const std::uint32_t status = self.answer_(*request, bytes);
     std::memcpy(message, bytes.data(), bytes.size());
     return status;
 }
@@ -177,9 +179,20 @@ Bytes fromHex(const std::string& text)
     return tarn::base::parseHex(text).value();
 }
 
-Program::Program(const Words& arguments)
+std::string shellOutput(const std::string& command)
 {
-    const Words command = programCommand(arguments);
+    FILE* const pipe = popen(command.c_str(), "r");
+    std::string text;
+    std::array<char, 4096> part;
+    for (std::size_t length; (length = fread(part.data(), 1, part.size(), pipe)) > 0;)
+        text.append(part.data(), length);
+    EXPECT_EQ(pclose(pipe), 0) << command;
+    return text;
+}
+
+Program::Program(const Words& arguments, const std::string& program)
+{
+    const Words command = programCommand(program, arguments);
     std::vector<char*> argv;
     for (const std::string& word : command)
         argv.push_back(const_cast<char*>(word.c_str()));
@@ -189,8 +202,8 @@ Program::Program(const Words& arguments)
     int errEnds[2];
     if (pipe2(outEnds, O_CLOEXEC) != 0 || pipe2(errEnds, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe");
-    processId = fork();
-    if (processId == 0)
+    processId_ = fork();
+    if (processId_ == 0)
     {
         dup2(outEnds[1], STDOUT_FILENO);
         dup2(errEnds[1], STDERR_FILENO);
@@ -199,41 +212,41 @@ Program::Program(const Words& arguments)
     }
     close(outEnds[1]);
     close(errEnds[1]);
-    out = outEnds[0];
-    err = errEnds[0];
+    out_ = outEnds[0];
+    err_ = errEnds[0];
 }
 
 Program::~Program()
 {
-    if (processId > 0)
+    if (processId_ > 0)
     {
-        kill(processId, SIGKILL);
-        waitpid(processId, nullptr, 0);
+        kill(processId_, SIGKILL);
+        waitpid(processId_, nullptr, 0);
     }
-    close(out);
-    close(err);
+    close(out_);
+    close(err_);
 }
 
 std::string Program::nextLine()
 {
-    return readLine(out);
+    return readLine(out_);
 }
 
 std::string Program::nextErrorLine()
 {
-    return readLine(err);
+    return readLine(err_);
 }
 
 void Program::signal(int number) const
 {
-    kill(processId, number);
+    kill(processId_, number);
 }
 
 int Program::exitCode()
 {
     int status = 0;
-    waitpid(processId, &status, 0);
-    processId = -1;
+    waitpid(processId_, &status, 0);
+    processId_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

@@ -88,11 +88,11 @@ public:
 private:
     static std::uint32_t handle(void* context, const KorIilRequest* request, void* message);
 
-    Answer answer;
-    mutable std::mutex mutex;
-    std::vector<Seen> seen;
-    KorIilService* service = nullptr;
-    std::thread thread;
+    Answer answer_;
+    mutable std::mutex mutex_;
+    std::vector<Seen> seen_;
+    KorIilService* service_ = nullptr;
+    std::thread thread_;
 };
 
 // Answers with the request as it came and that status in the last word.
@@ -104,11 +104,14 @@ void putWord(Bytes& message, std::size_t offset, std::uint32_t word);
 std::uint32_t wordAt(const Bytes& message, std::size_t offset);
 Bytes fromHex(const std::string& text);
 
-// The program in a process of its own.
+// What a command prints on standard output. It has to succeed.
+std::string shellOutput(const std::string& command);
+
+// A program, tarnctl unless another is named, in a process of its own.
 class Program
 {
 public:
-    explicit Program(const Words& arguments);
+    explicit Program(const Words& arguments, const std::string& program = TARNCTL_PROGRAM);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -122,9 +125,9 @@ public:
     int exitCode();
 
 private:
-    int processId = -1;
-    int out = -1;
-    int err = -1;
+    int processId_ = -1;
+    int out_ = -1;
+    int err_ = -1;
 };
 
 // Numbers, texts and bytes that fit a function: an assignment for each of its inputs, those of a null pointer left out.

@@ -1,9 +1,9 @@
-#include "describe.h"
-
-#include "arguments.h"
-#include "catalogue.h"
-#include "layout.h"
-#include "values.h"
+// `tarnctl describe`: what one function takes, sends, checks and gives back.
+#include "tarnctl/arguments.h"
+#include "tarnctl/catalogue.h"
+#include "tarnctl/message_fields.h"
+#include "tarnctl/values.h"
+#include "tarnctl/verbs/verbs.h"
 
 namespace tarn::ctl
 {
@@ -11,7 +11,17 @@ namespace tarn::ctl
 namespace
 {
 
-std::string typeOf(const Parameter& parameter)
+struct DescribeOptions
+{
+    std::string name;
+};
+
+void declare(CLI::App& verb, DescribeOptions& options)
+{
+    verb.add_option("NAME", options.name, "The function's name")->required();
+}
+
+std::string typeOf(const FunctionParameter& parameter)
 {
     switch (parameter.form)
     {
@@ -29,7 +39,7 @@ std::string typeOf(const Parameter& parameter)
     return "address";
 }
 
-const char* directionOf(const Parameter& parameter)
+const char* directionOf(const FunctionParameter& parameter)
 {
     if (parameter.isInput && parameter.isOutput)
         return "in, out";
@@ -52,7 +62,7 @@ const char* nullText(Null null)
     return "no pointer";
 }
 
-std::string sizeText(const Parameter& parameter)
+std::string sizeText(const FunctionParameter& parameter)
 {
     if (!parameter.sizeArgument.empty())
         return "see " + parameter.sizeArgument;
@@ -73,15 +83,15 @@ struct CheckLine
 };
 
 // In the order in which they are made.
-std::vector<CheckLine> checksOf(const Function& function)
+std::vector<CheckLine> checksOf(const LibraryFunction& function)
 {
     std::vector<CheckLine> checks;
-    if (function.kind == Kind::kLocal)
+    if (function.kind == FunctionKind::kLocal)
         return checks;
     checks.push_back({"the caller id is null", "handle is NULL"});
     const char* const invalid = "the caller id is not 1 to 31 characters, the first of them printable ASCII";
-    checks.push_back({invalid, function.kind == Kind::kEvent ? "id is invalid" : function.row.contract->invalidCaller});
-    if (function.kind == Kind::kEvent)
+    checks.push_back({invalid, function.kind == FunctionKind::kEvent ? "id is invalid" : function.row.contract->invalidCaller});
+    if (function.kind == FunctionKind::kEvent)
         checks.push_back({"evt is not 1 to 5", "evt is invalid"});
     else
         for (const contract::Check& check : function.row.command->checks)
@@ -91,14 +101,14 @@ std::vector<CheckLine> checksOf(const Function& function)
 
 // --- For a person -----------------------------------------------------------------------------------------------------------
 
-void writeHead(const Console& console, const Function& function)
+void writeHead(const Console& console, const LibraryFunction& function)
 {
     console.out << function.name << "\n  " << function.description << "\n\n";
     Table table;
     table.add({"group", function.group});
-    if (function.kind != Kind::kLocal)
+    if (function.kind != FunctionKind::kLocal)
         table.add({"service", function.service});
-    if (function.kind == Kind::kCommand)
+    if (function.kind == FunctionKind::kCommand)
     {
         const contract::Command& command = *function.row.command;
         const contract::Result& result = function.row.contract->result;
@@ -115,19 +125,19 @@ void writeHead(const Console& console, const Function& function)
     table.write(console.out);
 }
 
-void writeParameters(const Console& console, const Function& function)
+void writeParameters(const Console& console, const LibraryFunction& function)
 {
     console.out << (function.parameters.empty() ? "\nNo arguments.\n" : "\nArguments\n");
     Table table("  ");
     if (!function.parameters.empty())
         table.add({"name", "type", "direction", "size", "null", "content"});
-    for (const Parameter& parameter : function.parameters)
+    for (const FunctionParameter& parameter : function.parameters)
         table.add({parameter.name, typeOf(parameter), directionOf(parameter), sizeText(parameter), nullText(parameter.null),
                    parameter.content});
     table.write(console.out);
 }
 
-void writeChecks(const Console& console, const Function& function)
+void writeChecks(const Console& console, const LibraryFunction& function)
 {
     const std::vector<CheckLine> checks = checksOf(function);
     if (checks.empty())
@@ -139,25 +149,27 @@ void writeChecks(const Console& console, const Function& function)
     table.write(console.out);
 }
 
-void writeLayout(const Console& console, const Function& function)
+void writeLayout(const Console& console, const LibraryFunction& function)
 {
-    if (function.kind != Kind::kCommand)
+    if (function.kind != FunctionKind::kCommand)
         return;
     console.out << "\nMessage\n";
     Table table("  ");
     table.add({"offset", "size", "field", "direction", "content"});
-    for (const Field& field : layoutOf(function))
+    for (const MessageField& field : messageFields(function))
         table.add({std::to_string(field.offset), (field.isUpperBound ? "up to " : "") + std::to_string(field.size), field.name,
-                   field.role == Role::kReserved ? "" : toString(field.role == Role::kStatus ? Role::kOutput : field.role),
-                   field.role == Role::kReserved ? "zero"
-                   : field.parameter == nullptr  ? "the service's own result"
-                                                 : field.parameter->content});
+                   field.role == FieldRole::kReserved
+                       ? ""
+                       : toString(field.role == FieldRole::kStatus ? FieldRole::kOutput : field.role),
+                   field.role == FieldRole::kReserved ? "zero"
+                   : field.parameter == nullptr       ? "the service's own result"
+                                                      : field.parameter->content});
     table.write(console.out);
 }
 
 // --- For a program ----------------------------------------------------------------------------------------------------------
 
-Json parameterDocument(const Parameter& parameter)
+Json parameterDocument(const FunctionParameter& parameter)
 {
     Json document = {{"name", parameter.name},       {"type", typeOf(parameter)},        {"input", parameter.isInput},
                      {"output", parameter.isOutput}, {"null", nullText(parameter.null)}, {"content", parameter.content}};
@@ -170,12 +182,12 @@ Json parameterDocument(const Parameter& parameter)
     return document;
 }
 
-Json fieldDocument(const Field& field)
+Json fieldDocument(const MessageField& field)
 {
     return {{"offset", field.offset}, {"size", field.size}, {"name", field.name}, {"role", toString(field.role)}};
 }
 
-Json functionDocument(const Function& function)
+Json functionDocument(const LibraryFunction& function)
 {
     Json document = Console::document("describe");
     document["name"] = function.name;
@@ -184,12 +196,12 @@ Json functionDocument(const Function& function)
     document["description"] = function.description;
     document["note"] = function.note;
     document["arguments"] = Json::array();
-    for (const Parameter& parameter : function.parameters)
+    for (const FunctionParameter& parameter : function.parameters)
         document["arguments"].push_back(parameterDocument(parameter));
     document["checks"] = Json::array();
     for (const CheckLine& check : checksOf(function))
         document["checks"].push_back({{"when", check.condition}, {"message", check.message}});
-    if (function.kind != Kind::kCommand)
+    if (function.kind != FunctionKind::kCommand)
         return document;
 
     const contract::Command& command = *function.row.command;
@@ -198,16 +210,14 @@ Json functionDocument(const Function& function)
     document["length"] = command.length;
     document["status_offset"] = command.status;
     document["fields"] = Json::array();
-    for (const Field& field : layoutOf(function))
+    for (const MessageField& field : messageFields(function))
         document["fields"].push_back(fieldDocument(field));
     return document;
 }
 
-} // namespace
-
-ExitCode describe(const Console& console, const std::string& name)
+ExitCode describe(const Console& console, const DescribeOptions& options)
 {
-    const Function& function = functionNamed(name);
+    const LibraryFunction& function = functionNamed(options.name);
     if (console.json)
     {
         console.write(functionDocument(function));
@@ -218,6 +228,13 @@ ExitCode describe(const Console& console, const std::string& name)
     writeChecks(console, function);
     writeLayout(console, function);
     return ExitCode::kSuccess;
+}
+
+} // namespace
+
+void addDescribe(Verbs& verbs)
+{
+    verbs.add("describe", "Shows what a function takes, checks, sends and gives back", &declare, &describe, &functionNames);
 }
 
 } // namespace tarn::ctl

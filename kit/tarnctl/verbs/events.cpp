@@ -1,12 +1,12 @@
-#include "events.h"
-
+// `tarnctl events`: watches what the device service publishes.
 #include "base/join.h"
 #include "base/timestamp.h"
-#include "event_names.h"
 #include "tarn_frame.h"
-#include "usage_error.h"
-#include "values.h"
-#include "wakeup.h"
+#include "tarnctl/event_names.h"
+#include "tarnctl/usage_error.h"
+#include "tarnctl/values.h"
+#include "tarnctl/verbs/verbs.h"
+#include "tarnctl/wakeup.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,7 +20,26 @@ namespace tarn::ctl
 namespace
 {
 
-struct Event
+struct EventsOptions
+{
+    std::vector<std::string> events; // names or numbers; none for all of them
+    std::optional<std::uint32_t> count;
+    std::optional<double> seconds;
+    CallerId callerId = kOwnCallerId;
+};
+
+void declare(CLI::App& verb, EventsOptions& options)
+{
+    addTexts(verb, "EVENT", options.events, "Names or numbers of events; all five if none is given");
+    verb.add_option("--count", options.count, "End after so many events")
+        ->check(CLI::Range(1u, 0xFFFFFFFFu, "1 to 4294967295"));
+    verb.add_option("--timeout", options.seconds, "End after so many seconds")->check(CLI::Range(0.0, 1e9, "0 to 1e9 seconds"));
+    addCaller(verb, options.callerId);
+    verb.footer("One line an event, until the count is reached, the time is up, or SIGINT or SIGTERM comes (exit code 0).\n"
+                "Fewer events than --count when the time is up: exit code 5.");
+}
+
+struct ReceivedEvent
 {
     std::string time; // when it arrived
     std::string service;
@@ -34,14 +53,14 @@ class Inbox
 public:
     Inbox()
     {
-        const std::lock_guard<std::mutex> guard(mutex);
-        current = this;
+        const std::lock_guard<std::mutex> guard(mutex_);
+        current_ = this;
     }
 
     ~Inbox()
     {
-        const std::lock_guard<std::mutex> guard(mutex);
-        current = nullptr;
+        const std::lock_guard<std::mutex> guard(mutex_);
+        current_ = nullptr;
     }
 
     Inbox(const Inbox&) = delete;
@@ -50,34 +69,31 @@ public:
     static void receive(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
     {
         const auto* const bytes = static_cast<const unsigned char*>(data);
-        Event event = {base::Timestamp().text, serviceId, evt, length == 0 ? Bytes() : Bytes(bytes, bytes + length)};
-        const std::lock_guard<std::mutex> guard(mutex);
-        if (current == nullptr)
+        ReceivedEvent event = {base::Timestamp().text, serviceId, evt, length == 0 ? Bytes() : Bytes(bytes, bytes + length)};
+        const std::lock_guard<std::mutex> guard(mutex_);
+        if (current_ == nullptr)
             return;
-        current->events.push_back(std::move(event));
-        current->wakeup.wake();
+        current_->events_.push_back(std::move(event));
+        current_->wakeup.wake();
     }
 
-    std::optional<Event> take()
+    std::optional<ReceivedEvent> take()
     {
-        const std::lock_guard<std::mutex> guard(mutex);
-        if (events.empty())
+        const std::lock_guard<std::mutex> guard(mutex_);
+        if (events_.empty())
             return std::nullopt;
-        Event event = std::move(events.front());
-        events.pop_front();
+        ReceivedEvent event = std::move(events_.front());
+        events_.pop_front();
         return event;
     }
 
     const Wakeup wakeup;
 
 private:
-    static std::mutex mutex;
-    static Inbox* current;
-    std::deque<Event> events;
+    static inline std::mutex mutex_;
+    static inline Inbox* current_ = nullptr;
+    std::deque<ReceivedEvent> events_;
 };
-
-std::mutex Inbox::mutex;
-Inbox* Inbox::current = nullptr;
 
 using Register = decltype(&tarnSubscribeEvent);
 
@@ -93,11 +109,11 @@ Report registered(const char* function, Register call, const CallerId& callerId,
     return report;
 }
 
-// The subscriptions that stand. They are taken back when this goes, if not before.
+// The subscriptions that have been made. The destructor cancels those that are left.
 class Subscriptions
 {
 public:
-    explicit Subscriptions(CallerId id) : callerId(std::move(id))
+    explicit Subscriptions(CallerId id) : callerId_(std::move(id))
     {
     }
 
@@ -111,9 +127,9 @@ public:
 
     Report add(std::uint32_t event)
     {
-        Report report = registered("tarnSubscribeEvent", &tarnSubscribeEvent, callerId, event);
-        if (report.outcome == Outcome::kDone)
-            standing.push_back(event);
+        Report report = registered("tarnSubscribeEvent", &tarnSubscribeEvent, callerId_, event);
+        if (report.outcome == CallOutcome::kDone)
+            made_.push_back(event);
         return report;
     }
 
@@ -121,19 +137,19 @@ public:
     std::optional<Report> cancelAll()
     {
         std::optional<Report> failed;
-        for (const std::uint32_t event : standing)
+        for (const std::uint32_t event : made_)
         {
-            Report report = registered("tarnCancelEvent", &tarnCancelEvent, callerId, event);
-            if (report.outcome != Outcome::kDone && !failed)
+            Report report = registered("tarnCancelEvent", &tarnCancelEvent, callerId_, event);
+            if (report.outcome != CallOutcome::kDone && !failed)
                 failed = std::move(report);
         }
-        standing.clear();
+        made_.clear();
         return failed;
     }
 
 private:
-    const CallerId callerId;
-    std::vector<std::uint32_t> standing;
+    const CallerId callerId_;
+    std::vector<std::uint32_t> made_;
 };
 
 std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
@@ -152,7 +168,7 @@ std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
     return chosen;
 }
 
-void write(const Console& console, const Event& event)
+void write(const Console& console, const ReceivedEvent& event)
 {
     const std::string name = eventNamed(std::to_string(event.number)).name;
     if (!console.json)
@@ -183,14 +199,14 @@ bool hasPassed(const Deadline& deadline)
     return deadline && std::chrono::steady_clock::now() >= *deadline;
 }
 
-// How many came.
-std::uint32_t writeEvents(const Console& console, const Watch& watch, Inbox& inbox, const StopSignals& stop,
+// Returns the number of events.
+std::uint32_t writeEvents(const Console& console, const EventsOptions& options, Inbox& inbox, const StopSignals& stop,
                           const Deadline& deadline)
 {
     std::uint32_t written = 0;
-    while (!watch.count || written < *watch.count)
+    while (!options.count || written < *options.count)
     {
-        if (const std::optional<Event> event = inbox.take())
+        if (const std::optional<ReceivedEvent> event = inbox.take())
         {
             write(console, *event);
             ++written;
@@ -205,33 +221,39 @@ std::uint32_t writeEvents(const Console& console, const Watch& watch, Inbox& inb
     return written;
 }
 
-} // namespace
-
-ExitCode watchEvents(const Console& whole, const Watch& watch)
+// Until the count is reached, the time is up, or SIGINT or SIGTERM arrives. One at a time in a process.
+ExitCode events(const Console& settings, const EventsOptions& options)
 {
-    Console console = whole;
+    Console console = settings;
     console.oneLine = true;
 
-    const std::vector<contract::Event> chosen = chosenEvents(watch.events);
+    const std::vector<contract::Event> chosen = chosenEvents(options.events);
     Inbox inbox;
     const StopSignals stop(inbox.wakeup);
-    Subscriptions subscriptions(watch.callerId);
+    Subscriptions subscriptions(options.callerId);
     for (const contract::Event& event : chosen)
     {
         const Report report = subscriptions.add(event.event);
-        if (report.outcome != Outcome::kDone)
+        if (report.outcome != CallOutcome::kDone)
             return console.fail(exitCodeOf(report.outcome), failureText(report));
     }
     console.remark("watching " + base::join(chosen, ", ", [](const contract::Event& event) { return event.name; }));
 
-    const std::uint32_t written = writeEvents(console, watch, inbox, stop, deadlineAfter(watch.seconds));
+    const std::uint32_t written = writeEvents(console, options, inbox, stop, deadlineAfter(options.seconds));
     if (const std::optional<Report> lost = subscriptions.cancelAll())
         return console.fail(ExitCode::kIpcFailed,
                             "events may have been missed, a subscription was gone at the end: " + failureText(*lost));
-    if (watch.count && written < *watch.count && !stop.haveCome())
-        return console.fail(ExitCode::kTimedOut, "expected " + std::to_string(*watch.count) + " events; " +
+    if (options.count && written < *options.count && !stop.haveCome())
+        return console.fail(ExitCode::kTimedOut, "expected " + std::to_string(*options.count) + " events; " +
                                                      std::to_string(written) + " came in time");
     return ExitCode::kSuccess;
+}
+
+} // namespace
+
+void addEvents(Verbs& verbs)
+{
+    verbs.add("events", "Watches events of the device service", &declare, &events, &eventNames);
 }
 
 } // namespace tarn::ctl

@@ -1,13 +1,11 @@
 // `tarnctl publish`: no function of the library, but a message to the simulated gateway's control identifier.
-#include "verbs.h"
-
-#include "call.h"
-#include "event_names.h"
 #include "kor_iil.h"
 #include "tarn_frame.h"
 #include "tarn_gateway_control.h"
-#include "usage_error.h"
-#include "values.h"
+#include "tarnctl/event_names.h"
+#include "tarnctl/usage_error.h"
+#include "tarnctl/values.h"
+#include "tarnctl/verbs/verbs.h"
 
 #include <algorithm>
 
@@ -18,6 +16,18 @@ namespace
 {
 
 constexpr std::uint32_t kWait = 3; // seconds
+
+struct PublishOptions
+{
+    std::string event;
+    std::string data;
+};
+
+void declare(CLI::App& verb, PublishOptions& options)
+{
+    verb.add_option("EVENT", options.event, "Name or number of the event")->required();
+    verb.add_option("--data", options.data, "The event's data, two hexadecimal digits a byte");
+}
 
 TarnGatewayPublish messageFor(const contract::Event& event, const Bytes& data)
 {
@@ -30,20 +40,18 @@ TarnGatewayPublish messageFor(const contract::Event& event, const Bytes& data)
 
 ExitCode ipcFailure(const Console& console, std::uint32_t status)
 {
-    const Outcome outcome = outcomeOf(status);
-    const std::string why = outcome == Outcome::kNoService
+    const CallOutcome outcome = outcomeOf(status);
+    const std::string why = outcome == CallOutcome::kNoService
                                 ? "no simulated gateway is running (only that one publishes on request)"
                                 : "the simulated gateway cannot be asked";
     return console.fail(exitCodeOf(outcome),
                         why + ": " + tarnIpcStatusName(status) + " (IPC status " + std::to_string(status) + ")");
 }
 
-} // namespace
-
-ExitCode publish(const Console& console, const std::string& eventText, const std::string& dataText)
+ExitCode publish(const Console& console, const PublishOptions& options)
 {
-    const contract::Event& event = eventNamed(eventText);
-    const Bytes data = parseHex("--data", dataText);
+    const contract::Event& event = eventNamed(options.event);
+    const Bytes data = parseHex("--data", options.data);
     if (data.size() > TARN_GATEWAY_PUBLISH_DATA_SIZE)
         throw UsageError("--data: expected at most " + std::to_string(TARN_GATEWAY_PUBLISH_DATA_SIZE) + " bytes; got " +
                          std::to_string(data.size()));
@@ -68,6 +76,13 @@ ExitCode publish(const Console& console, const std::string& eventText, const std
     document["subscribers"] = message.subscribers;
     console.write(document);
     return ExitCode::kSuccess;
+}
+
+} // namespace
+
+void addPublish(Verbs& verbs)
+{
+    verbs.add("publish", "Lets the simulated gateway publish an event", &declare, &publish, &eventNames);
 }
 
 } // namespace tarn::ctl

@@ -1,4 +1,4 @@
-#include "layout.h"
+#include "message_fields.h"
 
 #include <algorithm>
 
@@ -10,45 +10,45 @@ namespace
 
 constexpr std::uint32_t kStatusSize = 4;
 
-std::vector<Field> namedFields(const Function& function)
+std::vector<MessageField> namedFields(const LibraryFunction& function)
 {
-    std::vector<Field> fields;
-    for (const Parameter& parameter : function.parameters)
+    std::vector<MessageField> fields;
+    for (const FunctionParameter& parameter : function.parameters)
     {
         const contract::Encoding encoding = parameter.wire->encoding;
         if (encoding == contract::Encoding::kSize || encoding == contract::Encoding::kNothing)
             continue;
-        Field field;
+        MessageField field;
         field.offset = parameter.wire->offset;
         field.size = parameter.size;
         field.name = parameter.name;
-        field.role = parameter.isInput ? Role::kInput : Role::kOutput;
+        field.role = parameter.isInput ? FieldRole::kInput : FieldRole::kOutput;
         field.parameter = &parameter;
         field.isUpperBound = !parameter.sizeArgument.empty();
         fields.push_back(field);
     }
-    fields.push_back({function.row.command->status, kStatusSize, "(reply status)", Role::kStatus, nullptr, false});
+    fields.push_back({function.row.command->status, kStatusSize, "(reply status)", FieldRole::kStatus, nullptr, false});
     std::stable_sort(fields.begin(), fields.end(),
-                     [](const Field& left, const Field& right) { return left.offset < right.offset; });
+                     [](const MessageField& left, const MessageField& right) { return left.offset < right.offset; });
     return fields;
 }
 
 } // namespace
 
-std::vector<Field> layoutOf(const Function& function)
+std::vector<MessageField> messageFields(const LibraryFunction& function)
 {
-    std::vector<Field> whole;
+    std::vector<MessageField> whole;
     std::uint32_t end = 0;
     const auto reserveUpTo = [&](std::uint32_t offset)
     {
         if (offset > end)
-            whole.push_back({end, offset - end, "(reserved)", Role::kReserved, nullptr, false});
+            whole.push_back({end, offset - end, "(reserved)", FieldRole::kReserved, nullptr, false});
     };
 
-    std::vector<Field> fields = namedFields(function);
+    std::vector<MessageField> fields = namedFields(function);
     for (std::size_t i = 0; i < fields.size(); ++i)
     {
-        Field& field = fields[i];
+        MessageField& field = fields[i];
         if (field.isUpperBound) // up to the next field; the status always follows
             field.size = fields[i + 1].offset - field.offset;
         reserveUpTo(field.offset);
@@ -59,17 +59,17 @@ std::vector<Field> layoutOf(const Function& function)
     return whole;
 }
 
-const char* toString(Role role)
+const char* toString(FieldRole role)
 {
     switch (role)
     {
-    case Role::kInput:
+    case FieldRole::kInput:
         return "in";
-    case Role::kOutput:
+    case FieldRole::kOutput:
         return "out";
-    case Role::kStatus:
+    case FieldRole::kStatus:
         return "status";
-    case Role::kReserved:
+    case FieldRole::kReserved:
         break;
     }
     return "reserved";

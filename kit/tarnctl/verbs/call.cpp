@@ -1,0 +1,92 @@
+// `tarnctl call`: calls any function by its name, or shows what it would send.
+#include "tarnctl/call_output.h"
+#include "tarnctl/dry_run.h"
+#include "tarnctl/saving.h"
+#include "tarnctl/usage_error.h"
+#include "tarnctl/verbs/verbs.h"
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+constexpr char kHelp[] = R"(Values:
+  number       decimal or 0x...; a negative one stands for its two's complement
+  text         as it stands; null is a null pointer (--text for the word itself)
+  bytes        two hexadecimal digits a byte, @file, or zero
+  six bytes    also a MAC address, 02:00:00:00:00:01 or 02-00-00-00-00-01
+  record       like bytes, in its full size
+  null         a null pointer, wherever the library checks it or allows it
+
+Outputs are left out, or null. So may be optional inputs, and the size of an
+output's buffer, which is 1024 bytes then.
+
+Examples:
+  tarnctl call TarnGetRadio radioId=1
+  tarnctl call tarn_qcsapi_wifi_set_SSID ifname=wifi0 ssid='my network' --dry-run
+  tarnctl call TarnGetRadio radioId=1 data=null          (to see it refused))";
+
+struct CallOptions
+{
+    std::string name;
+    std::vector<std::string> arguments;
+    std::vector<std::string> texts;
+    std::vector<std::string> savings;
+    CallerId callerId = kOwnCallerId;
+    bool isDryRun = false;
+};
+
+void declare(CLI::App& verb, CallOptions& options)
+{
+    verb.add_option("NAME", options.name, "The function's name")->required();
+    addTexts(verb, "ARGUMENT=VALUE", options.arguments, "The function's arguments, in any order");
+    addTexts(verb, "--text", options.texts, "ARGUMENT=VALUE, a text as it stands, even the word null")->expected(1)->take_all();
+    addCaller(verb, options.callerId);
+    CLI::Option* const dryRun = verb.add_flag("--dry-run", options.isDryRun, "Show the message instead of sending it");
+    addTexts(verb, "--save", options.savings, "ARGUMENT=FILE, write an output's bytes into a file")
+        ->expected(1)
+        ->take_all()
+        ->excludes(dryRun);
+    verb.footer(kHelp);
+}
+
+PreparedArguments argumentsOf(const LibraryFunction& function, const CallOptions& options)
+{
+    std::vector<Assignment> assignments;
+    for (const std::string& text : options.arguments)
+        assignments.push_back(assignment(text, false));
+    for (const std::string& text : options.texts)
+        assignments.push_back(assignment(text, true));
+    return prepare(function, assignments);
+}
+
+ExitCode call(const Console& console, const CallOptions& options)
+{
+    const LibraryFunction& function = functionNamed(options.name);
+    if (options.isDryRun && function.kind != FunctionKind::kCommand)
+        throw UsageError("--dry-run: " + function.name + " sends no message");
+    PreparedArguments arguments = argumentsOf(function, options);
+    std::vector<Saving> savings;
+    for (const std::string& text : options.savings)
+        savings.push_back(savingOf(function, arguments, text));
+
+    const Report report =
+        perform(function, std::move(arguments), options.callerId, options.isDryRun ? Passage::kHold : Passage::kSend);
+    if (report.hasReply())
+        save(report, savings); // first, so that a failure is the only output
+    if (options.isDryRun && report.outcome == CallOutcome::kDone)
+        writeMessage(console, report);
+    else
+        writeReport(console, report);
+    return exitCodeOf(report.outcome);
+}
+
+} // namespace
+
+void addCall(Verbs& verbs)
+{
+    verbs.add("call", "Calls a function, or shows what it would send", &declare, &call, &functionNames);
+}
+
+} // namespace tarn::ctl

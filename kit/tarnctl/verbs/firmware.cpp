@@ -1,0 +1,23 @@
+// `tarnctl firmware`: what the Wi-Fi module runs.
+#include "tarnctl/verbs/verbs.h"
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+ExitCode firmware(const Console& console)
+{
+    const Report report = performOrFail("tarn_qcsapi_firmware_get_version");
+    return writeResult(console, "firmware", {{"version", "firmware", report.text("firmware_version")}});
+}
+
+} // namespace
+
+void addFirmware(Verbs& verbs)
+{
+    verbs.add("firmware", "Shows the version of the Wi-Fi module's firmware", &firmware);
+}
+
+} // namespace tarn::ctl

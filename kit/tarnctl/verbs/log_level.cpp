@@ -1,0 +1,35 @@
+// `tarnctl log-level`: how much the device service writes to its log.
+#include "tarnctl/verbs/verbs.h"
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+struct LogLevelOptions
+{
+    std::optional<std::string> level; // to set
+};
+
+void declare(CLI::App& verb, LogLevelOptions& options)
+{
+    addText(verb, "LEVEL", options.level, "The level to set");
+}
+
+ExitCode logLevel(const Console& console, const LogLevelOptions& options)
+{
+    const std::int64_t level = options.level
+                                   ? performOrFail("TarnSetLogLevel", {"level=" + *options.level}).argument("level").number
+                                   : performOrFail("TarnGetLogLevel").number("level");
+    return writeResult(console, "log-level", {{"level", "log level", level}});
+}
+
+} // namespace
+
+void addLogLevel(Verbs& verbs)
+{
+    verbs.add("log-level", "Reads or sets the device service's log level", &declare, &logLevel);
+}
+
+} // namespace tarn::ctl

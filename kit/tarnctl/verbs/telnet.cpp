@@ -1,0 +1,43 @@
+// `tarnctl telnet`: telnet access to the Wi-Fi module.
+#include "tarnctl/usage_error.h"
+#include "tarnctl/verbs/verbs.h"
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+struct TelnetOptions
+{
+    std::optional<std::string> state; // to switch to
+    std::optional<std::string> processId;
+};
+
+void declare(CLI::App& verb, TelnetOptions& options)
+{
+    addText(verb, "STATE", options.state, "on or off");
+    addText(verb, "--pid", options.processId, "The process on whose behalf it is switched; needed to switch");
+}
+
+ExitCode telnet(const Console& console, const TelnetOptions& options)
+{
+    if (options.state.has_value() != options.processId.has_value())
+        throw UsageError("telnet: expected a state and --pid, the process on whose behalf it is switched, or neither");
+    if (options.state)
+        performOrFail("tarn_qtn_mirror_set_telnet_enable",
+                      {"enable=" + switchValue(*options.state), "pid=" + *options.processId});
+    const Report report = performOrFail("tarn_qtn_mirror_get_telnet_status");
+    return writeResult(
+        console, "telnet",
+        {{"status", "telnet status", report.number("status")}, {"references", "references", report.number("ref_cnt")}});
+}
+
+} // namespace
+
+void addTelnet(Verbs& verbs)
+{
+    verbs.add("telnet", "Reads or switches the Wi-Fi module's telnet access", &declare, &telnet, &switchStates);
+}
+
+} // namespace tarn::ctl

@@ -1,0 +1,120 @@
+/* The verbs of the command line: `tarnctl VERB ...`.
+ *
+ * Each verb has one file here, with its options, its help and what it does. A new one is a file more, its name in
+ * CMakeLists.txt, its declaration below, and its line in command_line.cpp, whose order is that of the help. */
+#pragma once
+
+#include "tarnctl/call.h"
+#include "tarnctl/console.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+// Words that a shell can complete after a verb.
+using CompletionWords = std::vector<std::string> (*)();
+
+class Verbs
+{
+public:
+    Verbs(CLI::App& parser, const Console& console) : parser_(parser), console_(console)
+    {
+    }
+
+    // Adds a verb. `declare` gives it its arguments and its help; the parser writes what is given into the options, and
+    // `act` carries the verb out with them.
+    template <typename Options, typename Action>
+    void add(const char* name, const char* description, void (*declare)(CLI::App& verb, Options& options), Action act,
+             CompletionWords words = nullptr)
+    {
+        const auto options = std::make_shared<Options>();
+        declare(*parser_.add_subcommand(name, description), *options);
+        verbs_[name] = {[this, options, act] { return act(console_, *options); }, words};
+    }
+
+    // Adds a verb without options.
+    void add(const char* name, const char* description, ExitCode (*act)(const Console& console))
+    {
+        parser_.add_subcommand(name, description);
+        verbs_[name] = {[this, act] { return act(console_); }, nullptr};
+    }
+
+    const CLI::App& parser() const
+    {
+        return parser_;
+    }
+
+    // Carries out the verb that the parser has found.
+    ExitCode carryOut() const
+    {
+        return verbs_.at(parser_.get_subcommands().front()->get_name()).act();
+    }
+
+    std::vector<std::string> completionWords(const std::string& name) const
+    {
+        const CompletionWords words = verbs_.at(name).words;
+        return words == nullptr ? std::vector<std::string>() : words();
+    }
+
+private:
+    struct Verb
+    {
+        std::function<ExitCode()> act;
+        CompletionWords words = nullptr;
+    };
+
+    CLI::App& parser_;
+    const Console& console_;
+    std::map<std::string, Verb> verbs_;
+};
+
+// Texts as they are given: the parser's own conversion takes an empty one for none, and braces for an empty list.
+CLI::Option* addText(CLI::App& verb, const char* name, std::optional<std::string>& text, const char* description);
+CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description);
+
+std::vector<const CLI::App*> subcommands(const CLI::App& parser);
+std::vector<std::string> verbNames(const CLI::App& parser);
+
+// The options that have a long name, and these names, "--" included.
+std::vector<const CLI::Option*> namedOptions(const CLI::App& parser);
+std::vector<std::string> optionNames(const CLI::App& parser);
+
+// What `on` and `off` are to a function: "1" and "0". Throws UsageError for anything else.
+std::string switchValue(const std::string& state);
+std::vector<std::string> switchStates();
+
+// --caller and --null-caller.
+void addCaller(CLI::App& verb, CallerId& callerId);
+
+// One line "title: value" of a verb's result, in JSON a key of a document of the verb's kind.
+struct ResultLine
+{
+    const char* key;
+    const char* title;
+    Json value;
+};
+
+ExitCode writeResult(const Console& console, const char* kind, const std::vector<ResultLine>& lines);
+
+void addList(Verbs& verbs);
+void addDescribe(Verbs& verbs);
+void addCall(Verbs& verbs);
+void addEvents(Verbs& verbs);
+void addLogLevel(Verbs& verbs);
+void addRadios(Verbs& verbs);
+void addFirmware(Verbs& verbs);
+void addMirror(Verbs& verbs);
+void addTelnet(Verbs& verbs);
+void addPublish(Verbs& verbs);
+void addCompletion(Verbs& verbs);
+
+} // namespace tarn::ctl
