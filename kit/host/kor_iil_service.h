@@ -67,8 +67,8 @@ typedef uint32_t (*KorIilRequestHandler)(void* context, const KorIilRequest* req
 uint32_t KorIilServiceOpen(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context,
                            KorIilService** service);
 
-/* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if it
- * cannot continue. */
+/* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if
+ * it cannot continue. */
 uint32_t KorIilServiceRun(KorIilService* service);
 
 /* Makes KorIilServiceRun return, or return at once when it is called next. From any thread, or a signal handler. */
