@@ -73,7 +73,7 @@ struct MockState
     std::vector<Subscription> subscriptions;
     std::deque<RecordedTrace> traces; // a deque: its elements keep their addresses
 
-    Hook<KorIilMockComplaintHandler> onFailure;
+    Hook<KorIilMockFailureHandler> onFailure;
     Hook<KorIilMockExecuteHandler> onExecute;
     Hook<KorIilMockTraceHandler> onTrace;
 };
@@ -367,7 +367,7 @@ unsigned KorIilMockVerify(FILE* out)
     return static_cast<unsigned>(failures.size());
 }
 
-void KorIilMockOnComplaint(KorIilMockComplaintHandler handler, void* context)
+void KorIilMockOnFailure(KorIilMockFailureHandler handler, void* context)
 {
     setHook(&MockState::onFailure, handler, context);
 }

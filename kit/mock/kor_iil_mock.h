@@ -96,8 +96,8 @@ unsigned KorIilMockVerify(FILE* out);
 
 /* Receives a failure as soon as it is found: the file and line where the test scripted the call (NULL and 0 if it did not), and
  * a description. May be called on any thread that calls the platform. */
-typedef void (*KorIilMockComplaintHandler)(void* context, const char* file, unsigned line, const char* text);
-void KorIilMockOnComplaint(KorIilMockComplaintHandler handler, void* context);
+typedef void (*KorIilMockFailureHandler)(void* context, const char* file, unsigned line, const char* text);
+void KorIilMockOnFailure(KorIilMockFailureHandler handler, void* context);
 
 /* ---- In place of the script ---- */
 

@@ -127,7 +127,7 @@ public:
     Platform()
     {
         KorIilMockReset();
-        KorIilMockOnComplaint(&failTest, nullptr);
+        KorIilMockOnFailure(&failTest, nullptr);
     }
 
     ~Platform()

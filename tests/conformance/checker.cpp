@@ -39,7 +39,7 @@ constexpr Placement kPlacements[] = {Placement::kFront, Placement::kBack};
 constexpr std::uint32_t kTimeout = 7;
 
 // What a parameter must be for an argument of the contract.
-std::string parameterComplaint(const Argument& argument, const ParameterType& parameter, std::uint32_t recordSize)
+std::string parameterMismatch(const Argument& argument, const ParameterType& parameter, std::uint32_t recordSize)
 {
     const auto number = [&](std::size_t size)
     {
@@ -114,23 +114,23 @@ Checker::Checker(const tarn::contract::Contract& contractToHold, const tarn::con
 }
 
 template <typename Action>
-std::string Checker::complaintOf(Action action)
+std::string Checker::mismatchIn(Action action)
 {
     try
     {
         doing.clear();
         action();
     }
-    catch (const Complaint& complaint)
+    catch (const Mismatch& mismatch)
     {
-        return complaint.text;
+        return mismatch.text;
     }
     return "";
 }
 
 void Checker::fail(const std::string& text) const
 {
-    throw Complaint{command.function + (doing.empty() ? "" : " (" + doing + ")") + ": " + text};
+    throw Mismatch{command.function + (doing.empty() ? "" : " (" + doing + ")") + ": " + text};
 }
 
 void Checker::require(bool holds, const std::string& expected, const std::string& got) const
@@ -215,7 +215,7 @@ void Checker::requireResult(std::int64_t expected, std::int64_t got) const
 
 void Checker::requireMemory(const PreparedCall& prepared, const std::vector<std::uint8_t>* reply) const
 {
-    if (const std::string text = prepared.memoryComplaint(reply); !text.empty())
+    if (const std::string text = prepared.memoryMismatch(reply); !text.empty())
         fail(text);
 }
 
@@ -233,7 +233,7 @@ bool Checker::hasSizeArgument(Encoding encoding) const
 
 std::string Checker::signature()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             const std::vector<ParameterType>& parameters = *function.parameters;
@@ -246,7 +246,7 @@ std::string Checker::signature()
             {
                 const Argument& argument = command.arguments[i];
                 const tarn::contract::Record* const record = contract.record(argument.record);
-                const std::string text = parameterComplaint(argument, parameters[i], record == nullptr ? 0 : record->size);
+                const std::string text = parameterMismatch(argument, parameters[i], record == nullptr ? 0 : record->size);
                 if (!text.empty())
                     fail(argument.name + ": " + text);
             }
@@ -255,7 +255,7 @@ std::string Checker::signature()
 
 std::string Checker::requests()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             recorder.answerWith(0, kNoReply);
@@ -340,7 +340,7 @@ void Checker::checkHugeSizes()
 
 std::string Checker::replies()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             std::vector<std::uint32_t> sizes = {kSomeSize};
@@ -369,7 +369,7 @@ std::string Checker::replies()
 
 std::string Checker::ipcFailures()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             std::vector<std::uint32_t> statuses = {22, 100, 255, 256, 0x80000000u, 0xFFFFFFFFu};
@@ -417,7 +417,7 @@ void Checker::checkRefusal(std::uint32_t failing, bool empty)
 
 std::string Checker::refusals()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             recorder.answerWith(0, kNoReply);
@@ -432,7 +432,7 @@ std::string Checker::refusals()
 
 std::string Checker::optionalPointers()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             std::vector<std::string> optional;
@@ -498,7 +498,7 @@ void Checker::checkCallerId(const std::vector<std::uint8_t>& bytes, Placement pl
 
 std::string Checker::callerIds()
 {
-    return complaintOf(
+    return mismatchIn(
         [&]
         {
             recorder.answerWith(0, kNoReply);
@@ -534,8 +534,8 @@ std::string Checker::everything()
 {
     for (const auto check : {&Checker::signature, &Checker::requests, &Checker::replies, &Checker::ipcFailures,
                              &Checker::refusals, &Checker::optionalPointers, &Checker::callerIds})
-        if (std::string complaint = (this->*check)(); !complaint.empty())
-            return complaint;
+        if (std::string mismatch = (this->*check)(); !mismatch.empty())
+            return mismatch;
     return "";
 }
 

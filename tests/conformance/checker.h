@@ -1,6 +1,6 @@
 // Holds one function against its row of the contract.
 //
-// Each check drives the function through every case it stands for and returns a complaint about the first one that goes wrong,
+// Each check drives the function through every case it stands for and returns what is wrong with the first one that fails,
 // or an empty text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
 #pragma once
 
@@ -44,7 +44,7 @@ public:
     // Every kind of caller id.
     std::string callerIds();
 
-    // All of the above, in that order, up to the first complaint.
+    // All of the above, in that order, up to the first mismatch.
     std::string everything();
 
     // Source unit and line of the trace that an IPC failure writes.
@@ -56,13 +56,13 @@ public:
     Site failureSite();
 
 private:
-    struct Complaint
+    struct Mismatch
     {
         std::string text;
     };
 
     template <typename Action>
-    std::string complaintOf(Action action);
+    std::string mismatchIn(Action action);
     [[noreturn]] void fail(const std::string& text) const;
     void require(bool holds, const std::string& expected, const std::string& got) const;
 
@@ -90,7 +90,7 @@ private:
     const tarn::contract::Command& command;
     const tarn::calling::Callable& function;
     const FunctionLines& lines;
-    std::string doing; // the case at hand, for complaints
+    std::string doing; // the case at hand, for mismatches
     Recorder recorder;
     GuardedArea& callerArea;
 };

@@ -189,21 +189,21 @@ TEST_P(AlteredRow, IsNoticed)
 INSTANTIATE_TEST_SUITE_P(Every, AlteredRow, testing::ValuesIn(contract::rows()),
                          [](const auto& each) { return each.param.command->function; });
 
-TEST(AlteredRow, ComplaintNamesFunctionOffsetExpectedAndGot)
+TEST(AlteredRow, MismatchNamesFunctionOffsetExpectedAndGot)
 {
     contract::Contract altered = only(contract::find("TarnSetLogLevel"));
     altered.commands[0].arguments[0].offset = 4;
-    const std::string complaint = Checker(altered, altered.commands[0], *calling::find("TarnSetLogLevel")).everything();
-    EXPECT_THAT(complaint, testing::StartsWith("TarnSetLogLevel (numbers 0"));
-    EXPECT_THAT(complaint, testing::HasSubstr("the message differs at offset 0: expected 0, got "));
+    const std::string mismatch = Checker(altered, altered.commands[0], *calling::find("TarnSetLogLevel")).everything();
+    EXPECT_THAT(mismatch, testing::StartsWith("TarnSetLogLevel (numbers 0"));
+    EXPECT_THAT(mismatch, testing::HasSubstr("the message differs at offset 0: expected 0, got "));
 }
 
-TEST(AlteredRow, ComplaintNamesTheOutput)
+TEST(AlteredRow, MismatchNamesTheOutput)
 {
     contract::Contract altered = only(contract::find("TarnGetLogLevel"));
     altered.commands[0].arguments[0].offset = 0;
-    const std::string complaint = Checker(altered, altered.commands[0], *calling::find("TarnGetLogLevel")).everything();
-    EXPECT_THAT(complaint,
+    const std::string mismatch = Checker(altered, altered.commands[0], *calling::find("TarnGetLogLevel")).everything();
+    EXPECT_THAT(mismatch,
                 testing::HasSubstr("TarnGetLogLevel (a reply without a zero for buffers of 48): level[0]: expected "));
 }
 

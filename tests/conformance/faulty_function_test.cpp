@@ -99,7 +99,7 @@ bool isCallerId(const char* id)
     return false;
 }
 
-const char* complaintAboutArguments(const char* name, const char* value)
+const char* mismatchAboutArguments(const char* name, const char* value)
 {
     if (makes(Mistake::kChecksInOtherOrder) && value == nullptr)
         return "param_value is NULL";
@@ -110,17 +110,17 @@ const char* complaintAboutArguments(const char* name, const char* value)
 
 bool refused(const char* id, const char* name, const char* value)
 {
-    const char* complaint = complaintAboutArguments(name, value);
-    if (!makes(Mistake::kChecksCallerIdLast) || complaint == nullptr)
+    const char* mismatch = mismatchAboutArguments(name, value);
+    if (!makes(Mistake::kChecksCallerIdLast) || mismatch == nullptr)
     {
         if (id == nullptr)
-            complaint = "handle is NULL";
+            mismatch = "handle is NULL";
         else if (!isCallerId(id))
-            complaint = "handle is invalid";
+            mismatch = "handle is invalid";
     }
-    if (complaint != nullptr)
-        trace(complaint, nullptr);
-    return complaint != nullptr;
+    if (mismatch != nullptr)
+        trace(mismatch, nullptr);
+    return mismatch != nullptr;
 }
 
 void fill(unsigned char* message, const char* name, std::uint32_t parameter)
@@ -204,7 +204,7 @@ std::int64_t getParameter(const char* id, char* name, std::uint32_t parameter, c
     return makes(Mistake::kReturnsOwnStatus) && status != 0 ? -1 : static_cast<std::int32_t>(status);
 }
 
-std::string complaint()
+std::string mismatch()
 {
     const contract::Row row = contract::find(kModel);
     calling::Callable function = *calling::find(kModel);
@@ -220,7 +220,7 @@ struct Case
 {
     Mistake mistake;
     const char* name;
-    const char* complaint;
+    const char* mismatch;
 };
 
 class FaultyFunction : public testing::TestWithParam<Case>
@@ -239,7 +239,7 @@ TEST_P(FaultyFunction, IsNoticed)
         GTEST_SKIP() << "the thread sanitizer does not come back from a second memory fault";
 #endif
     mistake = GetParam().mistake;
-    EXPECT_THAT(complaint(), testing::HasSubstr(GetParam().complaint));
+    EXPECT_THAT(mismatch(), testing::HasSubstr(GetParam().mismatch));
 }
 
 const Case kCases[] = {
@@ -284,7 +284,7 @@ INSTANTIATE_TEST_SUITE_P(Each, FaultyFunction, testing::ValuesIn(kCases), [](con
 
 TEST(FaultyFunction, IsTakenWithoutAMistake)
 {
-    EXPECT_EQ(complaint(), "");
+    EXPECT_EQ(mismatch(), "");
 }
 
 } // namespace

@@ -235,7 +235,7 @@ std::vector<std::uint8_t> PreparedCall::expectedOutput(const Slot& slot, const s
     return bytes;
 }
 
-std::string PreparedCall::memoryComplaint(const std::vector<std::uint8_t>* reply) const
+std::string PreparedCall::memoryMismatch(const std::vector<std::uint8_t>* reply) const
 {
     for (const Slot& slot : slots)
     {

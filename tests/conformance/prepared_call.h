@@ -70,7 +70,7 @@ public:
 
     // What is wrong in the caller's memory after a call that wrote this reply, or that wrote nothing if `reply` is null; empty
     // if nothing is.
-    std::string memoryComplaint(const std::vector<std::uint8_t>* reply) const;
+    std::string memoryMismatch(const std::vector<std::uint8_t>* reply) const;
 
     // "1 byte behind ifname" ...; empty if the address lies near no argument.
     std::string describeAddress(const void* address) const;

@@ -33,7 +33,7 @@ protected:
     void SetUp() override
     {
         KorIilMockReset();
-        KorIilMockOnComplaint(&keep, this);
+        KorIilMockOnFailure(&keep, this);
     }
 
     void TearDown() override

@@ -33,7 +33,6 @@ TEST_F(DescribeTest, ListHasEveryExportedFunction)
     std::set<std::string> expected = kWithoutCommand;
     for (const Row& row : tarn::contract::rows())
         expected.insert(row.command->function);
-    ASSERT_EQ(expected.size(), 253u);
 
     std::set<std::string> listed;
     const RanJson ran = runJson({"list"});
@@ -41,7 +40,7 @@ TEST_F(DescribeTest, ListHasEveryExportedFunction)
     for (const Json& function : ran.document.at("functions"))
         listed.insert(function.at("name").get<std::string>());
     EXPECT_EQ(listed, expected);
-    EXPECT_EQ(lineCount(run({"list"}).out), 253u);
+    EXPECT_EQ(lineCount(run({"list"}).out), expected.size());
 }
 
 TEST_F(DescribeTest, ListShowsWhatTheContractSays)
@@ -62,7 +61,8 @@ TEST_F(DescribeTest, ListShowsWhatTheContractSays)
 TEST_F(DescribeTest, ListSelects)
 {
     EXPECT_EQ(lineCount(run({"list", "--service", "QTN_MIRROR"}).out), 4u);
-    EXPECT_EQ(lineCount(run({"list", "--service", "qtn_rpc_proxy"}).out), 128u);
+    EXPECT_EQ(lineCount(run({"list", "--service", "qtn_rpc_proxy"}).out),
+              tarn::contract::findService("QTN_RPC_PROXY")->commands.size());
     EXPECT_EQ(lineCount(run({"list", "--service", "TARN"}).out), 117u) << "115 commands, and two functions for its events";
     EXPECT_EQ(lineCount(run({"list", "--group", "local utilities"}).out), 4u);
     EXPECT_EQ(lineCount(run({"list", "loglevel"}).out), 2u);

@@ -108,7 +108,6 @@ Bytes messageInText(const std::string& text, std::size_t length)
 
 TEST_F(DryRunTest, EveryFunctionSendsWhatTheContractPromises)
 {
-    ASSERT_EQ(tarn::contract::rows().size(), 247u);
     for (const Row& row : tarn::contract::rows())
     {
         SCOPED_TRACE(row.command->function);
