@@ -62,6 +62,7 @@ struct Argument
     std::uint32_t size =
         0; // bytes in the message, or bytes written; 4 for one word, 1 for one byte; 0 if nothing or sizeArgument says
     std::string sizeArgument; // name of the argument that says how many bytes the caller's buffer holds, or empty
+    bool isSigned = false;    // the words may be negative, in two's complement
     bool optional = false;    // a null pointer means "leave out"
 
     // A number that is passed by value, as opposed to a pointer or a record.

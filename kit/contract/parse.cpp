@@ -183,13 +183,14 @@ private:
 
 Argument readArgument(const Node& node)
 {
-    node.onlyKeys({"name", "type", "record", "direction", "encoding", "offset", "size", "size_argument", "optional"});
+    node.onlyKeys({"name", "type", "record", "direction", "encoding", "offset", "size", "size_argument", "signed", "optional"});
 
     Argument argument;
     argument.name = node.member("name").identifier();
     argument.type = node.member("type").oneOf(Type::kRecord);
     argument.direction = node.member("direction").oneOf(Direction::kOut);
     argument.encoding = node.member("encoding").oneOf(Encoding::kNothing);
+    argument.isSigned = node.has("signed") && node.member("signed").alwaysTrue();
     argument.optional = node.has("optional") && node.member("optional").alwaysTrue();
 
     if (argument.type == Type::kRecord)

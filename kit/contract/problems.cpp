@@ -102,6 +102,8 @@ private:
             add(argument.name + ": an earlier argument has this name already");
         if (const std::string text = misfit(argument); !text.empty())
             add(argument.name + ": " + text);
+        if (argument.isSigned && (argument.type != Type::kU32 || argument.direction != Direction::kOut))
+            add(argument.name + ": only an output of words can be signed");
         if (argument.optional && !argument.isPointer())
             add(argument.name + ": only a pointer can be optional");
         lookAtPlace(argument);

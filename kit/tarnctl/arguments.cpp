@@ -155,7 +155,7 @@ std::vector<std::int64_t> PreparedArgument::numbers() const
         std::uint32_t word = buffer.at(offset);
         if (parameter->width == sizeof word)
             std::memcpy(&word, &buffer.at(offset), sizeof word);
-        numbers.push_back(word);
+        numbers.push_back(parameter->isSigned ? std::int64_t{static_cast<std::int32_t>(word)} : word);
     }
     return numbers;
 }

@@ -46,7 +46,7 @@ bool isRateTable(const PreparedArgument& argument)
 void writeNumbers(const Console& console, const PreparedArgument& output)
 {
     const std::uint32_t width = output.parameter->width;
-    const auto text = [&](std::int64_t number) { return numberText(static_cast<std::uint32_t>(number), width); };
+    const auto text = [&](std::int64_t number) { return numberText(number, width); };
     console.out << base::join(output.numbers(), ", ", text) << '\n';
 }
 

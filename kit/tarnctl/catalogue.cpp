@@ -75,6 +75,8 @@ std::string contentOfOutput(const contract::Argument& argument)
         return "at most " + std::to_string(argument.size - 1) + " characters";
     if (argument.encoding == contract::Encoding::kWords)
         return std::to_string(argument.size / 4) + " words";
+    if (argument.isSigned)
+        return "as the service wrote it, may be negative";
     if (argument.type == contract::Type::kBytes && argument.size == kMacAddressSize)
         return "a MAC address";
     if (argument.type == contract::Type::kText)
@@ -115,6 +117,7 @@ FunctionParameter parameterOf(const contract::Command& command, const contract::
     parameter.isInput = argument.direction == contract::Direction::kIn;
     parameter.isOutput = argument.direction == contract::Direction::kOut;
     parameter.width = widthOf(argument.type);
+    parameter.isSigned = argument.isSigned;
     parameter.size = argument.size;
     parameter.sizeArgument = argument.sizeArgument;
     parameter.saysSize = argument.encoding == contract::Encoding::kSize;

@@ -37,6 +37,7 @@ struct FunctionParameter
     bool isInput = false;
     bool isOutput = false;
     std::uint32_t width = 4; // bytes of one number
+    bool isSigned = false;   // it may be negative
     std::uint32_t size = 0;  // bytes of everything that the library may read or write; 0 if another argument says
     std::string sizeArgument;
     bool saysSize = false; // it is the size argument of another one

@@ -123,12 +123,13 @@ Bytes parseBytes(const std::string& argument, std::string_view text, std::size_t
     return bytes;
 }
 
-std::string numberText(std::uint32_t number, std::uint32_t width)
+std::string numberText(std::int64_t number, std::uint32_t width)
 {
-    std::string result = base::format("%lu (0x%0*lX)", static_cast<unsigned long>(number), static_cast<int>(2 * width),
-                                      static_cast<unsigned long>(number));
+    const auto word = static_cast<std::uint32_t>(number);
+    std::string result =
+        std::to_string(number) + base::format(" (0x%0*lX)", static_cast<int>(2 * width), static_cast<unsigned long>(word));
     if (width == 4 && number > INT32_MAX)
-        result.insert(result.size() - 1, ", " + std::to_string(static_cast<std::int32_t>(number)));
+        result.insert(result.size() - 1, ", " + std::to_string(static_cast<std::int32_t>(word)));
     return result;
 }
 

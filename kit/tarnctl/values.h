@@ -31,8 +31,8 @@ Bytes parseBytes(const std::string& argument, std::string_view text, std::size_t
 // Any number of bytes in hexadecimal.
 Bytes parseHex(const std::string& argument, std::string_view text);
 
-// "5 (0x00000005)", and for what may be a negative number also that.
-std::string numberText(std::uint32_t number, std::uint32_t width);
+// "5 (0x00000005)" or "-5 (0xFFFFFFFB)". A large word has the negative number that it may be as well.
+std::string numberText(std::int64_t number, std::uint32_t width);
 
 // The characters up to the first NUL, or all of them.
 std::string textOf(const Bytes& bytes);

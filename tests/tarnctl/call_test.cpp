@@ -314,12 +314,59 @@ TEST_F(CallTest, NegativeNumbersZerosAndMacAddressesInText)
                                  putWord(message, row.command->argument("temperature")->offset, 0xFFFFFFFBu);
                              return std::uint32_t{KOR_IIL_OK};
                          });
-    EXPECT_EQ(run({"call", "TarnGetRadioChipTemperature", "radioId=1"}).out,
-              "temperature: 4294967291 (0xFFFFFFFB, -5)\nreply status: 0\n");
+    EXPECT_EQ(run({"call", "TarnGetRadioChipTemperature", "radioId=1"}).out, "temperature: -5 (0xFFFFFFFB)\nreply status: 0\n");
     EXPECT_EQ(run({"call", "TarnGetRadio", "radioId=1"}).out,
               "data: 9552 bytes (TarnRadioData)\n  0  00 x 9552\nreply status: 0\n");
     const Ran address = run({"call", "TarnGetAccessPointMacFilterAt", "radioId=1", "apId=1", "index=0"});
     EXPECT_NE(address.out.find(": 00:00:00:00:00:00\n"), std::string::npos) << address.out << address.err;
+}
+
+TEST_F(CallTest, NumbersThatMayBeNegativeAre)
+{
+    const auto answer = [](const KorIilRequest&, Bytes& message)
+    {
+        std::fill(message.begin(), message.end(), 0xFF);
+        putWord(message, message.size() - 4, 0);
+        return std::uint32_t{KOR_IIL_OK};
+    };
+    const Service device("TARN", answer);
+    const Service proxy("QTN_RPC_PROXY", answer);
+    const Service mirror("QTN_MIRROR", answer);
+    std::set<std::string> negative;
+    for (const Row& row : tarn::contract::rows())
+    {
+        Words words = {"call", row.command->function};
+        for (const std::string& argument : validArguments(*row.command))
+            words.push_back(argument);
+        const RanJson ran = runJson(words);
+        for (const auto& [name, output] : ran.document.at("outputs").items())
+        {
+            const Json& value = output.value("value", Json());
+            if (value == -1)
+                negative.insert(row.command->function + " " + name);
+            else
+                EXPECT_TRUE(value.is_null() || value == 0xFF || value == 0xFFFFFFFF) << row.command->function << " " << output;
+        }
+    }
+    const std::set<std::string> expected = {
+        "TarnGetRadioChainRssiAt rssi",
+        "TarnGetRadioChipTemperature temperature",
+        "tarn_qcsapi_calcmd_get_tx_power pwr0",
+        "tarn_qcsapi_calcmd_get_tx_power pwr1",
+        "tarn_qcsapi_calcmd_get_tx_power pwr2",
+        "tarn_qcsapi_calcmd_get_tx_power pwr3",
+        "tarn_qcsapi_get_temperature_info temsens_bbic",
+        "tarn_qcsapi_get_temperature_info tempsens_ex",
+        "tarn_qcsapi_get_temperature_info tempsens_in",
+        "tarn_qcsapi_wifi_get_node_stats out0",
+        "tarn_qcsapi_wifi_get_rssi_by_chain rssi0",
+        "tarn_qcsapi_wifi_get_rssi_by_chain rssi1",
+        "tarn_qcsapi_wifi_get_rssi_by_chain rssi2",
+        "tarn_qcsapi_wifi_get_rssi_by_chain rssi3",
+        "tarn_qcsapi_wifi_get_rssi_in_dbm_per_association rssi",
+    };
+    EXPECT_EQ(negative, expected);
+    EXPECT_EQ(run({"call", "TarnGetLogLevel"}).out, "level: 4294967295 (0xFFFFFFFF, -1)\nreply status: 0\n");
 }
 
 TEST_F(CallTest, TextsAreEscaped)

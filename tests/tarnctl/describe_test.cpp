@@ -175,6 +175,15 @@ TEST_F(DescribeTest, OneInFull)
                   "  9372    4           (reply status)  out        the service's own result\n");
 }
 
+TEST_F(DescribeTest, ANumberThatMayBeNegative)
+{
+    const RanJson ran = runJson({"describe", "tarn_qcsapi_wifi_get_rssi_in_dbm_per_association"});
+    EXPECT_EQ(ran.document.at("arguments")[2].at("signed"), true);
+    EXPECT_FALSE(ran.document.at("arguments")[1].contains("signed"));
+    EXPECT_NE(run({"describe", "TarnGetRadioChainRssiAt"}).out.find("as the service wrote it, may be negative"),
+              std::string::npos);
+}
+
 TEST_F(DescribeTest, FunctionsWithoutACommand)
 {
     for (const std::string& name : kWithoutCommand)

@@ -67,17 +67,17 @@ TEST_F(EverydayTest, Radios)
                                            {"TarnGetRadioIsReady", "isReady", 1, nullptr},
                                            {"TarnGetRadioChainNumber", "number", 4, nullptr},
                                            {"TarnGetRadioCurrentTransmitPowerLevel", "power", 100, nullptr},
-                                           {"TarnGetRadioChipTemperature", "temperature", 51, nullptr},
+                                           {"TarnGetRadioChipTemperature", "temperature", 0xFFFFFFFBu, nullptr},
                                            {"TarnGetRadioDriverVersion", "version", 0, "drv 1.2"}}));
     const Ran ran = run({"radios"});
     EXPECT_EQ(ran.exit, 0) << ran.err;
     EXPECT_EQ(ran.out, "radio  ready  chains  power level  temperature  driver\n"
-                       "1      1      4       100          51           \"drv 1.2\"\n"
-                       "2      1      4       100          51           \"drv 1.2\"\n");
+                       "1      1      4       100          -5           \"drv 1.2\"\n"
+                       "2      1      4       100          -5           \"drv 1.2\"\n");
     const RanJson json = runJson({"radios"});
     ASSERT_EQ(json.document.at("radios").size(), 2u);
     const Json expected = {{"id", 2},           {"ready", 1},         {"chains", 4}, {"power_level", 100},
-                           {"temperature", 51}, {"driver", "drv 1.2"}};
+                           {"temperature", -5}, {"driver", "drv 1.2"}};
     EXPECT_EQ(json.document.at("radios")[1], expected);
 }
 

@@ -177,6 +177,8 @@ Json parameterDocument(const FunctionParameter& parameter)
         document["size_argument"] = parameter.sizeArgument;
     else if (parameter.form != Form::kAddress)
         document["size"] = parameter.size != 0 ? parameter.size : parameter.width;
+    if (parameter.isSigned)
+        document["signed"] = true;
     if (parameter.wire != nullptr)
         document["encoding"] = contract::toString(parameter.wire->encoding);
     return document;
