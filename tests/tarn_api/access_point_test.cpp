@@ -60,7 +60,7 @@ TEST_F(AccessPoint, WpsIsReadAs164BytesBehindWhatIsWritten)
     data.expectFrom(52);
 }
 
-// The value is an argument in front of the record and stands behind it in the message.
+// The value is an argument in front of the record, and comes behind it in the message.
 TEST_F(AccessPoint, WpsConfigurationIsARecordAndAValueBehindIt)
 {
     const auto cfg = nonZeroRecord<TarnAccessPointWpsCfg>();

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace tarn::test
@@ -42,7 +43,7 @@ protected:
                       std::uint32_t (*read)(const char* callerId, Arguments...), std::uint32_t wait = 3,
                       const char* file = __builtin_FILE(), unsigned line = static_cast<unsigned>(__builtin_LINE()))
     {
-        const testing::ScopedTrace trace(file, static_cast<int>(line), "the function that asks for a word");
+        const testing::ScopedTrace trace(file, static_cast<int>(line), "command " + std::to_string(command));
         mock::Call call = expectCommand(command, length, wait, file, line);
         for (std::uint32_t i = 0; i + 1 < sizeof...(Arguments); ++i)
             call.word(4 * i, i + 1);
@@ -111,7 +112,7 @@ public:
         expectBytes({reply.begin() + static_cast<std::ptrdiff_t>(offset), reply.end()});
     }
 
-    // The same for a text whose characters stand there without a NUL: it is cut to leave room for one.
+    // The same for a text that has no NUL there: it is cut to leave room for one.
     void expectCutTextFrom(std::size_t offset) const
     {
         std::vector<std::uint8_t> text = nonZeroBytes(offset + size);

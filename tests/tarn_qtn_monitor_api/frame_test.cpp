@@ -13,11 +13,11 @@ namespace
 {
 
 using ProxyFrame = ProxyTest;
+using InterfaceNameBlock = ProxyTest;
 
 TEST_F(ProxyFrame, DebugValueGoesToTheSecondParameter)
 {
-    expectCommand(0).word(kParam2, 0x12345678);
-    EXPECT_EQ(tarn_qcsapi_debug("ledd", 0x12345678), 0);
+    expectNumbersAt({kParam2}, 0, tarn_qcsapi_debug);
 }
 
 TEST_F(ProxyFrame, InitSendsAMessageOfZeros)
@@ -36,47 +36,6 @@ TEST_F(ProxyFrame, EachInputHasItsPlaceInTheMessage)
     EXPECT_STREQ(channels, "36,40,44,48");
 }
 
-TEST_F(ProxyFrame, CallerIdMayHave31Characters)
-{
-    const std::string longest = letters(31);
-    platform.expect("QTN_RPC_PROXY", 1, kMessageSize).caller(longest.c_str());
-    EXPECT_EQ(tarn_qcsapi_init(longest.c_str()), 0);
-    EXPECT_THAT(platform.traceTexts(), IsEmpty());
-}
-
-TEST_F(ProxyFrame, CallerIdMayHaveOneCharacter)
-{
-    platform.expect("QTN_RPC_PROXY", 1, kMessageSize).caller("l");
-    EXPECT_EQ(tarn_qcsapi_init("l"), 0);
-}
-
-TEST_F(ProxyFrame, OnlyTheFirstByteOfACallerIdMustBePrintable)
-{
-    for (const char* id : {" ", "\x7F", "l\x80\xFF\x01"})
-    {
-        platform.expect("QTN_RPC_PROXY", 1, kMessageSize).caller(id);
-        EXPECT_EQ(tarn_qcsapi_init(id), 0);
-    }
-    EXPECT_THAT(platform.traceTexts(), IsEmpty());
-}
-
-// The buffer is no longer than what may be read of it.
-TEST_F(ProxyFrame, CallerIdWithoutNulInItsFirst32BytesIsRefused)
-{
-    const std::vector<char> endless(32, 'a');
-    EXPECT_EQ(tarn_qcsapi_init(endless.data()), -1);
-    EXPECT_EQ(tarn_qcsapi_init(letters(32).c_str()), -1);
-    EXPECT_THAT(platform.traceTexts(), ElementsAre("handle is invalid", "handle is invalid"));
-}
-
-TEST_F(ProxyFrame, CallerIdThatIsEmptyOrStartsUnprintablyIsRefused)
-{
-    for (const char* id : {"", "\x01ledd", "\x1Fledd", "\x80ledd", "\xFFledd"})
-        EXPECT_EQ(tarn_qcsapi_init(id), -1);
-    EXPECT_THAT(platform.traceTexts(), ElementsAre("handle is invalid", "handle is invalid", "handle is invalid",
-                                                   "handle is invalid", "handle is invalid"));
-}
-
 // The device service's functions name the caller id in their trace, these do not.
 TEST_F(ProxyFrame, TraceOfAnInvalidCallerIdIsAFixedText)
 {
@@ -89,10 +48,7 @@ TEST_F(ProxyFrame, CallerIdIsCheckedBeforeThePointers)
 {
     EXPECT_EQ(tarn_qcsapi_wifi_get_channel(nullptr, nullptr, nullptr), -1);
     EXPECT_EQ(tarn_qcsapi_wifi_get_channel("", nullptr, nullptr), -1);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", nullptr, nullptr), -1);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", "wifi0", nullptr), -1);
-    EXPECT_THAT(platform.traceTexts(),
-                ElementsAre("handle is NULL", "handle is invalid", "intf_name is NULL", "channel is NULL"));
+    EXPECT_THAT(platform.traceTexts(), ElementsAre("handle is NULL", "handle is invalid"));
 }
 
 TEST_F(ProxyFrame, TracesCarryLevelTagAndALineOfTheFunction)
@@ -113,23 +69,10 @@ TEST_F(ProxyFrame, TracesCarryLevelTagAndALineOfTheFunction)
     EXPECT_NE(traces[0].line, traces[2].line);
 }
 
-TEST_F(ProxyFrame, InterfaceNameOf64CharactersIsSentWhole)
-{
-    expectCommand(31).text(kIfname, kIfnameSize, letters(64).c_str());
-    EXPECT_EQ(tarn_qcsapi_wps_registrar_report_button_press("ledd", letters(64).c_str()), 0);
-}
-
 TEST_F(ProxyFrame, InterfaceNameOf70CharactersIsCutTo64)
 {
     expectCommand(31).text(kIfname, kIfnameSize, letters(64).c_str());
     EXPECT_EQ(tarn_qcsapi_wps_registrar_report_button_press("ledd", letters(70).c_str()), 0);
-}
-
-TEST_F(ProxyFrame, InterfaceNameIsSentUpToItsNul)
-{
-    const char name[kIfnameSize] = "wifi0\0left over";
-    expectOnWifi0(31);
-    EXPECT_EQ(tarn_qcsapi_wps_registrar_report_button_press("ledd", name), 0);
 }
 
 TEST_F(ProxyFrame, EmptyInterfaceNameIsNoError)
@@ -138,14 +81,22 @@ TEST_F(ProxyFrame, EmptyInterfaceNameIsNoError)
     EXPECT_EQ(tarn_qcsapi_wps_registrar_report_button_press("ledd", ""), 0);
 }
 
+// For the commands that send the whole buffer. It is exactly as long as what is sent of it.
+TEST_F(InterfaceNameBlock, IsSentWithoutANulBeingAdded)
+{
+    const std::vector<std::uint8_t> name = nonZeroBytes(kIfnameSize);
+    expectCommand(107).bytes(kIfname, name.data(), name.size());
+    EXPECT_EQ(tarn_qcsapi_wps_cancel("ledd", reinterpret_cast<const char*>(name.data())), 0);
+}
+
 TEST_F(ProxyFrame, TimeOutGivesTheResultOfARefusalAndLeavesTheOutput)
 {
     expectOnWifi0(2).fail(7);
 
     std::uint32_t channel = kUntouched;
-    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", "wifi0", &channel), -1);
+    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", kWifi0, &channel), -1);
     EXPECT_EQ(channel, kUntouched);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", "wifi0", nullptr), -1);
+    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", kWifi0, nullptr), -1);
 }
 
 TEST_F(ProxyFrame, EveryIpcFailureIsTracedByNameAndGivesMinusOne)
@@ -160,13 +111,6 @@ TEST_F(ProxyFrame, EveryIpcFailureIsTracedByNameAndGivesMinusOne)
         EXPECT_EQ(traces.back().format, "fail to KorIilExecute(), err = %s");
         EXPECT_EQ(traces.back().text, std::string("fail to KorIilExecute(), err = ") + ipcStatusName(status));
     }
-}
-
-TEST_F(ProxyFrame, IpcStatusBeyondTheTableIsUnknown)
-{
-    expectCommand(1).fail(0xFFFFFFFF);
-    EXPECT_EQ(tarn_qcsapi_init("ledd"), -1);
-    EXPECT_THAT(platform.traceTexts(), ElementsAre("fail to KorIilExecute(), err = Unknown"));
 }
 
 TEST_F(ProxyFrame, ReplyStatusIsReturnedAsItIsAndNotTraced)
@@ -184,17 +128,9 @@ TEST_F(ProxyFrame, OutputsAreCopiedWhateverTheReplyStatus)
     expectOnWifi0(2).replyWord(kOut, 36).status(static_cast<std::uint32_t>(-1));
 
     std::uint32_t channel = kUntouched;
-    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", "wifi0", &channel), -1);
+    EXPECT_EQ(tarn_qcsapi_wifi_get_channel("ledd", kWifi0, &channel), -1);
     EXPECT_EQ(channel, 36u);
     EXPECT_THAT(platform.traceTexts(), IsEmpty());
-}
-
-TEST_F(ProxyFrame, NothingOfOneCallIsSentWithTheNext)
-{
-    expectOnWifi0(37).word(kParam1, 5).text(kParam2, kParam2Size, letters(128).c_str());
-    expectCommand(1);
-    EXPECT_EQ(tarn_qcsapi_wps_set_param("ledd", "wifi0", 5, letters(128).c_str()), 0);
-    EXPECT_EQ(tarn_qcsapi_init("ledd"), 0);
 }
 
 } // namespace

@@ -10,8 +10,6 @@ namespace
 
 using ScanParameterThermal = ProxyTest;
 
-const char kName[kIfnameSize] = "wifi0";
-
 // Written by command 14, read by 98.
 TEST_F(ScanParameterThermal, CustomKeyIsCutTo32CharactersForReadingToo)
 {
@@ -24,43 +22,23 @@ TEST_F(ScanParameterThermal, CustomKeyIsCutTo32CharactersForReadingToo)
 
 TEST_F(ScanParameterThermal, ErrorMessageIsAskedForByAnyNumber)
 {
-    for (const std::uint32_t code : {0u, 1u, 0xFFFFFFFFu})
-    {
-        expectCommand(100).word(kParam1, code).replyText(kOut, "why");
-        char message[8] = "";
-        EXPECT_EQ(tarn_qcsapi_errno_get_message("ledd", code, message, sizeof message), 0);
-        EXPECT_STREQ(message, "why");
-    }
-}
+    expectCommand(100).word(kParam1, 0xFFFFFFFF).replyText(kOut, "why");
 
-TEST_F(ScanParameterThermal, MissingErrorMessageIsRefused)
-{
-    EXPECT_EQ(tarn_qcsapi_errno_get_message("ledd", 0xFFFFFFFF, nullptr, 8), -1);
-    EXPECT_THAT(platform.traceTexts(), ElementsAre("err_msg is NULL"));
+    char message[8] = "";
+    EXPECT_EQ(tarn_qcsapi_errno_get_message("ledd", 0xFFFFFFFF, message, sizeof message), 0);
+    EXPECT_STREQ(message, "why");
 }
 
 TEST_F(ScanParameterThermal, ScanIsStartedAndWatched)
 {
-    expectOnWifi0(101).word(kParam1, 3);
-    expectOnWifi0(102).replyWord(kOut, 1);
-    expectOnWifi0(103).replyWord(kOut, 12);
-
-    std::uint32_t scanning = 0;
-    std::uint32_t count = 0;
-    EXPECT_EQ(tarn_qcsapi_wifi_start_scan_ext("ledd", "wifi0", 3), 0);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_scan_status("ledd", "wifi0", &scanning), 0);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_results_AP_scan("ledd", "wifi0", &count), 0);
-    EXPECT_EQ(scanning, 1u);
-    EXPECT_EQ(count, 12u);
+    expectNumbersAt({kParam1}, 101, tarn_qcsapi_wifi_start_scan_ext);
+    expectWordsFrom({kOut}, 102, tarn_qcsapi_wifi_get_scan_status);
+    expectWordsFrom({kOut}, 103, tarn_qcsapi_wifi_get_results_AP_scan);
 }
 
-TEST_F(ScanParameterThermal, TimeOutLeavesTheScanStatus)
+TEST_F(ScanParameterThermal, WpsIsCancelledByTheInterfaceAlone)
 {
-    expectOnWifi0(102).fail(7);
-
-    std::uint32_t scanning = kUntouched;
-    EXPECT_EQ(tarn_qcsapi_wifi_get_scan_status("ledd", "wifi0", &scanning), -1);
-    EXPECT_EQ(scanning, kUntouched);
+    expectNumbersAt({}, 107, tarn_qcsapi_wps_cancel);
 }
 
 // Buffers of exactly 33 bytes, neither with a NUL.
@@ -84,92 +62,68 @@ TEST_F(ScanParameterThermal, SecurityAgentSendsWhatIsBehindANul)
 
 TEST_F(ScanParameterThermal, ParameterIsReadAndSetByItsNumber)
 {
-    expectOnWifi0(110).word(kParam1, 4).replyWord(kOut, 77);
-    expectOnWifi0(111).word(kParam1, 4).word(kParam2, 78);
-
-    std::uint32_t value = 0;
-    EXPECT_EQ(tarn_qcsapi_wifi_get_parameter("ledd", kName, 4, &value), 0);
-    EXPECT_EQ(value, 77u);
-    EXPECT_EQ(tarn_qcsapi_wifi_set_parameter("ledd", kName, 4, 78), 0);
+    expectWordsFrom({kOut}, 110, tarn_qcsapi_wifi_get_parameter);
+    expectNumbersAt({kParam1, kParam2}, 111, tarn_qcsapi_wifi_set_parameter);
 }
 
 TEST_F(ScanParameterThermal, ParameterBlockFillsTheSecondParameterToItsEnd)
 {
     const std::vector<std::uint8_t> block = nonZeroBytes(1040);
     expectOnWifi0(115).text(kParam1, kParam1Size, letters(32).c_str()).bytes(kParam2, block.data(), block.size());
-    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kName, letters(40).c_str(), block.data()), 0);
+    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kWifi0, letters(40).c_str(), block.data()), 0);
 }
 
 TEST_F(ScanParameterThermal, ParameterBlockNeedsNoName)
 {
     const std::vector<std::uint8_t> block = nonZeroBytes(1040);
     expectOnWifi0(115).bytes(kParam2, block.data(), block.size());
-    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kName, nullptr, block.data()), 0);
+    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kWifi0, nullptr, block.data()), 0);
 }
 
 TEST_F(ScanParameterThermal, MissingParameterBlockIsRefused)
 {
-    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kName, "name", nullptr), -1);
-    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kName, nullptr, nullptr), -1);
+    EXPECT_EQ(tarn_qcsapi_set_params("ledd", kWifi0, nullptr, nullptr), -1);
     EXPECT_EQ(tarn_qcsapi_set_params("ledd", nullptr, nullptr, nullptr), -1);
-    EXPECT_THAT(platform.traceTexts(), ElementsAre("set_params is NULL", "set_params is NULL", "ifname is NULL"));
+    EXPECT_THAT(platform.traceTexts(), ElementsAre("set_params is NULL", "ifname is NULL"));
 }
 
 TEST_F(ScanParameterThermal, LoneValuesHaveASlotOfTheirOwn)
 {
-    expectOnWifi0(118).word(kParam1, 5);
-    expectCommand(119).word(kParam1, 5);
-    expectOnWifi0(112).word(kParam2, 5);
-    expectOnWifi0(114).word(kParam2, 5);
-    expectOnWifi0(125).word(kParam2, 5);
-    EXPECT_EQ(tarn_qcsapi_wifi_set_legacy_bbic("ledd", kName, 5), 0);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_init("ledd", 5), 0);
-    EXPECT_EQ(tarn_qcsapi_wifi_disable_11b("ledd", kName, 5), 0);
-    EXPECT_EQ(tarn_qcsapi_wifi_set_enable_mu("ledd", kName, 5), 0);
-    EXPECT_EQ(tarn_qcsapi_wifi_set_ieee80211r("ledd", kName, 5), 0);
+    expectNumbersAt({kParam1}, 118, tarn_qcsapi_wifi_set_legacy_bbic);
+    expectNumbersAt({kParam2}, 112, tarn_qcsapi_wifi_disable_11b);
+    expectNumbersAt({kParam2}, 114, tarn_qcsapi_wifi_set_enable_mu);
+    expectNumbersAt({kParam2}, 125, tarn_qcsapi_wifi_set_ieee80211r);
 }
 
 TEST_F(ScanParameterThermal, HoldTimeTakesBothParametersInOrder)
 {
-    expectOnWifi0(117).word(kParam1, 5).word(kParam2, 6);
-    EXPECT_EQ(tarn_qcsapi_wifi_set_ac_agg_hold_time("ledd", kName, 5, 6), 0);
+    expectNumbersAt({kParam1, kParam2}, 117, tarn_qcsapi_wifi_set_ac_agg_hold_time);
 }
 
 TEST_F(ScanParameterThermal, ThermalMitigationMayBeCalledInAnyOrder)
 {
-    expectCommand(122);
-    expectOnWifi0(121);
-    expectOnWifi0(120).word(kParam1, 90).word(kParam2, 10);
-    expectCommand(119).word(kParam1, 1);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_exit("ledd"), 0);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_stop("ledd", kName), 0);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_start("ledd", kName, 90, 10), 0);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_init("ledd", 1), 0);
-}
-
-TEST_F(ScanParameterThermal, ThermalMitigationChecksTheCallerId)
-{
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_start(nullptr, kName, 90, 10), -1);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_stop("", kName), -1);
-    EXPECT_EQ(tarn_qcsapi_thermal_mitig_exit(nullptr), -1);
-    EXPECT_THAT(platform.traceTexts(), ElementsAre("handle is NULL", "handle is invalid", "handle is NULL"));
+    expectNumbersAt({}, 122, tarn_qcsapi_thermal_mitig_exit);
+    expectNumbersAt({}, 121, tarn_qcsapi_thermal_mitig_stop);
+    expectNumbersAt({kParam1, kParam2}, 120, tarn_qcsapi_thermal_mitig_start);
+    expectNumbersAt({kParam1}, 119, tarn_qcsapi_thermal_mitig_init);
 }
 
 TEST_F(ScanParameterThermal, EachMissingArgumentIsNamed)
 {
-    char text[33] = "";
-    EXPECT_EQ(tarn_qcsapi_get_custom_value("ledd", nullptr, nullptr, 8), -1);
-    EXPECT_EQ(tarn_qcsapi_get_custom_value("ledd", "key", nullptr, 8), -1);
-    EXPECT_EQ(tarn_qcsapi_wifi_start_scan_ext("ledd", nullptr, 1), -1);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_scan_status("ledd", "wifi0", nullptr), -1);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_results_AP_scan("ledd", "wifi0", nullptr), -1);
-    EXPECT_EQ(tarn_qcsapi_wps_cancel("ledd", nullptr), -1);
-    EXPECT_EQ(tarn_qcsapi_security_set_sec_agent("ledd", nullptr, nullptr, 0), -1);
-    EXPECT_EQ(tarn_qcsapi_security_set_sec_agent("ledd", text, nullptr, 0), -1);
-    EXPECT_EQ(tarn_qcsapi_wifi_get_parameter("ledd", kName, 1, nullptr), -1);
-    EXPECT_THAT(platform.traceTexts(),
-                ElementsAre("custom_key is NULL", "custom_value is NULL", "intf_name is NULL", "scanstatus is NULL",
-                            "count_APs is NULL", "ifname is NULL", "action is NULL", "key is NULL", "p_value is NULL"));
+    EXPECT_EQ(missing(tarn_qcsapi_get_custom_value), "custom_key, custom_value");
+    EXPECT_EQ(missing(tarn_qcsapi_errno_get_message), "err_msg");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_start_scan_ext), "intf_name");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_get_scan_status), "intf_name, scanstatus");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_get_results_AP_scan), "intf_name, count_APs");
+    EXPECT_EQ(missing(tarn_qcsapi_wps_cancel), "ifname");
+    EXPECT_EQ(missing(tarn_qcsapi_security_set_sec_agent), "action, key");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_get_parameter), "ifname, p_value");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_set_parameter), "ifname");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_disable_11b), "ifname");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_set_enable_mu), "ifname");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_set_ac_agg_hold_time), "ifname");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_set_legacy_bbic), "ifname");
+    EXPECT_EQ(missing(tarn_qcsapi_wifi_set_ieee80211r), "ifname");
 }
 
 } // namespace
