@@ -2,9 +2,9 @@
 # headers only.
 find_package(Threads REQUIRED)
 
-# A cross compiler takes the header from the target's file system if it is there. If not, the build machine's does as well: it is
-# the same text on every processor. As the compiler must not see all of the build machine's /usr/include, it gets a link to the
-# one directory.
+# A cross compiler takes the header from the target's file system if it is there. If not, the build machine's does as well: it
+# is the same text on every processor. As the compiler must not see all of the build machine's /usr/include, it gets a link to
+# the one directory.
 function(tarn_header_only target directory header package)
     find_path(${target}_ROOT ${directory}/${header})
     if(NOT ${target}_ROOT)

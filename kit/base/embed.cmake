@@ -1,7 +1,7 @@
 # tarn_embed(TARGET NAMESPACE FILE...)
 #
-# Compiles the text of the files into TARGET, as NAMESPACE::embeddedFiles(); base/embedded_files.h has its type. This file is also
-# the script that the build runs to write the source, with OUTPUT, NAMESPACE and FILES (separated by commas).
+# Compiles the text of the files into TARGET, as NAMESPACE::embeddedFiles(); base/embedded_files.h has its type. This file is
+# also the script that the build runs to write the source, with OUTPUT, NAMESPACE and FILES (separated by commas).
 function(tarn_embed target namespace)
     set(output ${CMAKE_CURRENT_BINARY_DIR}/${target}_files.cpp)
     list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ OUTPUT_VARIABLE files)

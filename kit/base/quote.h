@@ -13,8 +13,8 @@ std::string escaped(std::string_view text);
 // The same between quotation marks; one in the text has a backslash in front of it.
 std::string inQuotes(std::string_view text);
 
-// As a string of JSON. The bytes need not be UTF-8: what is not printable ASCII, a quotation mark or a backslash becomes \u00NN,
-// the character of its number.
+// As a string of JSON. The bytes need not be UTF-8: what is not printable ASCII, a quotation mark or a backslash becomes
+// \u00NN, the character of its number.
 std::string inJsonQuotes(std::string_view text);
 
 } // namespace tarn::base

@@ -30,8 +30,8 @@ public:
 class Gateway
 {
 public:
-    // `model` has been filled by a scenario, and outlives the gateway. `shutDown` is called, from any thread, when a caller asks
-    // for it, or when a service fails.
+    // `model` has been filled by a scenario, and outlives the gateway. `shutDown` is called, from any thread, when a caller
+    // asks for it, or when a service fails.
     Gateway(Model& model, std::function<void()> shutDown);
     ~Gateway(); // stops
     Gateway(const Gateway&) = delete;

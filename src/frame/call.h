@@ -2,8 +2,8 @@
 //
 // A command function holds one call: the message, and in front of it what the steps have to remember. It opens the call (which
 // checks the caller id and the pointers, and clears the message), fills the message, executes the call, copies the outputs out,
-// and returns the reply status. A function without outputs finishes the call instead: the last three in one step. What the steps
-// do is out of line, so that a command function is a few dozen instructions.
+// and returns the reply status. A function without outputs finishes the call instead: the last three in one step. What the
+// steps do is out of line, so that a command function is a few dozen instructions.
 #pragma once
 
 #include <cstddef>
@@ -89,8 +89,8 @@ struct CallHead
     }
 };
 
-// Checks the caller id, then the required pointers in their order. The first that fails is traced, and the family's result for a
-// refusal returned. Otherwise the message is cleared and 0 returned.
+// Checks the caller id, then the required pointers in their order. The first that fails is traced, and the family's result for
+// a refusal returned. Otherwise the message is cleared and 0 returned.
 std::uint32_t open(CallHead& head, const char* callerId, Site site);
 
 // Traces a refusal for another reason than a null pointer, and returns the family's result for it.

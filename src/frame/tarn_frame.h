@@ -109,7 +109,8 @@ typedef struct TarnRateTable
  *
  *   table  in, out: the table, 4336 bytes
  *   rate   in: a NUL-terminated decimal text in a buffer of at least 17 readable bytes, all 17 of which are copied. Of a longer
- *          text the first 17 characters are kept. Its value is what strtod makes of it in the process's locale; "nan" is accepted
+ *          text the first 17 characters are kept. Its value is what strtod makes of it in the process's locale; "nan" is
+ *          accepted
  *
  * Returns TARN_RATE_ADDED (also when the rate is in the table already), TARN_RATE_REJECTED (a NULL pointer, or a value of
  * zero or less, which includes a text without a number), TARN_RATE_TABLE_FULL (255 rates; the text is not read). */

@@ -413,8 +413,8 @@ TARN_EXPORT uint32_t TarnGetRadioChipTemperature(const char* callerId, uint32_t 
  *
  *   callerId  in: the caller id
  *   radioId   in: radio, counted from 1
- *   ssid_id   out: id, 32-bit word exactly as the service gives it. Nothing is added to it: the service defines whether it counts
- *             from 1, as ids that are passed in do
+ *   ssid_id   out: id, 32-bit word exactly as the service gives it. Nothing is added to it: the service defines whether it
+ *             counts from 1, as ids that are passed in do
  *
  * Returns the reply status, or TARN_FAILED, TARN_TIMED_OUT (wait 3), TARN_REJECTED (callerId, ssid_id). */
 TARN_EXPORT uint32_t TarnGetRadioPrimarySSIDIntfId(const char* callerId, uint32_t radioId, uint32_t* ssid_id);

@@ -62,8 +62,8 @@ TARN_EXPORT int32_t tarn_qcsapi_init(const char* handle);
  *   tempsens_in   out: internal sensor, likewise
  *   temsens_bbic  out: baseband chip's sensor, likewise
  *
- * The outputs are checked in another order than that of the arguments: tempsens_in first. The missing "p" of temsens_bbic is part of its
- * name and of its trace.
+ * The outputs are checked in another order than that of the arguments: tempsens_in first. The missing "p" of temsens_bbic is
+ * part of its name and of its trace.
  *
  * Returns the reply status, or TARN_QTN_FAILED (handle, tempsens_in, tempsens_ex, temsens_bbic; IPC failure; time-out,
  * wait 3). */
