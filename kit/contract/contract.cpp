@@ -1,6 +1,8 @@
 #include "contract.h"
 
 #include "base/embedded_files.h"
+#include "base/json_reader.h"
+#include "words.h"
 
 #include <algorithm>
 #include <set>
@@ -24,8 +26,8 @@ std::vector<Contract> readEmbedded()
         contracts.push_back(parse(file.text, std::string(file.name)));
         for (const Command& command : contracts.back().commands)
             if (!functions.insert(command.function).second)
-                throw ContractError(std::string(file.name) + ": " + command.function +
-                                    ": an earlier file has this function already");
+                throw base::JsonError(std::string(file.name) + ": " + command.function +
+                                      ": an earlier file has this function already");
     }
     return contracts;
 }
@@ -63,13 +65,14 @@ bool Argument::isPointer() const
 const Argument* Command::argument(std::string_view name) const
 {
     const auto found =
-        std::find_if(arguments.begin(), arguments.end(), [&](const Argument& each) { return each.name == name; });
+        std::find_if(arguments.begin(), arguments.end(), [&](const Argument& argument) { return argument.name == name; });
     return found == arguments.end() ? nullptr : &*found;
 }
 
-const Record* Contract::record(std::string_view name) const
+const RecordType* Contract::record(std::string_view name) const
 {
-    const auto found = std::find_if(records.begin(), records.end(), [&](const Record& each) { return each.name == name; });
+    const auto found =
+        std::find_if(records.begin(), records.end(), [&](const RecordType& record) { return record.name == name; });
     return found == records.end() ? nullptr : &*found;
 }
 
@@ -123,27 +126,22 @@ std::uint32_t impliedSize(Encoding encoding)
 
 const char* toString(Type type)
 {
-    static const char* const words[] = {"u32", "u16", "u8", "text", "bytes", "record"};
-    return wordOf(words, type);
+    return wordOf(kTypeWords, type);
 }
 
 const char* toString(Direction direction)
 {
-    static const char* const words[] = {"in", "out"};
-    return wordOf(words, direction);
+    return wordOf(kDirectionWords, direction);
 }
 
 const char* toString(Encoding encoding)
 {
-    static const char* const words[] = {"id",    "word",  "byte",   "inverted", "text",
-                                        "block", "words", "record", "size",     "nothing"};
-    return wordOf(words, encoding);
+    return wordOf(kEncodingWords, encoding);
 }
 
 const char* toString(When when)
 {
-    static const char* const words[] = {"null", "null or empty", "zero"};
-    return wordOf(words, when);
+    return wordOf(kWhenWords, when);
 }
 
 } // namespace tarn::contract

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,8 +58,7 @@ struct Argument
     Direction direction = Direction::kIn;
     Encoding encoding = Encoding::kWord;
     std::uint32_t offset = 0;
-    std::uint32_t size =
-        0; // bytes in the message, or bytes written; 4 for one word, 1 for one byte; 0 if nothing or sizeArgument says
+    std::uint32_t size = 0;   // bytes in the message, or bytes written; 0 if there are none or sizeArgument says
     std::string sizeArgument; // name of the argument that says how many bytes the caller's buffer holds, or empty
     bool isSigned = false;    // the words may be negative, in two's complement
     bool optional = false;    // a null pointer means "leave out"
@@ -87,15 +85,20 @@ struct Command
     std::string note; // what is odd and meant so, or empty
     std::uint32_t wait = 0;
     std::uint32_t length = 0;
-    std::uint32_t status = 0; // offset of the reply status
     std::vector<Argument> arguments;
     std::vector<Check> checks; // in the order in which they are made
+
+    // Offset of the reply status, the message's last word.
+    std::uint32_t statusOffset() const
+    {
+        return length - 4;
+    }
 
     // The argument of that name, or null.
     const Argument* argument(std::string_view name) const;
 };
 
-struct Record
+struct RecordType
 {
     std::string name;
     std::uint32_t size = 0;
@@ -121,12 +124,12 @@ struct Contract
     std::string traceTag;
     Result result;
     std::string invalidCaller; // trace format
-    std::vector<Record> records;
+    std::vector<RecordType> records;
     std::vector<Event> events;
     std::vector<Command> commands;
 
     // The record of that name, or null.
-    const Record* record(std::string_view name) const;
+    const RecordType* record(std::string_view name) const;
 };
 
 // One function together with the service it belongs to; both null if there is none.
@@ -141,15 +144,8 @@ struct Row
     }
 };
 
-// What is wrong with a contract text, one line a problem: file, function, key, and what was expected there.
-class ContractError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
-// The contracts that are compiled in, in the order TARN, QTN_RPC_PROXY, QTN_MIRROR. Throws ContractError if one of them is not
-// sound.
+// The contracts that are compiled in, in the order TARN, QTN_RPC_PROXY, QTN_MIRROR. Throws base::JsonError if one of them is
+// not sound.
 const std::vector<Contract>& all();
 
 // Every function of every service, in that order.
@@ -161,8 +157,8 @@ Row find(std::string_view function);
 // The contract of exactly that service, or null.
 const Contract* findService(std::string_view service);
 
-// Reads one contract. `fileName` only goes into the text of errors. Throws ContractError for a text that is no JSON, for a key
-// that is missing, unknown, given twice or of the wrong kind, and for everything `problems` finds.
+// Reads one contract. `fileName` is only for the text of errors. Throws base::JsonError for a text that is not JSON, for a key
+// that is missing, unknown, given twice or of the wrong kind, and for everything that `problems` finds.
 Contract parse(std::string_view text, const std::string& fileName);
 
 // What does not fit together in a contract, one line a problem; empty if it is sound.
@@ -171,7 +167,7 @@ std::vector<std::string> problems(const Contract& contract);
 // Bytes that an argument of this encoding always takes in the message; 0 if its size says.
 std::uint32_t impliedSize(Encoding encoding);
 
-// The words that stand for these in the files.
+// The words for these in the files.
 const char* toString(Type type);
 const char* toString(Direction direction);
 const char* toString(Encoding encoding);

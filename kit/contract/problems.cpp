@@ -26,7 +26,7 @@ std::string misfit(const Argument& argument)
             return std::string();
         const std::string expected = base::join(encodings, ", ", [](Encoding encoding) { return toString(encoding); });
         return std::string("the encoding ") + toString(argument.encoding) + " does not go with " + toString(argument.type) +
-               " " + toString(argument.direction) + ", expected one of " + expected;
+               " " + toString(argument.direction) + "; expected one of " + expected;
     };
 
     if (argument.direction == Direction::kIn)
@@ -67,38 +67,35 @@ std::string misfit(const Argument& argument)
 class CommandProblems
 {
 public:
-    CommandProblems(const Contract& contractOfCommand, const Command& commandToCheck, std::vector<std::string>& found)
-        : contract(contractOfCommand), command(commandToCheck), problemsFound(found)
+    CommandProblems(const Contract& contract, const Command& command, std::vector<std::string>& found)
+        : contract_(contract), command_(command), found_(found)
     {
     }
 
-    void look()
+    void find()
     {
-        if (command.length < 8 || command.length % 4 != 0)
-            add("length: expected a multiple of 4, 8 or more, not " + std::to_string(command.length));
-        else if (command.status != command.length - 4)
-            add("status: expected the last word of the message, " + std::to_string(command.length - 4) + ", not " +
-                std::to_string(command.status));
-        if (command.wait == 0)
+        if (command_.length < 8 || command_.length % 4 != 0)
+            add("length: expected a multiple of 4, 8 or more, not " + std::to_string(command_.length));
+        if (command_.wait == 0)
             add("wait: expected 1 or more");
-        for (const Argument& argument : command.arguments)
-            lookAtArgument(argument);
-        lookAtOverlaps();
-        lookAtSizeArguments();
-        for (const Check& check : command.checks)
-            lookAtCheck(check);
+        for (const Argument& argument : command_.arguments)
+            verifyArgument(argument);
+        verifyOverlaps();
+        verifySizeArguments();
+        for (const Check& check : command_.checks)
+            verifyCheck(check);
     }
 
 private:
     void add(const std::string& text)
     {
-        problemsFound.push_back(command.function + ": " + text);
+        found_.push_back(command_.function + ": " + text);
     }
 
-    void lookAtArgument(const Argument& argument)
+    void verifyArgument(const Argument& argument)
     {
         const auto sameName = [&](const Argument& other) { return other.name == argument.name; };
-        if (&*std::find_if(command.arguments.begin(), command.arguments.end(), sameName) != &argument)
+        if (&*std::find_if(command_.arguments.begin(), command_.arguments.end(), sameName) != &argument)
             add(argument.name + ": an earlier argument has this name already");
         if (const std::string text = misfit(argument); !text.empty())
             add(argument.name + ": " + text);
@@ -106,11 +103,11 @@ private:
             add(argument.name + ": only an output of words can be signed");
         if (argument.optional && !argument.isPointer())
             add(argument.name + ": only a pointer can be optional");
-        lookAtPlace(argument);
-        lookAtRecord(argument);
+        verifyPlace(argument);
+        verifyRecord(argument);
     }
 
-    void lookAtPlace(const Argument& argument)
+    void verifyPlace(const Argument& argument)
     {
         if (argument.encoding == Encoding::kSize || argument.encoding == Encoding::kNothing)
             return;
@@ -122,24 +119,24 @@ private:
             add(argument.name + ": expected either a size or a size_argument");
         // 64 bits, as offset and size may be anything here.
         const std::uint64_t end = std::uint64_t{argument.offset} + std::max<std::uint32_t>(argument.size, 1);
-        if (end > command.length)
+        if (end > command_.length)
             add(argument.name + ": " + span(argument.offset, argument.size) + " run out of the message of " +
-                std::to_string(command.length));
-        else if (end > command.status)
+                std::to_string(command_.length));
+        else if (end > command_.statusOffset())
             add(argument.name + ": " + span(argument.offset, argument.size) + " run into the reply status at " +
-                std::to_string(command.status));
+                std::to_string(command_.statusOffset()));
 
         const bool isWord = argument.encoding == Encoding::kId || argument.encoding == Encoding::kWord ||
                             argument.encoding == Encoding::kInverted || argument.encoding == Encoding::kWords;
         if (isWord && (argument.offset % 4 != 0 || argument.size % 4 != 0))
-            add(argument.name + ": " + span(argument.offset, argument.size) + " are no words, expected multiples of 4");
+            add(argument.name + ": " + span(argument.offset, argument.size) + " are no words; expected multiples of 4");
     }
 
-    void lookAtRecord(const Argument& argument)
+    void verifyRecord(const Argument& argument)
     {
         if (argument.type != Type::kRecord)
             return;
-        const Record* const record = contract.record(argument.record);
+        const RecordType* const record = contract_.record(argument.record);
         if (record == nullptr)
             add(argument.name + ": the record " + argument.record + " is not in \"records\"");
         else if (argument.encoding != Encoding::kNothing && record->size != argument.size)
@@ -147,31 +144,31 @@ private:
                 std::to_string(argument.size));
     }
 
-    void lookAtOverlaps()
+    void verifyOverlaps()
     {
-        const auto standsInMessage = [](const Argument& argument)
+        const auto isSent = [](const Argument& argument)
         { return argument.direction == Direction::kIn && argument.encoding != Encoding::kSize; };
-        for (std::size_t i = 0; i < command.arguments.size(); ++i)
-            for (std::size_t j = i + 1; j < command.arguments.size(); ++j)
+        for (std::size_t i = 0; i < command_.arguments.size(); ++i)
+            for (std::size_t j = i + 1; j < command_.arguments.size(); ++j)
             {
-                const Argument& left = command.arguments[i];
-                const Argument& right = command.arguments[j];
-                if (standsInMessage(left) && standsInMessage(right) && left.offset < std::uint64_t{right.offset} + right.size &&
+                const Argument& left = command_.arguments[i];
+                const Argument& right = command_.arguments[j];
+                if (isSent(left) && isSent(right) && left.offset < std::uint64_t{right.offset} + right.size &&
                     right.offset < std::uint64_t{left.offset} + left.size)
                     add(right.name + ": " + span(right.offset, right.size) + " overlap " + left.name + ", " +
                         span(left.offset, left.size));
             }
     }
 
-    void lookAtSizeArguments()
+    void verifySizeArguments()
     {
         std::set<std::string> used;
-        for (const Argument& argument : command.arguments)
+        for (const Argument& argument : command_.arguments)
         {
             if (argument.sizeArgument.empty())
                 continue;
             used.insert(argument.sizeArgument);
-            const Argument* const size = command.argument(argument.sizeArgument);
+            const Argument* const size = command_.argument(argument.sizeArgument);
             if (size == nullptr || size->encoding != Encoding::kSize)
                 add(argument.name + ": size_argument: expected the name of an argument with the encoding size, not " +
                     argument.sizeArgument);
@@ -179,14 +176,14 @@ private:
                 (argument.encoding != Encoding::kText && argument.encoding != Encoding::kBlock))
                 add(argument.name + ": size_argument: expected at a text or block that is written only");
         }
-        for (const Argument& argument : command.arguments)
+        for (const Argument& argument : command_.arguments)
             if (argument.encoding == Encoding::kSize && used.count(argument.name) == 0)
                 add(argument.name + ": no argument names it as its size_argument");
     }
 
-    void lookAtCheck(const Check& check)
+    void verifyCheck(const Check& check)
     {
-        const Argument* const argument = command.argument(check.argument);
+        const Argument* const argument = command_.argument(check.argument);
         if (argument == nullptr)
         {
             add("checks: there is no argument " + check.argument);
@@ -203,25 +200,25 @@ private:
         if (check.message.find('%') != std::string::npos)
             add("checks: the message \"" + check.message + "\" holds a %, and it is traced as a format");
         const auto sameArgument = [&](const Check& other) { return other.argument == check.argument; };
-        if (&*std::find_if(command.checks.begin(), command.checks.end(), sameArgument) != &check)
+        if (&*std::find_if(command_.checks.begin(), command_.checks.end(), sameArgument) != &check)
             add("checks: " + check.argument + " is checked twice");
     }
 
-    const Contract& contract;
-    const Command& command;
-    std::vector<std::string>& problemsFound;
+    const Contract& contract_;
+    const Command& command_;
+    std::vector<std::string>& found_;
 };
 
-void lookAtEvents(const Contract& contract, std::vector<std::string>& found)
+void verifyEvents(const Contract& contract, std::vector<std::string>& found)
 {
     std::set<std::uint32_t> numbers;
     std::set<std::string> names;
     for (const Event& event : contract.events)
     {
         if (!numbers.insert(event.event).second)
-            found.push_back("events: the number " + std::to_string(event.event) + " stands twice");
+            found.push_back("events: the number " + std::to_string(event.event) + " is given twice");
         if (!names.insert(event.name).second)
-            found.push_back("events: the name " + event.name + " stands twice");
+            found.push_back("events: the name " + event.name + " is given twice");
     }
 }
 
@@ -234,19 +231,19 @@ std::vector<std::string> problems(const Contract& contract)
         found.push_back("service: expected 1 to 31 characters");
     if (contract.commands.empty())
         found.push_back("commands: expected one or more");
-    lookAtEvents(contract, found);
+    verifyEvents(contract, found);
 
     std::set<std::string> functions;
     const Command* previous = nullptr;
     for (const Command& command : contract.commands)
     {
         if (!functions.insert(command.function).second)
-            found.push_back(command.function + ": stands twice");
+            found.push_back(command.function + ": an earlier command has this function already");
         if (previous != nullptr && command.command < previous->command)
-            found.push_back(command.function + ": command " + std::to_string(command.command) + " stands behind command " +
-                            std::to_string(previous->command) + ", expected ascending order");
+            found.push_back(command.function + ": command " + std::to_string(command.command) + " comes after command " +
+                            std::to_string(previous->command) + "; expected ascending order");
         previous = &command;
-        CommandProblems(contract, command, found).look();
+        CommandProblems(contract, command, found).find();
     }
     return found;
 }

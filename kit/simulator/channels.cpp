@@ -82,27 +82,7 @@ bool widens(Band band, std::uint32_t channel, std::uint32_t bandwidth, const Cha
 
 const char* toString(Band band)
 {
-    switch (band)
-    {
-    case Band::k2:
-        return "2.4GHz";
-    case Band::k5:
-        return "5GHz";
-    case Band::k6:
-        break;
-    }
-    return "6GHz";
-}
-
-bool parseBand(const std::string& text, Band& band)
-{
-    for (const Band candidate : {Band::k2, Band::k5, Band::k6})
-        if (text == toString(candidate))
-        {
-            band = candidate;
-            return true;
-        }
-    return false;
+    return kBandNames[static_cast<std::size_t>(band)];
 }
 
 std::vector<std::uint32_t> channelsFor(const ChannelCriteria& criteria)

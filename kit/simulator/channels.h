@@ -16,10 +16,9 @@ enum class Band
     k6
 };
 
-// "2.4GHz", "5GHz", "6GHz".
+inline constexpr const char* kBandNames[] = {"2.4GHz", "5GHz", "6GHz"};
+
 const char* toString(Band band);
-// False if it is none of them.
-bool parseBand(const std::string& text, Band& band);
 
 // Bandwidths are in MHz.
 struct ChannelCriteria

@@ -28,7 +28,7 @@ const Argument& CommandRequest::find(std::string_view argument, Direction direct
 
 std::size_t CommandRequest::room(const Argument& argument) const
 {
-    return argument.size != 0 ? argument.size : command_.status - argument.offset;
+    return argument.size != 0 ? argument.size : command_.statusOffset() - argument.offset;
 }
 
 // Words are at multiples of 4 within the message, but the message itself need not be aligned.
@@ -192,7 +192,7 @@ void CommandRequest::setAddressWhere(const char* other, std::string_view argumen
 
 void CommandRequest::setStatus(std::uint32_t status)
 {
-    setWord(command_.status, status);
+    setWord(command_.statusOffset(), status);
 }
 
 } // namespace tarn::simulator

@@ -1,5 +1,6 @@
 #include "layout.h"
 
+#include "base/json_reader.h"
 #include "embedded_files.h"
 #include "reply_status.h"
 
@@ -7,48 +8,17 @@
 #include <cstring>
 #include <stdexcept>
 
-#include <nlohmann/json.hpp>
-
 namespace tarn::simulator
 {
 
 namespace
 {
 
-using Json = nlohmann::ordered_json;
+using base::JsonObject;
 
-[[noreturn]] void unsound(const std::string& where, const std::string& expected)
-{
-    throw std::runtime_error("layouts: " + where + ": expected " + expected);
-}
+constexpr std::uint32_t kLargest = 65536; // bytes of a record, and of a field
 
-const Json& member(const Json& object, const char* key, const std::string& where)
-{
-    if (!object.is_object() || !object.contains(key))
-        unsound(where, std::string("an object with \"") + key + "\"");
-    return object.at(key);
-}
-
-std::uint32_t size(const Json& object, const char* key, const std::string& where)
-{
-    const Json& value = member(object, key, where);
-    if (!value.is_number_unsigned() || value.get<std::uint64_t>() > 65536)
-        unsound(where + "/" + key, "a number of bytes from 0 to 65536");
-    return value.get<std::uint32_t>();
-}
-
-FieldType fieldType(const Json& value, const std::string& where)
-{
-    static const std::pair<const char*, FieldType> kTypes[] = {{"number", FieldType::kNumber},
-                                                               {"signed", FieldType::kSigned},
-                                                               {"text", FieldType::kText},
-                                                               {"bytes", FieldType::kBytes},
-                                                               {"address", FieldType::kAddress}};
-    for (const auto& [word, type] : kTypes)
-        if (value == word)
-            return type;
-    unsound(where, "one of number, signed, text, bytes, address");
-}
+constexpr const char* kFieldTypes[] = {"number", "signed", "text", "bytes", "address"};
 
 bool fits(const Field& field)
 {
@@ -66,39 +36,39 @@ bool fits(const Field& field)
     return false;
 }
 
-Field parseField(const Json& object, const std::string& where)
+Field readField(JsonObject& object)
 {
     Field field;
-    field.name = member(object, "name", where).get<std::string>();
-    field.type = fieldType(member(object, "type", where), where + "/type");
-    field.offset = size(object, "offset", where);
-    field.size = size(object, "size", where);
+    field.name = object["name"].text(1, 64);
+    field.type = object["type"].oneOf<FieldType>(kFieldTypes);
+    field.offset = object["offset"].number(0u, kLargest);
+    field.size = object["size"].number(0u, kLargest);
+    object.ignore("unit");
+    object.finish();
     if (!fits(field))
-        unsound(
-            where,
-            "a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 bytes, or a text or bytes of at least 1");
+        object.fail("a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 bytes, or a text or bytes of at "
+                    "least 1");
     return field;
 }
 
-Layout parseLayout(const std::string& name, const Json& object, const std::string& where)
+Layout readLayout(const std::string& name, JsonObject object)
 {
     Layout layout;
     layout.name = name;
-    layout.size = size(object, "size", where);
+    layout.size = object["size"].number(0u, kLargest);
     std::uint32_t end = 0;
-    const Json& fields = member(object, "fields", where);
-    for (std::size_t i = 0; i < fields.size(); ++i)
+    for (JsonObject& element : object["fields"].objects())
     {
-        const std::string place = where + "/fields/" + std::to_string(i);
-        const Field field = parseField(fields[i], place);
+        const Field field = readField(element);
         if (layout.field(field.name) != nullptr)
-            unsound(place + "/name", "a name that no earlier field has");
+            element["name"].fail("a name that no earlier field has");
         if (field.offset < end || field.offset + field.size > layout.size)
-            unsound(place + "/offset",
-                    "a field behind the one before it and within the record's " + std::to_string(layout.size) + " bytes");
+            element["offset"].fail("a field after the one before it and within the record's " + std::to_string(layout.size) +
+                                   " bytes");
         end = field.offset + field.size;
         layout.fields.push_back(field);
     }
+    object.finish();
     return layout;
 }
 
@@ -110,26 +80,22 @@ const Field* Layout::field(std::string_view fieldName) const
     return found == fields.end() ? nullptr : &*found;
 }
 
-std::vector<Layout> parseLayouts(std::string_view text)
+std::vector<Layout> parseLayouts(std::string_view text, const std::string& fileName)
 {
-    Json file;
-    try
-    {
-        file = Json::parse(text);
-    }
-    catch (const Json::exception& error)
-    {
-        unsound("/", std::string("JSON text: ") + error.what());
-    }
+    const base::JsonDocument document = base::parseJson(text, fileName);
+    JsonObject file = document.root().object();
+    file["layouts"].number(1, 1);
+    file.ignore("comment");
     std::vector<Layout> result;
-    for (const auto& [name, object] : member(file, "records", "/").items())
-        result.push_back(parseLayout(name, object, "/records/" + name));
+    for (const auto& [name, layout] : file["records"].members())
+        result.push_back(readLayout(name, layout.object()));
+    file.finish();
     return result;
 }
 
 const std::vector<Layout>& layouts()
 {
-    static const std::vector<Layout> all = parseLayouts(base::embeddedText(embeddedFiles(), "layouts.json"));
+    static const std::vector<Layout> all = parseLayouts(base::embeddedText(embeddedFiles(), "layouts.json"), "layouts.json");
     return all;
 }
 

@@ -43,9 +43,9 @@ struct Layout
     const Field* field(std::string_view fieldName) const;
 };
 
-// Reads the text of a layouts file. Throws std::runtime_error, which says where and what was expected, for one that is not
+// Reads the text of a layouts file. `fileName` is only for the text of errors. Throws base::JsonError for one that is not
 // sound.
-std::vector<Layout> parseLayouts(std::string_view text);
+std::vector<Layout> parseLayouts(std::string_view text, const std::string& fileName);
 
 // The layouts compiled in.
 const std::vector<Layout>& layouts();

@@ -3,21 +3,15 @@
 
 #include "model.h"
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 namespace tarn::simulator
 {
 
-// What is wrong with a scenario: file, place, what stands there and what was expected.
-class ScenarioError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
+// All of these throw base::JsonError for a scenario that is not sound.
 
-// Fills a model that nothing has been put into yet. `fileName` only goes into the text of errors.
+// Fills a model that is still empty. `fileName` is only for the text of errors.
 void readScenario(std::string_view text, const std::string& fileName, Model& model);
 
 // Reads the file at that path.

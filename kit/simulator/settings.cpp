@@ -23,7 +23,7 @@ Property number(std::string name, std::uint32_t minimum, std::uint32_t maximum, 
         const std::uint32_t given = std::get<std::uint32_t>(value);
         return given >= minimum && given <= maximum;
     };
-    property.expected = "a number from " + std::to_string(minimum) + " to " + std::to_string(maximum);
+    property.expected = "an integer from " + std::to_string(minimum) + " to " + std::to_string(maximum);
     return property;
 }
 

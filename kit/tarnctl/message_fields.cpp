@@ -27,7 +27,7 @@ std::vector<MessageField> namedFields(const LibraryFunction& function)
         field.isUpperBound = !parameter.sizeArgument.empty();
         fields.push_back(field);
     }
-    fields.push_back({function.row.command->status, kStatusSize, "(reply status)", FieldRole::kStatus, nullptr, false});
+    fields.push_back({function.row.command->statusOffset(), kStatusSize, "(reply status)", FieldRole::kStatus, nullptr, false});
     std::stable_sort(fields.begin(), fields.end(),
                      [](const MessageField& left, const MessageField& right) { return left.offset < right.offset; });
     return fields;

@@ -57,11 +57,7 @@ void addAlterationsOfTheFrame(std::vector<Alteration>& alterations)
     alterations.push_back({"sign of the result", [](contract::Contract& it) { it.result.isSigned = !it.result.isSigned; }});
     alterations.push_back({"command", [](contract::Contract& it) { ++it.commands[0].command; }});
     alterations.push_back({"wait", [](contract::Contract& it) { ++it.commands[0].wait; }});
-    alterations.push_back({"length", [](contract::Contract& it)
-                           {
-                               it.commands[0].length += 4;
-                               it.commands[0].status += 4;
-                           }});
+    alterations.push_back({"length", [](contract::Contract& it) { it.commands[0].length += 4; }});
 }
 
 void addAlterationsOfArguments(const contract::Command& command, std::vector<Alteration>& alterations)

@@ -33,8 +33,8 @@ TEST(Contracts, HoldEveryFunction)
 
 TEST(Contracts, AreSound)
 {
-    for (const contract::Contract& each : contract::all())
-        EXPECT_THAT(contract::problems(each), IsEmpty()) << each.service;
+    for (const contract::Contract& service : contract::all())
+        EXPECT_THAT(contract::problems(service), IsEmpty()) << service.service;
 }
 
 TEST(Contracts, NameTheEventsOfTheDeviceService)
@@ -84,7 +84,7 @@ TEST(Find, GivesTheFunctionAndItsService)
     EXPECT_EQ(row.command->command, 17u);
     EXPECT_EQ(row.command->wait, 4u);
     EXPECT_EQ(row.command->length, 9584u);
-    EXPECT_EQ(row.command->status, 9580u);
+    EXPECT_EQ(row.command->statusOffset(), 9580u);
     ASSERT_THAT(row.command->arguments, SizeIs(3));
 
     const contract::Argument* const radioId = row.command->argument("radioId");

@@ -123,7 +123,7 @@ TEST_F(DispatcherTest, AnyBytesGetAnAnswer)
                         std::memcpy(bytes.data() + 1 + argument.offset, "wifi0", 6);
                 EXPECT_EQ(dispatcher.serve(model, command.command, command.length, bytes.data() + 1), KOR_IIL_OK);
                 std::uint32_t answered;
-                std::memcpy(&answered, bytes.data() + 1 + command.status, sizeof answered);
+                std::memcpy(&answered, bytes.data() + 1 + command.statusOffset(), sizeof answered);
                 EXPECT_EQ(documented.count(answered), 1u) << command.function << ": " << answered;
             }
     }

@@ -1,5 +1,6 @@
 #include "support.h"
 
+#include "base/json_reader.h"
 #include "contract/contract.h"
 #include "simulator/handlers.h"
 #include "simulator/layout.h"
@@ -21,7 +22,7 @@ TEST(LayoutTest, EveryRecordOfTheContractHasOneOfItsSize)
 {
     for (const contract::Contract& service : contract::all())
     {
-        for (const contract::Record& record : service.records)
+        for (const contract::RecordType& record : service.records)
             EXPECT_EQ(tarn::simulator::layout(record.name).size, record.size) << record.name;
         for (const contract::Event& event : service.events)
             EXPECT_GT(tarn::simulator::layout(event.name).size, 0u) << event.name;
@@ -144,11 +145,12 @@ TEST(LayoutTest, UnsoundLayoutsAreRefused)
     {
         try
         {
-            parseLayouts(
-                R"({"records": {"R": {"size": 8, "fields": [{"name": "a", "offset": 0, "size": 4, "type": "number"}, )" +
-                field + "]}}}");
+            parseLayouts(R"({"layouts": 1, "records": {"R": {"size": 8, "fields": [)"
+                         R"({"name": "a", "offset": 0, "size": 4, "type": "number"}, )" +
+                             field + "]}}}",
+                         "f");
         }
-        catch (const std::runtime_error& error)
+        catch (const tarn::base::JsonError& error)
         {
             return error.what();
         }
@@ -156,20 +158,22 @@ TEST(LayoutTest, UnsoundLayoutsAreRefused)
     };
     EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "number"})"), "");
     EXPECT_EQ(errorOf(R"({"name": "b", "offset": 0, "size": 4, "type": "number"})"),
-              "layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes");
+              "f: /records/R/fields/1/offset: 0; expected a field after the one before it and within the record's 8 bytes");
     EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 5, "type": "bytes"})"),
-              "layouts: /records/R/fields/1/offset: expected a field behind the one before it and within the record's 8 bytes");
+              "f: /records/R/fields/1/offset: 4; expected a field after the one before it and within the record's 8 bytes");
     EXPECT_EQ(errorOf(R"({"name": "a", "offset": 4, "size": 4, "type": "number"})"),
-              "layouts: /records/R/fields/1/name: expected a name that no earlier field has");
-    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 5, "size": 2, "type": "number"})"),
-              "layouts: /records/R/fields/1: expected a number of 1, 2 or 4 bytes at a multiple of its size, an address of 6 "
-              "bytes, or a "
-              "text or bytes of at least 1");
+              "f: /records/R/fields/1/name: \"a\"; expected a name that no earlier field has");
+    EXPECT_EQ(
+        errorOf(R"({"name": "b", "offset": 5, "size": 2, "type": "number"})"),
+        "f: /records/R/fields/1: {\"name\":\"b\",\"offset\":5,\"size\":2,\"type\":\"number\"}; expected a number of 1, 2 or 4 "
+        "bytes at a multiple of its size, an address of 6 bytes, or a text or bytes of at least 1");
     EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "word"})"),
-              "layouts: /records/R/fields/1/type: expected one of number, signed, text, bytes, address");
+              "f: /records/R/fields/1/type: \"word\"; expected one of number, signed, text, bytes, address");
     EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "type": "text"})"),
-              "layouts: /records/R/fields/1: expected an object with \"size\"");
-    EXPECT_THROW(parseLayouts("{"), std::runtime_error);
+              "f: /records/R/fields/1/size: missing; expected an integer from 0 to 65536");
+    EXPECT_EQ(errorOf(R"({"name": "b", "offset": 4, "size": 4, "type": "text", "units": "MHz"})"),
+              "f: /records/R/fields/1/units: unknown key (did you mean unit?); expected one of name, type, offset, size, unit");
+    EXPECT_THROW(parseLayouts("{", "f"), tarn::base::JsonError);
 }
 
 } // namespace simulator_test

@@ -199,8 +199,8 @@ TEST_F(ProcessTest, WrongUsageIsToldSo)
     EXPECT_NE(negative.rest().find("ready-fd"), std::string::npos);
     EXPECT_EQ(negative.wait(), 2);
     Program missing({"--scenario", directory_ + "/none.json"});
-    EXPECT_EQ(missing.line(),
-              "tarn-gateway: " + directory_ + "/none.json: cannot be read, or is empty; expected a scenario file");
+    EXPECT_EQ(missing.line(), "tarn-gateway: " + directory_ +
+                                  "/none.json: cannot be read: No such file or directory; expected a scenario file");
     EXPECT_EQ(missing.wait(), 1);
     Program help({"--help"});
     EXPECT_NE(help.rest().find("--scenario FILE"), std::string::npos);

@@ -1,5 +1,6 @@
 #include "support.h"
 
+#include "base/json_reader.h"
 #include "simulator/scenario.h"
 
 #include <fstream>
@@ -10,7 +11,6 @@ namespace simulator_test
 
 using tarn::simulator::Model;
 using tarn::simulator::readScenario;
-using tarn::simulator::ScenarioError;
 
 // A whole small scenario with the parts put in.
 std::string scenario(const std::string& radio = "", const std::string& interface = "", const std::string& top = "")
@@ -28,7 +28,7 @@ std::string errorOf(const std::string& text)
     {
         readScenario(text, "f", model);
     }
-    catch (const ScenarioError& error)
+    catch (const tarn::base::JsonError& error)
     {
         return error.what();
     }
@@ -56,32 +56,36 @@ TEST(ScenarioTest, ErrorsSayWhereAndWhatWasExpected)
               "band at 80 MHz "
               "in country eu");
     EXPECT_EQ(errorOf(scenario(R"(, "bandwidth": 30)")), "f: /radios/0/bandwidth: 30; expected one of 20, 40, 80, 160");
-    EXPECT_EQ(errorOf(scenario(R"(, "chains": 5)")), "f: /radios/0/chains: 5; expected a number from 1 to 4");
-    EXPECT_EQ(errorOf(scenario(R"(, "chains": "4")")), "f: /radios/0/chains: \"4\"; expected a number from 1 to 4");
-    EXPECT_EQ(errorOf(scenario(R"(, "chains": -1)")), "f: /radios/0/chains: -1; expected a number from 1 to 4");
-    EXPECT_EQ(errorOf(scenario(R"(, "noise": 5)")), "f: /radios/0/noise: 5; expected a number from -110 to -50");
+    EXPECT_EQ(errorOf(scenario(R"(, "chains": 5)")), "f: /radios/0/chains: 5; expected an integer from 1 to 4");
+    EXPECT_EQ(errorOf(scenario(R"(, "chains": "4")")), "f: /radios/0/chains: \"4\"; expected an integer from 1 to 4");
+    EXPECT_EQ(errorOf(scenario(R"(, "chains": -1)")), "f: /radios/0/chains: -1; expected an integer from 1 to 4");
+    EXPECT_EQ(errorOf(scenario(R"(, "noise": 5)")), "f: /radios/0/noise: 5; expected an integer from -110 to -50");
     EXPECT_EQ(errorOf(scenario(R"(, "supportsWds": 1)")), "f: /radios/0/supportsWds: 1; expected true or false");
     EXPECT_EQ(errorOf(scenario("", R"(, "ssid": "")")),
               "f: /radios/0/interfaces/0/ssid: \"\"; expected a text of 1 to 32 characters");
     EXPECT_EQ(errorOf(scenario("", R"(, "ssid": 7)")),
               "f: /radios/0/interfaces/0/ssid: 7; expected a text of 1 to 32 characters");
     EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{}])")),
-              "f: /radios/0/interfaces/0/stations/0/address: missing; expected it to be there");
+              "f: /radios/0/interfaces/0/stations/0/address: missing; expected a MAC address such as 02:00:00:00:01:05, no "
+              "group address");
     EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02-00" }])")),
               "f: /radios/0/interfaces/0/stations/0/address: \"02-00\"; expected a MAC address such as 02:00:00:00:01:05, no "
               "group address");
-    EXPECT_EQ(errorOf(scenario("", R"(, "stations": 3)")), "f: /radios/0/interfaces/0/stations: 3; expected a list of objects");
-    EXPECT_EQ(
-        errorOf(scenario("", R"(, "macFilter": ["02:00:00:00:00:01", "02:00:00:00:00:01"])")),
-        "f: /radios/0/interfaces/0/macFilter: [\"02:00:00:00:00:01\",\"02:00:00:00:00:01\"]; expected a list of at most 32 MAC "
-        "addresses such as 02:00:00:00:01:05, each once");
+    EXPECT_EQ(errorOf(scenario("", R"(, "stations": 3)")),
+              "f: /radios/0/interfaces/0/stations: 3; expected a list of at most 128 objects");
+    EXPECT_EQ(errorOf(scenario("", R"(, "macFilter": ["02:00:00:00:00:01", "02:00:00:00:00:01"])")),
+              "f: /radios/0/interfaces/0/macFilter/1: \"02:00:00:00:00:01\"; expected an address that is not in the list yet");
+    EXPECT_EQ(errorOf(scenario("", R"(, "macFilter": [7])")),
+              "f: /radios/0/interfaces/0/macFilter/0: 7; expected a MAC address such as 02:00:00:00:01:05, no group address");
+    EXPECT_EQ(errorOf(scenario("", R"(, "macFilter": 7)")),
+              "f: /radios/0/interfaces/0/macFilter: 7; expected a list of at most 32 elements");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "timing": { "scanSeconds": -1 })")),
               "f: /timing/scanSeconds: -1; expected a number of seconds from 0 to 86400");
     EXPECT_EQ(
         errorOf(scenario("", "", R"(, "smartWiFi": { "domains": [{ "id": "xyz" }] })")),
         "f: /smartWiFi/domains/0/id: \"xyz\"; expected a mobility domain, four hexadecimal digits, that no other domain has");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "module": { "scripts": [1] })")),
-              "f: /module/scripts: [1]; expected a list of texts of at most 32 characters");
+              "f: /module/scripts/0: 1; expected a text of at most 32 characters");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "module": { "bootParameters": { "a": 1 } })")),
               "f: /module/bootParameters/a: 1; expected a text of at most 128 characters");
 }
@@ -89,51 +93,62 @@ TEST(ScenarioTest, ErrorsSayWhereAndWhatWasExpected)
 TEST(ScenarioTest, UnknownKeysAreErrors)
 {
     const std::string error = errorOf(scenario(R"(, "chanel": 36)"));
-    EXPECT_EQ(error.find("f: /radios/0/chanel: unknown key; expected one of name, band, "), 0u) << error;
+    EXPECT_EQ(error.find("f: /radios/0/chanel: unknown key (did you mean channel?); expected one of name, band, "), 0u)
+        << error;
     EXPECT_NE(error.find(", channel, "), std::string::npos) << error;
     EXPECT_EQ(errorOf(scenario("", "", R"(, "smartWifi": {})")),
-              "f: /smartWifi: unknown key; expected one of scenario, description, supportsWfaAlliance, timing, service, "
+              "f: /smartWifi: unknown key (did you mean smartWiFi?); expected one of scenario, description, "
+              "supportsWfaAlliance, timing, service, "
               "module, radios, "
               "smartWiFi");
 }
 
 TEST(ScenarioTest, TextThatIsNoScenarioIsRefused)
 {
-    EXPECT_EQ(errorOf("{").find("f: byte "), 0u);
-    EXPECT_EQ(errorOf("[]"), "f: expected an object, { ... }");
-    EXPECT_EQ(errorOf("{}"), "f: /scenario: missing; expected it to be there");
-    EXPECT_EQ(errorOf(R"({"scenario": 2})"), "f: /scenario: 2; expected a number from 1 to 1");
-    EXPECT_EQ(errorOf(R"({"scenario": 1})"),
-              "f: /radios: missing; expected 1 to 8 of them, at least one with \"onModule\": true");
-    EXPECT_EQ(errorOf(R"({"scenario": 1, "scenario": 1})"),
-              "f: the key \"scenario\" stands twice in one object; expected it once");
+    EXPECT_EQ(errorOf("{").find("f: line 1, byte 2: not JSON: "), 0u);
+    EXPECT_EQ(errorOf("[]"), "f: []; expected an object");
+    EXPECT_EQ(errorOf("{}"), "f: /scenario: missing; expected 1");
+    EXPECT_EQ(errorOf(R"({"scenario": 2})"), "f: /scenario: 2; expected 1");
+    EXPECT_EQ(errorOf(R"({"scenario": 1})"), "f: /radios: missing; expected a list of 1 to 8 objects");
+    std::string without = scenario();
+    without.replace(without.find("true"), 4, "false");
+    EXPECT_EQ(
+        errorOf(without),
+        "f: /radios: [{\"name\":\"radio0\",\"band\":\"5GHz\",\"onModule\":false,\"interfaces...; expected at least one with "
+        "\"onModule\": true");
+    EXPECT_EQ(errorOf(R"({"scenario": 1, "scenario": 1})"), "f: /scenario: given twice; expected once");
     EXPECT_EQ(errorOf(R"({"scenario": 1, "radios": [{"name": "r", "band": "5GHz"}]})"),
-              "f: /radios/0/interfaces: missing; expected 1 to 8 of them");
+              "f: /radios/0/interfaces: missing; expected a list of 1 to 8 objects");
 }
 
 TEST(ScenarioTest, NamesAndAddressesStandForOneThing)
 {
     EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02:00:00:00:00:10" }])")),
-              "f: the address 02:00:00:00:00:10 stands there twice; expected it once in the whole gateway");
+              "f: /radios/0/interfaces/0/stations/0/address: \"02:00:00:00:00:10\"; expected an address that nothing else in "
+              "the gateway has");
     const std::string second = R"(, { "name": "wifi0", "bssid": "02:00:00:00:00:11" } ] } ] })";
     std::string twice = scenario();
     twice.replace(twice.rfind(" ] } ] }"), std::string::npos, second);
-    EXPECT_EQ(errorOf(twice), "f: the interface name wifi0 stands there twice; expected it once in the whole gateway");
+    EXPECT_EQ(errorOf(twice),
+              "f: /radios/0/interfaces/1/name: \"wifi0\"; expected a name that no other interface of the gateway has");
 }
 
 TEST(ScenarioTest, FileThatCannotBeReadIsToldSo)
 {
     const ManualClock clock;
     Model model(clock);
-    for (const std::string& path : {::testing::TempDir() + "no-such-scenario.json", ::testing::TempDir()})
+    const std::string missing = ::testing::TempDir() + "no-such-scenario.json";
+    const std::pair<std::string, std::string> kReasons[] = {{missing, "No such file or directory"},
+                                                            {::testing::TempDir(), "Is a directory"}};
+    for (const auto& [path, reason] : kReasons)
         try
         {
             readScenarioFile(path, model);
             ADD_FAILURE() << path;
         }
-        catch (const ScenarioError& error)
+        catch (const tarn::base::JsonError& error)
         {
-            EXPECT_EQ(error.what(), path + ": cannot be read, or is empty; expected a scenario file");
+            EXPECT_EQ(error.what(), path + ": cannot be read: " + reason + "; expected a scenario file");
         }
 }
 

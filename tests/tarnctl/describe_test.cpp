@@ -85,7 +85,7 @@ TEST_F(DescribeTest, EveryFunctionIsDescribed)
         EXPECT_EQ(document.at("command"), row.command->command);
         EXPECT_EQ(document.at("wait"), row.command->wait);
         EXPECT_EQ(document.at("length"), row.command->length);
-        EXPECT_EQ(document.at("status_offset"), row.command->status);
+        EXPECT_EQ(document.at("status_offset"), row.command->statusOffset());
         EXPECT_EQ(document.at("note"), row.command->note);
 
         ASSERT_EQ(document.at("arguments").size(), row.command->arguments.size());
@@ -122,7 +122,7 @@ TEST_F(DescribeTest, EveryTextNamesArgumentsMessagesAndOffsets)
         EXPECT_EQ(ran.exit, 0);
         EXPECT_EQ(ran.err, "");
         EXPECT_EQ(ran.out.rfind(row.command->function + "\n  " + row.command->description + "\n", 0), 0u);
-        EXPECT_NE(ran.out.find("at offset " + std::to_string(row.command->status)), std::string::npos);
+        EXPECT_NE(ran.out.find("at offset " + std::to_string(row.command->statusOffset())), std::string::npos);
         EXPECT_NE(ran.out.find(row.command->note), std::string::npos);
         for (const Argument& argument : row.command->arguments)
             EXPECT_NE(ran.out.find("\n  " + argument.name + " "), std::string::npos) << argument.name;

@@ -152,7 +152,7 @@ TEST_F(DryRunTest, FieldsCoverEveryMessageWithoutGapOrOverlap)
                 offsets[field.at("name")] = field.at("offset");
         }
         EXPECT_EQ(end, row.command->length);
-        EXPECT_EQ(offsets["(reply status)"], row.command->status);
+        EXPECT_EQ(offsets["(reply status)"], row.command->statusOffset());
         for (const Argument& argument : row.command->arguments)
         {
             const bool isInMessage = argument.encoding != Encoding::kSize && argument.encoding != Encoding::kNothing;

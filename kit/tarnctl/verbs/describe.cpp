@@ -115,7 +115,7 @@ void writeHead(const Console& console, const LibraryFunction& function)
         table.add({"command", std::to_string(command.command)});
         table.add({"wait", std::to_string(command.wait)});
         table.add({"length", std::to_string(command.length)});
-        table.add({"reply status", "at offset " + std::to_string(command.status)});
+        table.add({"reply status", "at offset " + std::to_string(command.statusOffset())});
         table.add({"result", "the reply status; " + std::to_string(result.rejected) + " for a refused argument, " +
                                  std::to_string(result.failed) + " for a failed IPC call, " + std::to_string(result.timedOut) +
                                  " for a time-out"});
@@ -210,7 +210,7 @@ Json functionDocument(const LibraryFunction& function)
     document["command"] = command.command;
     document["wait"] = command.wait;
     document["length"] = command.length;
-    document["status_offset"] = command.status;
+    document["status_offset"] = command.statusOffset();
     document["fields"] = Json::array();
     for (const MessageField& field : messageFields(function))
         document["fields"].push_back(fieldDocument(field));

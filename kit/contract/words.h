@@ -1,0 +1,13 @@
+// The words of the files, in the order of the enumerators.
+#pragma once
+
+namespace tarn::contract
+{
+
+inline constexpr const char* kTypeWords[] = {"u32", "u16", "u8", "text", "bytes", "record"};
+inline constexpr const char* kDirectionWords[] = {"in", "out"};
+inline constexpr const char* kEncodingWords[] = {"id",    "word",  "byte",   "inverted", "text",
+                                                 "block", "words", "record", "size",     "nothing"};
+inline constexpr const char* kWhenWords[] = {"null", "null or empty", "zero"};
+
+} // namespace tarn::contract
