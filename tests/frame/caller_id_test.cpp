@@ -1,4 +1,4 @@
-// Which caller ids are let through, and how they travel.
+// Which caller ids are accepted, and how they are passed on.
 #include "kor_iil_mock.hpp"
 #include "support/samples.h"
 #include "tarn_api.h"

@@ -1,4 +1,4 @@
-// Subscription to the device service's events, and its end.
+// Subscription to the device service's events, and its cancellation.
 #include "kor_iil_mock.hpp"
 #include "support/samples.h"
 #include "tarn_frame.h"
@@ -17,7 +17,7 @@ namespace
 using Function = decltype(&tarnSubscribeEvent);
 constexpr Function kBoth[] = {tarnSubscribeEvent, tarnCancelEvent};
 
-// Handlers get no context, so what they saw stands here.
+// Handlers get no context, so what they saw is counted here.
 unsigned seen = 0;
 
 void handler(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
@@ -53,7 +53,7 @@ TEST_F(Events, AreNumberedFromOneToFive)
     EXPECT_EQ(TARN_EVT_AP_WPS_WIN_STATUS_CHANGED, 5u);
 }
 
-// The number goes as it is, while ids in messages go less one.
+// The number is sent as it is, while ids in messages are sent less one.
 TEST_F(Events, AreSubscribedToAndCancelledByTheirNumber)
 {
     for (std::uint32_t evt = 1; evt <= 5; ++evt)
@@ -76,7 +76,7 @@ TEST_F(Events, ReachTheHandlerThatWasHandedOn)
     EXPECT_EQ(platform.deliver("TARN", 4, &data, sizeof data), 1u);
     EXPECT_EQ(seen, 1u);
 
-    // The scripted platform complains about the cancellation of a handler that it does not have.
+    // The scripted platform reports the cancellation of a handler that it does not have.
     EXPECT_EQ(tarnCancelEvent("ledd", 4, nullptr, handler), TARN_OK);
     EXPECT_EQ(platform.deliver("TARN", 4, &data, sizeof data), 0u);
     EXPECT_EQ(seen, 1u);
@@ -130,7 +130,7 @@ TEST_F(Events, NullCallerIdIsRejected)
     EXPECT_THAT(platform.traceTexts(), ElementsAre("handle is NULL", "handle is NULL"));
 }
 
-// The command functions name the caller id in this trace, these two do not.
+// The command functions name the caller id in this trace; these two do not.
 TEST_F(Events, InvalidCallerIdIsRejectedWithAFixedText)
 {
     const std::vector<char> endless(32, 'a');
@@ -165,7 +165,7 @@ TEST_F(Events, CallerIdIsCheckedBeforeTheNumber)
     EXPECT_THAT(platform.traceTexts(), ElementsAre("handle is NULL", "id is invalid", "handle is NULL", "id is invalid"));
 }
 
-// The command functions have a result of its own for a time-out, these two have not.
+// The command functions have a result of its own for a time-out; these two do not.
 TEST_F(Events, EveryIpcFailureGivesOneResultTheTimeOutIncluded)
 {
     for (const std::uint32_t status : {1u, 2u, 3u, 7u, 20u, 21u, 22u, 0xFFFFFFFFu})
@@ -225,7 +225,7 @@ TEST_F(Events, TracesCarryLevelTagAndALineOfTheFunction)
     EXPECT_NE(traces[3].line, traces[7].line);
 }
 
-// The library keeps no record of subscriptions, so it has no opinion on a second one.
+// The library keeps no record of subscriptions, so it cannot refuse a second one.
 TEST_F(Events, SecondSubscriptionIsHandedOnLikeTheFirst)
 {
     platform.expectSubscribe("TARN", 1);

@@ -30,7 +30,7 @@ struct Rate
     char bytes[64] = {};
 };
 
-// On the heap, so that a step outside is seen by an address sanitizer.
+// On the heap, so that an address sanitizer sees an access outside of it.
 class RateTable : public testing::Test
 {
 protected:
@@ -145,7 +145,7 @@ TEST_F(RateTable, SmallestAndLargestRatesAreLetIn)
 {
     EXPECT_EQ(add("1e-300"), TARN_RATE_ADDED);
     EXPECT_EQ(add("inf"), TARN_RATE_ADDED);
-    EXPECT_EQ(add("1e999"), TARN_RATE_ADDED); // infinite, too
+    EXPECT_EQ(add("1e999"), TARN_RATE_ADDED); // infinite
     EXPECT_EQ(table->count, 2);
 }
 
@@ -228,7 +228,7 @@ TEST_F(RateTable, CutTextHasTheValueOfItsFirst17Characters)
     EXPECT_EQ(del("12345678901234567"), TARN_RATE_DELETED);
 }
 
-// Such a slot has no NUL, and the next rate's text stands right behind it.
+// Such a slot has no NUL, and the next rate's text follows it directly.
 TEST_F(RateTable, FullSlotIsNotReadOnIntoTheNext)
 {
     EXPECT_EQ(add("10000000000000000"), TARN_RATE_ADDED);
@@ -278,7 +278,7 @@ TEST_F(RateTable, DeletingTheLastOfSeveralLeavesTheOthers)
     EXPECT_THAT(slot(2), Each('\0'));
 }
 
-// Two texts of one value can only stand in a table that was not built here.
+// Only a table that was not built here can have two texts of one value.
 TEST_F(RateTable, DeletingTakesTheFirstOfSeveralEqualRates)
 {
     table->count = 3;
@@ -335,7 +335,7 @@ TEST_F(RateTable, RateOfZeroThatStandsInTheTableCanBeDeleted)
     EXPECT_THAT(bytes(), Each(0));
 }
 
-// Whatever a table that was not built here holds behind its last rate, the slot that gets free is zero.
+// A table that was not built here may hold anything behind its last rate; the slot that becomes free is zero.
 TEST_F(RateTable, FreedSlotIsZeroWhateverStandsBehindIt)
 {
     std::memset(table->rates, '7', sizeof table->rates);

@@ -10,13 +10,14 @@ namespace
 TEST(IpcStatusName, EachStatusOfTheTableHasItsName)
 {
     ASSERT_EQ(tarn::test::kIpcStatusCount, 22u);
-    for (uint32_t status = 0; status != tarn::test::kIpcStatusCount; ++status)
+    for (std::uint32_t status = 0; status != tarn::test::kIpcStatusCount; ++status)
         EXPECT_STREQ(tarnIpcStatusName(status), tarn::test::kIpcStatusNames[status]) << status;
 }
 
 TEST(IpcStatusName, AnyOtherStatusIsUnknown)
 {
-    for (const uint32_t status : {22u, 23u, 24u, 31u, 32u, 255u, 256u, 263u, 0x10000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu})
+    for (const std::uint32_t status :
+         {22u, 23u, 24u, 31u, 32u, 255u, 256u, 263u, 0x10000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu})
         EXPECT_STREQ(tarnIpcStatusName(status), "Unknown") << status;
 }
 

@@ -1,4 +1,4 @@
-// Reads what the build wrote down about the libraries, and what the library's sources promise.
+// Reads what the build recorded about the libraries, and what the library's sources declare.
 #pragma once
 
 #include <cstdint>
@@ -29,8 +29,8 @@ std::set<std::string> neededLibraries();
 // Total size in bytes of all sections of libtarn.a whose name starts so.
 std::uint64_t sizeOfSections(const std::string& prefix);
 
-// Bytes of stack of each function of one unit, as the compiler worked them out. `unit` is a path below src/, without its
-// ending.
+// Bytes of stack of each function of one unit, as the compiler calculated them. `unit` is a path below src/, without its
+// extension.
 std::map<std::string, std::uint64_t> stackUsage(const std::string& unit);
 
 } // namespace facts
