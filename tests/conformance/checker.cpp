@@ -39,7 +39,7 @@ constexpr Placement kPlacements[] = {Placement::kFront, Placement::kBack};
 constexpr std::uint32_t kTimeout = 7;
 
 // What a parameter must be for an argument of the contract.
-std::string parameterMismatch(const Argument& argument, const ParameterType& parameter, std::uint32_t recordSize)
+std::string parameterDeviation(const Argument& argument, const ParameterType& parameter, std::uint32_t recordSize)
 {
     const auto number = [&](std::size_t size)
     {
@@ -103,34 +103,34 @@ std::string caseOf(const Style& style, Placement placement)
 
 } // namespace
 
-Checker::Checker(const tarn::contract::Contract& contractToHold, const tarn::contract::Command& commandToHold,
-                 const tarn::calling::Callable& functionToCheck)
-    : contract(contractToHold),
-      command(commandToHold),
-      function(functionToCheck),
-      lines(linesOf(commandToHold.function)),
-      callerArea(sharedArea(commandToHold.arguments.size()))
+Checker::Checker(const tarn::contract::Contract& contract, const tarn::contract::Command& command,
+                 const tarn::calling::Callable& function)
+    : contract_(contract),
+      command_(command),
+      function_(function),
+      lines_(linesOf(command.function)),
+      callerArea_(sharedArea(command.arguments.size()))
 {
 }
 
 template <typename Action>
-std::string Checker::mismatchIn(Action action)
+std::string Checker::deviationIn(Action action)
 {
     try
     {
-        doing.clear();
+        case_.clear();
         action();
     }
-    catch (const Mismatch& mismatch)
+    catch (const Deviation& deviation)
     {
-        return mismatch.text;
+        return deviation.text;
     }
     return "";
 }
 
 void Checker::fail(const std::string& text) const
 {
-    throw Mismatch{command.function + (doing.empty() ? "" : " (" + doing + ")") + ": " + text};
+    throw Deviation{command_.function + (case_.empty() ? "" : " (" + case_ + ")") + ": " + text};
 }
 
 void Checker::require(bool holds, const std::string& expected, const std::string& got) const
@@ -141,7 +141,7 @@ void Checker::require(bool holds, const std::string& expected, const std::string
 
 PreparedCall Checker::prepare(const Style& style, Placement placement) const
 {
-    return PreparedCall(contract, command, style, placement, kSomeSize, kSomeSize);
+    return PreparedCall(contract_, command_, style, placement, kSomeSize, kSomeSize);
 }
 
 std::int64_t Checker::call(const char* callerId, const PreparedCall& prepared)
@@ -152,9 +152,9 @@ std::int64_t Checker::call(const char* callerId, const PreparedCall& prepared)
         const char* callerId;
         const std::vector<tarn::calling::ArgumentValue>& values;
         std::int64_t result;
-    } context{function, callerId, prepared.values(), 0};
+    } context{function_, callerId, prepared.values(), 0};
 
-    recorder.clear();
+    recorder_.clear();
     const void* address = nullptr;
     const auto action = [](void* opaque)
     {
@@ -164,8 +164,8 @@ std::int64_t Checker::call(const char* callerId, const PreparedCall& prepared)
     if (!runTrapped(action, &context, &address))
     {
         std::ptrdiff_t offset = 0;
-        if (callerArea.covers(address, offset))
-            fail("touches byte " + std::to_string(offset) + " of a caller id of " + std::to_string(callerArea.runSize()) +
+        if (callerArea_.covers(address, offset))
+            fail("touches byte " + std::to_string(offset) + " of a caller id of " + std::to_string(callerArea_.runSize()) +
                  " bytes");
         const std::string place = prepared.describeAddress(address);
         fail("touches memory that is not its own: " + (place.empty() ? "none of the caller's" : place));
@@ -175,12 +175,12 @@ std::int64_t Checker::call(const char* callerId, const PreparedCall& prepared)
 
 void Checker::requireSent(const char* callerId, const PreparedCall& prepared) const
 {
-    const SentMessage& sent = recorder.sent;
-    require(recorder.sentCount == 1, "one message", std::to_string(recorder.sentCount));
-    require(sent.service == contract.service, "service " + contract.service, sent.service);
-    require(sent.command == command.command, "command " + std::to_string(command.command), std::to_string(sent.command));
-    require(sent.wait == command.wait, "wait " + std::to_string(command.wait), std::to_string(sent.wait));
-    require(sent.length == command.length, "a message of " + std::to_string(command.length), std::to_string(sent.length));
+    const SentMessage& sent = recorder_.sent;
+    require(recorder_.sentCount == 1, "one message", std::to_string(recorder_.sentCount));
+    require(sent.service == contract_.service, "service " + contract_.service, sent.service);
+    require(sent.command == command_.command, "command " + std::to_string(command_.command), std::to_string(sent.command));
+    require(sent.wait == command_.wait, "wait " + std::to_string(command_.wait), std::to_string(sent.wait));
+    require(sent.length == command_.length, "a message of " + std::to_string(command_.length), std::to_string(sent.length));
     require(sent.callerId == callerId, "the caller's own pointer as the caller id", "another one");
     require(sent.aligned, "a message at a multiple of 4", "one that is not");
 
@@ -194,59 +194,59 @@ void Checker::requireSent(const char* callerId, const PreparedCall& prepared) co
 
 void Checker::requireTrace(const std::string& format) const
 {
-    require(recorder.traceCount == 1, "one trace, \"" + format + "\"", std::to_string(recorder.traceCount));
-    require(recorder.trace.format == format, "the trace \"" + format + "\"", "\"" + recorder.trace.format + "\"");
-    require(recorder.trace.level == 1, "a trace of level 1", std::to_string(recorder.trace.level));
-    require(recorder.trace.tag == contract.traceTag, "the trace tag " + contract.traceTag, recorder.trace.tag);
-    require(lines.contain(recorder.trace.line),
-            "a line of the function in the trace, " + std::to_string(lines.first) + " to " + std::to_string(lines.last),
-            std::to_string(recorder.trace.line));
+    require(recorder_.traceCount == 1, "one trace, \"" + format + "\"", std::to_string(recorder_.traceCount));
+    require(recorder_.trace.format == format, "the trace \"" + format + "\"", "\"" + recorder_.trace.format + "\"");
+    require(recorder_.trace.level == 1, "a trace of level 1", std::to_string(recorder_.trace.level));
+    require(recorder_.trace.tag == contract_.traceTag, "the trace tag " + contract_.traceTag, recorder_.trace.tag);
+    require(lines_.contain(recorder_.trace.line),
+            "a line of the function in the trace, " + std::to_string(lines_.first) + " to " + std::to_string(lines_.last),
+            std::to_string(recorder_.trace.line));
 }
 
 void Checker::requireNoTrace() const
 {
-    require(recorder.traceCount == 0, "no trace", "\"" + recorder.trace.format + "\"");
+    require(recorder_.traceCount == 0, "no trace", "\"" + recorder_.trace.format + "\"");
 }
 
-void Checker::requireResult(std::int64_t expected, std::int64_t got) const
+void Checker::requireResult(std::int64_t result, std::int64_t expected) const
 {
-    require(expected == got, "the result " + std::to_string(expected), std::to_string(got));
+    require(result == expected, "the result " + std::to_string(expected), std::to_string(result));
 }
 
 void Checker::requireMemory(const PreparedCall& prepared, const std::vector<std::uint8_t>* reply) const
 {
-    if (const std::string text = prepared.memoryMismatch(reply); !text.empty())
+    if (const std::string text = prepared.memoryDeviation(reply); !text.empty())
         fail(text);
 }
 
 std::int64_t Checker::resultOf(std::uint32_t status) const
 {
-    return contract.result.isSigned ? std::int64_t{static_cast<std::int32_t>(status)} : std::int64_t{status};
+    return contract_.result.isSigned ? std::int64_t{static_cast<std::int32_t>(status)} : std::int64_t{status};
 }
 
 bool Checker::hasSizeArgument(Encoding encoding) const
 {
-    return std::any_of(command.arguments.begin(), command.arguments.end(),
+    return std::any_of(command_.arguments.begin(), command_.arguments.end(),
                        [&](const Argument& argument)
                        { return argument.encoding == encoding && !argument.sizeArgument.empty(); });
 }
 
 std::string Checker::signature()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
-            const std::vector<ParameterType>& parameters = *function.parameters;
-            require(parameters.size() == command.arguments.size(),
-                    std::to_string(command.arguments.size()) + " arguments behind the caller id",
+            const std::vector<ParameterType>& parameters = *function_.parameters;
+            require(parameters.size() == command_.arguments.size(),
+                    std::to_string(command_.arguments.size()) + " arguments behind the caller id",
                     std::to_string(parameters.size()));
-            require(function.signedResult == contract.result.isSigned,
-                    contract.result.isSigned ? "a signed result" : "an unsigned result", "the other");
+            require(function_.signedResult == contract_.result.isSigned,
+                    contract_.result.isSigned ? "a signed result" : "an unsigned result", "the other");
             for (std::size_t i = 0; i < parameters.size(); ++i)
             {
-                const Argument& argument = command.arguments[i];
-                const tarn::contract::RecordType* const record = contract.record(argument.record);
-                const std::string text = parameterMismatch(argument, parameters[i], record == nullptr ? 0 : record->size);
+                const Argument& argument = command_.arguments[i];
+                const tarn::contract::Record* const record = contract_.record(argument.record);
+                const std::string text = parameterDeviation(argument, parameters[i], record == nullptr ? 0 : record->size);
                 if (!text.empty())
                     fail(argument.name + ": " + text);
             }
@@ -255,20 +255,20 @@ std::string Checker::signature()
 
 std::string Checker::requests()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
-            recorder.answerWith(0, kNoReply);
+            recorder_.answerWith(0, kNoReply);
             for (const Placement placement : kPlacements)
                 for (const Style& style : kStyles)
                 {
-                    doing = caseOf(style, placement);
-                    const PreparedCall prepared(contract, command, style, placement, kSomeSize, kSomeSize);
+                    case_ = caseOf(style, placement);
+                    const PreparedCall prepared(contract_, command_, style, placement, kSomeSize, kSomeSize);
                     const std::vector<std::uint8_t> reply = prepared.expectedMessage();
                     const std::int64_t result = call(kCaller, prepared);
                     requireSent(kCaller, prepared);
                     requireNoTrace();
-                    requireResult(0, result);
+                    requireResult(result, 0);
                     requireMemory(prepared, &reply);
                 }
         });
@@ -277,34 +277,34 @@ std::string Checker::requests()
 void Checker::checkReply(const std::vector<std::uint8_t>& reply, Placement placement, std::uint32_t callerSize,
                          std::uint32_t bufferSize)
 {
-    const PreparedCall prepared(contract, command, kStyles[0], placement, callerSize, bufferSize);
-    recorder.answerWith(0, reply);
+    const PreparedCall prepared(contract_, command_, kStyles[0], placement, callerSize, bufferSize);
+    recorder_.answerWith(0, reply);
     const std::int64_t result = call(kCaller, prepared);
     std::uint32_t status = 0;
-    std::memcpy(&status, reply.data() + command.statusOffset(), sizeof status);
+    std::memcpy(&status, reply.data() + command_.status, sizeof status);
     requireSent(kCaller, prepared);
     requireNoTrace();
-    requireResult(resultOf(status), result);
+    requireResult(result, resultOf(status));
     requireMemory(prepared, &reply);
 }
 
 // Replies whose texts end everywhere around the end of the caller's buffer, and nowhere.
 void Checker::checkReplyTexts(std::uint32_t callerSize, std::uint32_t bufferSize)
 {
-    for (const Argument& argument : command.arguments)
+    for (const Argument& argument : command_.arguments)
     {
         if (argument.direction != Direction::kOut || argument.encoding != Encoding::kText)
             continue;
         const std::uint32_t size = argument.sizeArgument.empty() ? argument.size : callerSize;
         for (const std::uint32_t end : {0u, 1u, 20u, size - 2, size - 1, size, size + 1})
         {
-            std::vector<std::uint8_t> reply = filledReply(command.length, end);
-            if (end >= command.statusOffset() - argument.offset)
+            std::vector<std::uint8_t> reply = filledReply(command_.length, end);
+            if (end >= command_.status - argument.offset)
                 continue;
             reply[argument.offset + end] = 0;
             for (const Placement placement : kPlacements)
             {
-                doing = "a text that ends at " + std::to_string(end) + " for a buffer of " + std::to_string(size);
+                case_ = "a text that ends at " + std::to_string(end) + " for a buffer of " + std::to_string(size);
                 checkReply(reply, placement, callerSize, bufferSize);
             }
         }
@@ -315,9 +315,9 @@ void Checker::checkStatuses()
 {
     for (const std::uint32_t status : {0u, 1u, 2u, 3u, 7u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu, 0x01020304u})
     {
-        doing = "the reply status " + std::to_string(status);
-        std::vector<std::uint8_t> reply = filledReply(command.length, 5);
-        storeStatus(reply, command.statusOffset(), status);
+        case_ = "the reply status " + std::to_string(status);
+        std::vector<std::uint8_t> reply = filledReply(command_.length, 5);
+        storeStatus(reply, command_.status, status);
         checkReply(reply, Placement::kBack, kSomeSize, kSomeSize);
     }
 }
@@ -327,20 +327,20 @@ void Checker::checkHugeSizes()
 {
     if (!hasSizeArgument(Encoding::kText))
         return;
-    std::vector<std::uint8_t> reply = filledReply(command.length, 9);
-    for (const Argument& argument : command.arguments)
+    std::vector<std::uint8_t> reply = filledReply(command_.length, 9);
+    for (const Argument& argument : command_.arguments)
         if (argument.direction == Direction::kOut && argument.encoding == Encoding::kText)
             reply[argument.offset + 20] = 0;
     for (const std::uint32_t size : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu})
     {
-        doing = "a size of " + std::to_string(size);
+        case_ = "a size of " + std::to_string(size);
         checkReply(reply, Placement::kBack, size, 21);
     }
 }
 
 std::string Checker::replies()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
             std::vector<std::uint32_t> sizes = {kSomeSize};
@@ -350,17 +350,17 @@ std::string Checker::replies()
             {
                 for (const Placement placement : kPlacements)
                 {
-                    doing = "a reply without a zero for buffers of " + std::to_string(size);
-                    checkReply(filledReply(command.length, 0), placement, size, size);
-                    doing = "another reply without a zero for buffers of " + std::to_string(size);
-                    checkReply(filledReply(command.length, 128), placement, size, size);
+                    case_ = "a reply without a zero for buffers of " + std::to_string(size);
+                    checkReply(filledReply(command_.length, 0), placement, size, size);
+                    case_ = "another reply without a zero for buffers of " + std::to_string(size);
+                    checkReply(filledReply(command_.length, 128), placement, size, size);
                 }
                 checkReplyTexts(size, size);
             }
             for (const std::uint8_t byte : {std::uint8_t{0}, std::uint8_t{0xFF}})
             {
-                doing = "a reply of one byte, " + std::to_string(byte);
-                checkReply(std::vector<std::uint8_t>(command.length, byte), Placement::kBack, kSomeSize, kSomeSize);
+                case_ = "a reply of one byte, " + std::to_string(byte);
+                checkReply(std::vector<std::uint8_t>(command_.length, byte), Placement::kBack, kSomeSize, kSomeSize);
             }
             checkStatuses();
             checkHugeSizes();
@@ -369,25 +369,25 @@ std::string Checker::replies()
 
 std::string Checker::ipcFailures()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
             std::vector<std::uint32_t> statuses = {22, 100, 255, 256, 0x80000000u, 0xFFFFFFFFu};
             for (std::uint32_t status = 1; status < tarn::test::kIpcStatusCount; ++status)
                 statuses.push_back(status);
-            const std::vector<std::uint8_t> reply = filledReply(command.length, 77);
+            const std::vector<std::uint8_t> reply = filledReply(command_.length, 77);
             for (const std::uint32_t status : statuses)
             {
-                doing = "the IPC status " + std::to_string(status);
-                recorder.answerWith(status, reply);
+                case_ = "the IPC status " + std::to_string(status);
+                recorder_.answerWith(status, reply);
                 const PreparedCall prepared = prepare(kStyles[0], Placement::kBack);
                 const std::int64_t result = call(kCaller, prepared);
                 requireSent(kCaller, prepared);
                 requireTrace("fail to KorIilExecute(), err = %s");
-                const std::string name = recorder.trace.argument == nullptr ? "NULL" : recorder.trace.argument;
+                const std::string name = recorder_.trace.argument == nullptr ? "NULL" : recorder_.trace.argument;
                 require(name == tarn::test::ipcStatusName(status), std::string("the name ") + tarn::test::ipcStatusName(status),
                         name);
-                requireResult(status == kTimeout ? contract.result.timedOut : contract.result.failed, result);
+                requireResult(result, status == kTimeout ? contract_.result.timedOut : contract_.result.failed);
                 requireMemory(prepared, nullptr);
             }
         });
@@ -398,30 +398,30 @@ void Checker::checkRefusal(std::uint32_t failing, bool empty)
 {
     PreparedCall prepared = prepare(kStyles[0], Placement::kBack);
     std::string message; // of the first check that fails
-    doing = "refusing";
-    for (std::size_t i = 0; i < command.checks.size(); ++i)
+    case_ = "refusing";
+    for (std::size_t i = 0; i < command_.checks.size(); ++i)
     {
         if ((failing >> i & 1) == 0)
             continue;
-        prepared.violate(command.checks[i], empty);
-        doing += " " + command.checks[i].argument;
+        prepared.violate(command_.checks[i], empty);
+        case_ += " " + command_.checks[i].argument;
         if (message.empty())
-            message = command.checks[i].message;
+            message = command_.checks[i].message;
     }
     const std::int64_t result = call(kCaller, prepared);
-    require(recorder.sentCount == 0, "no message", std::to_string(recorder.sentCount));
+    require(recorder_.sentCount == 0, "no message", std::to_string(recorder_.sentCount));
     requireTrace(message);
-    requireResult(contract.result.rejected, result);
+    requireResult(result, contract_.result.rejected);
     requireMemory(prepared, nullptr);
 }
 
 std::string Checker::refusals()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
-            recorder.answerWith(0, kNoReply);
-            const std::uint32_t sets = 1u << command.checks.size();
+            recorder_.answerWith(0, kNoReply);
+            const std::uint32_t sets = 1u << command_.checks.size();
             for (std::uint32_t failing = 1; failing < sets; ++failing)
             {
                 checkRefusal(failing, false);
@@ -432,32 +432,32 @@ std::string Checker::refusals()
 
 std::string Checker::optionalPointers()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
             std::vector<std::string> optional;
-            for (const Argument& argument : command.arguments)
+            for (const Argument& argument : command_.arguments)
                 if (argument.optional)
                     optional.push_back(argument.name);
-            const std::vector<std::uint8_t> reply = filledReply(command.length, 33);
-            recorder.answerWith(0, reply);
+            const std::vector<std::uint8_t> reply = filledReply(command_.length, 33);
+            recorder_.answerWith(0, reply);
             std::uint32_t status = 0;
-            std::memcpy(&status, reply.data() + command.statusOffset(), sizeof status);
+            std::memcpy(&status, reply.data() + command_.status, sizeof status);
             const std::uint32_t sets = optional.empty() ? 0 : 1u << optional.size();
             for (std::uint32_t leftOut = 0; leftOut < sets; ++leftOut)
             {
                 PreparedCall prepared = prepare(kStyles[0], Placement::kBack);
-                doing = "leaving out";
+                case_ = "leaving out";
                 for (std::size_t i = 0; i < optional.size(); ++i)
                     if ((leftOut >> i & 1) != 0)
                     {
                         prepared.omit(optional[i]);
-                        doing += " " + optional[i];
+                        case_ += " " + optional[i];
                     }
                 const std::int64_t result = call(kCaller, prepared);
                 requireSent(kCaller, prepared);
                 requireNoTrace();
-                requireResult(resultOf(status), result);
+                requireResult(result, resultOf(status));
                 requireMemory(prepared, &reply);
             }
         });
@@ -467,65 +467,65 @@ void Checker::checkRefusedCallerId(const char* callerId, const std::string& form
 {
     PreparedCall prepared = prepare(kStyles[0], Placement::kBack);
     if (othersWrong)
-        for (const Check& check : command.checks)
+        for (const Check& check : command_.checks)
             prepared.violate(check, false);
     const std::int64_t result = call(callerId, prepared);
-    require(recorder.sentCount == 0, "no message", std::to_string(recorder.sentCount));
+    require(recorder_.sentCount == 0, "no message", std::to_string(recorder_.sentCount));
     requireTrace(format);
     if (format.find("%s") != std::string::npos)
-        require(recorder.trace.argument == callerId, "the caller's own pointer in the trace", "another one");
-    requireResult(contract.result.rejected, result);
+        require(recorder_.trace.argument == callerId, "the caller's own pointer in the trace", "another one");
+    requireResult(result, contract_.result.rejected);
     requireMemory(prepared, nullptr);
 }
 
 void Checker::checkCallerId(const std::vector<std::uint8_t>& bytes, Placement placement, bool valid)
 {
-    const std::uint8_t* const run = callerArea.place(bytes.size(), placement);
-    callerArea.put(bytes.data(), bytes.size());
+    const std::uint8_t* const run = callerArea_.place(bytes.size(), placement);
+    callerArea_.put(bytes.data(), bytes.size());
     const char* const callerId = reinterpret_cast<const char*>(run);
     if (!valid)
     {
-        checkRefusedCallerId(callerId, contract.invalidCaller, false);
-        checkRefusedCallerId(callerId, contract.invalidCaller, true);
+        checkRefusedCallerId(callerId, contract_.invalidCaller, false);
+        checkRefusedCallerId(callerId, contract_.invalidCaller, true);
         return;
     }
     const PreparedCall prepared = prepare(kStyles[0], Placement::kBack);
     const std::int64_t result = call(callerId, prepared);
     requireSent(callerId, prepared);
     requireNoTrace();
-    requireResult(0, result);
+    requireResult(result, 0);
 }
 
 std::string Checker::callerIds()
 {
-    return mismatchIn(
+    return deviationIn(
         [&]
         {
-            recorder.answerWith(0, kNoReply);
-            doing = "a null caller id";
+            recorder_.answerWith(0, kNoReply);
+            case_ = "a null caller id";
             checkRefusedCallerId(nullptr, "handle is NULL", false);
             checkRefusedCallerId(nullptr, "handle is NULL", true);
 
             // Only the first byte has to be a printable character.
             for (unsigned first = 0; first < 256; ++first)
             {
-                doing = "a caller id whose first byte is " + std::to_string(first);
+                case_ = "a caller id whose first byte is " + std::to_string(first);
                 checkCallerId({static_cast<std::uint8_t>(first), 0}, Placement::kBack, first >= 32 && first < 128);
             }
-            doing = "an empty caller id at the end of a page";
+            case_ = "an empty caller id at the end of a page";
             checkCallerId({0}, Placement::kBack, false);
-            doing = "a caller id with all kinds of bytes";
+            case_ = "a caller id with all kinds of bytes";
             checkCallerId({'a', 1, 0x80, 0xFF, '%', 's', 0}, Placement::kBack, true);
 
             for (const Placement placement : kPlacements)
                 for (const std::size_t length : {1u, 2u, 30u, 31u, 32u, 33u, 200u})
                 {
-                    doing = "a caller id of " + std::to_string(length) + " characters";
+                    case_ = "a caller id of " + std::to_string(length) + " characters";
                     std::vector<std::uint8_t> id(length + 1, 'i');
                     id.back() = 0;
                     checkCallerId(id, placement, length < 32);
                 }
-            doing = "32 characters at the end of a page and no NUL";
+            case_ = "32 characters at the end of a page and no NUL";
             checkCallerId(std::vector<std::uint8_t>(32, 'i'), Placement::kBack, false);
         });
 }
@@ -534,16 +534,16 @@ std::string Checker::everything()
 {
     for (const auto check : {&Checker::signature, &Checker::requests, &Checker::replies, &Checker::ipcFailures,
                              &Checker::refusals, &Checker::optionalPointers, &Checker::callerIds})
-        if (std::string mismatch = (this->*check)(); !mismatch.empty())
-            return mismatch;
+        if (std::string deviation = (this->*check)(); !deviation.empty())
+            return deviation;
     return "";
 }
 
 Checker::Site Checker::failureSite()
 {
-    recorder.answerWith(1, kNoReply);
+    recorder_.answerWith(1, kNoReply);
     call(kCaller, prepare(kStyles[0], Placement::kBack));
-    return {recorder.trace.tag, recorder.trace.line};
+    return {recorder_.trace.tag, recorder_.trace.line};
 }
 
 } // namespace conformance

@@ -1,7 +1,7 @@
 // Holds one function against its row of the contract.
 //
-// Each check drives the function through every case it stands for and returns what is wrong with the first one that fails,
-// or an empty text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
+// Each check drives the function through all of its cases and reports the first deviation from the contract, or returns an empty
+// text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
 #pragma once
 
 #include "calling/calling.h"
@@ -44,7 +44,7 @@ public:
     // Every kind of caller id.
     std::string callerIds();
 
-    // All of the above, in that order, up to the first mismatch.
+    // All of the above, in that order, up to the first deviation.
     std::string everything();
 
     // Source unit and line of the trace that an IPC failure writes.
@@ -56,13 +56,13 @@ public:
     Site failureSite();
 
 private:
-    struct Mismatch
+    struct Deviation
     {
         std::string text;
     };
 
     template <typename Action>
-    std::string mismatchIn(Action action);
+    std::string deviationIn(Action action);
     [[noreturn]] void fail(const std::string& text) const;
     void require(bool holds, const std::string& expected, const std::string& got) const;
 
@@ -72,7 +72,7 @@ private:
     void requireSent(const char* callerId, const PreparedCall& prepared) const;
     void requireTrace(const std::string& format) const;
     void requireNoTrace() const;
-    void requireResult(std::int64_t expected, std::int64_t got) const;
+    void requireResult(std::int64_t result, std::int64_t expected) const;
     void requireMemory(const PreparedCall& prepared, const std::vector<std::uint8_t>* reply) const;
 
     std::int64_t resultOf(std::uint32_t status) const;
@@ -86,13 +86,13 @@ private:
     void checkRefusedCallerId(const char* callerId, const std::string& format, bool othersWrong);
     bool hasSizeArgument(tarn::contract::Encoding encoding) const;
 
-    const tarn::contract::Contract& contract;
-    const tarn::contract::Command& command;
-    const tarn::calling::Callable& function;
-    const FunctionLines& lines;
-    std::string doing; // the case at hand, for mismatches
-    Recorder recorder;
-    GuardedArea& callerArea;
+    const tarn::contract::Contract& contract_;
+    const tarn::contract::Command& command_;
+    const tarn::calling::Callable& function_;
+    const FunctionLines& lines_;
+    std::string case_; // the one at hand, for the report
+    Recorder recorder_;
+    GuardedArea& callerArea_;
 };
 
 } // namespace conformance

@@ -70,15 +70,16 @@ void addAlterationsOfArguments(const contract::Command& command, std::vector<Alt
             alterations.push_back(
                 {argument.name + ": " + what, [i, alter](contract::Contract& it) { alter(it.commands[0].arguments[i]); }});
         };
-        const bool stands = argument.encoding != contract::Encoding::kSize && argument.encoding != contract::Encoding::kNothing;
-        if (stands)
+        const bool isInMessage =
+            argument.encoding != contract::Encoding::kSize && argument.encoding != contract::Encoding::kNothing;
+        if (isInMessage)
         {
             add("offset + 4", [](contract::Argument& it) { it.offset += 4; });
             add("offset + 1", [](contract::Argument& it) { it.offset += 1; });
             add("offset - 1", [](contract::Argument& it) { it.offset -= 1; }); // 0 wraps to what the reader refuses
             add("offset - 4", [](contract::Argument& it) { it.offset -= 4; });
         }
-        if (stands && argument.sizeArgument.empty())
+        if (isInMessage && argument.sizeArgument.empty())
         {
             add("size + 1", [](contract::Argument& it) { it.size += 1; });
             add("size - 1", [](contract::Argument& it) { it.size -= 1; });
@@ -88,7 +89,7 @@ void addAlterationsOfArguments(const contract::Command& command, std::vector<Alt
         for (const contract::Encoding encoding :
              {contract::Encoding::kId, contract::Encoding::kWord, contract::Encoding::kInverted, contract::Encoding::kByte,
               contract::Encoding::kText, contract::Encoding::kBlock, contract::Encoding::kNothing})
-            if (encoding != argument.encoding && stands && !sendsTheSame(argument, encoding))
+            if (encoding != argument.encoding && isInMessage && !sendsTheSame(argument, encoding))
                 add(std::string("encoding ") + toString(encoding),
                     [encoding](contract::Argument& it)
                     {
@@ -98,7 +99,7 @@ void addAlterationsOfArguments(const contract::Command& command, std::vector<Alt
         for (const contract::Type type :
              {contract::Type::kU32, contract::Type::kU16, contract::Type::kU8, contract::Type::kText, contract::Type::kBytes})
             // A pointer to one byte is a pointer to bytes, and of nothing there is no more to be seen.
-            if (type != argument.type && (stands || type != contract::Type::kU8))
+            if (type != argument.type && (isInMessage || type != contract::Type::kU8))
                 add(std::string("type ") + toString(type), [type](contract::Argument& it) { it.type = type; });
     }
     for (std::size_t i = 0; i + 1 < command.arguments.size(); ++i)
@@ -144,8 +145,8 @@ void addAlterationsOfChecks(const contract::Command& command, std::vector<Altera
                                    [name = argument.name](contract::Contract& it)
                                    {
                                        contract::Command& altered = it.commands[0];
-                                       for (contract::Argument& each : altered.arguments)
-                                           each.optional = each.optional && each.name != name;
+                                       for (contract::Argument& other : altered.arguments)
+                                           other.optional = other.optional && other.name != name;
                                        altered.checks.push_back({name, contract::When::kNull, name + " is NULL"});
                                    }});
 }
@@ -183,24 +184,23 @@ TEST_P(AlteredRow, IsNoticed)
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, AlteredRow, testing::ValuesIn(contract::rows()),
-                         [](const auto& each) { return each.param.command->function; });
+                         [](const auto& test) { return test.param.command->function; });
 
-TEST(AlteredRow, MismatchNamesFunctionOffsetExpectedAndGot)
+TEST(AlteredRow, ReportNamesFunctionOffsetExpectedAndGot)
 {
     contract::Contract altered = only(contract::find("TarnSetLogLevel"));
     altered.commands[0].arguments[0].offset = 4;
-    const std::string mismatch = Checker(altered, altered.commands[0], *calling::find("TarnSetLogLevel")).everything();
-    EXPECT_THAT(mismatch, testing::StartsWith("TarnSetLogLevel (numbers 0"));
-    EXPECT_THAT(mismatch, testing::HasSubstr("the message differs at offset 0: expected 0, got "));
+    const std::string report = Checker(altered, altered.commands[0], *calling::find("TarnSetLogLevel")).everything();
+    EXPECT_THAT(report, testing::StartsWith("TarnSetLogLevel (numbers 0"));
+    EXPECT_THAT(report, testing::HasSubstr("the message differs at offset 0: expected 0, got "));
 }
 
-TEST(AlteredRow, MismatchNamesTheOutput)
+TEST(AlteredRow, ReportNamesTheOutput)
 {
     contract::Contract altered = only(contract::find("TarnGetLogLevel"));
     altered.commands[0].arguments[0].offset = 0;
-    const std::string mismatch = Checker(altered, altered.commands[0], *calling::find("TarnGetLogLevel")).everything();
-    EXPECT_THAT(mismatch,
-                testing::HasSubstr("TarnGetLogLevel (a reply without a zero for buffers of 48): level[0]: expected "));
+    const std::string report = Checker(altered, altered.commands[0], *calling::find("TarnGetLogLevel")).everything();
+    EXPECT_THAT(report, testing::HasSubstr("TarnGetLogLevel (a reply without a zero for buffers of 48): level[0]: expected "));
 }
 
 } // namespace

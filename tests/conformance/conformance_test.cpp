@@ -41,7 +41,7 @@ TEST_P(Conformance, OfTheFunction)
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, Conformance, testing::ValuesIn(contract::rows()),
-                         [](const auto& each) { return each.param.command->function; });
+                         [](const auto& test) { return test.param.command->function; });
 
 // A trace record shows a source unit's tag and a line, and nothing else tells which function failed.
 TEST(FailureTraces, TellEveryFunctionFromEveryOther)

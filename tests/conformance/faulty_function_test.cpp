@@ -99,7 +99,7 @@ bool isCallerId(const char* id)
     return false;
 }
 
-const char* mismatchAboutArguments(const char* name, const char* value)
+const char* refusalOfArguments(const char* name, const char* value)
 {
     if (makes(Mistake::kChecksInOtherOrder) && value == nullptr)
         return "param_value is NULL";
@@ -110,17 +110,17 @@ const char* mismatchAboutArguments(const char* name, const char* value)
 
 bool refused(const char* id, const char* name, const char* value)
 {
-    const char* mismatch = mismatchAboutArguments(name, value);
-    if (!makes(Mistake::kChecksCallerIdLast) || mismatch == nullptr)
+    const char* text = refusalOfArguments(name, value);
+    if (!makes(Mistake::kChecksCallerIdLast) || text == nullptr)
     {
         if (id == nullptr)
-            mismatch = "handle is NULL";
+            text = "handle is NULL";
         else if (!isCallerId(id))
-            mismatch = "handle is invalid";
+            text = "handle is invalid";
     }
-    if (mismatch != nullptr)
-        trace(mismatch, nullptr);
-    return mismatch != nullptr;
+    if (text != nullptr)
+        trace(text, nullptr);
+    return text != nullptr;
 }
 
 void fill(unsigned char* message, const char* name, std::uint32_t parameter)
@@ -204,7 +204,7 @@ std::int64_t getParameter(const char* id, char* name, std::uint32_t parameter, c
     return makes(Mistake::kReturnsOwnStatus) && status != 0 ? -1 : static_cast<std::int32_t>(status);
 }
 
-std::string mismatch()
+std::string report()
 {
     const contract::Row row = contract::find(kModel);
     calling::Callable function = *calling::find(kModel);
@@ -220,7 +220,7 @@ struct Case
 {
     Mistake mistake;
     const char* name;
-    const char* mismatch;
+    const char* report;
 };
 
 class FaultyFunction : public testing::TestWithParam<Case>
@@ -239,7 +239,7 @@ TEST_P(FaultyFunction, IsNoticed)
         GTEST_SKIP() << "the thread sanitizer does not come back from a second memory fault";
 #endif
     mistake = GetParam().mistake;
-    EXPECT_THAT(mismatch(), testing::HasSubstr(GetParam().mismatch));
+    EXPECT_THAT(report(), testing::HasSubstr(GetParam().report));
 }
 
 const Case kCases[] = {
@@ -280,11 +280,11 @@ const Case kCases[] = {
     {Mistake::kReturnsOwnStatus, "ReturnsOwnStatus", "expected the result"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Each, FaultyFunction, testing::ValuesIn(kCases), [](const auto& each) { return each.param.name; });
+INSTANTIATE_TEST_SUITE_P(Each, FaultyFunction, testing::ValuesIn(kCases), [](const auto& test) { return test.param.name; });
 
 TEST(FaultyFunction, IsTakenWithoutAMistake)
 {
-    EXPECT_EQ(mismatch(), "");
+    EXPECT_EQ(report(), "");
 }
 
 } // namespace

@@ -37,12 +37,12 @@ public:
 
     std::uint8_t* run() const
     {
-        return start;
+        return start_;
     }
 
     std::size_t runSize() const
     {
-        return size;
+        return size_;
     }
 
     // Whether run and margin hold anything but `expected` at the run's start and what `place` and `put` left everywhere else;
@@ -61,15 +61,15 @@ public:
 private:
     bool differs(const std::uint8_t* at, const std::uint8_t* expected, std::size_t count, Difference& difference) const;
 
-    std::uint8_t* mapping;
-    std::size_t mappingSize;
-    std::uint8_t* first; // of the accessible bytes
-    std::size_t accessible;
-    std::uint8_t* watched = nullptr;
-    std::size_t watchedSize = 0;
-    std::uint8_t* start = nullptr;
-    std::size_t size = 0;
-    std::uint8_t* shadow; // what watched bytes should hold, same size as the accessible ones
+    std::uint8_t* mapping_;
+    std::size_t mappingSize_;
+    std::uint8_t* first_; // of the accessible bytes
+    std::size_t accessible_;
+    std::uint8_t* watched_ = nullptr;
+    std::size_t watchedSize_ = 0;
+    std::uint8_t* start_ = nullptr;
+    std::size_t size_ = 0;
+    std::uint8_t* shadow_; // what watched bytes should hold, same size as the accessible ones
 };
 
 // The index-th of the areas that all calls share, one after the other: making one takes a while.

@@ -67,13 +67,13 @@ void storeWord(std::vector<std::uint8_t>& message, std::uint32_t offset, std::ui
 
 } // namespace
 
-PreparedCall::PreparedCall(const tarn::contract::Contract& contractOfCommand, const tarn::contract::Command& commandToCall,
-                           const Style& style, Placement placement, std::uint32_t callerSize, std::uint32_t bufferSize)
-    : contract(contractOfCommand), command(commandToCall), sizeFromCaller(callerSize), bufferBytes(bufferSize)
+PreparedCall::PreparedCall(const tarn::contract::Contract& contract, const tarn::contract::Command& command, const Style& style,
+                           Placement placement, std::uint32_t callerSize, std::uint32_t bufferSize)
+    : contract_(contract), command_(command), callerSize_(callerSize), bufferSize_(bufferSize)
 {
-    for (std::size_t i = 0; i < command.arguments.size(); ++i)
+    for (std::size_t i = 0; i < command_.arguments.size(); ++i)
     {
-        const Argument& argument = command.arguments[i];
+        const Argument& argument = command_.arguments[i];
         Slot slot;
         slot.argument = &argument;
         tarn::calling::ArgumentValue value;
@@ -81,7 +81,7 @@ PreparedCall::PreparedCall(const tarn::contract::Contract& contractOfCommand, co
         {
             value.number = argument.encoding == Encoding::kSize ? callerSize : numberFor(style, i);
             const bool mustNotBeZero =
-                std::any_of(command.checks.begin(), command.checks.end(),
+                std::any_of(command_.checks.begin(), command_.checks.end(),
                             [&](const Check& check) { return check.argument == argument.name && check.when == When::kZero; });
             if (mustNotBeZero && value.number == 0)
                 value.number = 1;
@@ -95,18 +95,18 @@ PreparedCall::PreparedCall(const tarn::contract::Contract& contractOfCommand, co
             if (argument.direction == Direction::kOut)
                 size = argument.encoding == Encoding::kNothing ? kUnwrittenBytes
                        : argument.sizeArgument.empty()         ? argument.size
-                                                               : bufferBytes;
+                                                               : bufferSize_;
             value.pointer = slot.area->place(size, placement);
             slot.area->put(slot.input.data(), slot.input.size());
         }
-        slots.push_back(slot);
-        passed.push_back(value);
+        slots_.push_back(slot);
+        passed_.push_back(value);
     }
 }
 
 PreparedCall::Slot& PreparedCall::slotOf(const std::string& argument)
 {
-    for (Slot& slot : slots)
+    for (Slot& slot : slots_)
         if (slot.argument->name == argument)
             return slot;
     throw std::runtime_error("no argument " + argument);
@@ -116,7 +116,7 @@ void PreparedCall::omit(const std::string& argument)
 {
     Slot& slot = slotOf(argument);
     slot.omitted = true;
-    passed[static_cast<std::size_t>(&slot - slots.data())].pointer = nullptr;
+    passed_[static_cast<std::size_t>(&slot - slots_.data())].pointer = nullptr;
 }
 
 void PreparedCall::violate(const Check& check, bool empty)
@@ -124,7 +124,7 @@ void PreparedCall::violate(const Check& check, bool empty)
     Slot& slot = slotOf(check.argument);
     if (check.when == When::kZero)
     {
-        passed[static_cast<std::size_t>(&slot - slots.data())].number = 0;
+        passed_[static_cast<std::size_t>(&slot - slots_.data())].number = 0;
     }
     else if (check.when == When::kNullOrEmpty && empty)
     {
@@ -144,7 +144,7 @@ std::vector<std::uint8_t> PreparedCall::inputBytes(const Argument& argument, std
     {
         std::size_t length = textLength(style, argument.size);
         const bool mustNotBeEmpty = std::any_of(
-            command.checks.begin(), command.checks.end(),
+            command_.checks.begin(), command_.checks.end(),
             [&](const Check& check) { return check.argument == argument.name && check.when == When::kNullOrEmpty; });
         if (mustNotBeEmpty && length == 0)
             length = 1;
@@ -168,7 +168,7 @@ std::vector<std::uint8_t> PreparedCall::inputBytes(const Argument& argument, std
 void PreparedCall::fill(const Slot& slot, std::size_t index, std::vector<std::uint8_t>& message) const
 {
     const Argument& argument = *slot.argument;
-    std::uint32_t number = passed[index].number;
+    std::uint32_t number = passed_[index].number;
     if (argument.type == Type::kU8)
         number &= 0xFF;
     else if (argument.type == Type::kU16)
@@ -205,10 +205,10 @@ void PreparedCall::fill(const Slot& slot, std::size_t index, std::vector<std::ui
 
 std::vector<std::uint8_t> PreparedCall::expectedMessage() const
 {
-    std::vector<std::uint8_t> message(command.length);
-    for (std::size_t i = 0; i < slots.size(); ++i)
-        if (slots[i].argument->direction == Direction::kIn && !slots[i].omitted)
-            fill(slots[i], i, message);
+    std::vector<std::uint8_t> message(command_.length);
+    for (std::size_t i = 0; i < slots_.size(); ++i)
+        if (slots_[i].argument->direction == Direction::kIn && !slots_[i].omitted)
+            fill(slots_[i], i, message);
     return message;
 }
 
@@ -218,12 +218,12 @@ std::vector<std::uint8_t> PreparedCall::expectedOutput(const Slot& slot, const s
     const Argument& argument = *slot.argument;
     if (argument.encoding == Encoding::kNothing)
         return {};
-    const std::uint32_t size = argument.sizeArgument.empty() ? argument.size : sizeFromCaller;
+    const std::uint32_t size = argument.sizeArgument.empty() ? argument.size : callerSize_;
     if (argument.encoding == Encoding::kText)
     {
         if (size == 0)
             return {};
-        const std::uint32_t end = contract.service == "QTN_RPC_PROXY" ? kProxyResultEnd : command.statusOffset();
+        const std::uint32_t end = contract_.service == "QTN_RPC_PROXY" ? kProxyResultEnd : command_.status;
         const std::uint32_t most = std::min(end - argument.offset, size - 1);
         const auto from = reply.begin() + argument.offset;
         std::vector<std::uint8_t> text(from, std::find(from, from + most, std::uint8_t{0}));
@@ -235,9 +235,9 @@ std::vector<std::uint8_t> PreparedCall::expectedOutput(const Slot& slot, const s
     return bytes;
 }
 
-std::string PreparedCall::memoryMismatch(const std::vector<std::uint8_t>* reply) const
+std::string PreparedCall::memoryDeviation(const std::vector<std::uint8_t>* reply) const
 {
-    for (const Slot& slot : slots)
+    for (const Slot& slot : slots_)
     {
         if (slot.area == nullptr)
             continue;
@@ -256,7 +256,7 @@ std::string PreparedCall::memoryMismatch(const std::vector<std::uint8_t>* reply)
 
 std::string PreparedCall::describeAddress(const void* address) const
 {
-    for (const Slot& slot : slots)
+    for (const Slot& slot : slots_)
     {
         std::ptrdiff_t offset = 0;
         if (slot.area != nullptr && slot.area->covers(address, offset))

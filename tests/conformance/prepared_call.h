@@ -62,7 +62,7 @@ public:
 
     const std::vector<tarn::calling::ArgumentValue>& values() const
     {
-        return passed;
+        return passed_;
     }
 
     // The message as it must be sent.
@@ -70,7 +70,7 @@ public:
 
     // What is wrong in the caller's memory after a call that wrote this reply, or that wrote nothing if `reply` is null; empty
     // if nothing is.
-    std::string memoryMismatch(const std::vector<std::uint8_t>* reply) const;
+    std::string memoryDeviation(const std::vector<std::uint8_t>* reply) const;
 
     // "1 byte behind ifname" ...; empty if the address lies near no argument.
     std::string describeAddress(const void* address) const;
@@ -89,12 +89,12 @@ private:
     void fill(const Slot& slot, std::size_t index, std::vector<std::uint8_t>& message) const;
     std::vector<std::uint8_t> expectedOutput(const Slot& slot, const std::vector<std::uint8_t>& reply) const;
 
-    const tarn::contract::Contract& contract;
-    const tarn::contract::Command& command;
-    std::uint32_t sizeFromCaller;
-    std::uint32_t bufferBytes;
-    std::vector<Slot> slots;
-    std::vector<tarn::calling::ArgumentValue> passed;
+    const tarn::contract::Contract& contract_;
+    const tarn::contract::Command& command_;
+    std::uint32_t callerSize_;
+    std::uint32_t bufferSize_;
+    std::vector<Slot> slots_;
+    std::vector<tarn::calling::ArgumentValue> passed_;
 };
 
 } // namespace conformance

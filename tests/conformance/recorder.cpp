@@ -32,8 +32,8 @@ Recorder::~Recorder()
 
 void Recorder::answerWith(std::uint32_t ipcStatus, const std::vector<std::uint8_t>& reply)
 {
-    status = ipcStatus;
-    answer = &reply;
+    status_ = ipcStatus;
+    answer_ = &reply;
 }
 
 void Recorder::clear()
@@ -57,9 +57,9 @@ std::uint32_t Recorder::execute(void* context, const char* callerId, const char*
     sent.aligned = reinterpret_cast<std::uintptr_t>(msg) % 4 == 0;
     const auto* const bytes = static_cast<const std::uint8_t*>(msg);
     sent.bytes.assign(bytes, bytes + msgLen);
-    if (recorder.answer != nullptr && !recorder.answer->empty())
-        std::memcpy(msg, recorder.answer->data(), std::min<std::size_t>(msgLen, recorder.answer->size()));
-    return recorder.status;
+    if (recorder.answer_ != nullptr && !recorder.answer_->empty())
+        std::memcpy(msg, recorder.answer_->data(), std::min<std::size_t>(msgLen, recorder.answer_->size()));
+    return recorder.status_;
 }
 
 } // namespace conformance

@@ -53,8 +53,8 @@ private:
     static std::uint32_t execute(void* context, const char* callerId, const char* serviceId, std::uint32_t wait,
                                  std::uint32_t cmdId, std::uint32_t msgLen, void* msg);
 
-    std::uint32_t status = 0;
-    const std::vector<std::uint8_t>* answer = nullptr;
+    std::uint32_t status_ = 0;
+    const std::vector<std::uint8_t>* answer_ = nullptr;
 };
 
 } // namespace conformance
