@@ -245,7 +245,7 @@ std::string Checker::signature()
             for (std::size_t i = 0; i < parameters.size(); ++i)
             {
                 const Argument& argument = command_.arguments[i];
-                const tarn::contract::Record* const record = contract_.record(argument.record);
+                const tarn::contract::RecordType* const record = contract_.record(argument.record);
                 const std::string text = parameterDeviation(argument, parameters[i], record == nullptr ? 0 : record->size);
                 if (!text.empty())
                     fail(argument.name + ": " + text);
@@ -281,7 +281,7 @@ void Checker::checkReply(const std::vector<std::uint8_t>& reply, Placement place
     recorder_.answerWith(0, reply);
     const std::int64_t result = call(kCaller, prepared);
     std::uint32_t status = 0;
-    std::memcpy(&status, reply.data() + command_.status, sizeof status);
+    std::memcpy(&status, reply.data() + command_.statusOffset(), sizeof status);
     requireSent(kCaller, prepared);
     requireNoTrace();
     requireResult(result, resultOf(status));
@@ -299,7 +299,7 @@ void Checker::checkReplyTexts(std::uint32_t callerSize, std::uint32_t bufferSize
         for (const std::uint32_t end : {0u, 1u, 20u, size - 2, size - 1, size, size + 1})
         {
             std::vector<std::uint8_t> reply = filledReply(command_.length, end);
-            if (end >= command_.status - argument.offset)
+            if (end >= command_.statusOffset() - argument.offset)
                 continue;
             reply[argument.offset + end] = 0;
             for (const Placement placement : kPlacements)
@@ -317,7 +317,7 @@ void Checker::checkStatuses()
     {
         case_ = "the reply status " + std::to_string(status);
         std::vector<std::uint8_t> reply = filledReply(command_.length, 5);
-        storeStatus(reply, command_.status, status);
+        storeStatus(reply, command_.statusOffset(), status);
         checkReply(reply, Placement::kBack, kSomeSize, kSomeSize);
     }
 }
@@ -442,7 +442,7 @@ std::string Checker::optionalPointers()
             const std::vector<std::uint8_t> reply = filledReply(command_.length, 33);
             recorder_.answerWith(0, reply);
             std::uint32_t status = 0;
-            std::memcpy(&status, reply.data() + command_.status, sizeof status);
+            std::memcpy(&status, reply.data() + command_.statusOffset(), sizeof status);
             const std::uint32_t sets = optional.empty() ? 0 : 1u << optional.size();
             for (std::uint32_t leftOut = 0; leftOut < sets; ++leftOut)
             {

@@ -1,7 +1,7 @@
 // Holds one function against its row of the contract.
 //
-// Each check drives the function through all of its cases and reports the first deviation from the contract, or returns an empty
-// text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
+// Each check drives the function through all of its cases and reports the first deviation from the contract, or returns an
+// empty text. It asserts nothing, so that it can itself be tested against rows and functions that are wrong.
 #pragma once
 
 #include "calling/calling.h"

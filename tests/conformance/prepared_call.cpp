@@ -223,7 +223,7 @@ std::vector<std::uint8_t> PreparedCall::expectedOutput(const Slot& slot, const s
     {
         if (size == 0)
             return {};
-        const std::uint32_t end = contract_.service == "QTN_RPC_PROXY" ? kProxyResultEnd : command_.status;
+        const std::uint32_t end = contract_.service == "QTN_RPC_PROXY" ? kProxyResultEnd : command_.statusOffset();
         const std::uint32_t most = std::min(end - argument.offset, size - 1);
         const auto from = reply.begin() + argument.offset;
         std::vector<std::uint8_t> text(from, std::find(from, from + most, std::uint8_t{0}));
