@@ -5,6 +5,7 @@
 #include "trace.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <sys/socket.h>
@@ -88,3 +89,8 @@ std::uint32_t socketAddress(const std::string& path, sockaddr_un& address)
 }
 
 } // namespace koriil
+
+uint32_t KorIilRuntimeDirectory(char* path, uint32_t size)
+{
+    return static_cast<uint32_t>(std::snprintf(path, size, "%s", koriil::chosenDirectory().c_str()));
+}

@@ -3,13 +3,34 @@
 #include "kor_iil_service.h"
 #include "tarn_frame.h"
 
+#include <array>
 #include <utility>
+
+// Only libkoriil has such a directory: the gateway's own IPC library need not have the function.
+#pragma weak KorIilRuntimeDirectory
 
 namespace tarn::ctl
 {
 
 namespace
 {
+
+struct OutcomeText
+{
+    const char* name;
+    ExitCode exitCode;
+};
+
+// In the order of CallOutcome.
+constexpr std::array<OutcomeText, 7> kOutcomes = {{
+    {"done", ExitCode::kSuccess},
+    {"rejected", ExitCode::kRejected},
+    {"no-service", ExitCode::kNoService},
+    {"timed-out", ExitCode::kTimedOut},
+    {"ipc-failed", ExitCode::kIpcFailed},
+    {"service-status", ExitCode::kServiceStatus},
+    {"no", ExitCode::kOther},
+}};
 
 LocalResult invoke(const LibraryFunction& function, const char* callerId, const std::vector<calling::ArgumentValue>& values)
 {
@@ -134,46 +155,22 @@ CallOutcome outcomeOf(const Report& report)
 
 ExitCode exitCodeOf(CallOutcome outcome)
 {
-    switch (outcome)
-    {
-    case CallOutcome::kDone:
-        return ExitCode::kSuccess;
-    case CallOutcome::kRejected:
-        return ExitCode::kRejected;
-    case CallOutcome::kNoService:
-        return ExitCode::kNoService;
-    case CallOutcome::kTimedOut:
-        return ExitCode::kTimedOut;
-    case CallOutcome::kIpcFailed:
-        return ExitCode::kIpcFailed;
-    case CallOutcome::kServiceStatus:
-        return ExitCode::kServiceStatus;
-    case CallOutcome::kNo:
-        break;
-    }
-    return ExitCode::kOther;
+    return kOutcomes.at(static_cast<std::size_t>(outcome)).exitCode;
 }
 
 const char* toString(CallOutcome outcome)
 {
-    switch (outcome)
-    {
-    case CallOutcome::kDone:
-        return "done";
-    case CallOutcome::kRejected:
-        return "rejected";
-    case CallOutcome::kNoService:
-        return "no-service";
-    case CallOutcome::kTimedOut:
-        return "timed-out";
-    case CallOutcome::kIpcFailed:
-        return "ipc-failed";
-    case CallOutcome::kServiceStatus:
-        return "service-status";
-    case CallOutcome::kNo:
-        break;
-    }
-    return "no";
+    return kOutcomes.at(static_cast<std::size_t>(outcome)).name;
+}
+
+std::string inRuntimeDirectory()
+{
+    if (KorIilRuntimeDirectory == nullptr)
+        return "";
+    std::string path(KorIilRuntimeDirectory(nullptr, 0) + 1, '\0');
+    KorIilRuntimeDirectory(path.data(), static_cast<std::uint32_t>(path.size()));
+    path.pop_back();
+    return " in " + path;
 }
 
 std::string failureText(const Report& report)
@@ -186,7 +183,7 @@ std::string failureText(const Report& report)
     case CallOutcome::kRejected:
         return rejection(report);
     case CallOutcome::kNoService:
-        return ipcFailure(report, "no service " + service + " is running");
+        return ipcFailure(report, "no service " + service + " is running" + inRuntimeDirectory());
     case CallOutcome::kTimedOut:
         return ipcFailure(report, report.function->kind == FunctionKind::kEvent
                                       ? "service " + service + " did not confirm in time"

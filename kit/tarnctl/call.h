@@ -74,6 +74,9 @@ CallOutcome outcomeOf(std::uint32_t ipcStatus);
 ExitCode exitCodeOf(CallOutcome outcome);
 const char* toString(CallOutcome outcome);
 
+// " in DIRECTORY", where the IPC library looks for services; empty if it has no such directory.
+std::string inRuntimeDirectory();
+
 // One sentence about a call that failed; empty for one that succeeded.
 std::string failureText(const Report& report);
 

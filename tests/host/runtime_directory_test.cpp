@@ -91,6 +91,20 @@ TEST_F(RuntimeDirectoryTest, SlashesAtTheEndDoNotMatter)
     EXPECT_EQ(chosen(), directory());
 }
 
+TEST_F(RuntimeDirectoryTest, ItsPathCanBeAsked)
+{
+    const std::string path = directory() + "/new";
+    use(path + "/");
+    std::vector<char> text(path.size() + 2, 'x');
+    EXPECT_EQ(KorIilRuntimeDirectory(text.data(), static_cast<std::uint32_t>(path.size() + 1)), path.size());
+    EXPECT_EQ(std::string(text.data()), path);
+    EXPECT_EQ(text.back(), 'x');
+    EXPECT_EQ(KorIilRuntimeDirectory(text.data(), 4), path.size());
+    EXPECT_EQ(std::string(text.data()), path.substr(0, 3));
+    EXPECT_EQ(KorIilRuntimeDirectory(nullptr, 0), path.size());
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
 TEST_F(RuntimeDirectoryTest, OneWhoseParentIsMissingIsRefused)
 {
     expectRefused(directory() + "/missing/new");

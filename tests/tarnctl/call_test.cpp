@@ -232,7 +232,7 @@ TEST_F(CallTest, NoService)
     }
     const Ran ran = run({"call", "TarnGetLogLevel"});
     EXPECT_EQ(ran.out, "");
-    EXPECT_EQ(ran.err, "tarnctl: no service TARN is running: UNKNOWN_DST_ID (IPC status 9; result 1)\n");
+    EXPECT_EQ(ran.err, "tarnctl: no service TARN is running in " + directory + ": UNKNOWN_DST_ID (IPC status 9; result 1)\n");
 }
 
 TEST_F(CallTest, TimeOut)

@@ -110,7 +110,7 @@ TEST_F(EventsTest, NoService)
 {
     const Ran ran = run({"events", "1"});
     EXPECT_EQ(ran.exit, 4);
-    EXPECT_EQ(ran.err, "tarnctl: no service TARN is running: UNKNOWN_DST_ID (IPC status 9; result 1)\n");
+    EXPECT_EQ(ran.err, "tarnctl: no service TARN is running in " + directory + ": UNKNOWN_DST_ID (IPC status 9; result 1)\n");
 }
 
 TEST_F(EventsTest, AServiceWithoutTheEvent)

@@ -190,6 +190,12 @@ TEST_F(EverydayTest, Publish)
     EXPECT_EQ(sent.data[2], 0x00);
 }
 
+TEST_F(EverydayTest, PublishWithoutAGateway)
+{
+    EXPECT_EQ(run({"publish", "1"}).err, "tarnctl: no simulated gateway is running in " + directory +
+                                             " (only that one publishes on request): UNKNOWN_DST_ID (IPC status 9)\n");
+}
+
 TEST_F(EverydayTest, PublishRefused)
 {
     const Service control(TARN_GATEWAY_SERVICE, gateway(TARN_GATEWAY_NO_SUCH_OBJECT));

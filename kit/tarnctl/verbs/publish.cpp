@@ -41,9 +41,9 @@ TarnGatewayPublish messageFor(const contract::Event& event, const Bytes& data)
 ExitCode ipcFailure(const Console& console, std::uint32_t status)
 {
     const CallOutcome outcome = outcomeOf(status);
-    const std::string why = outcome == CallOutcome::kNoService
-                                ? "no simulated gateway is running (only that one publishes on request)"
-                                : "the simulated gateway cannot be asked";
+    const std::string why = outcome == CallOutcome::kNoService ? "no simulated gateway is running" + inRuntimeDirectory() +
+                                                                     " (only that one publishes on request)"
+                                                               : "the simulated gateway cannot be asked";
     return console.fail(exitCodeOf(outcome),
                         why + ": " + tarnIpcStatusName(status) + " (IPC status " + std::to_string(status) + ")");
 }
