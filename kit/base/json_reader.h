@@ -1,7 +1,7 @@
 // A JSON document, read value by value.
 //
-// Whatever is not as expected is a JsonError that says in which file and where in it (as a JSON pointer), what was found and what
-// was expected: "lamps.json: /rooms/0/level: 12; expected an integer from 0 to 10".
+// Whatever is not as expected is a JsonError that says in which file and where in it (as a JSON pointer), what was found and
+// what was expected: "lamps.json: /rooms/0/level: 12; expected an integer from 0 to 10".
 //
 //     const base::JsonDocument document = base::parseJson(text, "lamps.json");
 //     base::JsonObject lamp = document.root().object();

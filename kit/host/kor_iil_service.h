@@ -84,8 +84,8 @@ uint32_t KorIilServicePublish(KorIilService* service, uint32_t evt, const void* 
  * that opened the service, it only frees the child's copy. */
 void KorIilServiceClose(KorIilService* service);
 
-/* Where services and callers meet: writes the path of the runtime directory into `size` bytes, cut if it does not fit, with a NUL
- * in any case (nothing for size 0). Returns the length of the whole path. The directory is neither made nor checked. */
+/* Where services and callers meet: writes the path of the runtime directory into `size` bytes, cut if it does not fit, with a
+ * NUL in any case (nothing for size 0). Returns the length of the whole path. The directory is neither made nor checked. */
 uint32_t KorIilRuntimeDirectory(char* path, uint32_t size);
 
 #ifdef __cplusplus
