@@ -39,9 +39,9 @@ namespace ${NAMESPACE}
 const std::vector<tarn::base::EmbeddedFile>& embeddedFiles()
 {
     using namespace std::string_view_literals;
-    static const std::vector<tarn::base::EmbeddedFile> files = {
+    static const std::vector<tarn::base::EmbeddedFile> kFiles = {
 ${table}    };
-    return files;
+    return kFiles;
 }
 
 } // namespace ${NAMESPACE}

@@ -143,6 +143,7 @@ std::vector<JsonValue> JsonValue::elements(std::size_t most) const
     if (json_ == nullptr || !json_->is_array() || json_->size() > most)
         fail(limited("a list", 0, most, "elements"));
     std::vector<JsonValue> elements;
+    elements.reserve(json_->size());
     for (std::size_t i = 0; i < json_->size(); ++i)
         elements.emplace_back(&(*json_)[i], place_.element(i));
     return elements;
@@ -170,6 +171,7 @@ std::vector<JsonObject> JsonValue::objects(std::size_t least, std::size_t most) 
     if (json_ == nullptr || !json_->is_array() || json_->size() < least || json_->size() > most)
         fail(least == 0 && most == kNoLimit ? "a list of objects" : limited("a list", least, most, "objects"));
     std::vector<JsonObject> objects;
+    objects.reserve(json_->size());
     for (std::size_t i = 0; i < json_->size(); ++i)
         objects.push_back(JsonValue(&(*json_)[i], place_.element(i)).object());
     return objects;

@@ -97,10 +97,10 @@ public:
     }
 
     // The enumerator whose word is the text. The words are in the order of the enumerators, from 0.
-    template <typename Enumeration, std::size_t Count>
-    Enumeration oneOf(const char* const (&words)[Count]) const
+    template <typename Enumeration, std::size_t count>
+    Enumeration oneOf(const char* const (&words)[count]) const
     {
-        return static_cast<Enumeration>(indexIn({words, words + Count}));
+        return static_cast<Enumeration>(indexIn({words, words + count}));
     }
 
     // What `parse` makes of the text; it returns a std::optional, empty for one that it refuses.

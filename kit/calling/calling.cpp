@@ -73,8 +73,8 @@ struct Signature
 {
     static const std::vector<ParameterType>& parameters()
     {
-        static const std::vector<ParameterType> described = {describe<Arguments>()...};
-        return described;
+        static const std::vector<ParameterType> kDescribed = {describe<Arguments>()...};
+        return kDescribed;
     }
 
     static std::int64_t invoke(AnyFunction function, const char* callerId, const ArgumentValue* values)
@@ -83,12 +83,12 @@ struct Signature
     }
 
 private:
-    template <std::size_t... Index>
+    template <std::size_t... index>
     static std::int64_t spread(AnyFunction function, const char* callerId, [[maybe_unused]] const ArgumentValue* values,
-                               std::index_sequence<Index...>)
+                               std::index_sequence<index...>)
     {
         const auto typed = reinterpret_cast<Result (*)(const char*, Arguments...)>(function);
-        return typed(callerId, unpack<Arguments>(values[Index])...);
+        return typed(callerId, unpack<Arguments>(values[index])...);
     }
 };
 
@@ -117,25 +117,25 @@ std::int64_t Callable::call(const char* callerId, const ArgumentValue* values, s
 
 const std::vector<Callable>& all()
 {
-    static const std::vector<Callable> callables = {
+    static const std::vector<Callable> kCallables = {
 #define TARN_FUNCTION(name) entry(#name, &(name)),
 #include "exported_functions.inc"
 #undef TARN_FUNCTION
     };
-    return callables;
+    return kCallables;
 }
 
 const Callable* find(std::string_view name)
 {
-    static const std::unordered_map<std::string_view, const Callable*> byName = []
+    static const std::unordered_map<std::string_view, const Callable*> kByName = []
     {
         std::unordered_map<std::string_view, const Callable*> result;
         for (const Callable& function : all())
             result.emplace(function.name, &function);
         return result;
     }();
-    const auto found = byName.find(name);
-    return found == byName.end() ? nullptr : found->second;
+    const auto found = kByName.find(name);
+    return found == kByName.end() ? nullptr : found->second;
 }
 
 } // namespace tarn::calling

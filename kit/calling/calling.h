@@ -29,8 +29,7 @@ enum class ParameterKind
 struct ParameterType
 {
     ParameterKind kind = ParameterKind::kNumber;
-    std::size_t size =
-        0; // bytes of the number or record; for a pointer, of what it points to: 0 for void, 1 for a char or a byte
+    std::size_t size = 0;     // bytes of the number or record, or of what the pointer points to: 0 for void
     bool isConst = false;     // pointer to const
     bool isCharacter = false; // pointer to char
     bool isRecord = false;    // a struct, by value or behind the pointer

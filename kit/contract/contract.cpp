@@ -34,18 +34,18 @@ std::vector<Contract> readEmbedded()
 
 const std::unordered_map<std::string_view, Row>& rowsByName()
 {
-    static const std::unordered_map<std::string_view, Row> byName = []
+    static const std::unordered_map<std::string_view, Row> kByName = []
     {
         std::unordered_map<std::string_view, Row> result;
         for (const Row& row : rows())
             result.emplace(row.command->function, row);
         return result;
     }();
-    return byName;
+    return kByName;
 }
 
-template <typename Enumeration, std::size_t Count>
-const char* wordOf(const char* const (&words)[Count], Enumeration value)
+template <typename Enumeration, std::size_t count>
+const char* wordOf(const char* const (&words)[count], Enumeration value)
 {
     return words[static_cast<std::size_t>(value)];
 }
@@ -78,13 +78,13 @@ const RecordType* Contract::record(std::string_view name) const
 
 const std::vector<Contract>& all()
 {
-    static const std::vector<Contract> contracts = readEmbedded();
-    return contracts;
+    static const std::vector<Contract> kContracts = readEmbedded();
+    return kContracts;
 }
 
 const std::vector<Row>& rows()
 {
-    static const std::vector<Row> everyRow = []
+    static const std::vector<Row> kRows = []
     {
         std::vector<Row> result;
         for (const Contract& contract : all())
@@ -92,7 +92,7 @@ const std::vector<Row>& rows()
                 result.push_back({&contract, &command});
         return result;
     }();
-    return everyRow;
+    return kRows;
 }
 
 Row find(std::string_view function)

@@ -23,14 +23,6 @@ TEST(Contracts, AreTheThreeServicesInOrder)
     EXPECT_EQ(contract::all()[2].service, "QTN_MIRROR");
 }
 
-TEST(Contracts, HoldEveryFunction)
-{
-    EXPECT_THAT(contract::all()[0].commands, SizeIs(115));
-    EXPECT_THAT(contract::all()[1].commands, SizeIs(128));
-    EXPECT_THAT(contract::all()[2].commands, SizeIs(4));
-    EXPECT_THAT(contract::rows(), SizeIs(247));
-}
-
 TEST(Contracts, AreSound)
 {
     for (const contract::Contract& service : contract::all())
