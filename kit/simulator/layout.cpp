@@ -95,14 +95,15 @@ std::vector<Layout> parseLayouts(std::string_view text, const std::string& fileN
 
 const std::vector<Layout>& layouts()
 {
-    static const std::vector<Layout> all = parseLayouts(base::embeddedText(embeddedFiles(), "layouts.json"), "layouts.json");
-    return all;
+    static const std::vector<Layout> kLayouts =
+        parseLayouts(base::embeddedText(embeddedFiles(), "layouts.json"), "layouts.json");
+    return kLayouts;
 }
 
 const Layout& layout(std::string_view name)
 {
     const std::vector<Layout>& all = layouts();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const Layout& each) { return each.name == name; });
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Layout& candidate) { return candidate.name == name; });
     if (found == all.end())
         throw std::logic_error("no layout " + std::string(name));
     return *found;
@@ -166,9 +167,11 @@ std::int32_t Record::signedNumber(std::string_view name) const
 {
     const Field& place = field(name, FieldType::kSigned);
     const std::uint32_t value = load(place);
-    return place.size == 4   ? static_cast<std::int32_t>(value)
-           : place.size == 2 ? static_cast<std::int16_t>(value)
-                             : static_cast<std::int8_t>(value);
+    if (place.size == 1)
+        return static_cast<std::int8_t>(value);
+    if (place.size == 2)
+        return static_cast<std::int16_t>(value);
+    return static_cast<std::int32_t>(value);
 }
 
 std::string Record::text(std::string_view name) const
