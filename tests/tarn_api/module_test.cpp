@@ -100,13 +100,6 @@ TEST_F(Module, PathOf300CharactersIsCutTo256)
     EXPECT_EQ(TarnDownloadQuantennaWirelessConf("ledd", letters(300).c_str()), 0u);
 }
 
-TEST_F(Module, PathIsSentUpToItsNul)
-{
-    const char path[64] = "/a\0left over";
-    expectCommand(39, kControl).text(4, 257, "/a");
-    EXPECT_EQ(TarnDownloadQuantennaWirelessConf("ledd", path), 0u);
-}
-
 TEST_F(Module, NullAndEmptyPathAreInvalidAlike)
 {
     EXPECT_EQ(TarnDownloadQuantennaWirelessConf("ledd", nullptr), TARN_REJECTED);

@@ -49,18 +49,7 @@ TEST_F(SmartWifi, PropagationWaitsTheLongest)
     EXPECT_EQ(TarnDoQuantennaSmartWiFiCfgPropagation("ledd"), 5u);
 }
 
-TEST_F(SmartWifi, VersionsHaveAShortMessage)
-{
-    expectCommand(81, kVersion).replyText(4, "2.1").replyWord(72, 5);
-    expectCommand(82, kVersion).replyText(4, "2.2-daemon").replyWord(72, 6);
-
-    Output<65> version;
-    EXPECT_EQ(TarnGetQuantennaSmartWiFiVersion("ledd", version.text()), 5u);
-    EXPECT_STREQ(version.text(), "2.1");
-    EXPECT_EQ(TarnGetQuantennaSmartWiFiDaemonVersion("ledd", version.text()), 6u);
-    EXPECT_STREQ(version.text(), "2.2-daemon");
-}
-
+// Their message is the short one of the chip module.
 TEST_F(SmartWifi, VersionsWithoutNulAreCutTo64Characters)
 {
     replyNonZero(expectCommand(81, kVersion), kVersion);

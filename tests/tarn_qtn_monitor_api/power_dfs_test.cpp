@@ -16,11 +16,11 @@ TEST_F(PowerDfs, MonitorModeCrossesItsFirstTwoValues)
 
 TEST_F(PowerDfs, BackoffSendsTheLowByteOfEachValueAsAWord)
 {
-    const std::uint32_t wide[] = {0x1FF, 0x100, 0x2A};
+    const auto low = [](std::uint32_t value) { return static_cast<std::uint8_t>(value); };
     expectOnWifi0(81).word(68, 0xFF).word(104, 0x00).word(1144, 0x2A);
-    EXPECT_EQ(tarn_qcsapi_reg_chan_txpower_backoff_set("ledd", kWifi0, static_cast<std::uint8_t>(wide[0]),
-                                                       static_cast<std::uint8_t>(wide[1]), static_cast<std::uint8_t>(wide[2])),
-              0);
+    expectOnWifi0(81).word(68, 0x00).word(104, 0x2A).word(1144, 0xFF);
+    EXPECT_EQ(tarn_qcsapi_reg_chan_txpower_backoff_set("ledd", kWifi0, low(0x1FF), low(0x100), low(0x2A)), 0);
+    EXPECT_EQ(tarn_qcsapi_reg_chan_txpower_backoff_set("ledd", kWifi0, low(0x100), low(0x2A), low(0x1FF)), 0);
 }
 
 TEST_F(PowerDfs, PowerCapNamesNoInterface)

@@ -36,11 +36,6 @@ TEST_F(ScanParameterThermal, ScanIsStartedAndWatched)
     expectWordsFrom({kOut}, 103, tarn_qcsapi_wifi_get_results_AP_scan);
 }
 
-TEST_F(ScanParameterThermal, WpsIsCancelledByTheInterfaceAlone)
-{
-    expectNumbersAt({}, 107, tarn_qcsapi_wps_cancel);
-}
-
 // Buffers of exactly 33 bytes, neither with a NUL.
 TEST_F(ScanParameterThermal, SecurityAgentSends33BytesOfEachTextAsTheyStand)
 {
