@@ -19,6 +19,7 @@ constexpr char kNullWord[] = "null";
 std::vector<std::string> parameterNames(const LibraryFunction& function)
 {
     std::vector<std::string> names;
+    names.reserve(function.parameters.size());
     for (const FunctionParameter& parameter : function.parameters)
         names.push_back(parameter.name);
     return names;
@@ -163,6 +164,7 @@ std::vector<std::int64_t> PreparedArgument::numbers() const
 std::vector<calling::ArgumentValue> PreparedArguments::values()
 {
     std::vector<calling::ArgumentValue> values;
+    values.reserve(all.size());
     for (PreparedArgument& argument : all)
         values.push_back({argument.number, argument.isNull || argument.buffer.empty() ? nullptr : argument.buffer.data()});
     return values;

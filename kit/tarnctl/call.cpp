@@ -46,17 +46,22 @@ LocalResult invoke(const LibraryFunction& function, const char* callerId, const 
 
 std::string ipcFailure(const Report& report, const std::string& what)
 {
-    const std::uint32_t status = *report.seen.ipcStatus;
+    const std::uint32_t status = report.seen.ipcStatus.value_or(KOR_IIL_OK);
     return what + ": " + tarnIpcStatusName(status) + " (IPC status " + std::to_string(status) + "; result " +
            std::to_string(report.result.number) + ")";
 }
 
 std::string rejection(const Report& report)
 {
-    const std::string text = report.function->kind == FunctionKind::kLocal ? report.result.meaning
-                             : report.seen.traces.empty()                  ? "it did not say which"
-                                                                           : report.seen.traces.back().text;
-    const std::string nothingSent = report.function->kind == FunctionKind::kLocal ? "" : "; nothing was sent";
+    std::string text = "it did not say which";
+    std::string nothingSent = "; nothing was sent";
+    if (report.function->kind == FunctionKind::kLocal)
+    {
+        text = report.result.meaning;
+        nothingSent.clear();
+    }
+    else if (!report.seen.traces.empty())
+        text = report.seen.traces.back().text;
     return report.function->name + " refused an argument: " + text + " (result " + std::to_string(report.result.number) +
            nothingSent + ")";
 }
@@ -98,7 +103,7 @@ Report perform(const LibraryFunction& function, PreparedArguments arguments, con
     report.callerId = callerId;
     report.arguments = std::move(arguments);
 
-    Observer observer(passage);
+    const Observer observer(passage);
     report.result = invoke(function, callerId ? callerId->c_str() : nullptr, report.arguments.values());
     report.seen = observer.seen;
     report.outcome = outcomeOf(report);
@@ -109,6 +114,7 @@ Report perform(const std::string& function, const std::vector<std::string>& assi
 {
     const LibraryFunction& named = functionNamed(function);
     std::vector<Assignment> given;
+    given.reserve(assignments.size());
     for (const std::string& text : assignments)
         given.push_back(assignment(text, false));
     return perform(named, prepare(named, given));

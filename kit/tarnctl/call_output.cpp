@@ -106,8 +106,8 @@ void writeResult(const Console& console, const Report& report)
 
 Json outputDocument(const PreparedArgument& output)
 {
-    static const char* const types[] = {"number", "text", "bytes", "record", "address"};
-    Json document = {{"type", types[static_cast<std::size_t>(output.parameter->form)]}};
+    static const char* const kTypes[] = {"number", "text", "bytes", "record", "address"};
+    Json document = {{"type", kTypes[static_cast<std::size_t>(output.parameter->form)]}};
     if (output.isNull || !isWritten(output) || output.length == 0)
     {
         document["written"] = false;

@@ -155,7 +155,7 @@ const FunctionParameter* LibraryFunction::parameter(std::string_view parameterNa
 
 const std::vector<LibraryFunction>& catalogue()
 {
-    static const std::vector<LibraryFunction> everyFunction = []
+    static const std::vector<LibraryFunction> kEveryFunction = []
     {
         std::vector<LibraryFunction> functions;
         for (const contract::Row& row : contract::rows())
@@ -164,7 +164,7 @@ const std::vector<LibraryFunction>& catalogue()
             functions.push_back(std::move(function));
         return functions;
     }();
-    return everyFunction;
+    return kEveryFunction;
 }
 
 std::vector<std::string> functionNames()

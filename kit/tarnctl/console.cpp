@@ -35,9 +35,9 @@ ExitCode Console::fail(ExitCode exit, const std::string& message, const std::vec
     remark(message);
     if (!suggestions.empty())
     {
-        err << "Did you mean";
-        for (std::size_t i = 0; i < suggestions.size(); ++i)
-            err << (i == 0 ? " " : i + 1 == suggestions.size() ? " or " : ", ") << suggestions[i];
+        err << "Did you mean " << suggestions.front();
+        for (std::size_t i = 1; i < suggestions.size(); ++i)
+            err << (i + 1 == suggestions.size() ? " or " : ", ") << suggestions[i];
         err << "?\n";
     }
     if (json)

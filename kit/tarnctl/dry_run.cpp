@@ -11,7 +11,7 @@ namespace
 
 std::string numberMeaning(const PreparedArgument& argument)
 {
-    const std::string number = std::to_string(argument.number);
+    std::string number = std::to_string(argument.number);
     switch (argument.parameter->wire->encoding)
     {
     case contract::Encoding::kId:
@@ -62,12 +62,11 @@ std::string meaningOf(const MessageField& field, const Report& report)
     return "zero";
 }
 
-Json messageDocument(const Report& report)
+Json messageDocument(const Report& report, const Request& request)
 {
-    const Request& request = *report.seen.request;
     Json document = Console::document("dry-run");
     document["function"] = report.function->name;
-    document["caller"] = *report.callerId;
+    document["caller"] = report.callerId.value_or("");
     document["service"] = request.service;
     document["command"] = request.command;
     document["wait"] = request.wait;
@@ -84,11 +83,10 @@ Json messageDocument(const Report& report)
     return document;
 }
 
-void writeText(const Console& console, const Report& report)
+void writeText(const Console& console, const Report& report, const Request& request)
 {
-    const Request& request = *report.seen.request;
     console.out << "service " << request.service << ", command " << request.command << ", wait " << request.wait << ", length "
-                << request.message.size() << ", caller " << inQuotes(*report.callerId) << "\n\n";
+                << request.message.size() << ", caller " << inQuotes(report.callerId.value_or("")) << "\n\n";
 
     Table table;
     table.add({"offset", "bytes", "field", "meaning"});
@@ -110,12 +108,14 @@ void writeText(const Console& console, const Report& report)
 
 void writeMessage(const Console& console, const Report& report)
 {
+    if (!report.seen.request)
+        throw std::logic_error(report.function->name + " has sent no message that could be shown");
     for (const std::string& note : report.arguments.notes)
         console.remark("note: " + note);
     if (console.json)
-        console.write(messageDocument(report));
+        console.write(messageDocument(report, *report.seen.request));
     else
-        writeText(console, report);
+        writeText(console, report, *report.seen.request);
 }
 
 } // namespace tarn::ctl

@@ -33,6 +33,7 @@ using tarn::ctl::observing;
 using tarn::ctl::Passage;
 
 // The linker resolves these names: `__wrap_` is where the library's calls arrive, `__real_` is the platform's function.
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the linker's
 extern "C" {
 
 uint32_t __real_KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
@@ -103,3 +104,4 @@ void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, cons
     __real_KorIilTrace(level, fileTag, line, "%s", text.c_str());
     errno = callersErrno;
 }
+// NOLINTEND(bugprone-reserved-identifier)

@@ -51,7 +51,7 @@ enum class Passage
 class Observer
 {
 public:
-    explicit Observer(Passage passage);
+    explicit Observer(Passage how);
     ~Observer();
     Observer(const Observer&) = delete;
     Observer& operator=(const Observer&) = delete;

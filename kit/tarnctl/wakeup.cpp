@@ -85,6 +85,7 @@ StopSignals::~StopSignals()
     wokenBySignals = nullptr;
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): it is asked of the object that watches for them
 bool StopSignals::haveCome() const
 {
     return signalCame != 0;

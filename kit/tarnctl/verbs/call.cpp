@@ -54,6 +54,7 @@ void declare(CLI::App& verb, CallOptions& options)
 PreparedArguments argumentsOf(const LibraryFunction& function, const CallOptions& options)
 {
     std::vector<Assignment> assignments;
+    assignments.reserve(options.arguments.size() + options.texts.size());
     for (const std::string& text : options.arguments)
         assignments.push_back(assignment(text, false));
     for (const std::string& text : options.texts)
@@ -68,6 +69,7 @@ ExitCode call(const Console& console, const CallOptions& options)
         throw UsageError("--dry-run: " + function.name + " sends no message");
     PreparedArguments arguments = argumentsOf(function, options);
     std::vector<Saving> savings;
+    savings.reserve(options.savings.size());
     for (const std::string& text : options.savings)
         savings.push_back(savingOf(function, arguments, text));
 

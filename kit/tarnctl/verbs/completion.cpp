@@ -83,6 +83,7 @@ std::set<std::string> valueOptions(const CLI::App& parser)
 std::vector<std::string> argumentWords(const LibraryFunction& function)
 {
     std::vector<std::string> words;
+    words.reserve(function.parameters.size());
     for (const FunctionParameter& parameter : function.parameters)
         words.push_back(parameter.name + (parameter.isInput && parameter.form != Form::kAddress ? "=" : "=null"));
     return words;

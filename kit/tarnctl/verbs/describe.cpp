@@ -149,6 +149,20 @@ void writeChecks(const Console& console, const LibraryFunction& function)
     table.write(console.out);
 }
 
+std::string directionOf(const MessageField& field)
+{
+    if (field.role == FieldRole::kReserved)
+        return "";
+    return toString(field.role == FieldRole::kStatus ? FieldRole::kOutput : field.role);
+}
+
+std::string contentOf(const MessageField& field)
+{
+    if (field.role == FieldRole::kReserved)
+        return "zero";
+    return field.parameter == nullptr ? "the service's own result" : field.parameter->content;
+}
+
 void writeLayout(const Console& console, const LibraryFunction& function)
 {
     if (function.kind != FunctionKind::kCommand)
@@ -158,12 +172,7 @@ void writeLayout(const Console& console, const LibraryFunction& function)
     table.add({"offset", "size", "field", "direction", "content"});
     for (const MessageField& field : messageFields(function))
         table.add({std::to_string(field.offset), (field.isUpperBound ? "up to " : "") + std::to_string(field.size), field.name,
-                   field.role == FieldRole::kReserved
-                       ? ""
-                       : toString(field.role == FieldRole::kStatus ? FieldRole::kOutput : field.role),
-                   field.role == FieldRole::kReserved ? "zero"
-                   : field.parameter == nullptr       ? "the service's own result"
-                                                      : field.parameter->content});
+                   directionOf(field), contentOf(field)});
     table.write(console.out);
 }
 

@@ -102,7 +102,7 @@ Report registered(const char* function, Register call, const CallerId& callerId,
     Report report;
     report.function = &functionNamed(function);
     report.callerId = callerId;
-    Observer observer(Passage::kSend);
+    const Observer observer(Passage::kSend);
     report.result.number = call(callerId ? callerId->c_str() : nullptr, event, nullptr, &Inbox::receive);
     report.seen = observer.seen;
     report.outcome = outcomeOf(report);

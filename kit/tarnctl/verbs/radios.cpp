@@ -46,6 +46,13 @@ Json answerOf(const Report& report, const char* output)
     return report.number(output);
 }
 
+std::string cellOf(const Json& answer)
+{
+    if (answer.is_null())
+        return "-";
+    return answer.is_string() ? inQuotes(answer.get<std::string>()) : answer.dump();
+}
+
 void addRadio(RadioList& list, std::int64_t id)
 {
     std::vector<std::string> cells = {std::to_string(id)};
@@ -59,7 +66,7 @@ void addRadio(RadioList& list, std::int64_t id)
             list.refusals.push_back("radio " + std::to_string(id) + ": " + failureText(report));
         const Json answer = answerOf(report, query.output);
         document[query.key] = answer;
-        cells.push_back(answer.is_null() ? "-" : answer.is_string() ? inQuotes(answer.get<std::string>()) : answer.dump());
+        cells.push_back(cellOf(answer));
     }
     list.table.add(std::move(cells));
     list.documents.push_back(std::move(document));
