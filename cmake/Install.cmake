@@ -1,7 +1,7 @@
 # Two products, two components, two sets of targets: what `library` installs is complete without `kit`.
 include(CMakePackageConfigHelpers)
 
-# An installed tree may be moved: pkg-config finds the rest from where the file stands.
+# An installed tree may be moved: pkg-config finds the rest from where the file is.
 file(RELATIVE_PATH TARN_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 function(tarn_install_pkg_config name component)
     configure_file(packaging/${name}.pc.in ${name}.pc @ONLY)

@@ -20,7 +20,7 @@ namespace
 constexpr char kHelp[] = R"(Exit codes:
   0  success
   1  anything else: nothing found, a file not written, the "no" of a local utility
-  2  usage: the command line cannot be carried out as it stands
+  2  usage: the command line cannot be carried out
   3  the library refused an argument; nothing was sent
   4  no such service is running
   5  time-out: no reply, or fewer events than asked for, in time

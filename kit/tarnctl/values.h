@@ -1,4 +1,4 @@
-// Numbers, bytes and texts as they stand on a command line, and the way back.
+// Numbers, bytes and texts as a command line gives them, and the way back.
 #pragma once
 
 #include "base/hexadecimal.h"
@@ -21,7 +21,7 @@ inline constexpr std::size_t kMacAddressSize = 6;
 
 // All of these throw UsageError, which names the argument and says what was expected.
 
-// A number in decimal or, behind 0x, hexadecimal digits. A negative one stands for its two's complement in `width` bytes.
+// A number in decimal or, behind 0x, hexadecimal digits. Of a negative one the two's complement in `width` bytes is taken.
 std::uint32_t parseNumber(const std::string& argument, std::string_view text, std::uint32_t width);
 
 // Bytes in hexadecimal, @file for a file's contents, or zero. Six bytes may be a MAC address, aa:bb:cc:dd:ee:ff. Exactly

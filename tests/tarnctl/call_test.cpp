@@ -486,7 +486,7 @@ TEST_F(CallTest, EventFunctions)
     EXPECT_EQ(run({"call", "tarnSubscribeEvent", "evt=1"}).exit, 4);
     const Service device("TARN", statusAnswer(0), 5);
     EXPECT_EQ(run({"call", "tarnSubscribeEvent", "evt=1"}).exit, 0);
-    EXPECT_EQ(run({"call", "tarnSubscribeEvent", "evt=1"}).exit, 6) << "it stands already, in this process";
+    EXPECT_EQ(run({"call", "tarnSubscribeEvent", "evt=1"}).exit, 6) << "this process has subscribed already";
     EXPECT_EQ(run({"call", "tarnCancelEvent", "evt=1"}).exit, 0);
     const RanJson again = runJson({"call", "tarnCancelEvent", "evt=1"});
     EXPECT_EQ(again.exit, 6);

@@ -12,8 +12,8 @@ namespace
 {
 
 constexpr char kHelp[] = R"(Values:
-  number       decimal or 0x...; a negative one stands for its two's complement
-  text         as it stands; null is a null pointer (--text for the word itself)
+  number       decimal or 0x...; of a negative one the two's complement is taken
+  text         as given; null is a null pointer (--text for the word itself)
   bytes        two hexadecimal digits a byte, @file, or zero
   six bytes    also a MAC address, 02:00:00:00:00:01 or 02-00-00-00-00-01
   record       like bytes, in its full size
@@ -41,7 +41,7 @@ void declare(CLI::App& verb, CallOptions& options)
 {
     verb.add_option("NAME", options.name, "The function's name")->required();
     addTexts(verb, "ARGUMENT=VALUE", options.arguments, "The function's arguments, in any order");
-    addTexts(verb, "--text", options.texts, "ARGUMENT=VALUE, a text as it stands, even the word null")->expected(1)->take_all();
+    addTexts(verb, "--text", options.texts, "ARGUMENT=VALUE, a text as given, even the word null")->expected(1)->take_all();
     addCaller(verb, options.callerId);
     CLI::Option* const dryRun = verb.add_flag("--dry-run", options.isDryRun, "Show the message instead of sending it");
     addTexts(verb, "--save", options.savings, "ARGUMENT=FILE, write an output's bytes into a file")

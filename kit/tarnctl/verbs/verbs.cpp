@@ -52,7 +52,7 @@ void addCaller(CLI::App& verb, CallerId& callerId)
 {
     const auto store = [&callerId](const std::string& given) { callerId = given; };
     CLI::Option* const caller =
-        verb.add_option_function<std::string>("--caller", store, "The caller id, passed on as it stands")
+        verb.add_option_function<std::string>("--caller", store, "The caller id, passed on as given")
             ->default_str(kOwnCallerId);
     verb.add_flag_callback(
             "--null-caller", [&callerId] { callerId = std::nullopt; }, "A null pointer for the caller id")
