@@ -51,9 +51,8 @@ CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>
 void addCaller(CLI::App& verb, CallerId& callerId)
 {
     const auto store = [&callerId](const std::string& given) { callerId = given; };
-    CLI::Option* const caller =
-        verb.add_option_function<std::string>("--caller", store, "The caller id, passed on as given")
-            ->default_str(kOwnCallerId);
+    CLI::Option* const caller = verb.add_option_function<std::string>("--caller", store, "The caller id, passed on as given")
+                                    ->default_str(kOwnCallerId);
     verb.add_flag_callback(
             "--null-caller", [&callerId] { callerId = std::nullopt; }, "A null pointer for the caller id")
         ->excludes(caller);
