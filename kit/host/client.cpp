@@ -1,8 +1,9 @@
-// KorIilExecute: checks the arguments, records the call if asked to, and sends it.
+// KorIilExecute: checks the arguments, records the call if asked to, and sends it. KorIilAskCounters is a call of its own kind.
 #include "identifiers.h"
 #include "kor_iil.h"
 #include "recorder.h"
 #include "round_trip.h"
+#include "thread_guards.h"
 
 #include <cstdint>
 #include <new>
@@ -25,18 +26,6 @@ std::uint32_t checkArguments(const char* callerId, const char* serviceId, std::u
     return length <= KOR_IIL_MAX_LENGTH ? KOR_IIL_OK : KOR_IIL_OVERSIZE;
 }
 
-std::uint32_t execute(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command,
-                      std::uint32_t length, void* message)
-{
-    PacketHeader request;
-    request.kind = PacketKind::kRequest;
-    request.command = command;
-    request.length = length;
-    request.wait = wait;
-    copyIdentifier(request.name, callerId);
-    return roundTrip(serviceId, request, message);
-}
-
 } // namespace
 } // namespace koriil
 
@@ -46,15 +35,47 @@ try
 {
     using namespace koriil;
 
+    const CancellationDeferred deferred;
     std::uint32_t status = checkArguments(callerId, serviceId, wait, msgLen, msg);
     const void* const message = msgLen > 0 ? msg : ""; // without a byte, the pointer may be NULL
     std::optional<RecordedCall> record;
     if (isRecording())
         record.emplace(callerId, serviceId, wait, cmdId, msgLen, status == KOR_IIL_OK ? message : nullptr);
     if (status == KOR_IIL_OK)
-        status = execute(callerId, serviceId, wait, cmdId, msgLen, msg);
+    {
+        PacketHeader request;
+        request.kind = PacketKind::kRequest;
+        request.command = cmdId;
+        request.length = msgLen;
+        copyIdentifier(request.name, callerId);
+        status = roundTrip(serviceId, request, msg, Deadline(wait));
+    }
     if (record)
         record->finish(status, status == KOR_IIL_OK ? message : nullptr);
+    return status;
+}
+catch (const std::bad_alloc&)
+{
+    return KOR_IIL_NO_MEM;
+}
+
+extern "C" uint32_t KorIilAskCounters(const char* serviceId, uint32_t wait, KorIilServiceCounters* counters)
+try
+{
+    using namespace koriil;
+
+    constexpr char kCaller[] = "koriil";
+    if (const std::uint32_t status = checkArguments(kCaller, serviceId, wait, sizeof *counters, counters))
+        return status;
+    const CancellationDeferred deferred;
+    PacketHeader request;
+    request.kind = PacketKind::kCounters;
+    request.length = sizeof *counters;
+    copyIdentifier(request.name, kCaller);
+    KorIilServiceCounters answer = {};
+    const std::uint32_t status = roundTrip(serviceId, request, &answer, Deadline(wait));
+    if (status == KOR_IIL_OK)
+        *counters = answer;
     return status;
 }
 catch (const std::bad_alloc&)

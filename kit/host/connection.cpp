@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -94,12 +95,10 @@ Connection::Connection(const char* serviceId) : owner_(getpid())
 
 Connection::~Connection()
 {
-    if (!socket_)
-        return;
-    if (isOwn())
-        shutdown(socket_.get(), SHUT_RDWR); // closing alone would not end it while a child holds a copy
-    else if (!isStillOurSocket())
+    if (!isStillOurSocket())
         socket_.release();
+    else if (isOwn())
+        hangUp(); // closing alone would not end it while a child holds a copy
 }
 
 bool Connection::isTo(const char* serviceId) const
@@ -112,11 +111,22 @@ bool Connection::isOwn() const
     return owner_ == getpid();
 }
 
-// A child may have closed the inherited descriptor, and its number may now be that of another file.
+bool Connection::isAlive() const
+{
+    pollfd socket = {socket_.get(), POLLRDHUP, 0};
+    return poll(&socket, 1, 0) <= 0; // where a signal interrupts it, nothing is known to be wrong
+}
+
+void Connection::hangUp()
+{
+    shutdown(socket_.get(), SHUT_RDWR);
+}
+
+// A program may have closed all descriptors, as daemons do, and the number may now be that of another file.
 bool Connection::isStillOurSocket() const
 {
     struct stat status = {};
-    return fstat(socket_.get(), &status) == 0 && S_ISSOCK(status.st_mode) && status.st_ino == inode_;
+    return socket_ && fstat(socket_.get(), &status) == 0 && S_ISSOCK(status.st_mode) && status.st_ino == inode_;
 }
 
 std::uint32_t Connection::open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection)
@@ -132,11 +142,11 @@ std::uint32_t Connection::open(const char* serviceId, const Deadline& deadline, 
 
 std::uint32_t Connection::connect(const Deadline& deadline)
 {
-    std::string directory;
+    RuntimeDirectory directory;
     if (const std::uint32_t status = findRuntimeDirectory(directory))
         return status;
     sockaddr_un address;
-    if (const std::uint32_t status = socketAddress(socketPath(directory, serviceId_), address))
+    if (const std::uint32_t status = socketAddress(socketPath(directory.path, serviceId_), address))
         return status;
 
     socket_ = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
@@ -163,6 +173,8 @@ std::uint32_t Connection::greet(const Deadline& deadline)
 {
     PacketHeader hello;
     hello.kind = PacketKind::kHello;
+    hello.wait = deadline.wait();
+    hello.began = deadline.began();
     copyIdentifier(hello.name, serviceId_);
     // A service that is full replies and closes at once; that reply can be read even where the hello could not be sent.
     if (send(hello, nullptr) == SendResult::kFailed)
@@ -176,7 +188,7 @@ std::uint32_t Connection::greet(const Deadline& deadline)
         return KOR_IIL_RX_FAIL;
     if (const std::uint32_t status = checkReply(hello, welcome, static_cast<std::size_t>(received)))
         return status;
-    channel_ = welcome.channel;
+    number_ = welcome.connection;
     return welcome.status;
 }
 
@@ -185,7 +197,7 @@ Connection::SendResult Connection::send(PacketHeader& request, const void* messa
     request.sequence = ++sequence_;
     if (sendPacket(socket_.get(), request, message)) // the queue has room: only one request at a time is under way
         return SendResult::kSent;
-    if (errno == EPIPE || errno == ECONNRESET)
+    if (errno == EPIPE || errno == ECONNRESET || errno == EBADF || errno == ENOTSOCK) // the last two: closed by the program
         return SendResult::kPeerGone;
     KORIIL_REPORT(kTraceWarning, "sending %zu bytes to service %s failed: %s", sizeof request + request.length, serviceId_,
                   std::strerror(errno));

@@ -41,15 +41,21 @@ public:
     // another's replies.
     bool isOwn() const;
 
+    // False once the service has closed it.
+    bool isAlive() const;
+
+    // Ends the connection for both sides, and for a thread that is receiving.
+    void hangUp();
+
     int descriptor() const
     {
         return socket_.get();
     }
 
     // The number that the service gave to this connection.
-    std::uint32_t channel() const
+    std::uint32_t number() const
     {
-        return channel_;
+        return number_;
     }
 
     // Fills in the request's sequence, and sends it with its message.
@@ -74,7 +80,7 @@ private:
     pid_t owner_;
     ino_t inode_ = 0;
     std::uint32_t sequence_ = 0;
-    std::uint32_t channel_ = 0;
+    std::uint32_t number_ = 0;
     std::chrono::microseconds receiveTimeout_{0}; // of the socket; 0 for none
 };
 

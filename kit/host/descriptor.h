@@ -16,9 +16,9 @@ class Descriptor
 {
 public:
     Descriptor() = default;
-    explicit Descriptor(int number) : number_(number)
-    {
-    }
+    // Takes over a new descriptor; -1 and errno where there is none. Never 0, 1 or 2, which are free where a program has closed
+    // them: whatever the program prints would go to the other end.
+    explicit Descriptor(int number);
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1))
     {
     }

@@ -1,12 +1,8 @@
-// What the environment says, and the files it names that lines are appended to.
+// What the environment says.
 #pragma once
 
-#include <cerrno>
-#include <cstddef>
 #include <cstdlib>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <cstring>
 
 namespace koriil
 {
@@ -18,21 +14,10 @@ inline const char* setting(const char* variable)
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
-// Creates a missing file for its owner alone. -1 and errno on failure.
-inline int openForAppending(const char* path)
+inline bool isSwitchedOn(const char* variable)
 {
-    return open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-}
-
-// One write per line, so that lines of several threads and processes never mix. Returns the bytes written; -1 and errno on
-// failure.
-inline ssize_t writeLine(int file, const char* line, std::size_t length)
-{
-    ssize_t written;
-    do
-        written = write(file, line, length);
-    while (written < 0 && errno == EINTR);
-    return written;
+    const char* const value = setting(variable);
+    return value != nullptr && std::strcmp(value, "on") == 0;
 }
 
 } // namespace koriil

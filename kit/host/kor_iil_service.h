@@ -1,8 +1,12 @@
-/* The service side of the workstation's IPC library (libkoriil): register an identifier, serve requests, publish events.
+/* What the workstation's IPC library (libkoriil) has beyond the platform's four functions, which are in `kor_iil.h`: services
+ * (register an identifier, serve requests, publish events), and for callers subscriptions that outlive a restart of the service,
+ * and the counters of a service.
  *
- * The client side is `kor_iil.h`. Both sides return the same statuses; their names are those of `tarnIpcStatusName`. */
+ * Both sides return the same statuses; their names are those of `tarnIpcStatusName`. */
 #ifndef KOR_IIL_SERVICE_H
 #define KOR_IIL_SERVICE_H
+
+#include "kor_iil.h"
 
 #include <stdint.h>
 
@@ -47,7 +51,7 @@ typedef struct KorIilService KorIilService;
 typedef struct KorIilRequest
 {
     const char* callerId; /* IPC identifier that the caller gave, 1 to 31 characters; valid during the call */
-    uint32_t processId;   /* the calling process, as the kernel says; 0 where it does not say */
+    uint32_t processId;   /* the calling process, as the kernel says */
     uint32_t wait;        /* seconds the caller waits for the reply */
     uint32_t command;
     uint32_t length; /* bytes of the message, and of its reply */
@@ -56,7 +60,8 @@ typedef struct KorIilRequest
 /* Answers one request: reads the message, writes the reply over the same `request->length` bytes, and returns KOR_IIL_OK; or
  * returns another status, which the caller's KorIilExecute then returns, its message unchanged. KOR_IIL_TIMEOUT sends no reply
  * at all, and the caller's wait expires.
- * Handlers of one service are called one at a time, on the thread that runs KorIilServiceRun. */
+ * Handlers of one service are called one at a time, on the thread that runs KorIilServiceRun, unless KorIilServiceSetThreads
+ * allows for more. A request whose caller has given up (its wait has passed, or its process has ended) is not carried out. */
 typedef uint32_t (*KorIilRequestHandler)(void* context, const KorIilRequest* request, void* message);
 
 /* Registers `serviceId` (1 to 31 characters of A-Z a-z 0-9 _ - . that do not begin with .) with its handler. `context` is
@@ -67,11 +72,17 @@ typedef uint32_t (*KorIilRequestHandler)(void* context, const KorIilRequest* req
 uint32_t KorIilServiceOpen(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context,
                            KorIilService** service);
 
+/* Sets how many threads call the handler at the same time, from the next KorIilServiceRun on: 1 to 64, and 1 unless set. The
+ * requests of one connection, which is one thread of a caller, are served in their order. KOR_IIL_BAD_PARAM for another number. */
+uint32_t KorIilServiceSetThreads(KorIilService* service, uint32_t threads);
+
 /* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if
- * it cannot continue. */
+ * it cannot continue: KOR_IIL_CONFLICT_ID when another service has the name, because the files of this one were removed. */
 uint32_t KorIilServiceRun(KorIilService* service);
 
-/* Makes KorIilServiceRun return, or return at once when it is called next. From any thread, or a signal handler. */
+/* Makes KorIilServiceRun return, or return at once when it is called next. Requests that have arrived are answered before; the
+ * callers that are connected find their connection closed before they send the next one. From any thread, or a signal
+ * handler. */
 void KorIilServiceStop(KorIilService* service);
 
 /* Sends an event to all its subscribers. From any thread, the handler's included. `subscribers`, if not NULL, receives how
@@ -83,6 +94,35 @@ uint32_t KorIilServicePublish(KorIilService* service, uint32_t evt, const void* 
 /* Closes every connection and releases the name. Not while KorIilServiceRun runs. NULL is allowed. In a child of the process
  * that opened the service, it only frees the child's copy. */
 void KorIilServiceClose(KorIilService* service);
+
+/* What a service has counted since it was opened. On 32-bit machines the last three begin again at 2 to the power of 32. */
+typedef struct KorIilServiceCounters
+{
+    uint64_t processId;     /* of the service */
+    uint64_t openedAt;      /* seconds since 1970 (UTC) */
+    uint64_t connections;   /* callers that are connected, a thread each; and processes that take events */
+    uint64_t subscriptions; /* events that processes take, the same event once for each process */
+    uint64_t calls;         /* requests that the handler has answered, whatever its status */
+    uint64_t refusals;      /* connections and packets to which the service itself gave a status other than KOR_IIL_OK */
+    uint64_t drops;         /* requests that were not carried out because their caller had given up, and connections closed
+                             * because their peer did not read */
+} KorIilServiceCounters;
+
+/* Asks a service for its counters, within `wait` seconds. Returns a status like KorIilExecute; *counters is written only if
+ * that is KOR_IIL_OK. */
+uint32_t KorIilAskCounters(const char* serviceId, uint32_t wait, KorIilServiceCounters* counters);
+
+/* What became of a kept subscription: KOR_IIL_RX_FAIL, the service has ended, and events are missed from now on; KOR_IIL_OK, it
+ * has been renewed; KOR_IIL_UNKNOWN_EVT, the service no longer has the event, and the subscription is gone. Called on the thread
+ * that calls the handler, and like it may call, subscribe and cancel. */
+typedef void (*KorIilSubscriptionWatcher)(void* context, const char* callerId, const char* serviceId, uint32_t evt,
+                                          uint32_t status);
+
+/* Subscribes like KorIilSubscribeEvent, and renews the subscription whenever the service has been restarted, until
+ * KorIilCancelEvent. `watcher` is told of every loss and every renewal; it may be NULL, and does not run any more after the
+ * subscription was cancelled. */
+uint32_t KorIilKeepSubscription(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler,
+                                KorIilSubscriptionWatcher watcher, void* context);
 
 /* Where services and callers meet: writes the path of the runtime directory into `size` bytes, cut if it does not fit, with a
  * NUL in any case (nothing for size 0). Returns the length of the whole path. The directory is neither made nor checked. */

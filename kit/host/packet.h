@@ -15,7 +15,7 @@ namespace koriil
 
 constexpr std::uint32_t kMagic = 0x4B6F7249;
 constexpr std::uint32_t kMagicOfOtherByteOrder = 0x49726F4B;
-constexpr std::uint16_t kVersion = 1;
+constexpr std::uint16_t kVersion = 2;
 
 // Bytes of an identifier with its NUL.
 constexpr std::size_t kIdentifierSize = 32;
@@ -24,10 +24,11 @@ enum class PacketKind : std::uint16_t
 {
     kHello = 1,     // client: first packet of a connection; `name` is the service it looks for
     kRequest = 2,   // client: `name` is the caller; the message follows
-    kSubscribe = 3, // client: send event `command` on connection `channel`; `name` is the caller
+    kSubscribe = 3, // client: send event `command` on connection `connection`; `name` is the caller
     kCancel = 4,    // client: no longer send it there
-    kReply = 5,     // service: answers any of the above; to kHello, `channel` is the connection's number
-    kEvent = 6      // service: event `command`; its data follows
+    kReply = 5,     // service: answers any of these; to kHello, `connection` is the connection's number
+    kEvent = 6,     // service: event `command`; its data follows
+    kCounters = 7   // client: asks for the service's counters; KorIilServiceCounters follows, and comes back
 };
 
 struct PacketHeader
@@ -40,15 +41,19 @@ struct PacketHeader
     std::uint32_t command = 0;  // the command, or the event
     std::uint32_t length = 0;   // bytes behind the header
     std::uint32_t wait = 0;     // seconds the client waits for the reply
-    std::uint32_t channel = 0;  // number that the service gave to a connection
+    std::uint32_t began = 0;    // when its wait began, see Deadline
+
+    std::uint32_t connection = 0; // number that the service gave to a connection
+    std::uint32_t revision = 0;   // of a subscription or its end: the highest of an event holds, whichever arrives first
     char name[kIdentifierSize] = {};
+    std::uint32_t unused[2] = {}; // so that the message behind is aligned for any type
 };
 
-static_assert(sizeof(PacketHeader) == 64, "no padding");
+static_assert(sizeof(PacketHeader) == 80, "no padding");
 static_assert(offsetof(PacketHeader, version) == 4, "the same in every version");
 static_assert(offsetof(PacketHeader, kind) == 6, "packed");
 static_assert(offsetof(PacketHeader, sequence) == 8, "packed");
-static_assert(offsetof(PacketHeader, name) == 32, "packed");
+static_assert(offsetof(PacketHeader, name) == 40, "packed");
 
 struct Packet
 {

@@ -4,13 +4,17 @@
 #include "base/quote.h"
 #include "base/timestamp.h"
 #include "environment.h"
+#include "output.h"
 #include "trace.h"
 
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 
+#include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace koriil
@@ -20,8 +24,11 @@ namespace
 
 constexpr std::size_t kStatusSize = 64; // the most that a line has beside its front and the two messages
 
+std::mutex appending; // from a write until what the file's end says of it
+
 int openRecording()
 {
+    pthread_atfork([] { appending.lock(); }, [] { appending.unlock(); }, [] { appending.unlock(); });
     const char* const path = setting("KORIIL_RECORD");
     if (path == nullptr)
         return -1;
@@ -56,6 +63,31 @@ void appendHexadecimal(std::string& line, const void* bytes, std::uint32_t lengt
     line += '"';
 }
 
+const char* byteOrder()
+{
+    const std::uint16_t word = 1;
+    unsigned char first;
+    std::memcpy(&first, &word, 1);
+    return first == 1 ? "little" : "big";
+}
+
+// A line that did not fit (the disk is full) is taken back, so that the next one is whole. False if it did not fit.
+bool appendLine(const std::string& line)
+{
+    const std::lock_guard<std::mutex> guard(appending);
+    const ssize_t written = writeAtOnce(recording(), line.data(), line.size());
+    if (written == static_cast<ssize_t>(line.size()))
+        return true;
+    const int error = written < 0 ? errno : ENOSPC;
+    struct stat status = {};
+    const off_t end = lseek(recording(), 0, SEEK_CUR);
+    if (written > 0 && fstat(recording(), &status) == 0 && status.st_size == end) // another process may have appended more
+        [[maybe_unused]]
+        const int taken = ftruncate(recording(), end - written);
+    errno = error;
+    return false;
+}
+
 } // namespace
 
 bool isRecording()
@@ -70,7 +102,7 @@ RecordedCall::RecordedCall(const char* callerId, const char* serviceId, std::uin
     line_ = std::string("{\"time\":\"") + tarn::base::Timestamp().text + "\",\"pid\":" + std::to_string(getpid()) +
             ",\"caller\":" + identifier(callerId) + ",\"service\":" + identifier(serviceId) +
             ",\"command\":" + std::to_string(command) + ",\"wait\":" + std::to_string(wait) +
-            ",\"length\":" + std::to_string(length) + ",\"request\":";
+            ",\"length\":" + std::to_string(length) + ",\"byte_order\":\"" + byteOrder() + "\",\"request\":";
     if (message != nullptr)
         line_.reserve(line_.size() + 4 * std::size_t{length} + kStatusSize); // finish() allocates nothing, and so cannot fail
     appendHexadecimal(line_, message, length);
@@ -84,10 +116,8 @@ void RecordedCall::finish(std::uint32_t status, const void* reply)
     appendHexadecimal(line_, reply, length_);
     line_ += "}\n";
 
-    const ssize_t written = writeLine(recording(), line_.data(), line_.size());
-    if (written != static_cast<ssize_t>(line_.size()))
-        KORIIL_REPORT(kTraceWarning, "a record of %zu bytes could not be written: %s", line_.size(),
-                      written < 0 ? std::strerror(errno) : "no room");
+    if (!appendLine(line_))
+        KORIIL_REPORT(kTraceWarning, "a record of %zu bytes could not be written: %s", line_.size(), std::strerror(errno));
 }
 
 } // namespace koriil

@@ -1,10 +1,12 @@
 #include "round_trip.h"
 
 #include "connection.h"
+#include "environment.h"
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace koriil
@@ -12,107 +14,132 @@ namespace koriil
 namespace
 {
 
+using std::chrono::microseconds;
+
+// New connections that one request may need: a service that is being restarted, or short of room, may close one at once.
+constexpr int kMostAttempts = 3;
+
+constexpr microseconds kPause{10000}; // between two looks whether a service is back
+
 // What one thread keeps between its calls.
-class KeptConnections
+struct KeptConnections
 {
-public:
-    std::uint32_t roundTrip(const char* serviceId, PacketHeader& request, void* message)
+    // On KOR_IIL_OK, the connection to the service is the last one.
+    std::uint32_t bringToBack(const char* serviceId, const Deadline& deadline, bool& isNew)
     {
-        const Deadline deadline(request.wait);
-        if (!reply_)
-            reply_.reset(new Packet); // not cleared: 64 KiB, of which a short reply uses little
-        dropInherited();
-
-        std::uint32_t status = send(serviceId, request, message, deadline);
-        if (status != KOR_IIL_OK)
-            return status;
-
-        status = connections_.back()->receive(request, deadline, *reply_);
-        if (status != KOR_IIL_OK)
-        {
-            // A packet that comes later on this connection may be the reply to this call, and must not answer the next one.
-            connections_.pop_back();
-            return status;
-        }
-        if (reply_->header.status == KOR_IIL_OK && request.length > 0)
-            std::memcpy(message, reply_->message, request.length);
-        return reply_->header.status;
-    }
-
-private:
-    // On KOR_IIL_OK, the connection used is the last of `connections_`.
-    std::uint32_t send(const char* serviceId, PacketHeader& request, const void* message, const Deadline& deadline)
-    {
-        if (bringToBack(serviceId))
-        {
-            const Connection::SendResult result = connections_.back()->send(request, message);
-            if (result == Connection::SendResult::kSent)
-                return KOR_IIL_OK;
-            connections_.pop_back();
-            if (result == Connection::SendResult::kFailed)
-                return KOR_IIL_TX_FAIL;
-        }
-
-        connections_.reserve(connections_.size() + 1);
-        std::unique_ptr<Connection> connection;
-        if (const std::uint32_t status = Connection::open(serviceId, deadline, connection))
-            return status;
-        if (connection->send(request, message) != Connection::SendResult::kSent)
-            return KOR_IIL_TX_FAIL;
-        connections_.push_back(std::move(connection));
-        return KOR_IIL_OK;
-    }
-
-    bool bringToBack(const char* serviceId)
-    {
-        for (auto& connection : connections_)
+        isNew = false;
+        for (auto& connection : connections)
             if (connection->isTo(serviceId))
             {
-                std::swap(connection, connections_.back());
-                return true;
+                std::swap(connection, connections.back());
+                return KOR_IIL_OK;
             }
-        return false;
+        isNew = true;
+        connections.reserve(connections.size() + 1);
+        std::unique_ptr<Connection> fresh;
+        const std::uint32_t status = Connection::open(serviceId, deadline, fresh);
+        if (status == KOR_IIL_OK)
+            connections.push_back(std::move(fresh));
+        return status;
     }
 
-    void dropInherited()
+    void prepare()
     {
-        if (!connections_.empty() && !connections_.front()->isOwn())
-            connections_.clear();
+        if (!reply)
+            reply.reset(new Packet); // not cleared: 64 KiB, of which a short reply uses little
+        if (!connections.empty() && !connections.front()->isOwn())
+            connections.clear();
     }
 
-    std::vector<std::unique_ptr<Connection>> connections_;
-    std::unique_ptr<Packet> reply_;
+    std::vector<std::unique_ptr<Connection>> connections;
+    std::unique_ptr<Packet> reply;
 };
+
+// Whether to wait a moment for a service that is not there, and to try again.
+bool shallTryAgain(std::uint32_t status, const Deadline& deadline)
+{
+    const bool mayComeBack = status == KOR_IIL_UNKNOWN_DST_ID || status == KOR_IIL_RX_FAIL || status == KOR_IIL_TX_FAIL;
+    const microseconds remaining = deadline.remaining();
+    if (!mayComeBack || remaining <= microseconds(0) || !isSwitchedOn("KORIIL_WAIT_FOR_SERVICE"))
+        return false;
+    std::this_thread::sleep_for(std::min(kPause, remaining));
+    return true;
+}
+
+// On KOR_IIL_OK, the request has been sent over the last of the connections; otherwise nothing of it has.
+std::uint32_t send(KeptConnections& kept, const char* serviceId, PacketHeader& request, const void* message,
+                   const Deadline& deadline)
+{
+    for (int attempts = 0;;)
+    {
+        bool isNew;
+        std::uint32_t status = kept.bringToBack(serviceId, deadline, isNew);
+        attempts += isNew;
+        if (status == KOR_IIL_OK)
+        {
+            const Connection::SendResult result = kept.connections.back()->send(request, message);
+            if (result == Connection::SendResult::kSent)
+                return KOR_IIL_OK;
+            kept.connections.pop_back();
+            if (result == Connection::SendResult::kPeerGone && attempts < kMostAttempts)
+                continue;
+            status = KOR_IIL_TX_FAIL;
+        }
+        if (!shallTryAgain(status, deadline))
+            return status;
+    }
+}
 
 // Trivially destructible, so that a call made after the thread's objects are destroyed (from the destructor of a static, for
 // example) finds them valid.
-thread_local KeptConnections* kept = nullptr;
+thread_local KeptConnections* keptByThread = nullptr;
 thread_local bool threadIsEnding = false;
 
 struct EndOfThread
 {
     ~EndOfThread()
     {
-        delete kept;
-        kept = nullptr;
+        delete keptByThread;
+        keptByThread = nullptr;
         threadIsEnding = true;
     }
 };
 
 thread_local EndOfThread endOfThread;
 
-} // namespace
-
-std::uint32_t roundTrip(const char* serviceId, PacketHeader& request, void* message)
+KeptConnections& keptByThisThread()
 {
-    if (threadIsEnding)
-        return KeptConnections().roundTrip(serviceId, request, message);
-    if (kept == nullptr)
+    if (keptByThread == nullptr)
     {
-        kept = new KeptConnections;
+        keptByThread = new KeptConnections;
         (void)&endOfThread; // constructs it, and with that registers its destructor
     }
-    return kept->roundTrip(serviceId, request, message);
+    return *keptByThread;
+}
+
+} // namespace
+
+std::uint32_t roundTrip(const char* serviceId, PacketHeader& request, void* message, const Deadline& deadline)
+{
+    KeptConnections ofThisCall;
+    KeptConnections& kept = threadIsEnding ? ofThisCall : keptByThisThread();
+    kept.prepare();
+    request.wait = deadline.wait();
+    request.began = deadline.began();
+    std::uint32_t status = send(kept, serviceId, request, message, deadline);
+    if (status != KOR_IIL_OK)
+        return status;
+
+    status = kept.connections.back()->receive(request, deadline, *kept.reply);
+    if (status != KOR_IIL_OK)
+    {
+        // A packet that comes later on this connection may be the reply to this call, and must not answer the next one.
+        kept.connections.pop_back();
+        return status;
+    }
+    if (kept.reply->header.status == KOR_IIL_OK && request.length > 0)
+        std::memcpy(message, kept.reply->message, request.length);
+    return kept.reply->header.status;
 }
 
 } // namespace koriil

@@ -1,19 +1,25 @@
 #include "service.h"
 
+#include "deadline.h"
 #include "identifiers.h"
-#include "runtime_directory.h"
+#include "thread_guards.h"
 #include "trace.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <exception>
+#include <memory>
+#include <mutex>
 #include <new>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <sys/file.h>
 #include <sys/socket.h>
 
 namespace koriil
@@ -21,34 +27,73 @@ namespace koriil
 namespace
 {
 
-constexpr std::size_t kMostCallers = 256;
+using Clock = std::chrono::steady_clock;
+
 constexpr std::uint32_t kMostEvents = 1024;
-constexpr int kBacklog = 128;
-constexpr std::chrono::seconds kGreetWithin{2};
+constexpr std::uint32_t kMostThreads = 64;
 constexpr int kAcceptedAtOnce = 64; // before the connected ones are served again
+constexpr int kServedAtOnce = 32;
+constexpr std::chrono::milliseconds kTidyEvery{1000};
+constexpr std::chrono::milliseconds kFresh{1}; // how long it counts that a caller had not hung up
 
-// Unread events of one subscriber, in the kernel's accounting; the kernel grants less where net.core.wmem_max is lower.
-constexpr int kEventQueueBytes = 4 * 1024 * 1024;
-
-// Numbers in the poll set. Callers have greater ones.
-constexpr std::uint32_t kListenerNumber = 0;
-constexpr std::uint32_t kWakeNumber = 1;
-
-void reject(int socket, std::uint32_t status)
+bool hasHungUp(const Caller& caller)
 {
-    PacketHeader reply;
-    reply.kind = PacketKind::kReply;
-    reply.sequence = 1; // of every connection's hello
-    reply.status = status;
-    sendPacket(socket, reply, nullptr); // if that fails, the caller still finds the connection closed
+    pollfd socket = {caller.socket.get(), 0, 0};
+    return poll(&socket, 1, 0) > 0 && (socket.revents & POLLHUP) != 0;
 }
 
-// Differs from run to run, so that a number that a client has from an earlier run of the service is not valid in this one.
-std::uint32_t firstNumber()
+// The services that this process has open, for the time of a fork.
+class OpenServices
 {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
-}
+public:
+    static OpenServices& instance()
+    {
+        static OpenServices& services = *new OpenServices; // never deleted: a fork may come at any time
+        return services;
+    }
+
+    void add(Service& service)
+    {
+        const std::lock_guard<std::mutex> guard(mutex_);
+        services_.push_back(&service);
+    }
+
+    void remove(const Service& service)
+    {
+        const std::lock_guard<std::mutex> guard(mutex_);
+        services_.erase(std::remove(services_.begin(), services_.end(), &service), services_.end());
+    }
+
+private:
+    OpenServices()
+    {
+        pthread_atfork([] { instance().beforeFork(); }, [] { instance().afterFork(); }, [] { instance().inChild(); });
+    }
+
+    void beforeFork()
+    {
+        mutex_.lock();
+        for (Service* service : services_)
+            service->beforeFork();
+    }
+
+    void afterFork()
+    {
+        for (Service* service : services_)
+            service->afterFork();
+        mutex_.unlock();
+    }
+
+    void inChild()
+    {
+        for (Service* service : services_)
+            service->abandon();
+        afterFork();
+    }
+
+    std::mutex mutex_;
+    std::vector<Service*> services_;
+};
 
 } // namespace
 
@@ -60,24 +105,43 @@ Service::Service(const char* serviceId, std::uint32_t eventCount, KorIilRequestH
       handler_(handler),
       context_(context),
       owner_(getpid()),
-      lastNumber_(firstNumber()),
-      packet_(new Packet)
+      openedAt_(std::time(nullptr)),
+      name_(serviceId),
+      callers_(id_.c_str(), eventCount)
 {
+    OpenServices::instance().add(*this);
 }
 
 Service::~Service()
 {
+    OpenServices::instance().remove(*this);
     if (owner_ != getpid())
-        return; // a child closes its copies, and leaves what its parent owns
-    if (!socketPath_.empty())
-        unlink(socketPath_.c_str());
-    for (const auto& [number, caller] : callers_)
-        shutdown(caller.socket.get(), SHUT_RDWR);
-    if (lock_)
-        flock(lock_.get(), LOCK_UN); // closing alone would not release it while a child holds a copy
+        return; // a child has closed its copies
+    name_.withdraw();
+    while (const Descriptor waiting{accept4(name_.listener(), nullptr, nullptr, SOCK_CLOEXEC)})
+        reject(waiting.get(), KOR_IIL_UNKNOWN_DST_ID);
+    callers_.end();
 }
 
-std::uint32_t Service::failed(const char* what)
+void Service::beforeFork()
+{
+    callers_.beforeFork();
+}
+
+void Service::afterFork()
+{
+    callers_.afterFork();
+}
+
+void Service::abandon()
+{
+    name_.abandon();
+    callers_.abandon();
+    for (Descriptor* descriptor : {&poll_, &helpersPoll_, &wake_, &spare_})
+        *descriptor = Descriptor();
+}
+
+std::uint32_t Service::failed(const char* what) const
 {
     const std::uint32_t status = statusOfErrno();
     KORIIL_REPORT(kTraceWarning, "service %s: %s failed: %s", id_.c_str(), what, std::strerror(errno));
@@ -86,66 +150,41 @@ std::uint32_t Service::failed(const char* what)
 
 std::uint32_t Service::open()
 {
-    std::string directory;
-    if (const std::uint32_t status = findRuntimeDirectory(directory))
+    if (const std::uint32_t status = name_.take())
         return status;
-    if (const std::uint32_t status = takeName(directory))
-        return status;
-
     poll_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
     wake_ = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     spare_ = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     if (!poll_ || !wake_ || !spare_)
         return failed("opening its descriptors");
-    if (const std::uint32_t status = listen(directory))
-        return status;
-    if (!watch(listener_.get(), kListenerNumber) || !watch(wake_.get(), kWakeNumber))
+    if (!watch(name_.listener(), kListenerNumber) || !watch(wake_.get(), kWakeNumber))
         return failed("watching its descriptors");
     return KOR_IIL_OK;
 }
 
-// Whoever has the lock on the lock file has the name. The kernel releases the lock of a dead process. The file is never
-// removed: otherwise two services could hold locks on two files of one name.
-std::uint32_t Service::takeName(const std::string& directory)
+std::uint32_t Service::setThreads(std::uint32_t threads)
 {
-    const std::string path = lockPath(directory, id_.c_str());
-    lock_ = Descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!lock_)
-        return failed("opening its lock file");
-    if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0)
-        return KOR_IIL_OK;
-
-    const bool taken = errno == EWOULDBLOCK;
-    lock_ = Descriptor(); // the destructor must not unlock it
-    return taken ? static_cast<std::uint32_t>(KOR_IIL_CONFLICT_ID) : failed("locking its lock file");
-}
-
-std::uint32_t Service::listen(const std::string& directory)
-{
-    const std::string path = socketPath(directory, id_.c_str());
-    sockaddr_un address;
-    if (const std::uint32_t status = socketAddress(path, address))
-        return status;
-
-    listener_ = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (!listener_)
-        return failed("opening its socket");
-    if (unlink(path.c_str()) != 0 && errno != ENOENT)
-        return failed("clearing away the socket of a predecessor");
-    if (bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        return failed("naming its socket");
-    socketPath_ = path;
-    if (::listen(listener_.get(), kBacklog) != 0)
-        return failed("listening");
+    if (threads == 0 || threads > kMostThreads || hasRun_)
+        return KOR_IIL_BAD_PARAM;
+    threads_ = threads;
     return KOR_IIL_OK;
 }
 
+int Service::callersPoll() const
+{
+    return helpersPoll_ ? helpersPoll_.get() : poll_.get();
+}
+
+// Of several threads, only one is told of a caller, until it has served it.
 bool Service::watch(int descriptor, std::uint32_t number)
 {
+    const bool isCaller = number > kWakeNumber;
     epoll_event event = {};
     event.events = EPOLLIN;
+    if (isCaller && helpersPoll_)
+        event.events |= EPOLLONESHOT;
     event.data.u32 = number;
-    return epoll_ctl(poll_.get(), EPOLL_CTL_ADD, descriptor, &event) == 0;
+    return epoll_ctl(isCaller ? callersPoll() : poll_.get(), EPOLL_CTL_ADD, descriptor, &event) == 0;
 }
 
 // --- The loop ----------------------------------------------------------------------------------------------------------------
@@ -160,13 +199,65 @@ void Service::stop()
 
 std::uint32_t Service::run()
 {
+    hasRun_ = true;
+    const std::unique_ptr<Packet> packet(new Packet);
+    const std::uint32_t status = threads_ > 1 ? serveWithHelpers(*packet) : serveUntilStopped(poll_.get(), *packet);
+    if (status == KOR_IIL_OK)
+        drain(*packet);
+    std::uint64_t signals;
+    [[maybe_unused]] const ssize_t taken = read(wake_.get(), &signals, sizeof signals); // cleared for the next run
+    return status;
+}
+
+// This thread accepts the callers, the helpers serve them.
+std::uint32_t Service::serveWithHelpers(Packet& packet)
+{
+    if (!helpersPoll_)
+        helpersPoll_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
+    epoll_event wake = {};
+    wake.events = EPOLLIN;
+    wake.data.u32 = kWakeNumber;
+    if (!helpersPoll_ || (epoll_ctl(helpersPoll_.get(), EPOLL_CTL_ADD, wake_.get(), &wake) != 0 && errno != EEXIST))
+        return failed("watching its callers");
+
+    std::vector<std::thread> helpers;
+    std::uint32_t status = KOR_IIL_OK;
+    try
+    {
+        const SignalsBlocked blocked;
+        helpers.reserve(threads_);
+        while (helpers.size() < threads_)
+        {
+            std::shared_ptr<Packet> own(new Packet);
+            helpers.emplace_back([this, own] { serveUntilStopped(helpersPoll_.get(), *own); });
+        }
+    }
+    catch (const std::exception& error) // no memory, or no thread
+    {
+        KORIIL_REPORT(kTraceWarning, "service %s: starting %lu threads failed: %s", id_.c_str(),
+                      static_cast<unsigned long>(threads_), error.what());
+        status = KOR_IIL_NO_MEM;
+    }
+    if (status == KOR_IIL_OK)
+        status = serveUntilStopped(poll_.get(), packet);
+    stop(); // the helpers, too
+    for (std::thread& helper : helpers)
+        helper.join();
+    return status;
+}
+
+std::uint32_t Service::serveUntilStopped(int poll, Packet& packet)
+{
+    const bool isHelper = poll == helpersPoll_.get();
     for (;;)
     {
-        epoll_event events[32];
-        const int count = epoll_wait(poll_.get(), events, 32, nextTimeout());
+        epoll_event events[kServedAtOnce];
+        const int timeout = isHelper ? -1 : static_cast<int>(kTidyEvery.count());
+        const int count = epoll_wait(poll, events, isHelper ? 1 : kServedAtOnce, timeout);
         if (count < 0 && errno != EINTR)
             return failed("waiting for requests");
 
+        const Clock::time_point polled = Clock::now();
         bool stopping = false;
         for (int i = 0; i < count; ++i)
         {
@@ -175,55 +266,58 @@ std::uint32_t Service::run()
                 stopping = true;
             else if (number == kListenerNumber)
                 accept();
-            else if (const auto caller = callers_.find(number); caller != callers_.end())
-                if (serve(number, caller->second) == Verdict::kDisconnect)
-                    disconnect(number);
+            else
+                serve(number, packet, (events[i].events & EPOLLHUP) != 0, polled);
         }
-        if (silent_ > 0)
-            disconnectSilent();
         if (stopping)
-        {
-            std::uint64_t signals;
-            [[maybe_unused]] const ssize_t taken = read(wake_.get(), &signals, sizeof signals); // cleared for the next run
             return KOR_IIL_OK;
-        }
+        if (isHelper || polled < nextTidy_)
+            continue;
+        nextTidy_ = polled + kTidyEvery;
+        if (const std::uint32_t status = tidy())
+            return status;
     }
 }
 
-// Milliseconds; no limit (-1) unless a caller has yet to say hello.
-int Service::nextTimeout() const
+// Answers what has arrived; callers find the connection closed before they send more.
+void Service::drain(Packet& packet)
 {
-    if (silent_ == 0)
-        return -1;
-    Clock::time_point next = Clock::time_point::max();
-    for (const auto& [number, caller] : callers_)
-        if (!caller.greeted)
-            next = std::min(next, caller.greetBefore);
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(next - Clock::now());
-    return std::max(0, static_cast<int>(left.count()) + 1);
-}
-
-void Service::disconnectSilent()
-{
-    const Clock::time_point now = Clock::now();
-    std::vector<std::uint32_t> silent;
-    for (const auto& [number, caller] : callers_)
-        if (!caller.greeted && caller.greetBefore <= now)
-            silent.push_back(number);
-    for (const std::uint32_t number : silent)
+    callers_.stopReceiving();
+    while (callers_.isAnyLeaving())
     {
-        // Its hello may be there, unread because another caller's request took long.
-        Caller& caller = callers_.at(number);
-        if (serve(number, caller) == Verdict::kDisconnect || !caller.greeted)
-            disconnect(number);
+        epoll_event events[kServedAtOnce];
+        const int count = epoll_wait(callersPoll(), events, kServedAtOnce, -1);
+        const Clock::time_point polled = Clock::now();
+        for (int i = 0; i < count; ++i)
+            if (events[i].data.u32 > kWakeNumber)
+                serve(events[i].data.u32, packet, (events[i].events & EPOLLHUP) != 0, polled);
     }
 }
+
+// What is looked after now and then.
+std::uint32_t Service::tidy()
+{
+    callers_.endSilent();
+    const int before = name_.listener();
+    const std::uint32_t status = name_.keep();
+    if (status == KOR_IIL_CONFLICT_ID)
+    {
+        KORIIL_REPORT(kTraceWarning, "service %s: its files were removed, and another service has taken the name", id_.c_str());
+        return status;
+    }
+    if (name_.listener() == before)
+        return KOR_IIL_OK; // or a failure, which has been traced: the next time may be better
+    KORIIL_REPORT(kTraceWarning, "service %s: its socket was removed, and has been made again", id_.c_str());
+    return watch(name_.listener(), kListenerNumber) ? static_cast<std::uint32_t>(KOR_IIL_OK) : failed("watching its socket");
+}
+
+// --- Accepting ---------------------------------------------------------------------------------------------------------------
 
 void Service::accept()
 {
     for (int i = 0; i < kAcceptedAtOnce; ++i)
     {
-        Descriptor socket(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        Descriptor socket(accept4(name_.listener(), nullptr, nullptr, SOCK_CLOEXEC));
         if (socket)
             admit(std::move(socket));
         else if (errno == EMFILE || errno == ENFILE)
@@ -234,37 +328,41 @@ void Service::accept()
 }
 
 void Service::admit(Descriptor socket)
+try
 {
-    if (callers_.size() >= kMostCallers)
-        return reject(socket.get(), KOR_IIL_BUSY);
-
-    Caller caller;
     ucred peer = {};
     socklen_t size = sizeof peer;
-    if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0)
+    if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0)
+        return reject(socket.get(), failed("asking for a caller's process"));
+    if (peer.uid != geteuid() && peer.uid != 0 && !name_.isShared()) // the kernel lets only the group's members connect
     {
-        caller.processId = static_cast<std::uint32_t>(peer.pid);
-        if (peer.uid != geteuid() && peer.uid != 0)
-        {
-            KORIIL_REPORT(kTraceWarning, "service %s: process %ld of another user (%lu) rejected", id_.c_str(),
-                          static_cast<long>(peer.pid), static_cast<unsigned long>(peer.uid));
-            return reject(socket.get(), KOR_IIL_UNKNOWN_SRC_ID);
-        }
+        KORIIL_REPORT(kTraceWarning, "service %s: process %ld of another user (%lu) rejected", id_.c_str(),
+                      static_cast<long>(peer.pid), static_cast<unsigned long>(peer.uid));
+        return reject(socket.get(), KOR_IIL_UNKNOWN_SRC_ID);
     }
 
-    std::uint32_t number = lastNumber_;
-    do
-        ++number;
-    while (number <= kWakeNumber || callers_.count(number) != 0);
-    lastNumber_ = number;
+    const int descriptor = socket.get();
+    const std::uint32_t number = callers_.admit(socket, static_cast<std::uint32_t>(peer.pid));
+    if (number == 0)
+        return reject(descriptor, KOR_IIL_BUSY);
+    if (watch(descriptor, number))
+        return;
+    reject(descriptor, KOR_IIL_BUSY);
+    callers_.remove(number);
+}
+catch (const std::bad_alloc&)
+{
+    ++callers_.counts.refusals; // the connection is closed
+}
 
-    if (!watch(socket.get(), number))
-        return reject(socket.get(), KOR_IIL_BUSY);
-    caller.socket = std::move(socket);
-    caller.greetBefore = Clock::now() + kGreetWithin;
-    const std::lock_guard<std::mutex> guard(mutex_);
-    callers_.emplace(number, std::move(caller));
-    ++silent_;
+void Service::reject(int socket, std::uint32_t status)
+{
+    PacketHeader reply;
+    reply.kind = PacketKind::kReply;
+    reply.sequence = 1; // of every connection's hello
+    reply.status = status;
+    ++callers_.counts.refusals;
+    sendPacket(socket, reply, nullptr); // if that fails, the caller still finds the connection closed
 }
 
 // A connection that is not accepted would stay ready, and the loop would never wait again.
@@ -272,7 +370,7 @@ void Service::rejectOutOfDescriptors()
 {
     spare_ = Descriptor();
     {
-        const Descriptor socket(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        const Descriptor socket(accept4(name_.listener(), nullptr, nullptr, SOCK_CLOEXEC));
         if (socket)
             reject(socket.get(), KOR_IIL_BUSY);
         else
@@ -282,28 +380,57 @@ void Service::rejectOutOfDescriptors()
     spare_ = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
-void Service::disconnect(std::uint32_t number)
-{
-    const std::lock_guard<std::mutex> guard(mutex_);
-    const auto caller = callers_.find(number);
-    if (!caller->second.greeted)
-        --silent_;
-    shutdown(caller->second.socket.get(), SHUT_RDWR); // ends the connection even if a child holds a copy
-    callers_.erase(caller);
-}
-
 // --- One packet --------------------------------------------------------------------------------------------------------------
 
-Service::Verdict Service::serve(std::uint32_t number, Caller& caller)
+// `isGone`: whether the caller had hung up when the poll set was looked at.
+void Service::serve(std::uint32_t number, Packet& packet, bool isGone, Clock::time_point polled)
 {
-    const ssize_t received = recv(caller.socket.get(), packet_.get(), sizeof(Packet), MSG_DONTWAIT | MSG_TRUNC);
+    const Clock::time_point now = Clock::now();
+    Caller* const caller = callers_.find(number, now);
+    if (caller == nullptr)
+        return;
+    if (now - polled > kFresh)
+        isGone = hasHungUp(*caller);
+
+    const int socket = caller->socket.get();
+    if (serveCaller(number, *caller, packet, isGone, now) == Verdict::kDisconnect)
+    {
+        epoll_ctl(callersPoll(), EPOLL_CTL_DEL, socket, nullptr); // closing alone would not while a child holds a copy
+        callers_.remove(number);
+    }
+    else if (helpersPoll_)
+    {
+        epoll_event event = {};
+        event.events = EPOLLIN | EPOLLONESHOT;
+        event.data.u32 = number;
+        epoll_ctl(callersPoll(), EPOLL_CTL_MOD, socket, &event);
+    }
+}
+
+Service::Verdict Service::serveCaller(std::uint32_t number, Caller& caller, Packet& packet, bool isGone, Clock::time_point now)
+try
+{
+    const ssize_t received = recv(caller.socket.get(), &packet, sizeof packet, MSG_DONTWAIT | MSG_TRUNC);
     if (received < 0)
-        return errno == EAGAIN || errno == EINTR ? Verdict::kKeep : Verdict::kDisconnect;
+        return errno == EAGAIN || errno == EINTR || errno == ENOMEM || errno == ENOBUFS ? Verdict::kKeep : Verdict::kDisconnect;
     if (received == 0)
         return Verdict::kDisconnect;
+    if (isGone)
+    {
+        ++callers_.counts.drops;
+        return Verdict::kDisconnect;
+    }
+    return servePacket(number, caller, packet, static_cast<std::size_t>(received), now);
+}
+catch (const std::bad_alloc&)
+{
+    return refuse(caller, packet, KOR_IIL_NO_MEM);
+}
 
-    const PacketHeader& header = packet_->header;
-    const auto length = static_cast<std::size_t>(received);
+Service::Verdict Service::servePacket(std::uint32_t number, Caller& caller, Packet& packet, std::size_t length,
+                                      Clock::time_point now)
+{
+    const PacketHeader& header = packet.header;
     switch (validityOf(header, length))
     {
     case PacketValidity::kForeign:
@@ -317,113 +444,115 @@ Service::Verdict Service::serve(std::uint32_t number, Caller& caller)
     }
 
     if (length > sizeof(Packet))
-        return answer(caller, KOR_IIL_OVERSIZE, 0);
+        return refuse(caller, packet, KOR_IIL_OVERSIZE);
     if (header.length != length - sizeof(PacketHeader) || header.name[kIdentifierSize - 1] != '\0')
-    {
-        answer(caller, KOR_IIL_BAD_CMD, 0);
-        return Verdict::kDisconnect;
-    }
-    if (!caller.greeted)
-        return greet(number, caller);
+        return dismiss(caller, packet, KOR_IIL_BAD_CMD);
+    if (!caller.isGreeted)
+        return greet(number, caller, packet);
     switch (header.kind)
     {
     case PacketKind::kRequest:
-        return serveRequest(caller);
     case PacketKind::kSubscribe:
     case PacketKind::kCancel:
-        return serveSubscription(caller);
+    case PacketKind::kCounters:
+        break;
     default:
-        answer(caller, KOR_IIL_BAD_CMD, 0);
-        return Verdict::kDisconnect;
+        return dismiss(caller, packet, KOR_IIL_BAD_CMD);
     }
-}
 
-Service::Verdict Service::greet(std::uint32_t number, Caller& caller)
-{
-    PacketHeader& header = packet_->header;
-    if (header.kind != PacketKind::kHello || header.length != 0)
-    {
-        answer(caller, KOR_IIL_BAD_CMD, 0);
-        return Verdict::kDisconnect;
-    }
-    if (id_ != header.name)
-    {
-        answer(caller, KOR_IIL_UNKNOWN_DST_ID, 0);
-        return Verdict::kDisconnect;
-    }
-    caller.greeted = true;
-    --silent_;
-    header.channel = number;
-    return answer(caller, KOR_IIL_OK, 0);
-}
-
-Service::Verdict Service::serveRequest(Caller& caller)
-{
-    const PacketHeader& header = packet_->header;
     if (!isCallerId(header.name))
-        return answer(caller, KOR_IIL_UNKNOWN_SRC_ID, 0);
+        return refuse(caller, packet, KOR_IIL_UNKNOWN_SRC_ID);
+    if (Deadline::hasPassed(header.began, header.wait, now))
+    {
+        ++callers_.counts.drops;
+        return Verdict::kKeep;
+    }
+    if (header.kind == PacketKind::kRequest)
+        return serveRequest(caller, packet);
+    return header.kind == PacketKind::kCounters ? serveCounters(caller, packet) : serveSubscription(caller, packet);
+}
 
+Service::Verdict Service::greet(std::uint32_t number, Caller& caller, Packet& packet)
+{
+    PacketHeader& header = packet.header;
+    if (header.kind != PacketKind::kHello || header.length != 0)
+        return dismiss(caller, packet, KOR_IIL_BAD_CMD);
+    if (id_ != header.name)
+        return dismiss(caller, packet, KOR_IIL_UNKNOWN_DST_ID);
+    callers_.greet(caller);
+    header.connection = number;
+    return answer(caller, packet, KOR_IIL_OK, 0);
+}
+
+Service::Verdict Service::serveRequest(const Caller& caller, Packet& packet)
+{
+    const PacketHeader& header = packet.header;
     KorIilRequest request = {};
     request.callerId = header.name;
     request.processId = caller.processId;
     request.wait = header.wait;
     request.command = header.command;
     request.length = header.length;
-    const std::uint32_t status = handler_(context_, &request, packet_->message);
+    const std::uint32_t status = handler_(context_, &request, packet.message);
+    ++callers_.counts.calls;
     if (status == KOR_IIL_TIMEOUT)
         return Verdict::kKeep;
-    return answer(caller, status, status == KOR_IIL_OK ? header.length : 0);
+    return answer(caller, packet, status, status == KOR_IIL_OK ? header.length : 0);
 }
 
-Service::Verdict Service::serveSubscription(Caller& caller)
+Service::Verdict Service::serveSubscription(const Caller& caller, Packet& packet)
 {
-    const PacketHeader& header = packet_->header;
-    if (!isCallerId(header.name))
-        return answer(caller, KOR_IIL_UNKNOWN_SRC_ID, 0);
-    if (header.length != 0)
-        return answer(caller, KOR_IIL_MISMATCH_CMD_LEN, 0);
-    return answer(caller, subscribe(caller, header), 0);
+    if (packet.header.length != 0)
+        return refuse(caller, packet, KOR_IIL_MISMATCH_CMD_LEN);
+    const std::uint32_t status = callers_.setInterest(caller, packet.header);
+    return status == KOR_IIL_OK ? answer(caller, packet, status, 0) : refuse(caller, packet, status);
 }
 
-std::uint32_t Service::subscribe(const Caller& caller, const PacketHeader& request)
+Service::Verdict Service::serveCounters(const Caller& caller, Packet& packet)
 {
-    if (request.command == 0 || request.command > eventCount_)
-        return KOR_IIL_UNKNOWN_EVT;
-
-    const std::lock_guard<std::mutex> guard(mutex_);
-    const auto found = callers_.find(request.channel);
-    if (found == callers_.end() || !found->second.greeted || found->second.processId != caller.processId)
-        return KOR_IIL_BAD_EVT;
-
-    Caller& subscriber = found->second;
-    const bool wanted = request.kind == PacketKind::kSubscribe;
-    if (subscriber.events.empty())
-    {
-        subscriber.events.resize(eventCount_ + 1);
-        setsockopt(subscriber.socket.get(), SOL_SOCKET, SO_SNDBUF, &kEventQueueBytes, sizeof kEventQueueBytes);
-    }
-    if (!wanted && !subscriber.events[request.command])
-        return KOR_IIL_BAD_EVT;
-    subscriber.events[request.command] = wanted;
-    return KOR_IIL_OK;
+    KorIilServiceCounters counters = {};
+    if (packet.header.length != sizeof counters)
+        return refuse(caller, packet, KOR_IIL_MISMATCH_CMD_LEN);
+    counters.processId = static_cast<std::uint64_t>(getpid());
+    counters.openedAt = static_cast<std::uint64_t>(openedAt_);
+    callers_.count(counters.connections, counters.subscriptions);
+    counters.calls = callers_.counts.calls;
+    counters.refusals = callers_.counts.refusals;
+    counters.drops = callers_.counts.drops;
+    std::memcpy(packet.message, &counters, sizeof counters);
+    return answer(caller, packet, KOR_IIL_OK, sizeof counters);
 }
 
-// Turns the packet being served into its reply, and sends it.
-Service::Verdict Service::answer(const Caller& caller, std::uint32_t status, std::uint32_t length)
+Service::Verdict Service::refuse(const Caller& caller, Packet& packet, std::uint32_t status)
 {
-    PacketHeader& header = packet_->header;
-    header.kind = PacketKind::kReply;
-    header.status = status;
-    header.length = length;
-    if (sendPacket(caller.socket.get(), header, packet_->message))
-        return Verdict::kKeep;
-    if (errno == EAGAIN)
-        KORIIL_REPORT(kTraceWarning, "service %s: process %lu does not read its replies, disconnected", id_.c_str(),
-                      static_cast<unsigned long>(caller.processId));
+    ++callers_.counts.refusals;
+    return answer(caller, packet, status, 0);
+}
+
+// Refuses a packet of a peer that cannot be trusted to send valid ones.
+Service::Verdict Service::dismiss(const Caller& caller, Packet& packet, std::uint32_t status)
+{
+    refuse(caller, packet, status);
     return Verdict::kDisconnect;
 }
 
-// --- Events ------------------------------------------------------------------------------------------------------------------
+// Turns the packet being served into its reply, and sends it.
+Service::Verdict Service::answer(const Caller& caller, Packet& packet, std::uint32_t status, std::uint32_t length)
+{
+    PacketHeader& header = packet.header;
+    header.kind = PacketKind::kReply;
+    header.status = status;
+    header.length = length;
+    if (sendPacket(caller.socket.get(), header, packet.message))
+        return Verdict::kKeep;
+    if (errno == EAGAIN)
+    {
+        ++callers_.counts.drops;
+        KORIIL_REPORT(kTraceWarning, "service %s: process %lu does not read its replies, disconnected", id_.c_str(),
+                      static_cast<unsigned long>(caller.processId));
+    }
+    return Verdict::kDisconnect;
+}
 
 std::uint32_t Service::publish(std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t* subscribers)
 {
@@ -431,30 +560,7 @@ std::uint32_t Service::publish(std::uint32_t event, const void* data, std::uint3
         return KOR_IIL_UNKNOWN_EVT;
     if (length > KOR_IIL_MAX_LENGTH)
         return KOR_IIL_OVERSIZE;
-
-    PacketHeader header;
-    header.kind = PacketKind::kEvent;
-    header.command = event;
-    header.length = length;
-    copyIdentifier(header.name, id_.c_str());
-
-    std::uint32_t sent = 0;
-    const std::lock_guard<std::mutex> guard(mutex_);
-    for (auto& [number, caller] : callers_)
-    {
-        if (caller.events.empty() || !caller.events[event])
-            continue;
-        if (sendPacket(caller.socket.get(), header, data))
-        {
-            ++sent;
-            continue;
-        }
-        if (errno == EAGAIN) // any other error: it has closed the connection
-            KORIIL_REPORT(kTraceWarning, "service %s: process %lu does not take its events, disconnected", id_.c_str(),
-                          static_cast<unsigned long>(caller.processId));
-        // The subscriber can still read its queue. The loop finds the connection ended, and removes the caller.
-        shutdown(caller.socket.get(), SHUT_RDWR);
-    }
+    const std::uint32_t sent = callers_.publish(event, data, length);
     if (subscribers != nullptr)
         *subscribers = sent;
     return KOR_IIL_OK;
@@ -490,6 +596,11 @@ catch (const std::bad_alloc&)
     return KOR_IIL_NO_MEM;
 }
 
+extern "C" uint32_t KorIilServiceSetThreads(KorIilService* service, uint32_t threads)
+{
+    return service != nullptr ? service->setThreads(threads) : static_cast<std::uint32_t>(KOR_IIL_BAD_PARAM);
+}
+
 extern "C" uint32_t KorIilServiceRun(KorIilService* service)
 try
 {
@@ -497,7 +608,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    return KOR_IIL_ERR;
+    return KOR_IIL_NO_MEM;
 }
 
 extern "C" void KorIilServiceStop(KorIilService* service)
@@ -511,6 +622,7 @@ extern "C" uint32_t KorIilServicePublish(KorIilService* service, uint32_t evt, c
 {
     if (service == nullptr || (data == nullptr && length > 0))
         return KOR_IIL_BAD_PARAM;
+    const koriil::CancellationDeferred deferred;
     return service->publish(evt, data, length, subscribers);
 }
 

@@ -1,18 +1,16 @@
-// A service: its socket, its callers, and the loop that serves them.
+// A service: the loop that accepts callers and serves what they send.
 #pragma once
 
+#include "callers.h"
 #include "descriptor.h"
 #include "kor_iil_service.h"
 #include "packet.h"
+#include "service_name.h"
 
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <mutex>
+#include <ctime>
 #include <string>
-#include <unordered_map>
-#include <vector>
 
 #include <sys/types.h>
 
@@ -28,66 +26,67 @@ public:
     Service& operator=(const Service&) = delete;
 
     std::uint32_t open();
+    std::uint32_t setThreads(std::uint32_t threads);
     std::uint32_t run();
     void stop();
     std::uint32_t publish(std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t* subscribers);
 
+    // Around a fork. A child closes its copies of all descriptors: otherwise one that outlives the service would keep its name
+    // taken and its callers waiting.
+    void beforeFork();
+    void afterFork();
+    void abandon();
+
 private:
-    using Clock = std::chrono::steady_clock;
-
-    struct Caller
-    {
-        Descriptor socket;
-        std::uint32_t processId = 0;
-        bool greeted = false;
-        Clock::time_point greetBefore; // disconnected then if it has not said hello
-        std::vector<bool> events;      // subscribed to, by number; empty before the first subscription
-    };
-
     enum class Verdict
     {
         kKeep,
         kDisconnect
     };
 
-    std::uint32_t takeName(const std::string& directory);
-    std::uint32_t listen(const std::string& directory);
+    std::uint32_t failed(const char* what) const;
     bool watch(int descriptor, std::uint32_t number);
-    std::uint32_t failed(const char* what);
+    int callersPoll() const;
 
-    int nextTimeout() const;
-    void disconnectSilent();
+    std::uint32_t serveWithHelpers(Packet& packet);
+    std::uint32_t serveUntilStopped(int poll, Packet& packet);
+    void drain(Packet& packet);
+    std::uint32_t tidy();
+
     void accept();
     void admit(Descriptor socket);
+    void reject(int socket, std::uint32_t status);
     void rejectOutOfDescriptors();
-    void disconnect(std::uint32_t number);
 
-    Verdict serve(std::uint32_t number, Caller& caller);
-    Verdict greet(std::uint32_t number, Caller& caller);
-    Verdict serveRequest(Caller& caller);
-    Verdict serveSubscription(Caller& caller);
-    std::uint32_t subscribe(const Caller& caller, const PacketHeader& request);
-    Verdict answer(const Caller& caller, std::uint32_t status, std::uint32_t length);
+    using TimePoint = std::chrono::steady_clock::time_point;
+
+    void serve(std::uint32_t number, Packet& packet, bool isGone, TimePoint polled);
+    Verdict serveCaller(std::uint32_t number, Caller& caller, Packet& packet, bool isGone, TimePoint now);
+    Verdict servePacket(std::uint32_t number, Caller& caller, Packet& packet, std::size_t length, TimePoint now);
+    Verdict greet(std::uint32_t number, Caller& caller, Packet& packet);
+    Verdict serveRequest(const Caller& caller, Packet& packet);
+    Verdict serveSubscription(const Caller& caller, Packet& packet);
+    Verdict serveCounters(const Caller& caller, Packet& packet);
+    Verdict refuse(const Caller& caller, Packet& packet, std::uint32_t status);
+    Verdict dismiss(const Caller& caller, Packet& packet, std::uint32_t status);
+    Verdict answer(const Caller& caller, Packet& packet, std::uint32_t status, std::uint32_t length);
 
     const std::string id_;
     const std::uint32_t eventCount_;
     const KorIilRequestHandler handler_;
     void* const context_;
     const pid_t owner_;
+    const std::time_t openedAt_;
+    std::uint32_t threads_ = 1;
+    bool hasRun_ = false;
 
-    std::string socketPath_; // empty until the socket is bound
-    Descriptor lock_;
-    Descriptor listener_;
+    ServiceName name_;
+    Callers callers_;
     Descriptor poll_;
+    Descriptor helpersPoll_; // the callers, where several threads serve them
     Descriptor wake_;
     Descriptor spare_; // closed for a moment to reject a caller when descriptors run out
-
-    std::mutex mutex_; // held by the loop to change callers_, and by any thread to publish
-    std::unordered_map<std::uint32_t, Caller> callers_;
-    std::uint32_t lastNumber_;
-    std::size_t silent_ = 0; // callers that have not said hello yet
-
-    std::unique_ptr<Packet> packet_; // the packet being served
+    TimePoint nextTidy_;
 };
 
 } // namespace koriil

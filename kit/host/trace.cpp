@@ -3,8 +3,12 @@
 
 #include "base/timestamp.h"
 #include "environment.h"
+#include "output.h"
+#include "thread_guards.h"
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -22,6 +26,9 @@ namespace
 constexpr std::size_t kLongestLine = 1024; // with its newline
 constexpr char kCutMark[] = " [cut]";
 
+// Lines that a process may write in a second. Who writes more has a fault that the first ones show.
+constexpr std::uint32_t kLinesPerSecond = 1000;
+
 // One line under construction: printable ASCII only, never longer than kLongestLine.
 class TraceLine
 {
@@ -32,7 +39,8 @@ public:
             appendCharacter(static_cast<unsigned char>(*text));
     }
 
-    void writeTo(int descriptor)
+    // False if there was no room for it.
+    bool writeTo(int descriptor)
     {
         if (cut_)
         {
@@ -40,7 +48,7 @@ public:
             length_ += sizeof kCutMark - 1;
         }
         bytes_[length_++] = '\n';
-        writeLine(descriptor, bytes_, length_);
+        return writeAtOnce(descriptor, bytes_, length_) > 0;
     }
 
 private:
@@ -141,6 +149,45 @@ void appendPlace(TraceLine& record, const char* fileTag, std::uint32_t line)
     record.append(text);
 }
 
+// Lines that were not written. Not locked, so that a child that is forked meanwhile can trace.
+std::atomic<std::uint32_t> dropped{0};
+
+bool isTooMuch()
+{
+    static std::atomic<std::int64_t> second{0};
+    static std::atomic<std::uint32_t> lines{0};
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    const std::int64_t thisSecond = std::chrono::duration_cast<std::chrono::seconds>(now).count();
+    if (second.exchange(thisSecond) != thisSecond)
+        lines = 0;
+    return ++lines > kLinesPerSecond;
+}
+
+void writeRecord(int descriptor, std::uint32_t level, const char* fileTag, std::uint32_t line, const char* text)
+{
+    TraceLine record;
+    record.append(tarn::base::Timestamp().text);
+    record.append(" ");
+    appendLevel(record, level);
+    appendPlace(record, fileTag, line);
+    record.append(text);
+    if (!record.writeTo(descriptor))
+        ++dropped;
+}
+
+// Says how many lines are missing before the next one that is written.
+void reportDropped(int descriptor)
+{
+    const std::uint32_t missing = dropped.exchange(0);
+    if (missing == 0)
+        return;
+    char text[64];
+    std::snprintf(text, sizeof text, "%lu trace lines dropped", static_cast<unsigned long>(missing));
+    writeRecord(descriptor, kTraceWarning, "koriil", __LINE__, text);
+    if (dropped > 0) // this one, too
+        dropped += missing - 1;
+}
+
 } // namespace
 } // namespace koriil
 
@@ -149,8 +196,14 @@ extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, 
     using namespace koriil;
 
     const int callersErrno = errno;
+    const CancellationDeferred deferred;
     static const TraceSettings kSettings = readSettings();
-    if (level <= kSettings.highestLevel && kSettings.highestLevel != 0)
+    if (level > kSettings.highestLevel || kSettings.highestLevel == 0)
+    {
+    }
+    else if (isTooMuch())
+        ++dropped;
+    else
     {
         // Cut here, a text is too long for the line as well, which then ends in the cut mark.
         char text[kLongestLine] = "(no text)";
@@ -163,14 +216,8 @@ extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, 
                 std::snprintf(text, sizeof text, "(unprintable) %s", format);
             va_end(arguments);
         }
-
-        TraceLine record;
-        record.append(tarn::base::Timestamp().text);
-        record.append(" ");
-        appendLevel(record, level);
-        appendPlace(record, fileTag, line);
-        record.append(text);
-        record.writeTo(kSettings.descriptor);
+        reportDropped(kSettings.descriptor);
+        writeRecord(kSettings.descriptor, level, fileTag, line, text);
     }
     errno = callersErrno;
 }

@@ -154,13 +154,19 @@ TEST_F(BadServiceTest, AProcessThatDiesInMidCall)
 
 TEST_F(BadServiceTest, NotTakingTheRequest)
 {
-    const auto stopReading = [](Peer& peer, const PacketHeader& hello)
-    {
-        ASSERT_EQ(shutdown(peer.descriptor(), SHUT_RD), 0);
-        ASSERT_TRUE(peer.send(replyTo(hello, 0)));
-        peer.hasEnded();
-    };
-    EXPECT_EQ(statusIfGreeted(stopReading), KOR_IIL_TX_FAIL);
+    ScriptedService service(
+        [](ScriptedService& self)
+        {
+            for (int attempt = 0; attempt < 3; ++attempt)
+            {
+                Peer peer = self.accept();
+                const PacketHeader hello = peer.receiveHeader();
+                ASSERT_EQ(shutdown(peer.descriptor(), SHUT_RD), 0);
+                ASSERT_TRUE(peer.send(replyTo(hello, 0)));
+                peer.hasEnded();
+            }
+        });
+    EXPECT_EQ(callOnce(), KOR_IIL_TX_FAIL);
 }
 
 TEST_F(BadServiceTest, AnotherByteOrder)

@@ -103,7 +103,7 @@ std::uint32_t subscribeByHand(Peer& peer, std::uint32_t evt)
 {
     koriil::PacketHeader request = requestHeader(evt, 0);
     request.kind = koriil::PacketKind::kSubscribe;
-    request.channel = peer.greet().channel;
+    request.connection = peer.greet().connection;
     EXPECT_TRUE(peer.send(request));
     return peer.receiveHeader().status;
 }
@@ -634,7 +634,7 @@ TEST_F(EventsTest, MalformedEventsAreDropped)
                 Peer caller = self.welcome();
                 const koriil::PacketHeader subscription = caller.receiveHeader();
                 ASSERT_EQ(subscription.kind, koriil::PacketKind::kSubscribe);
-                ASSERT_EQ(subscription.channel, kScriptedChannel);
+                ASSERT_EQ(subscription.connection, kScriptedChannel);
                 ASSERT_TRUE(caller.send(replyTo(subscription, 0)));
 
                 koriil::PacketHeader event;
@@ -650,10 +650,6 @@ TEST_F(EventsTest, MalformedEventsAreDropped)
                 ASSERT_TRUE(channel.send(event, std::string(event.length, 'x')));
                 event.length = 4;
                 ASSERT_TRUE(channel.send(event, "good"));
-
-                const koriil::PacketHeader cancellation = caller.receiveHeader();
-                ASSERT_EQ(cancellation.kind, koriil::PacketKind::kCancel);
-                ASSERT_TRUE(caller.send(replyTo(cancellation, 0)));
                 ASSERT_TRUE(channel.hasEnded()) << "it was the last subscription";
             });
         ASSERT_EQ(subscribe(), KOR_IIL_OK);

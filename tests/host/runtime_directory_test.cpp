@@ -41,9 +41,9 @@ protected:
 
     static std::string chosen()
     {
-        std::string path;
-        EXPECT_EQ(koriil::findRuntimeDirectory(path), KOR_IIL_OK);
-        return path;
+        koriil::RuntimeDirectory directory;
+        EXPECT_EQ(koriil::findRuntimeDirectory(directory), KOR_IIL_OK);
+        return directory.path;
     }
 };
 

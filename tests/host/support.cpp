@@ -1,5 +1,6 @@
 #include "support.h"
 
+#include "host/deadline.h"
 #include "host/identifiers.h"
 
 #include <cerrno>
@@ -201,9 +202,14 @@ koriil::Descriptor listenAs(const char* serviceId, int type, int backlog)
 Peer Peer::connectTo(const char* serviceId)
 {
     Peer peer(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    const sockaddr_un address = addressOf(serviceId);
-    EXPECT_EQ(connect(peer.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << strerror(errno);
+    EXPECT_TRUE(peer.tryToConnect(serviceId)) << strerror(errno);
     return peer;
+}
+
+bool Peer::tryToConnect(const char* serviceId)
+{
+    const sockaddr_un address = addressOf(serviceId);
+    return connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 bool Peer::send(const koriil::PacketHeader& header, const std::string& message)
@@ -270,6 +276,7 @@ koriil::PacketHeader requestHeader(std::uint32_t command, std::uint32_t length)
     header.command = command;
     header.length = length;
     header.wait = kAmple;
+    header.began = koriil::Deadline(kAmple).began();
     koriil::copyIdentifier(header.name, kCaller);
     return header;
 }
@@ -289,8 +296,8 @@ koriil::PacketHeader inOtherByteOrder(koriil::PacketHeader header)
     header.magic = __builtin_bswap32(header.magic);
     header.version = __builtin_bswap16(header.version);
     header.kind = static_cast<koriil::PacketKind>(__builtin_bswap16(static_cast<std::uint16_t>(header.kind)));
-    for (std::uint32_t* word :
-         {&header.sequence, &header.status, &header.command, &header.length, &header.wait, &header.channel})
+    for (std::uint32_t* word : {&header.sequence, &header.status, &header.command, &header.length, &header.wait, &header.began,
+                                &header.connection, &header.revision})
         *word = __builtin_bswap32(*word);
     return header;
 }
@@ -318,7 +325,7 @@ Peer ScriptedService::welcome()
     const koriil::PacketHeader hello = peer.receiveHeader();
     EXPECT_EQ(hello.kind, koriil::PacketKind::kHello);
     koriil::PacketHeader reply = replyTo(hello, 0);
-    reply.channel = kScriptedChannel;
+    reply.connection = kScriptedChannel;
     EXPECT_TRUE(peer.send(reply));
     return peer;
 }

@@ -141,6 +141,7 @@ public:
     {
     }
 
+    bool tryToConnect(const char* serviceId);
     bool send(const koriil::PacketHeader& header, const std::string& message = "");
     bool sendBytes(const void* bytes, std::size_t length);
     // Waits for one packet, and returns its length; 0 at the end of the connection, -1 if nothing comes.
