@@ -291,9 +291,10 @@ void EventStream::deliverAll()
         if (tellWatcher(lock))
             continue;
         if (isToRenew())
+        {
             renew(lock);
-        if (connection_ == nullptr)
             continue;
+        }
 
         const std::shared_ptr<Connection> connection = connection_;
         const std::uint64_t count = connectionCount_;
@@ -416,6 +417,8 @@ void EventStream::renew(Lock& lock)
         const std::uint32_t status = join(lock, current, deadline);
         if (status != KOR_IIL_OK && status != KOR_IIL_UNKNOWN_EVT)
         {
+            if (connection_ != nullptr)
+                lose(); // it serves some and not others: all over again
             lock_.changed.wait_for(lock, pause_, [this] { return connection_ != nullptr || !isToRenew(); });
             pause_ = std::min(2 * pause_, kLongestPause);
             return;

@@ -3,10 +3,10 @@
 #include "connection.h"
 #include "environment.h"
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace koriil
@@ -59,10 +59,9 @@ struct KeptConnections
 bool shallTryAgain(std::uint32_t status, const Deadline& deadline)
 {
     const bool mayComeBack = status == KOR_IIL_UNKNOWN_DST_ID || status == KOR_IIL_RX_FAIL || status == KOR_IIL_TX_FAIL;
-    const microseconds remaining = deadline.remaining();
-    if (!mayComeBack || remaining <= microseconds(0) || !isSwitchedOn("KORIIL_WAIT_FOR_SERVICE"))
+    if (!mayComeBack || deadline.remaining() <= kPause || !isSwitchedOn("KORIIL_WAIT_FOR_SERVICE"))
         return false;
-    std::this_thread::sleep_for(std::min(kPause, remaining));
+    std::this_thread::sleep_for(kPause);
     return true;
 }
 

@@ -2,12 +2,15 @@
 //
 //   host_probe trace LEVEL TAG LINE TEXT      writes one trace record
 //   host_probe trace-again COUNT TEXT         writes COUNT of them
+//   host_probe trace-flood COUNT TEXT         writes COUNT of them, and another one a moment later
 //   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
+//   host_probe call-limited CALLER SERVICE HEX  the same three times; no file may grow by a whole record at the second
 //   host_probe end SERVICE                    subscribes, and exits with everything open; the destructor of a static calls
 #include "base/hexadecimal.h"
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,14 +18,16 @@
 #include <thread>
 #include <vector>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+
 namespace
 {
 
 int usage()
 {
-    std::fprintf(
-        stderr,
-        "usage: host_probe trace LEVEL TAG LINE TEXT | trace-again COUNT TEXT | call CALLER SERVICE HEX | end SERVICE\n");
+    std::fprintf(stderr, "usage: host_probe trace LEVEL TAG LINE TEXT | trace-again COUNT TEXT | trace-flood COUNT TEXT |\n"
+                         "                  call CALLER SERVICE HEX | call-limited CALLER SERVICE HEX | end SERVICE\n");
     return 100;
 }
 
@@ -36,6 +41,26 @@ int call(const char* callerId, const char* serviceId, const std::string& hexadec
     tarn::base::Bytes message = tarn::base::parseHex(hexadecimal).value();
     return static_cast<int>(
         KorIilExecute(callerId, serviceId, 30, 1, static_cast<std::uint32_t>(message.size()), message.data()));
+}
+
+void trace(int count, const char* text)
+{
+    for (int i = 0; i < count; ++i)
+        KorIilTrace(1, "probe", static_cast<std::uint32_t>(i), "%s", text);
+}
+
+int callLimited(const char* callerId, const char* serviceId, const std::string& hexadecimal)
+{
+    int status = call(callerId, serviceId, hexadecimal);
+    struct stat recording = {};
+    rlimit limit = {};
+    if (stat(std::getenv("KORIIL_RECORD"), &recording) != 0 || getrlimit(RLIMIT_FSIZE, &limit) != 0)
+        return 101;
+    const rlimit tight = {static_cast<rlim_t>(recording.st_size) * 3 / 2, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &tight);
+    status += call(callerId, serviceId, hexadecimal);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    return status + call(callerId, serviceId, hexadecimal);
 }
 
 // Destroyed after main has returned, when the main thread's connections are closed.
@@ -74,10 +99,17 @@ int main(int argc, char** argv)
         KorIilTrace(static_cast<std::uint32_t>(number(argv[2])), argv[3], static_cast<std::uint32_t>(number(argv[4])), "%s",
                     argv[5]);
     else if (mode == "trace-again" && argc == 4)
-        for (int i = 0; i < number(argv[2]); ++i)
-            KorIilTrace(1, "probe", static_cast<std::uint32_t>(i), "%s", argv[3]);
+        trace(number(argv[2]), argv[3]);
+    else if (mode == "trace-flood" && argc == 4)
+    {
+        trace(number(argv[2]), argv[3]);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+        trace(1, argv[3]);
+    }
     else if (mode == "call" && argc == 5)
         return call(argv[2], argv[3], argv[4]);
+    else if (mode == "call-limited" && argc == 5)
+        return callLimited(argv[2], argv[3], argv[4]);
     else if (mode == "end" && argc == 3)
         return end(argv[2]);
     else

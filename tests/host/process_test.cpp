@@ -7,6 +7,8 @@
 #include <sstream>
 #include <vector>
 
+#include <csignal>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -202,6 +204,69 @@ TEST_F(ProcessTest, LinesOfManyProcessesDoNotMix)
         EXPECT_TRUE(line.size() > text.size() && std::regex_match(line, form)) << line;
 }
 
+// A program whose standard error is a pipe, which holds no more or has no reader, and that is ended if it hangs.
+int traceToPipe(bool isFull)
+{
+    int ends[2];
+    if (pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0)
+        return 100;
+    if (isFull)
+    {
+        const int flags = fcntl(ends[1], F_GETFL);
+        fcntl(ends[1], F_SETFL, flags | O_NONBLOCK);
+        while (write(ends[1], "x", 1) == 1)
+        {
+        }
+        fcntl(ends[1], F_SETFL, flags);
+    }
+    else
+        close(ends[0]);
+    signal(SIGPIPE, SIG_DFL);
+    alarm(kAmple / 2);
+    for (std::uint32_t i = 0; i < 10; ++i)
+        KorIilTrace(1, "probe", i, "%s", "text");
+    return (fcntl(ends[1], F_GETFL) & O_NONBLOCK) == 0 ? 0 : 101; // the program's own mode is untouched
+}
+
+TEST_F(ProcessTest, ATraceDoesNotWaitForAReader)
+{
+    EXPECT_EQ(Child([] { return traceToPipe(true); }).wait(), 0);
+}
+
+TEST_F(ProcessTest, ATraceWithoutAReaderRaisesNoSignal)
+{
+    EXPECT_EQ(Child([] { return traceToPipe(false); }).wait(), 0);
+}
+
+TEST_F(ProcessTest, AFloodOfTracesIsCutAndSaysHowManyAreMissing)
+{
+    const auto lines = linesOf(probe({"trace-flood", "5000", "text"}).errors);
+    ASSERT_GT(lines.size(), 2u);
+    EXPECT_LT(lines.size(), 5000u);
+    const std::string missing = std::to_string(5000 - (lines.size() - 2)) + " trace lines dropped";
+    EXPECT_NE(lines[lines.size() - 2].find(missing), std::string::npos) << lines[lines.size() - 2];
+}
+
+TEST_F(ProcessTest, WhatAProgramWritesToAClosedStandardErrorDoesNotReachAService)
+{
+    RunningService service;
+    Child child(
+        []
+        {
+            for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                close(descriptor);
+            for (std::uint32_t i = 0; i < 10; ++i)
+            {
+                if (const std::uint32_t status = callOnce())
+                    return static_cast<int>(status);
+                KorIilTrace(1, "probe", i, "%s", "text");
+                [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, "text", 4);
+            }
+            return 0;
+        });
+    EXPECT_EQ(child.wait(), 0);
+}
+
 // --- This library's own trace lines ------------------------------------------------------------------------------------------
 
 TEST_F(ProcessTest, ARefusedDirectoryIsExplained)
@@ -278,6 +343,23 @@ TEST_F(ProcessTest, NothingIsSaidWhenNothingIsWrong)
     const Result result = probe({"call", "web", kService, "00"});
     EXPECT_EQ(result.exitCode, KOR_IIL_OK);
     EXPECT_EQ(result.errors, "");
+}
+
+// The middle one of three records does not fit.
+TEST_F(ProcessTest, ARecordThatDoesNotFitLeavesTheOthersWhole)
+{
+    const std::string path = directory() + "/record";
+    RunningService service;
+    const Result result = probe({"call-limited", "web", kService, std::string(2000, '0')}, {{"KORIIL_RECORD", path}});
+    EXPECT_EQ(result.exitCode, KOR_IIL_OK) << "the call is done all the same";
+    EXPECT_NE(result.errors.find("could not be written"), std::string::npos) << result.errors;
+    const auto lines = linesOf(contentOf(path));
+    ASSERT_EQ(lines.size(), 2u);
+    for (const std::string& line : lines)
+    {
+        EXPECT_EQ(line.rfind("{\"time\"", 0), 0u) << line;
+        EXPECT_EQ(line.back(), '}');
+    }
 }
 
 // --- The end -----------------------------------------------------------------------------------------------------------------

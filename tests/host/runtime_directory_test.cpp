@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -138,6 +139,68 @@ TEST_F(RuntimeDirectoryTest, OneThatOthersMayWriteToIsRefused)
     }
     ASSERT_EQ(chmod(directory().c_str(), 0755), 0);
     EXPECT_EQ(open(), KOR_IIL_OK) << "others may read it";
+}
+
+// One that a group shares belongs to root, is sticky, and is used by members of the group alone.
+TEST_F(RuntimeDirectoryTest, AGroupMayShareOne)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make one";
+    constexpr gid_t kGroup = 4711, kOtherGroup = 4712;
+    constexpr uid_t kMember = 4711, kStranger = 4712;
+    ASSERT_EQ(chown(directory().c_str(), 0, kGroup), 0);
+    ASSERT_EQ(chmod(directory().c_str(), 03770), 0);
+    RunningService service;
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
+
+    const auto callAs = [](uid_t user, gid_t group)
+    {
+        return Child(
+                   [=]
+                   {
+                       if (setgroups(0, nullptr) != 0 || setgid(group) != 0 || setuid(user) != 0)
+                           return 100;
+                       return static_cast<int>(callOnce());
+                   })
+            .wait();
+    };
+    EXPECT_EQ(callAs(kMember, kGroup), KOR_IIL_OK);
+    EXPECT_EQ(callAs(kStranger, kOtherGroup), KOR_IIL_UNKNOWN_COMM);
+    ASSERT_EQ(chmod(directory().c_str(), 02770), 0);
+    EXPECT_EQ(callAs(kMember, kGroup), KOR_IIL_UNKNOWN_COMM) << "members could replace one another's sockets";
+    ASSERT_EQ(chmod(directory().c_str(), 03772), 0);
+    EXPECT_EQ(callAs(kMember, kGroup), KOR_IIL_UNKNOWN_COMM) << "others could";
+    ASSERT_EQ(chmod(directory().c_str(), 03770), 0);
+    ASSERT_EQ(chown(directory().c_str(), kStranger, kGroup), 0);
+    EXPECT_EQ(callAs(kMember, kGroup), KOR_IIL_UNKNOWN_COMM) << "its owner could";
+    ASSERT_EQ(chown(directory().c_str(), 0, 0), 0);
+}
+
+TEST_F(RuntimeDirectoryTest, AMemberOfTheGroupServesTheOthers)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make one";
+    constexpr gid_t kGroup = 4711;
+    ASSERT_EQ(chown(directory().c_str(), 0, kGroup), 0);
+    ASSERT_EQ(chmod(directory().c_str(), 03770), 0);
+    Child server(
+        []
+        {
+            KorIilService* service = nullptr;
+            if (setgroups(0, nullptr) != 0 || setgid(kGroup) != 0 || setuid(4711) != 0 ||
+                KorIilServiceOpen(kService, 0, refuseRequest, nullptr, &service) != KOR_IIL_OK)
+                return 100;
+            return static_cast<int>(KorIilServiceRun(service));
+        });
+    EXPECT_TRUE(eventually([] { return callOnce() == KOR_IIL_UNSUPPORT; }));
+    Child caller(
+        []
+        {
+            if (setgroups(0, nullptr) != 0 || setgid(kGroup) != 0 || setuid(4712) != 0)
+                return 100;
+            return static_cast<int>(callOnce());
+        });
+    EXPECT_EQ(caller.wait(), KOR_IIL_UNSUPPORT);
 }
 
 TEST_F(RuntimeDirectoryTest, AnotherUsersIsRefused)
