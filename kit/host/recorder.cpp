@@ -1,5 +1,6 @@
 #include "recorder.h"
 
+#include "base/byte_order.h"
 #include "base/hexadecimal.h"
 #include "base/quote.h"
 #include "base/timestamp.h"
@@ -63,14 +64,6 @@ void appendHexadecimal(std::string& line, const void* bytes, std::uint32_t lengt
     line += '"';
 }
 
-const char* byteOrder()
-{
-    const std::uint16_t word = 1;
-    unsigned char first;
-    std::memcpy(&first, &word, 1);
-    return first == 1 ? "little" : "big";
-}
-
 // A line that did not fit (the disk is full) is taken back, so that the next one is whole. False if it did not fit.
 bool appendLine(const std::string& line)
 {
@@ -102,7 +95,7 @@ RecordedCall::RecordedCall(const char* callerId, const char* serviceId, std::uin
     line_ = std::string("{\"time\":\"") + tarn::base::Timestamp().text + "\",\"pid\":" + std::to_string(getpid()) +
             ",\"caller\":" + identifier(callerId) + ",\"service\":" + identifier(serviceId) +
             ",\"command\":" + std::to_string(command) + ",\"wait\":" + std::to_string(wait) +
-            ",\"length\":" + std::to_string(length) + ",\"byte_order\":\"" + byteOrder() + "\",\"request\":";
+            ",\"length\":" + std::to_string(length) + ",\"byte_order\":\"" + tarn::base::kByteOrder + "\",\"request\":";
     if (message != nullptr)
         line_.reserve(line_.size() + 4 * std::size_t{length} + kStatusSize); // finish() allocates nothing, and so cannot fail
     appendHexadecimal(line_, message, length);

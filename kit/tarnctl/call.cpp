@@ -169,14 +169,20 @@ const char* toString(CallOutcome outcome)
     return kOutcomes.at(static_cast<std::size_t>(outcome)).name;
 }
 
-std::string inRuntimeDirectory()
+std::string runtimeDirectory()
 {
     if (KorIilRuntimeDirectory == nullptr)
         return "";
     std::string path(KorIilRuntimeDirectory(nullptr, 0) + 1, '\0');
     KorIilRuntimeDirectory(path.data(), static_cast<std::uint32_t>(path.size()));
     path.pop_back();
-    return " in " + path;
+    return path;
+}
+
+std::string inRuntimeDirectory()
+{
+    const std::string directory = runtimeDirectory();
+    return directory.empty() ? "" : " in " + directory;
 }
 
 std::string failureText(const Report& report)

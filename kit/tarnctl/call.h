@@ -74,7 +74,8 @@ CallOutcome outcomeOf(std::uint32_t ipcStatus);
 ExitCode exitCodeOf(CallOutcome outcome);
 const char* toString(CallOutcome outcome);
 
-// " in DIRECTORY", where the IPC library looks for services; empty if it has no such directory.
+// Where the IPC library looks for services, and the same as " in DIRECTORY"; empty if it has no such directory.
+std::string runtimeDirectory();
 std::string inRuntimeDirectory();
 
 // One sentence about a call that failed; empty for one that succeeded.

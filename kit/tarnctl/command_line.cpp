@@ -43,6 +43,7 @@ void addVerbs(Verbs& verbs)
     addMirror(verbs);
     addTelnet(verbs);
     addPublish(verbs);
+    addIpc(verbs);
     addCompletion(verbs);
 }
 

@@ -1,5 +1,6 @@
 #include "dry_run.h"
 
+#include "base/byte_order.h"
 #include "message_fields.h"
 #include "values.h"
 
@@ -71,6 +72,7 @@ Json messageDocument(const Report& report, const Request& request)
     document["command"] = request.command;
     document["wait"] = request.wait;
     document["length"] = request.message.size();
+    document["byte_order"] = base::kByteOrder;
     document["message"] = hexText(request.message);
     document["fields"] = Json::array();
     for (const MessageField& field : messageFields(*report.function))
@@ -86,7 +88,8 @@ Json messageDocument(const Report& report, const Request& request)
 void writeText(const Console& console, const Report& report, const Request& request)
 {
     console.out << "service " << request.service << ", command " << request.command << ", wait " << request.wait << ", length "
-                << request.message.size() << ", caller " << inQuotes(report.callerId.value_or("")) << "\n\n";
+                << request.message.size() << ", " << base::kByteOrder << " endian, caller "
+                << inQuotes(report.callerId.value_or("")) << "\n\n";
 
     Table table;
     table.add({"offset", "bytes", "field", "meaning"});

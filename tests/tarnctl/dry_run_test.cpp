@@ -1,4 +1,5 @@
 // The messages of all functions, byte for byte, against what the contract says of them.
+#include "base/byte_order.h"
 #include "support.h"
 
 #include <algorithm>
@@ -257,8 +258,8 @@ TEST_F(DryRunTest, TheLibrarysChecksAreMade)
 TEST_F(DryRunTest, TheTextNamesFieldsAndMeanings)
 {
     const Ran ran = run({"call", "tarn_qcsapi_radio_rfenable", "ifname=wifi0", "value=2", "--dry-run", "--caller", "button"});
-    EXPECT_EQ(ran.out.substr(0, ran.out.find('\n')),
-              "service QTN_RPC_PROXY, command 13, wait 5, length 9376, caller \"button\"");
+    EXPECT_EQ(ran.out.substr(0, ran.out.find('\n')), "service QTN_RPC_PROXY, command 13, wait 5, length 9376, " +
+                                                         std::string(tarn::base::kByteOrder) + " endian, caller \"button\"");
     EXPECT_NE(ran.out.find("ifname          \"wifi0\""), std::string::npos) << ran.out;
     EXPECT_NE(ran.out.find("the service's to fill"), std::string::npos);
     EXPECT_NE(ran.out.find("00 x "), std::string::npos);

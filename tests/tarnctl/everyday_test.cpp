@@ -2,7 +2,10 @@
 #include "support.h"
 #include "tarn_gateway_control.h"
 
+#include <algorithm>
 #include <cstring>
+
+#include <unistd.h>
 
 namespace tarnctl_test
 {
@@ -194,6 +197,43 @@ TEST_F(EverydayTest, PublishWithoutAGateway)
 {
     EXPECT_EQ(run({"publish", "1"}).err, "tarnctl: no simulated gateway is running in " + directory +
                                              " (only that one publishes on request): UNKNOWN_DST_ID (IPC status 9)\n");
+}
+
+TEST_F(EverydayTest, Ipc)
+{
+    EXPECT_EQ(run({"ipc"}).err, "tarnctl: no service is running in " + directory + "\n");
+    EXPECT_EQ(run({"ipc"}).exit, 4);
+
+    const Service device("TARN", statusAnswer(0)), proxy("QTN_RPC_PROXY", ipcAnswer(KOR_IIL_BUSY));
+    EXPECT_EQ(run({"log-level"}).exit, 0);
+    EXPECT_EQ(run({"firmware"}).exit, 6);
+    const RanJson json = runJson({"ipc"});
+    EXPECT_EQ(json.exit, 0);
+    const Json& services = json.document.at("services");
+    ASSERT_EQ(services.size(), 2u);
+    EXPECT_EQ(services[0].at("service"), "QTN_RPC_PROXY");
+    EXPECT_EQ(services[1].at("service"), "TARN");
+    for (const Json& service : services)
+    {
+        EXPECT_EQ(service.at("process"), getpid());
+        EXPECT_EQ(service.at("connections"), 1);
+        EXPECT_EQ(service.at("calls"), 1) << "the handler's own refusal is a call";
+        EXPECT_EQ(service.at("refusals"), 0);
+    }
+    const std::string table = run({"ipc"}).out;
+    EXPECT_EQ(table.rfind("service        since                     process  ", 0), 0u) << table;
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 3);
+}
+
+TEST_F(EverydayTest, IpcNamesAServiceThatDoesNotAnswer)
+{
+    KorIilService* stopped = nullptr;
+    const auto refuse = [](void*, const KorIilRequest*, void*) -> std::uint32_t { return KOR_IIL_UNSUPPORT; };
+    ASSERT_EQ(KorIilServiceOpen("TARN", 0, refuse, nullptr, &stopped), KOR_IIL_OK); // and not run
+    const RanJson json = runJson({"ipc"});
+    EXPECT_EQ(json.exit, 5);
+    EXPECT_EQ(json.document.at("notes"), Json::array({"service TARN cannot be asked: TIMEOUT (IPC status 7)"}));
+    KorIilServiceClose(stopped);
 }
 
 TEST_F(EverydayTest, PublishRefused)

@@ -115,6 +115,7 @@ void addFirmware(Verbs& verbs);
 void addMirror(Verbs& verbs);
 void addTelnet(Verbs& verbs);
 void addPublish(Verbs& verbs);
+void addIpc(Verbs& verbs);
 void addCompletion(Verbs& verbs);
 
 } // namespace tarn::ctl
