@@ -144,9 +144,8 @@ void Callers::stopReceiving()
     {
         if (caller.isLeaving || isSubscriber(caller))
             continue;
-        caller.isLeaving = true;
-        ++leaving_;
-        shutdown(caller.socket.get(), SHUT_RD);
+        caller.isLeaving = shutdown(caller.socket.get(), SHUT_RD) == 0;
+        leaving_ += caller.isLeaving;
     }
 }
 

@@ -114,19 +114,24 @@ bool Connection::isOwn() const
 bool Connection::isAlive() const
 {
     pollfd socket = {socket_.get(), POLLRDHUP, 0};
-    return poll(&socket, 1, 0) <= 0; // where a signal interrupts it, nothing is known to be wrong
+    return isStillOurSocket() && poll(&socket, 1, 0) <= 0; // where a signal interrupts it, nothing is known to be wrong
 }
 
 void Connection::hangUp()
 {
-    shutdown(socket_.get(), SHUT_RDWR);
+    if (isStillOurSocket())
+        shutdown(socket_.get(), SHUT_RDWR);
 }
 
 // A program may have closed all descriptors, as daemons do, and the number may now be that of another file.
 bool Connection::isStillOurSocket() const
 {
     struct stat status = {};
-    return socket_ && fstat(socket_.get(), &status) == 0 && S_ISSOCK(status.st_mode) && status.st_ino == inode_;
+    if (!socket_ || inode_ == 0) // none, or too new for that
+        return static_cast<bool>(socket_);
+    if (fstat(socket_.get(), &status) != 0)
+        return errno != EBADF;
+    return S_ISSOCK(status.st_mode) && status.st_ino == inode_;
 }
 
 std::uint32_t Connection::open(const char* serviceId, const Deadline& deadline, std::unique_ptr<Connection>& connection)
@@ -194,19 +199,21 @@ std::uint32_t Connection::greet(const Deadline& deadline)
 
 Connection::SendResult Connection::send(PacketHeader& request, const void* message)
 {
+    if (!isStillOurSocket())
+        return SendResult::kPeerGone;
     request.sequence = ++sequence_;
     if (sendPacket(socket_.get(), request, message)) // the queue has room: only one request at a time is under way
         return SendResult::kSent;
-    if (errno == EPIPE || errno == ECONNRESET || errno == EBADF || errno == ENOTSOCK) // the last two: closed by the program
+    if (errno == EPIPE || errno == ECONNRESET)
         return SendResult::kPeerGone;
     KORIIL_REPORT(kTraceWarning, "sending %zu bytes to service %s failed: %s", sizeof request + request.length, serviceId_,
                   std::strerror(errno));
     return SendResult::kFailed;
 }
 
-bool Connection::clearTimeout()
+bool Connection::setLookout()
 {
-    receiveTimeout_ = microseconds(0);
+    receiveTimeout_ = std::chrono::seconds(1);
     return setTimeout(socket_.get(), SO_RCVTIMEO, receiveTimeout_);
 }
 

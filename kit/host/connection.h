@@ -43,6 +43,8 @@ public:
 
     // False once the service has closed it.
     bool isAlive() const;
+    // False once the program has closed its descriptor.
+    bool isStillOurSocket() const;
 
     // Ends the connection for both sides, and for a thread that is receiving.
     void hangUp();
@@ -61,8 +63,8 @@ public:
     // Fills in the request's sequence, and sends it with its message.
     SendResult send(PacketHeader& request, const void* message);
 
-    // For a connection that is read without a deadline.
-    bool clearTimeout();
+    // For a connection that is read without a deadline: a second, to see now and then whether it is still this one's.
+    bool setLookout();
 
     // Waits for the packet that answers `request`.
     std::uint32_t receive(const PacketHeader& request, const Deadline& deadline, Packet& reply);
@@ -73,7 +75,6 @@ private:
     std::uint32_t connect(const Deadline& deadline);
     std::uint32_t greet(const Deadline& deadline);
     ssize_t receiveBytes(const Deadline& deadline, void* buffer, std::size_t size);
-    bool isStillOurSocket() const;
 
     char serviceId_[kIdentifierSize] = {};
     Descriptor socket_;

@@ -129,7 +129,7 @@ std::uint32_t EventStream::connect(Lock& lock, const Deadline& deadline)
 
     isConnecting_ = true;
     lock.unlock();
-    std::unique_ptr<Connection> fresh;
+    std::shared_ptr<Connection> fresh;
     std::uint32_t status = openConnection(deadline, fresh);
     lock.lock();
     isConnecting_ = false;
@@ -144,11 +144,14 @@ std::uint32_t EventStream::connect(Lock& lock, const Deadline& deadline)
     return status;
 }
 
-std::uint32_t EventStream::openConnection(const Deadline& deadline, std::unique_ptr<Connection>& connection) const
+std::uint32_t EventStream::openConnection(const Deadline& deadline, std::shared_ptr<Connection>& connection) const
 try
 {
-    const std::uint32_t status = Connection::open(serviceId_.c_str(), deadline, connection);
-    return status == KOR_IIL_OK && !connection->clearTimeout() ? static_cast<std::uint32_t>(KOR_IIL_ERR) : status;
+    std::unique_ptr<Connection> fresh;
+    if (const std::uint32_t status = Connection::open(serviceId_.c_str(), deadline, fresh))
+        return status;
+    connection = std::move(fresh);
+    return connection->setLookout() ? KOR_IIL_OK : KOR_IIL_ERR;
 }
 catch (const std::bad_alloc&)
 {
@@ -315,6 +318,8 @@ void EventStream::deliverAll()
 // False when the connection has ended.
 bool EventStream::receive(Connection& connection, bool& isEvent)
 {
+    if (!connection.isStillOurSocket())
+        return false;
     const ssize_t received = recv(connection.descriptor(), packet_.get(), sizeof(Packet), MSG_TRUNC);
     if (received < 0)
     {

@@ -88,7 +88,7 @@ private:
     bool isToRenew() const;
 
     std::uint32_t connect(Lock& lock, const Deadline& deadline);
-    std::uint32_t openConnection(const Deadline& deadline, std::unique_ptr<Connection>& connection) const;
+    std::uint32_t openConnection(const Deadline& deadline, std::shared_ptr<Connection>& connection) const;
     std::uint32_t join(Lock& lock, std::uint64_t number, const Deadline& deadline);
     std::uint32_t joinOnce(Lock& lock, std::uint64_t number, const Deadline& deadline);
     std::uint32_t ask(PacketKind kind, const Subscriber& subscriber, std::uint32_t revision, std::uint32_t connection,

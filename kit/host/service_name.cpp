@@ -17,17 +17,20 @@ namespace
 
 constexpr int kBacklog = 128;
 
-// 0 if there is no such file.
-ino_t inodeOf(const std::string& path)
+// Where a path leads.
+enum class Target
 {
-    struct stat status = {};
-    return lstat(path.c_str(), &status) == 0 ? status.st_ino : 0;
-}
+    kSame,      // to this file
+    kElsewhere, // to another one, or to none
+    kUnknown    // it cannot be looked at for the moment
+};
 
-ino_t inodeOf(const Descriptor& file)
+Target targetOf(const std::string& path, ino_t inode)
 {
     struct stat status = {};
-    return fstat(file.get(), &status) == 0 ? status.st_ino : 0;
+    if (lstat(path.c_str(), &status) == 0)
+        return status.st_ino == inode ? Target::kSame : Target::kElsewhere;
+    return errno == ENOENT ? Target::kElsewhere : Target::kUnknown;
 }
 
 } // namespace
@@ -44,7 +47,7 @@ ServiceName::~ServiceName()
 
 void ServiceName::withdraw()
 {
-    if (hasLock() && hasSocket())
+    if (targetOf(lockPath_, lockInode_) == Target::kSame && targetOf(socketPath_, socketInode_) == Target::kSame)
         unlink(socketPath_.c_str());
     if (listener_)
         shutdown(listener_.get(), SHUT_RDWR); // ends it even if a child holds a copy
@@ -72,24 +75,34 @@ std::uint32_t ServiceName::take()
 
 std::uint32_t ServiceName::keep()
 {
-    if (!hasLock())
+    if (targetOf(lockPath_, lockInode_) == Target::kElsewhere)
         if (const std::uint32_t status = lock())
             return status;
-    return hasSocket() ? static_cast<std::uint32_t>(KOR_IIL_OK) : listen();
+    return targetOf(socketPath_, socketInode_) == Target::kElsewhere ? listen() : static_cast<std::uint32_t>(KOR_IIL_OK);
 }
 
 std::uint32_t ServiceName::lock()
 {
-    do
+    for (;;)
     {
         Descriptor file(open(lockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
-        if (!file)
+        struct stat status = {};
+        if (!file || fstat(file.get(), &status) != 0)
             return failed("opening its lock file");
         if (flock(file.get(), LOCK_EX | LOCK_NB) != 0)
             return errno == EWOULDBLOCK ? static_cast<std::uint32_t>(KOR_IIL_CONFLICT_ID) : failed("locking its lock file");
-        lock_ = std::move(file);
-    } while (!hasLock()); // removed since it was opened
-    return KOR_IIL_OK;
+        switch (targetOf(lockPath_, status.st_ino))
+        {
+        case Target::kSame:
+            lock_ = std::move(file);
+            lockInode_ = status.st_ino;
+            return KOR_IIL_OK;
+        case Target::kElsewhere: // removed since it was opened
+            break;
+        case Target::kUnknown:
+            return failed("looking at its lock file");
+        }
+    }
 }
 
 std::uint32_t ServiceName::listen()
@@ -105,7 +118,10 @@ std::uint32_t ServiceName::listen()
         return failed("clearing away the socket of a predecessor");
     if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         return failed("naming its socket");
-    socketInode_ = inodeOf(socketPath_);
+    struct stat status = {};
+    if (lstat(socketPath_.c_str(), &status) != 0)
+        return failed("looking at its socket");
+    socketInode_ = status.st_ino;
     if (directory_.isShared && (chmod(socketPath_.c_str(), S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP) != 0 ||
                                 lchown(socketPath_.c_str(), static_cast<uid_t>(-1), directory_.group) != 0))
         return failed("giving its socket to the group");
@@ -113,16 +129,6 @@ std::uint32_t ServiceName::listen()
         return failed("listening");
     listener_ = std::move(listener);
     return KOR_IIL_OK;
-}
-
-bool ServiceName::hasLock() const
-{
-    return lock_ && inodeOf(lock_) == inodeOf(lockPath_);
-}
-
-bool ServiceName::hasSocket() const
-{
-    return socketInode_ != 0 && socketInode_ == inodeOf(socketPath_);
 }
 
 // Whether a process listens at the socket's path.
@@ -140,7 +146,7 @@ void ServiceName::abandon()
 {
     lock_ = Descriptor();
     listener_ = Descriptor();
-    socketInode_ = 0;
+    lockInode_ = socketInode_ = 0;
 }
 
 } // namespace koriil

@@ -49,8 +49,6 @@ public:
 private:
     std::uint32_t lock();
     std::uint32_t listen();
-    bool hasLock() const;
-    bool hasSocket() const;
     bool isAnswered() const;
     std::uint32_t failed(const char* what) const;
 
@@ -59,7 +57,7 @@ private:
     std::string lockPath_, socketPath_;
     Descriptor lock_;
     Descriptor listener_;
-    ino_t socketInode_ = 0; // of the file; 0 if there is none
+    ino_t lockInode_ = 0, socketInode_ = 0; // of the files; 0 if there is none
 };
 
 } // namespace koriil

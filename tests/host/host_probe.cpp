@@ -4,7 +4,7 @@
 //   host_probe trace-again COUNT TEXT         writes COUNT of them
 //   host_probe trace-flood COUNT TEXT         writes COUNT of them, and another one a moment later
 //   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
-//   host_probe call-limited CALLER SERVICE HEX  the same three times; no file may grow by a whole record at the second
+//   host_probe call-limited CALLER SERVICE HEX  the same four times; no file may grow at the second and third
 //   host_probe end SERVICE                    subscribes, and exits with everything open; the destructor of a static calls
 #include "base/hexadecimal.h"
 #include "kor_iil.h"
@@ -56,9 +56,12 @@ int callLimited(const char* callerId, const char* serviceId, const std::string& 
     rlimit limit = {};
     if (stat(std::getenv("KORIIL_RECORD"), &recording) != 0 || getrlimit(RLIMIT_FSIZE, &limit) != 0)
         return 101;
-    const rlimit tight = {static_cast<rlim_t>(recording.st_size) * 3 / 2, limit.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &tight);
-    status += call(callerId, serviceId, hexadecimal);
+    for (const rlim_t halves : {3u, 2u})
+    {
+        const rlimit tight = {static_cast<rlim_t>(recording.st_size) * halves / 2, limit.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &tight);
+        status += call(callerId, serviceId, hexadecimal);
+    }
     setrlimit(RLIMIT_FSIZE, &limit);
     return status + call(callerId, serviceId, hexadecimal);
 }
