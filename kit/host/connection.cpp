@@ -199,12 +199,12 @@ std::uint32_t Connection::greet(const Deadline& deadline)
 
 Connection::SendResult Connection::send(PacketHeader& request, const void* message)
 {
-    if (!isStillOurSocket())
-        return SendResult::kPeerGone;
     request.sequence = ++sequence_;
+    if (request.kind == PacketKind::kRequest)
+        request.connection = number_;
     if (sendPacket(socket_.get(), request, message)) // the queue has room: only one request at a time is under way
         return SendResult::kSent;
-    if (errno == EPIPE || errno == ECONNRESET)
+    if (errno == EPIPE || errno == ECONNRESET || errno == EBADF || errno == ENOTSOCK) // the last two: closed by the program
         return SendResult::kPeerGone;
     KORIIL_REPORT(kTraceWarning, "sending %zu bytes to service %s failed: %s", sizeof request + request.length, serviceId_,
                   std::strerror(errno));

@@ -31,7 +31,7 @@ enum KorIilStatus
     KOR_IIL_MISMATCH_COMM = 11,    /* the peer has another byte order or another version of the transport */
     KOR_IIL_UNSUPPORT = 12,        /* the service does not support this request (a service's own choice) */
     KOR_IIL_UNKNOWN_CMD = 13,      /* the service has no such command */
-    KOR_IIL_BAD_CMD = 14,          /* the request's packet is malformed */
+    KOR_IIL_BAD_CMD = 14,          /* the request's packet is malformed, or came over another's connection */
     KOR_IIL_BAD_RET = 15,          /* the reply's packet is malformed, or does not answer the request */
     KOR_IIL_MISMATCH_CMD_LEN = 16, /* the request or the reply has another length than the command's message */
     KOR_IIL_UNKNOWN_EVT = 17,      /* the service has no such event */

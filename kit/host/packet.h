@@ -43,7 +43,7 @@ struct PacketHeader
     std::uint32_t wait = 0;     // seconds the client waits for the reply
     std::uint32_t began = 0;    // when its wait began, see Deadline
 
-    std::uint32_t connection = 0; // number that the service gave to a connection
+    std::uint32_t connection = 0; // number that the service gave to a connection; of a request: to its own, or 0
     std::uint32_t revision = 0;   // of a subscription or its end: the highest of an event holds, whichever arrives first
     char name[kIdentifierSize] = {};
     std::uint32_t unused[2] = {}; // so that the message behind is aligned for any type

@@ -267,7 +267,7 @@ std::uint32_t Service::serveUntilStopped(int poll, Packet& packet)
             else if (number == kListenerNumber)
                 accept();
             else
-                serve(number, packet, (events[i].events & EPOLLHUP) != 0, polled);
+                serve(number, packet, (events[i].events & EPOLLHUP) != 0, polled, i == 0 ? polled : Clock::now());
         }
         if (stopping)
             return KOR_IIL_OK;
@@ -290,7 +290,7 @@ void Service::drain(Packet& packet)
         const Clock::time_point polled = Clock::now();
         for (int i = 0; i < count; ++i)
             if (events[i].data.u32 > kWakeNumber)
-                serve(events[i].data.u32, packet, (events[i].events & EPOLLHUP) != 0, polled);
+                serve(events[i].data.u32, packet, (events[i].events & EPOLLHUP) != 0, polled, Clock::now());
     }
 }
 
@@ -383,9 +383,8 @@ void Service::rejectOutOfDescriptors()
 // --- One packet --------------------------------------------------------------------------------------------------------------
 
 // `isGone`: whether the caller had hung up when the poll set was looked at.
-void Service::serve(std::uint32_t number, Packet& packet, bool isGone, Clock::time_point polled)
+void Service::serve(std::uint32_t number, Packet& packet, bool isGone, Clock::time_point polled, Clock::time_point now)
 {
-    const Clock::time_point now = Clock::now();
     Caller* const caller = callers_.find(number, now);
     if (caller == nullptr)
         return;
@@ -468,7 +467,12 @@ Service::Verdict Service::servePacket(std::uint32_t number, Caller& caller, Pack
         return Verdict::kKeep;
     }
     if (header.kind == PacketKind::kRequest)
+    {
+        // A program that closes all descriptors makes its threads send over one another's connections.
+        if (header.connection != 0 && header.connection != number)
+            return dismiss(caller, packet, KOR_IIL_BAD_CMD);
         return serveRequest(caller, packet);
+    }
     return header.kind == PacketKind::kCounters ? serveCounters(caller, packet) : serveSubscription(caller, packet);
 }
 

@@ -60,7 +60,7 @@ private:
 
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    void serve(std::uint32_t number, Packet& packet, bool isGone, TimePoint polled);
+    void serve(std::uint32_t number, Packet& packet, bool isGone, TimePoint polled, TimePoint now);
     Verdict serveCaller(std::uint32_t number, Caller& caller, Packet& packet, bool isGone, TimePoint now);
     Verdict servePacket(std::uint32_t number, Caller& caller, Packet& packet, std::size_t length, TimePoint now);
     Verdict greet(std::uint32_t number, Caller& caller, Packet& packet);
