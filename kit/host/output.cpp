@@ -4,6 +4,7 @@
 #include "thread_guards.h"
 
 #include <cerrno>
+#include <cstring>
 #include <string>
 
 #include <fcntl.h>
@@ -46,9 +47,35 @@ ssize_t writeToPipe(int file, const char* line, std::size_t length)
 
 } // namespace
 
-int openForAppending(const char* path)
+OutputFile::OutputFile(const char* path)
 {
-    return Descriptor(open(path, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR)).release();
+    path_[0] = '\0';
+    if (path[0] != '/' && getcwd(path_, sizeof path_ - 1) != nullptr)
+        std::strcat(path_, "/");
+    if (std::strlen(path_) + std::strlen(path) < sizeof path_)
+        std::strcat(path_, path);
+}
+
+int OutputFile::descriptor() const
+{
+    int number = number_;
+    if (number >= 0 && isAt(number))
+        return number;
+    Descriptor file(open(path_, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    struct stat status = {};
+    if (!file || fstat(file.get(), &status) != 0)
+        return -1;
+    device_ = status.st_dev;
+    inode_ = status.st_ino;
+    if (number_.compare_exchange_strong(number, file.get()))
+        number = file.release();
+    return number; // of another thread's, where that one was quicker
+}
+
+bool OutputFile::isAt(int number) const
+{
+    struct stat status = {};
+    return fstat(number, &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
 }
 
 ssize_t writeAtOnce(int file, const char* line, std::size_t length)

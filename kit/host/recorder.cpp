@@ -27,22 +27,23 @@ constexpr std::size_t kStatusSize = 64; // the most that a line has beside its f
 
 std::mutex appending; // from a write until what the file's end says of it
 
-int openRecording()
+// NULL if nothing is recorded.
+const OutputFile* openRecording()
 {
-    pthread_atfork([] { appending.lock(); }, [] { appending.unlock(); }, [] { appending.unlock(); });
     const char* const path = setting("KORIIL_RECORD");
     if (path == nullptr)
-        return -1;
-    const int file = openForAppending(path);
-    if (file < 0)
-        KORIIL_REPORT(kTraceWarning, "KORIIL_RECORD=%s cannot be opened, calls are not recorded: %s", path,
-                      std::strerror(errno));
-    return file;
+        return nullptr;
+    pthread_atfork([] { appending.lock(); }, [] { appending.unlock(); }, [] { appending.unlock(); });
+    static const OutputFile kFile(path);
+    if (kFile.descriptor() >= 0)
+        return &kFile;
+    KORIIL_REPORT(kTraceWarning, "KORIIL_RECORD=%s cannot be opened, calls are not recorded: %s", path, std::strerror(errno));
+    return nullptr;
 }
 
-int recording()
+const OutputFile* recording()
 {
-    static const int kFile = openRecording();
+    static const OutputFile* const kFile = openRecording();
     return kFile;
 }
 
@@ -68,15 +69,16 @@ void appendHexadecimal(std::string& line, const void* bytes, std::uint32_t lengt
 bool appendLine(const std::string& line)
 {
     const std::lock_guard<std::mutex> guard(appending);
-    const ssize_t written = writeAtOnce(recording(), line.data(), line.size());
+    const int file = recording()->descriptor();
+    const ssize_t written = writeAtOnce(file, line.data(), line.size());
     if (written == static_cast<ssize_t>(line.size()))
         return true;
     const int error = written < 0 ? errno : ENOSPC;
     struct stat status = {};
-    const off_t end = lseek(recording(), 0, SEEK_CUR);
-    if (written > 0 && fstat(recording(), &status) == 0 && status.st_size == end) // another process may have appended more
+    const off_t end = lseek(file, 0, SEEK_CUR);
+    if (written > 0 && fstat(file, &status) == 0 && status.st_size == end) // another process may have appended more
         [[maybe_unused]]
-        const int taken = ftruncate(recording(), end - written);
+        const int taken = ftruncate(file, end - written);
     errno = error;
     return false;
 }
@@ -85,7 +87,7 @@ bool appendLine(const std::string& line)
 
 bool isRecording()
 {
-    return recording() >= 0;
+    return recording() != nullptr;
 }
 
 RecordedCall::RecordedCall(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t command,

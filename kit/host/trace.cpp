@@ -79,7 +79,7 @@ private:
 struct TraceSettings
 {
     std::uint32_t highestLevel = kTraceNotice;
-    int descriptor = STDERR_FILENO;
+    const OutputFile* file = nullptr; // NULL for standard error
 };
 
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
@@ -121,9 +121,9 @@ TraceSettings readSettings()
 
     if (const char* path = setting("KORIIL_TRACE_FILE"))
     {
-        const int file = openForAppending(path);
-        if (file >= 0)
-            settings.descriptor = file;
+        static const OutputFile kFile(path);
+        if (kFile.descriptor() >= 0)
+            settings.file = &kFile;
         else
             warn("koriil: trace file %s cannot be opened (%s); tracing to standard error", path, std::strerror(errno));
     }
@@ -216,8 +216,9 @@ extern "C" void KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, 
                 std::snprintf(text, sizeof text, "(unprintable) %s", format);
             va_end(arguments);
         }
-        reportDropped(kSettings.descriptor);
-        writeRecord(kSettings.descriptor, level, fileTag, line, text);
+        const int descriptor = kSettings.file != nullptr ? kSettings.file->descriptor() : STDERR_FILENO;
+        reportDropped(descriptor);
+        writeRecord(descriptor, level, fileTag, line, text);
     }
     errno = callersErrno;
 }

@@ -5,6 +5,8 @@
 //   host_probe trace-flood COUNT TEXT         writes COUNT of them, and another one a moment later
 //   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
 //   host_probe call-limited CALLER SERVICE HEX  the same four times; no file may grow at the second and third
+//   host_probe call-closed CALLER SERVICE HEX  the same three times; after the first one all descriptors are closed, and there is a
+//                                              trace record after each of the others
 //   host_probe end SERVICE                    subscribes, and exits with everything open; the destructor of a static calls
 #include "base/hexadecimal.h"
 #include "kor_iil.h"
@@ -20,6 +22,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -27,7 +30,8 @@ namespace
 int usage()
 {
     std::fprintf(stderr, "usage: host_probe trace LEVEL TAG LINE TEXT | trace-again COUNT TEXT | trace-flood COUNT TEXT |\n"
-                         "                  call CALLER SERVICE HEX | call-limited CALLER SERVICE HEX | end SERVICE\n");
+                         "                  call CALLER SERVICE HEX | call-limited CALLER SERVICE HEX |\n"
+                         "                  call-closed CALLER SERVICE HEX | end SERVICE\n");
     return 100;
 }
 
@@ -64,6 +68,19 @@ int callLimited(const char* callerId, const char* serviceId, const std::string& 
     }
     setrlimit(RLIMIT_FSIZE, &limit);
     return status + call(callerId, serviceId, hexadecimal);
+}
+
+int callClosed(const char* callerId, const char* serviceId, const std::string& hexadecimal)
+{
+    int status = call(callerId, serviceId, hexadecimal);
+    for (int descriptor = 3; descriptor < 64; ++descriptor)
+        close(descriptor);
+    for (int i = 0; i < 2; ++i)
+    {
+        status += call(callerId, serviceId, hexadecimal);
+        trace(1, "text");
+    }
+    return status;
 }
 
 // Destroyed after main has returned, when the main thread's connections are closed.
@@ -113,6 +130,8 @@ int main(int argc, char** argv)
         return call(argv[2], argv[3], argv[4]);
     else if (mode == "call-limited" && argc == 5)
         return callLimited(argv[2], argv[3], argv[4]);
+    else if (mode == "call-closed" && argc == 5)
+        return callClosed(argv[2], argv[3], argv[4]);
     else if (mode == "end" && argc == 3)
         return end(argv[2]);
     else

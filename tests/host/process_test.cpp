@@ -238,6 +238,17 @@ TEST_F(ProcessTest, ATraceWithoutAReaderRaisesNoSignal)
     EXPECT_EQ(Child([] { return traceToPipe(false); }).wait(), 0);
 }
 
+// Whose number then is that of the connection.
+TEST_F(ProcessTest, ATraceFileThatTheProgramHasClosedIsOpenedAgain)
+{
+    const std::string path = directory() + "/trace", record = directory() + "/record";
+    RunningService service;
+    EXPECT_EQ(probe({"call-closed", "web", kService, "00"}, {{"KORIIL_TRACE_FILE", path}, {"KORIIL_RECORD", record}}).exitCode,
+              KOR_IIL_OK);
+    EXPECT_EQ(linesOf(contentOf(path)).size(), 2u);
+    EXPECT_EQ(linesOf(contentOf(record)).size(), 3u);
+}
+
 TEST_F(ProcessTest, AFloodOfTracesIsCutAndSaysHowManyAreMissing)
 {
     const auto lines = linesOf(probe({"trace-flood", "5000", "text"}).errors);
