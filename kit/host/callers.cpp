@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <tuple>
 
+#include <sys/epoll.h>
 #include <sys/socket.h>
 
 namespace koriil
@@ -119,6 +120,15 @@ void Callers::remove(std::uint32_t number)
         --leaving_;
     shutdown(caller->second.socket.get(), SHUT_RDWR); // ends the connection even if a child holds a copy
     callers_.erase(caller);
+}
+
+void Callers::passOn(int poll, std::uint32_t number)
+{
+    epoll_event event = {};
+    event.events = EPOLLIN | EPOLLONESHOT;
+    event.data.u32 = number;
+    const std::lock_guard<std::mutex> guard(mutex_); // until then it cannot be removed
+    epoll_ctl(poll, EPOLL_CTL_MOD, callers_.at(number).socket.get(), &event);
 }
 
 void Callers::greet(Caller& caller)

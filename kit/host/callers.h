@@ -55,6 +55,8 @@ public:
     // NULL if it has been removed. It counts as used now.
     Caller* find(std::uint32_t number, std::chrono::steady_clock::time_point now);
     void remove(std::uint32_t number);
+    // The next thread may have it: `poll` tells of it once more.
+    void passOn(int poll, std::uint32_t number);
     void greet(Caller& caller);
 
     // Ends those that have not said hello in time.

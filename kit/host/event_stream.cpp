@@ -392,10 +392,13 @@ bool EventStream::tellWatcher(Lock& lock)
         return false;
 
     const Subscriber subscriber = found->subscriber;
-    const Keeping keeping = *found->keeping;
-    const std::uint32_t status = found->owesLoss ? static_cast<std::uint32_t>(KOR_IIL_RX_FAIL) : *found->owesStatus;
+    const Keeping keeping = found->keeping.value_or(Keeping());
+    std::uint32_t status = found->owesStatus.value_or(KOR_IIL_OK);
     if (found->owesLoss)
+    {
+        status = KOR_IIL_RX_FAIL;
         found->owesLoss = false;
+    }
     else if (found->state == State::kRefused)
         subscriptions_.erase(found);
     else

@@ -27,6 +27,12 @@ ssize_t writeOnce(int file, const char* line, std::size_t length)
     return written;
 }
 
+unsigned long identityOf(const struct stat& status)
+{
+    constexpr unsigned long kFactor = 1000003;
+    return static_cast<unsigned long>(status.st_dev) * kFactor + static_cast<unsigned long>(status.st_ino);
+}
+
 // The host program's own pipe or terminal is opened once more, because O_NONBLOCK set on its description would hold for the
 // program, too.
 ssize_t writeToPipe(int file, const char* line, std::size_t length)
@@ -65,8 +71,7 @@ int OutputFile::descriptor() const
     struct stat status = {};
     if (!file || fstat(file.get(), &status) != 0)
         return -1;
-    device_ = status.st_dev;
-    inode_ = status.st_ino;
+    identity_ = identityOf(status);
     if (number_.compare_exchange_strong(number, file.get()))
         number = file.release();
     return number; // of another thread's, where that one was quicker
@@ -75,7 +80,7 @@ int OutputFile::descriptor() const
 bool OutputFile::isAt(int number) const
 {
     struct stat status = {};
-    return fstat(number, &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
+    return fstat(number, &status) == 0 && identityOf(status) == identity_;
 }
 
 ssize_t writeAtOnce(int file, const char* line, std::size_t length)

@@ -25,8 +25,7 @@ private:
 
     char path_[PATH_MAX]; // absolute: the program may change its directory
     mutable std::atomic<int> number_{-1};
-    mutable std::atomic<dev_t> device_{0};
-    mutable std::atomic<ino_t> inode_{0};
+    mutable std::atomic<unsigned long> identity_{0}; // of the file, as far as a word can tell
 };
 
 // Writes what there is room for. Returns the bytes written; -1 and errno on failure, EAGAIN where the reader does not read.

@@ -62,13 +62,14 @@ bool shallTryAgain(std::uint32_t status, const Deadline& deadline)
     if (!mayComeBack || deadline.remaining() <= kPause || !isSwitchedOn("KORIIL_WAIT_FOR_SERVICE"))
         return false;
     std::this_thread::sleep_for(kPause);
-    return deadline.remaining() > kPause / 2; // a machine under load may have slept longer
+    return true;
 }
 
 // On KOR_IIL_OK, the request has been sent over the last of the connections; otherwise nothing of it has.
 std::uint32_t send(KeptConnections& kept, const char* serviceId, PacketHeader& request, const void* message,
                    const Deadline& deadline)
 {
+    std::uint32_t endOfSearch = KOR_IIL_TIMEOUT; // the status of a wait that ends in vain
     for (int attempts = 0;;)
     {
         bool isNew;
@@ -85,7 +86,8 @@ std::uint32_t send(KeptConnections& kept, const char* serviceId, PacketHeader& r
             status = KOR_IIL_TX_FAIL;
         }
         if (!shallTryAgain(status, deadline))
-            return status;
+            return status == KOR_IIL_TIMEOUT ? endOfSearch : status;
+        endOfSearch = status;
     }
 }
 

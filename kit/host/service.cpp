@@ -228,7 +228,7 @@ std::uint32_t Service::serveWithHelpers(Packet& packet)
         helpers.reserve(threads_);
         while (helpers.size() < threads_)
         {
-            std::shared_ptr<Packet> own(new Packet);
+            const std::shared_ptr<Packet> own(new Packet);
             helpers.emplace_back([this, own] { serveUntilStopped(helpersPoll_.get(), *own); });
         }
     }
@@ -398,12 +398,7 @@ void Service::serve(std::uint32_t number, Packet& packet, bool isGone, Clock::ti
         callers_.remove(number);
     }
     else if (helpersPoll_)
-    {
-        epoll_event event = {};
-        event.events = EPOLLIN | EPOLLONESHOT;
-        event.data.u32 = number;
-        epoll_ctl(callersPoll(), EPOLL_CTL_MOD, socket, &event);
-    }
+        callers_.passOn(helpersPoll_.get(), number);
 }
 
 Service::Verdict Service::serveCaller(std::uint32_t number, Caller& caller, Packet& packet, bool isGone, Clock::time_point now)

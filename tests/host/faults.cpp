@@ -31,6 +31,7 @@ void failNextDelivery(int error)
 
 } // namespace host_test
 
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the names are the linker's
 extern "C" {
 
 int __real_poll(pollfd* descriptors, nfds_t count, int timeout);
@@ -58,3 +59,4 @@ ssize_t __wrap_recv(int socket, void* buffer, size_t size, int flags)
     return -1;
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
