@@ -75,10 +75,11 @@ std::uint32_t ServiceName::take()
 
 std::uint32_t ServiceName::keep()
 {
+    const bool isPublished = targetOf(socketPath_, socketInode_) != Target::kElsewhere;
     if (targetOf(lockPath_, lockInode_) == Target::kElsewhere)
-        if (const std::uint32_t status = lock())
-            return status;
-    return targetOf(socketPath_, socketInode_) == Target::kElsewhere ? listen() : static_cast<std::uint32_t>(KOR_IIL_OK);
+        if (const std::uint32_t status = lock(); status != KOR_IIL_OK && !isPublished)
+            return status; // where the socket is still this one's, whoever has the lock will find it answered
+    return isPublished ? static_cast<std::uint32_t>(KOR_IIL_OK) : listen();
 }
 
 std::uint32_t ServiceName::lock()

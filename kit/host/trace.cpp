@@ -154,10 +154,10 @@ std::atomic<std::uint32_t> dropped{0};
 
 bool isTooMuch()
 {
-    static std::atomic<std::int64_t> second{0};
+    static std::atomic<std::uint32_t> second{0};
     static std::atomic<std::uint32_t> lines{0};
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    const std::int64_t thisSecond = std::chrono::duration_cast<std::chrono::seconds>(now).count();
+    const auto thisSecond = static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count());
     if (second.exchange(thisSecond) != thisSecond)
         lines = 0;
     return ++lines > kLinesPerSecond;

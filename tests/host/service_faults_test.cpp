@@ -8,6 +8,8 @@
 #include <vector>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace host_test
@@ -37,8 +39,27 @@ TEST_F(ServiceFaultsTest, ANameIsKeptThoughItsLockFileIsRemoved)
     ASSERT_EQ(unlink(lockFile().c_str()), 0);
     KorIilService* second = nullptr;
     EXPECT_EQ(open(second), KOR_IIL_CONFLICT_ID);
-    KorIilServiceClose(second);
     EXPECT_EQ(callOnce(), KOR_IIL_OK);
+}
+
+// Where another process has the lock for the moment that it takes to find the service running.
+TEST_F(ServiceFaultsTest, ANameIsNotGivenUpWhileItsSocketIsThere)
+{
+    RunningService service;
+    ASSERT_EQ(unlink(lockFile().c_str()), 0);
+    const koriil::Descriptor other(::open(lockFile().c_str(), O_RDWR | O_CREAT, 0600));
+    ASSERT_EQ(flock(other.get(), LOCK_EX | LOCK_NB), 0);
+    sleepMilliseconds(1500); // it looks after its files once a second
+    EXPECT_EQ(callOnce(), KOR_IIL_OK);
+    ASSERT_EQ(flock(other.get(), LOCK_UN), 0);
+    EXPECT_TRUE(eventually(
+        [&]
+        {
+            const bool isTaken = flock(other.get(), LOCK_EX | LOCK_NB) != 0;
+            if (!isTaken)
+                flock(other.get(), LOCK_UN);
+            return isTaken;
+        }));
 }
 
 TEST_F(ServiceFaultsTest, ASocketThatIsRemovedIsMadeAgain)
