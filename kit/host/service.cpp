@@ -1,23 +1,21 @@
 #include "service.h"
 
 #include "deadline.h"
+#include "forks.h"
 #include "identifiers.h"
 #include "thread_guards.h"
 #include "trace.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <thread>
 #include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <pthread.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -42,59 +40,6 @@ bool hasHungUp(const Caller& caller)
     return poll(&socket, 1, 0) > 0 && (socket.revents & POLLHUP) != 0;
 }
 
-// The services that this process has open, for the time of a fork.
-class OpenServices
-{
-public:
-    static OpenServices& instance()
-    {
-        static OpenServices& services = *new OpenServices; // never deleted: a fork may come at any time
-        return services;
-    }
-
-    void add(Service& service)
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        services_.push_back(&service);
-    }
-
-    void remove(const Service& service)
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        services_.erase(std::remove(services_.begin(), services_.end(), &service), services_.end());
-    }
-
-private:
-    OpenServices()
-    {
-        pthread_atfork([] { instance().beforeFork(); }, [] { instance().afterFork(); }, [] { instance().inChild(); });
-    }
-
-    void beforeFork()
-    {
-        mutex_.lock();
-        for (Service* service : services_)
-            service->beforeFork();
-    }
-
-    void afterFork()
-    {
-        for (Service* service : services_)
-            service->afterFork();
-        mutex_.unlock();
-    }
-
-    void inChild()
-    {
-        for (Service* service : services_)
-            service->abandon();
-        afterFork();
-    }
-
-    std::mutex mutex_;
-    std::vector<Service*> services_;
-};
-
 } // namespace
 
 // --- Opening and closing -----------------------------------------------------------------------------------------------------
@@ -109,12 +54,12 @@ Service::Service(const char* serviceId, std::uint32_t eventCount, KorIilRequestH
       name_(serviceId),
       callers_(id_.c_str(), eventCount)
 {
-    OpenServices::instance().add(*this);
+    addToForks(*this);
 }
 
 Service::~Service()
 {
-    OpenServices::instance().remove(*this);
+    removeFromForks(*this);
     if (owner_ != getpid())
         return; // a child has closed its copies
     name_.withdraw();
