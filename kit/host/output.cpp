@@ -80,7 +80,9 @@ int OutputFile::descriptor() const
 bool OutputFile::isAt(int number) const
 {
     struct stat status = {};
-    return fstat(number, &status) == 0 && identityOf(status) == identity_;
+    if (fstat(number, &status) != 0)
+        return errno != EBADF; // it cannot be looked at for the moment
+    return identityOf(status) == identity_;
 }
 
 ssize_t writeAtOnce(int file, const char* line, std::size_t length)
