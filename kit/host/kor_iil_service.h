@@ -1,6 +1,6 @@
 /* What the workstation's IPC library (libkoriil) has beyond the platform's four functions, which are in `kor_iil.h`: services
- * (register an identifier, serve requests, publish events), and for callers subscriptions that outlive a restart of the service,
- * and the counters of a service.
+ * (register an identifier, serve requests, publish events), and for callers subscriptions that outlive a restart of a service,
+ * and its counters.
  *
  * Both sides return the same statuses; their names are those of `tarnIpcStatusName`. */
 #ifndef KOR_IIL_SERVICE_H
@@ -72,8 +72,9 @@ typedef uint32_t (*KorIilRequestHandler)(void* context, const KorIilRequest* req
 uint32_t KorIilServiceOpen(const char* serviceId, uint32_t eventCount, KorIilRequestHandler handler, void* context,
                            KorIilService** service);
 
-/* Sets how many threads call the handler at the same time, from the next KorIilServiceRun on: 1 to 64, and 1 unless set. The
- * requests of one connection, which is one thread of a caller, are served in their order. KOR_IIL_BAD_PARAM for another number. */
+/* Sets how many threads call the handler at the same time, from its first KorIilServiceRun on: 1 to 64, and 1 unless set. The
+ * requests of one connection, which is one thread of a caller, are served in their order. KOR_IIL_BAD_PARAM for another number,
+ * and once it has been run. */
 uint32_t KorIilServiceSetThreads(KorIilService* service, uint32_t threads);
 
 /* Serves requests on this thread until KorIilServiceStop. Returns KOR_IIL_OK then, and can be called again; another status if
@@ -113,8 +114,8 @@ typedef struct KorIilServiceCounters
 uint32_t KorIilAskCounters(const char* serviceId, uint32_t wait, KorIilServiceCounters* counters);
 
 /* What became of a kept subscription: KOR_IIL_RX_FAIL, the service has ended, and events are missed from now on; KOR_IIL_OK, it
- * has been renewed; KOR_IIL_UNKNOWN_EVT, the service no longer has the event, and the subscription is gone. Called on the thread
- * that calls the handler, and like it may call, subscribe and cancel. */
+ * has been renewed; KOR_IIL_UNKNOWN_EVT, the service no longer has the event, and the subscription is gone. Called on the
+ * thread that calls the handler, and like it may call, subscribe and cancel. */
 typedef void (*KorIilSubscriptionWatcher)(void* context, const char* callerId, const char* serviceId, uint32_t evt,
                                           uint32_t status);
 

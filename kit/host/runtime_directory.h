@@ -18,8 +18,8 @@ struct RuntimeDirectory
 };
 
 // Creates the runtime directory if it is missing, and checks that nobody can create files in it but this user; or, where it is
-// shared, nobody but the members of its group, who cannot remove one another's. Otherwise KOR_IIL_UNKNOWN_COMM, and a trace line
-// with the reason.
+// shared, nobody but the members of its group, who cannot remove one another's. Otherwise KOR_IIL_UNKNOWN_COMM, and a trace
+// line with the reason.
 std::uint32_t findRuntimeDirectory(RuntimeDirectory& directory);
 
 std::string socketPath(const std::string& directory, const char* serviceId);

@@ -5,8 +5,8 @@
 //   host_probe trace-flood COUNT TEXT         writes COUNT of them, and another one a moment later
 //   host_probe call CALLER SERVICE HEX        one call of command 1 with these bytes; exits with its status
 //   host_probe call-limited CALLER SERVICE HEX  the same four times; no file may grow at the second and third
-//   host_probe call-closed CALLER SERVICE HEX  the same three times; after the first one all descriptors are closed, and there is a
-//                                              trace record after each of the others
+//   host_probe call-closed CALLER SERVICE HEX  the same three times; after the first one all descriptors are closed, and
+//                                              there is a trace record after each of the others
 //   host_probe end SERVICE                    subscribes, and exits with everything open; the destructor of a static calls
 #include "base/hexadecimal.h"
 #include "kor_iil.h"
