@@ -1,0 +1,245 @@
+#include "support.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace campaign
+{
+
+using std::chrono::steady_clock;
+
+namespace
+{
+
+constexpr std::chrono::seconds kShort{3};
+
+std::size_t entriesOf(const char* directory)
+{
+    const std::filesystem::directory_iterator entries(directory);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+unsigned long numberFrom(const char* variable, unsigned long fallback)
+{
+    const char* const text = std::getenv(variable);
+    return text != nullptr && *text != '\0' ? std::strtoul(text, nullptr, 10) : fallback;
+}
+
+} // namespace
+
+std::chrono::seconds duration()
+{
+    return std::chrono::seconds(numberFrom("TARN_CAMPAIGN_SECONDS", kShort.count()));
+}
+
+bool isLong()
+{
+    return duration() > kShort;
+}
+
+std::uint32_t seed()
+{
+    return static_cast<std::uint32_t>(numberFrom("TARN_CAMPAIGN_SEED", 1));
+}
+
+// --- Calls -------------------------------------------------------------------------------------------------------------------
+
+std::uint32_t callSum(std::uint32_t wait, std::uint32_t* number)
+{
+    static std::atomic<std::uint32_t> last{0};
+    const std::uint32_t own = ++last;
+    if (number != nullptr)
+        *number = own;
+    Sum sum = {own * 7, own};
+    const std::uint32_t status = KorIilExecute("campaign", kService, wait, kAdd, sizeof sum, &sum);
+    EXPECT_EQ(sum.first, status == KOR_IIL_OK ? own * 8 : own * 7) << "status " << status;
+    EXPECT_EQ(sum.second, own) << "status " << status;
+    return status;
+}
+
+// --- This process ------------------------------------------------------------------------------------------------------------
+
+void CampaignTest::SetUp()
+{
+    char path[] = "/tmp/campaign-XXXXXX";
+    ASSERT_NE(mkdtemp(path), nullptr);
+    directory_ = path;
+    ASSERT_EQ(setenv("KORIIL_DIR", path, 1), 0);
+    ASSERT_EQ(setenv("KORIIL_TRACE_FILE", "/dev/null", 1), 0); // traces are written, and nobody reads them
+    KorIilTrace(1, "campaign", 1, "the trace file is open from now on");
+}
+
+void CampaignTest::TearDown()
+{
+    unsetenv("KORIIL_DIR");
+    std::filesystem::remove_all(directory_);
+}
+
+HangGuard::HangGuard(std::chrono::seconds limit, std::function<std::string()> what)
+    : thread_(
+          [this, limit, what = std::move(what)]
+          {
+              std::unique_lock<std::mutex> lock(mutex_);
+              if (changed_.wait_for(lock, limit, [this] { return done_; }))
+                  return;
+              std::fprintf(stderr, "HANG: %s\n", what().c_str());
+              std::abort();
+          })
+{
+}
+
+HangGuard::~HangGuard()
+{
+    {
+        const std::lock_guard<std::mutex> guard(mutex_);
+        done_ = true;
+    }
+    changed_.notify_all();
+    thread_.join();
+}
+
+RunningService::RunningService(KorIilRequestHandler handler, void* context)
+{
+    const std::uint32_t status = KorIilServiceOpen(kService, 5, handler, context, &service_);
+    if (status != KOR_IIL_OK)
+        throw std::runtime_error("the service cannot be opened: status " + std::to_string(status));
+    thread_ = std::thread([this] { EXPECT_EQ(KorIilServiceRun(service_), KOR_IIL_OK); });
+}
+
+RunningService::~RunningService()
+{
+    KorIilServiceStop(service_);
+    thread_.join();
+    KorIilServiceClose(service_);
+}
+
+std::size_t openDescriptors()
+{
+    return entriesOf("/proc/self/fd");
+}
+
+std::size_t runningThreads()
+{
+    return entriesOf("/proc/self/task");
+}
+
+std::size_t residentBytes()
+{
+    std::ifstream file("/proc/self/statm");
+    std::size_t whole = 0;
+    std::size_t resident = 0;
+    file >> whole >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+bool eventually(const std::function<bool()>& condition, std::chrono::seconds limit)
+{
+    const auto end = steady_clock::now() + limit;
+    while (!condition())
+    {
+        if (steady_clock::now() > end)
+            return false;
+        sleepMilliseconds(1);
+    }
+    return true;
+}
+
+void sleepMilliseconds(int milliseconds)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+Repeating::Repeating(int threads, std::function<void()> action)
+{
+    for (int i = 0; i < threads; ++i)
+        threads_.emplace_back(
+            [this, action]
+            {
+                while (!done_)
+                    action();
+            });
+}
+
+Repeating::~Repeating()
+{
+    done_ = true;
+    for (std::thread& thread : threads_)
+        thread.join();
+}
+
+// --- Other processes ---------------------------------------------------------------------------------------------------------
+
+// Not fork: threads of this process run, and a sanitizer's allocator may be locked by one of them.
+Peer::Peer(const std::vector<std::string>& arguments)
+{
+    int in[2];
+    int out[2];
+    if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0)
+        throw std::runtime_error("no pipe");
+    input_ = in[1];
+    output_ = out[0];
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+
+    std::vector<char*> argv = {const_cast<char*>(CAMPAIGN_PEER_PROGRAM)};
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    const int error = posix_spawn(&processId_, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(in[0]);
+    close(out[1]);
+    if (error != 0)
+        throw std::runtime_error("campaign_peer cannot be started: " + std::string(std::strerror(error)));
+}
+
+Peer::~Peer()
+{
+    if (processId_ > 0)
+        kill();
+    close(output_);
+}
+
+std::string Peer::line()
+{
+    std::string text;
+    char character;
+    while (read(output_, &character, 1) == 1 && character != '\n')
+        text += character;
+    return text;
+}
+
+void Peer::kill()
+{
+    ::kill(processId_, SIGKILL);
+    finish();
+}
+
+int Peer::finish()
+{
+    if (input_ >= 0)
+        close(std::exchange(input_, -1));
+    int status = 0;
+    while (waitpid(processId_, &status, 0) < 0 && errno == EINTR)
+    {
+    }
+    processId_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+} // namespace campaign
