@@ -33,13 +33,14 @@ target_precompile_headers(tarn_test_precompiled PRIVATE <gmock/gmock.h> <gtest/g
 
 string(JOIN " " TARN_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR})
 
-# tarn_test(NAME [HOST_ONLY] SOURCES ... LIBRARIES ... [DEFINITIONS ...] [PROGRAMS TARGET...])
+# tarn_test(NAME [HOST_ONLY] [TIMEOUT SECONDS] SOURCES ... LIBRARIES ... [DEFINITIONS ...] [PROGRAMS TARGET...])
 #
 # HOST_ONLY: nothing in it depends on byte order or word size, so other targets leave it out.
+# TIMEOUT: of a case, or of a process that runs some of them, if the usual one is too short.
 # PROGRAMS are started by the tests: TARGET_PROGRAM, in upper case, is defined as the path of each, and EMULATOR as what runs
 # them.
 function(tarn_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 test "HOST_ONLY" "" "SOURCES;LIBRARIES;DEFINITIONS;PROGRAMS")
+    cmake_parse_arguments(PARSE_ARGV 1 test "HOST_ONLY" "TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS;PROGRAMS")
     if(test_HOST_ONLY AND CMAKE_CROSSCOMPILING)
         return()
     endif()
@@ -62,14 +63,22 @@ function(tarn_test name)
         set(labels LABELS host_only)
     endif()
     if(TARN_DISCOVER_TEST_CASES)
-        gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 ${labels})
+        tarn_default(test_TIMEOUT 120)
+        gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${test_TIMEOUT} ${labels})
     else()
-        tarn_test_shards(${name})
+        tarn_default(test_TIMEOUT 600)
+        tarn_test_shards(${name} ${test_TIMEOUT})
     endif()
 endfunction()
 
+macro(tarn_default variable value)
+    if(NOT ${variable})
+        set(${variable} ${value})
+    endif()
+endmacro()
+
 # A few processes share the cases of a program among them; each leaves GoogleTest's results in the folder `cases`.
-function(tarn_test_shards name)
+function(tarn_test_shards name timeout)
     set(shards 4)
     math(EXPR last "${shards} - 1")
     foreach(shard RANGE ${last})
@@ -77,6 +86,6 @@ function(tarn_test_shards name)
         set_tests_properties(${name}.${shard} PROPERTIES
             ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${shard}"
             ENVIRONMENT_MODIFICATION "GTEST_OUTPUT=set:xml:${CMAKE_BINARY_DIR}/cases/${name}.${shard}.xml"
-            TIMEOUT 600)
+            TIMEOUT ${timeout})
     endforeach()
 endfunction()

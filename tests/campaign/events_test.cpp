@@ -45,7 +45,7 @@ TEST_F(EventsTest, SixtyFourProcessesReceiveAllEventsInOrder)
     EXPECT_TRUE(eventually([&] { return acknowledged == kEvents / kAcknowledgedAtOnce * kReceivers; })) << acknowledged;
     for (const auto& receiver : receivers)
         EXPECT_EQ(receiver->finish(), 0);
-    std::printf("%u events to %u processes\n", static_cast<unsigned>(kEvents), static_cast<unsigned>(kReceivers));
+    std::printf("counted: %u events to %u processes\n", static_cast<unsigned>(kEvents), static_cast<unsigned>(kReceivers));
 }
 
 } // namespace

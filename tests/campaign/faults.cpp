@@ -87,7 +87,6 @@ const std::vector<FallibleCall>& fallibleCalls()
         {"listen", {ENOBUFS}},
         {"accept4", kAccepting},
         {"accept", kAccepting},
-        {"shutdown", {ENOTCONN}},
         {"getsockopt", kNoRoom},
         {"setsockopt", kNoRoom},
         {"sendmsg", kSending},
@@ -112,7 +111,7 @@ const std::vector<FallibleCall>& fallibleCalls()
         {"mkdir", {EACCES, ENOSPC, ENOMEM}},
         {"stat", kFile},
         {"lstat", kFile},
-        {"fstat", kFile},
+        {"fstat", {ENOMEM}},
         {"fstatat", kFile},
         {"chmod", kFile},
         {"fchmod", kFile},
@@ -267,7 +266,6 @@ FALLIBLE(int, bind, (int file, const sockaddr* address, socklen_t size), (file, 
 FALLIBLE(int, listen, (int file, int backlog), (file, backlog), noexcept)
 FALLIBLE(int, accept4, (int file, sockaddr* address, socklen_t* size, int flags), (file, address, size, flags), noexcept(false))
 FALLIBLE(int, accept, (int file, sockaddr* address, socklen_t* size), (file, address, size), noexcept(false))
-FALLIBLE(int, shutdown, (int file, int how), (file, how), noexcept)
 FALLIBLE(int, getsockopt, (int file, int level, int option, void* value, socklen_t* size), (file, level, option, value, size),
          noexcept)
 FALLIBLE(int, setsockopt, (int file, int level, int option, const void* value, socklen_t size),

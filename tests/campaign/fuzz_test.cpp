@@ -394,7 +394,7 @@ TEST_F(FuzzTest, AServiceSurvivesHostilePacketsAndServesItsHealthyClient)
     }
     EXPECT_EQ(healthy.finish(), 0);
     EXPECT_TRUE(eventually([&] { return openDescriptors() <= descriptors + 1; })) << "descriptors of hostile clients are left";
-    std::printf("%d hostile packets\n", packets.load());
+    std::printf("counted: %d hostile packets\n", packets.load());
     EXPECT_GT(packets, 0);
 }
 
@@ -452,7 +452,7 @@ TEST_F(FuzzTest, AClientSurvivesHostileRepliesAndEvents)
                                    });
         std::this_thread::sleep_for(duration());
     }
-    std::printf("%d hostile packets, %d calls\n", packets.load(), calls.load());
+    std::printf("counted: %d hostile packets, %d calls\n", packets.load(), calls.load());
     EXPECT_GT(packets, 0);
 
     lookIn(directory());

@@ -111,6 +111,7 @@ TEST_F(HostProcessTest, AThousandSignalsASecondLoseNoCallNoEventAndNoSubscriptio
     EXPECT_TRUE(eventually([&] { return lastEvent == sent; })) << lastEvent;
     EXPECT_EQ(lostEvents, 0u);
     EXPECT_EQ(KorIilCancelEvent("signals", kService, 1, receiveNumbered), KOR_IIL_OK);
+    std::printf("counted: %u events between signals\n", static_cast<unsigned>(sent));
 }
 
 // --- Forks -------------------------------------------------------------------------------------------------------------------
@@ -148,7 +149,7 @@ TEST_F(HostProcessTest, ForkedChildrenCallAndDoNotDisturbTheirParent)
     }
     EXPECT_EQ(KorIilCancelEvent("parent", kService, 1, ignoreEvent), KOR_IIL_OK);
     EXPECT_EQ(service.finish(), 0);
-    std::printf("%d children\n", children);
+    std::printf("counted: %d children\n", children);
 }
 
 // --- Cancelled threads -------------------------------------------------------------------------------------------------------
@@ -193,7 +194,7 @@ TEST_F(HostProcessTest, CancelledThreadsLeaveNothingBehind)
     EXPECT_EQ(KorIilCancelEvent("campaign", kService, 1, ignoreEvent), KOR_IIL_OK);
     EXPECT_TRUE(eventually([&] { return openDescriptors() <= descriptors; }))
         << openDescriptors() << ", before " << descriptors;
-    std::printf("%d threads cancelled\n", cancelled);
+    std::printf("counted: %d threads cancelled\n", cancelled);
 }
 
 // --- Closed descriptors ------------------------------------------------------------------------------------------------------

@@ -147,6 +147,7 @@ void countEvent(const char*, std::uint32_t, const void*, std::uint32_t)
 // The exit code says what did not work: standard error may be closed.
 int closed(int count, char** numbers)
 {
+    dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
     for (int i = 0; i < count; ++i)
         close(std::atoi(numbers[i]));
     if (KorIilSubscribeEvent("closed", kService, 1, countEvent) != KOR_IIL_OK)

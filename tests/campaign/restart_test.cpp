@@ -99,7 +99,7 @@ TEST_F(RestartTest, ACallIsExecutedAtMostOnceHoweverOftenTheServiceIsKilled)
         EXPECT_TRUE(agrees(outcome.status, executions[outcome.number]))
             << "status " << outcome.status << ", executed " << executions[outcome.number] << " times";
     }
-    std::printf("%d kills, %d stops, %zu calls:", kills, stops, outcomes.size());
+    std::printf("counted: %d kills, %d stops, %zu calls:", kills, stops, outcomes.size());
     for (const auto& [status, count] : statuses)
         std::printf(" %d of status %u", count, static_cast<unsigned>(status));
     std::printf("\n");

@@ -24,6 +24,17 @@
 namespace campaign
 {
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define CAMPAIGN_IS_SANITIZED 1
+#endif
+#endif
+#ifdef CAMPAIGN_IS_SANITIZED
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
 // How long a test that could go on for ever does so: TARN_CAMPAIGN_SECONDS, or a few seconds.
 std::chrono::seconds duration();
 // Whether TARN_CAMPAIGN_SECONDS asks for the long campaign.
