@@ -28,6 +28,7 @@ TEST_F(EventsTest, SixtyFourProcessesReceiveAllEventsInOrder)
     std::atomic<std::uint32_t> acknowledged{0};
     const RunningService service(countAcknowledgement, &acknowledged);
     std::vector<std::unique_ptr<Peer>> receivers;
+    receivers.reserve(kReceivers);
     for (std::uint32_t i = 0; i < kReceivers; ++i)
         receivers.push_back(std::make_unique<Peer>(std::vector<std::string>{"receive", std::to_string(kEvents)}));
     for (const auto& receiver : receivers)

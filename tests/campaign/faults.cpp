@@ -16,7 +16,6 @@
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/timerfd.h>
 #include <unistd.h>
 
 namespace campaign
@@ -71,51 +70,36 @@ const std::vector<FallibleCall>& fallibleCalls()
         {"new", {ENOMEM}},
         {"pthread_create", {EAGAIN}},
         {"socket", kNoDescriptor},
-        {"socketpair", kNoDescriptor},
         {"eventfd", kNoDescriptor},
-        {"pipe2", kNoDescriptor},
-        {"timerfd_create", kNoDescriptor},
-        {"timerfd_settime", {ENOMEM}},
         {"epoll_create1", kNoDescriptor},
         {"epoll_ctl", {ENOMEM, ENOSPC}},
         {"epoll_wait", {EINTR}},
-        {"epoll_pwait", {EINTR}},
         {"poll", {EINTR, ENOMEM}},
-        {"ppoll", {EINTR, ENOMEM}},
         {"connect", {EINTR, EAGAIN, ECONNREFUSED, EACCES, ENOMEM}},
         {"bind", {ENOMEM, EACCES}},
         {"listen", {ENOBUFS}},
         {"accept4", kAccepting},
-        {"accept", kAccepting},
         {"getsockopt", kNoRoom},
         {"setsockopt", kNoRoom},
         {"sendmsg", kSending},
-        {"sendmmsg", kSending},
         {"send", kSending},
         {"write", kSending},
-        {"writev", kSending},
         {"recv", kReceiving},
-        {"recvmsg", kReceiving},
-        {"recvmmsg", kReceiving},
         {"read", kReceiving},
         {"open", {EINTR, EMFILE, ENOMEM, EACCES, ENOSPC, EIO}},
-        {"openat", {EINTR, EMFILE, ENOMEM, EACCES, ENOSPC, EIO}},
         {"fcntl", {EMFILE, EINTR}},
-        {"dup3", {EMFILE, EINTR}},
         {"close", {EINTR, EIO}},
         {"flock", {EINTR, ENOLCK, EWOULDBLOCK}},
         {"unlink", kFile},
-        {"unlinkat", kFile},
-        {"rename", kFile},
-        {"link", kFile},
         {"mkdir", {EACCES, ENOSPC, ENOMEM}},
-        {"stat", kFile},
         {"lstat", kFile},
         {"fstat", {ENOMEM}},
-        {"fstatat", kFile},
+        {"access", {ENOENT, EACCES, ENOMEM}},
         {"chmod", kFile},
-        {"fchmod", kFile},
-        {"ftruncate", kFile},
+        {"lchown", kFile},
+        {"getgroups", {EINVAL}},
+        {"lseek", {EOVERFLOW}},
+        {"ftruncate", {EIO, EINTR}},
     };
     return kCalls;
 }
@@ -200,6 +184,8 @@ void operator delete[](void* block, std::size_t) noexcept
     operator delete(block);
 }
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): of parameters whose names libc reserves
+
 // --- Threads -----------------------------------------------------------------------------------------------------------------
 
 namespace
@@ -247,54 +233,34 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
     }
 
 FALLIBLE(int, socket, (int domain, int type, int protocol), (domain, type, protocol), noexcept)
-FALLIBLE(int, socketpair, (int domain, int type, int protocol, int* ends), (domain, type, protocol, ends), noexcept)
 FALLIBLE(int, eventfd, (unsigned count, int flags), (count, flags), noexcept)
-FALLIBLE(int, pipe2, (int* ends, int flags), (ends, flags), noexcept)
-FALLIBLE(int, timerfd_create, (clockid_t clock, int flags), (clock, flags), noexcept)
-FALLIBLE(int, timerfd_settime, (int timer, int flags, const itimerspec* fresh, itimerspec* old), (timer, flags, fresh, old),
-         noexcept)
 FALLIBLE(int, epoll_create1, (int flags), (flags), noexcept)
 FALLIBLE(int, epoll_ctl, (int set, int operation, int file, epoll_event* event), (set, operation, file, event), noexcept)
 FALLIBLE(int, epoll_wait, (int set, epoll_event* events, int most, int timeout), (set, events, most, timeout), noexcept(false))
-FALLIBLE(int, epoll_pwait, (int set, epoll_event* events, int most, int timeout, const sigset_t* mask),
-         (set, events, most, timeout, mask), noexcept(false))
 FALLIBLE(int, poll, (pollfd * files, nfds_t count, int timeout), (files, count, timeout), noexcept(false))
-FALLIBLE(int, ppoll, (pollfd * files, nfds_t count, const timespec* timeout, const sigset_t* mask),
-         (files, count, timeout, mask), noexcept(false))
 FALLIBLE(int, connect, (int file, const sockaddr* address, socklen_t size), (file, address, size), noexcept(false))
 FALLIBLE(int, bind, (int file, const sockaddr* address, socklen_t size), (file, address, size), noexcept)
 FALLIBLE(int, listen, (int file, int backlog), (file, backlog), noexcept)
 FALLIBLE(int, accept4, (int file, sockaddr* address, socklen_t* size, int flags), (file, address, size, flags), noexcept(false))
-FALLIBLE(int, accept, (int file, sockaddr* address, socklen_t* size), (file, address, size), noexcept(false))
 FALLIBLE(int, getsockopt, (int file, int level, int option, void* value, socklen_t* size), (file, level, option, value, size),
          noexcept)
 FALLIBLE(int, setsockopt, (int file, int level, int option, const void* value, socklen_t size),
          (file, level, option, value, size), noexcept)
 FALLIBLE(ssize_t, sendmsg, (int file, const msghdr* message, int flags), (file, message, flags), noexcept(false))
-FALLIBLE(int, sendmmsg, (int file, mmsghdr* messages, unsigned count, int flags), (file, messages, count, flags),
-         noexcept(false))
 FALLIBLE(ssize_t, send, (int file, const void* bytes, size_t size, int flags), (file, bytes, size, flags), noexcept(false))
 FALLIBLE(ssize_t, write, (int file, const void* bytes, size_t size), (file, bytes, size), noexcept(false))
-FALLIBLE(ssize_t, writev, (int file, const iovec* parts, int count), (file, parts, count), noexcept(false))
 FALLIBLE(ssize_t, recv, (int file, void* bytes, size_t size, int flags), (file, bytes, size, flags), noexcept(false))
-FALLIBLE(ssize_t, recvmsg, (int file, msghdr* message, int flags), (file, message, flags), noexcept(false))
-FALLIBLE(int, recvmmsg, (int file, mmsghdr* messages, unsigned count, int flags, timespec* timeout),
-         (file, messages, count, flags, timeout), noexcept(false))
 FALLIBLE(ssize_t, read, (int file, void* bytes, size_t size), (file, bytes, size), noexcept(false))
-FALLIBLE(int, dup3, (int file, int copy, int flags), (file, copy, flags), noexcept)
 FALLIBLE(int, flock, (int file, int operation), (file, operation), noexcept)
 FALLIBLE(int, unlink, (const char* path), (path), noexcept)
-FALLIBLE(int, unlinkat, (int directory, const char* path, int flags), (directory, path, flags), noexcept)
-FALLIBLE(int, rename, (const char* from, const char* to), (from, to), noexcept)
-FALLIBLE(int, link, (const char* from, const char* to), (from, to), noexcept)
 FALLIBLE(int, mkdir, (const char* path, mode_t mode), (path, mode), noexcept)
-FALLIBLE(int, stat, (const char* path, struct stat* status), (path, status), noexcept)
 FALLIBLE(int, lstat, (const char* path, struct stat* status), (path, status), noexcept)
 FALLIBLE(int, fstat, (int file, struct stat* status), (file, status), noexcept)
-FALLIBLE(int, fstatat, (int directory, const char* path, struct stat* status, int flags), (directory, path, status, flags),
-         noexcept)
+FALLIBLE(int, access, (const char* path, int mode), (path, mode), noexcept)
 FALLIBLE(int, chmod, (const char* path, mode_t mode), (path, mode), noexcept)
-FALLIBLE(int, fchmod, (int file, mode_t mode), (file, mode), noexcept)
+FALLIBLE(int, lchown, (const char* path, uid_t owner, gid_t group), (path, owner, group), noexcept)
+FALLIBLE(int, getgroups, (int most, gid_t* groups), (most, groups), noexcept)
+FALLIBLE(off_t, lseek, (int file, off_t offset, int from), (file, offset, from), noexcept)
 FALLIBLE(int, ftruncate, (int file, off_t length), (file, length), noexcept)
 
 // The third argument of these is read whether or not there is one, as libc itself does.
@@ -306,16 +272,6 @@ extern "C" int open(const char* path, int flags, ...)
     const mode_t mode = va_arg(arguments, mode_t);
     va_end(arguments);
     return campaign::failsNow("open") ? -1 : kReal(path, flags, mode);
-}
-
-extern "C" int openat(int directory, const char* path, int flags, ...)
-{
-    static const auto kReal = campaign::next<int(int, const char*, int, ...)>("openat");
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = va_arg(arguments, mode_t);
-    va_end(arguments);
-    return campaign::failsNow("openat") ? -1 : kReal(directory, path, flags, mode);
 }
 
 extern "C" int fcntl(int file, int command, ...)
@@ -335,3 +291,5 @@ extern "C" int close(int file)
     const int result = kReal(file);
     return campaign::failsNow("close") ? -1 : result;
 }
+
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

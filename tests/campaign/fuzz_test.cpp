@@ -226,10 +226,11 @@ private:
         const Bytes before = std::exchange(last, packet);
         switch (filter(packet))
         {
+        case Verdict::kTwice:
+            sendTo(to, packet);
+            [[fallthrough]];
         case Verdict::kPass:
             return sendTo(to, packet);
-        case Verdict::kTwice:
-            return sendTo(to, packet) && sendTo(to, packet);
         case Verdict::kReplay:
             return sendTo(to, before);
         case Verdict::kDrop:

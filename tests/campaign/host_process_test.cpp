@@ -19,8 +19,7 @@ namespace
 
 class HostProcessTest : public CampaignTest
 {
-protected:
-    const HangGuard guard{duration() + std::chrono::seconds(2 * kAmple), [] { return "a program of this process"; }};
+    const HangGuard guard_{duration() + std::chrono::seconds(2 * kAmple), [] { return "a program of this process"; }};
 };
 
 // --- Signals -----------------------------------------------------------------------------------------------------------------
@@ -175,7 +174,7 @@ void* callUntilCancelled(void*)
 TEST_F(HostProcessTest, CancelledThreadsLeaveNothingBehind)
 {
     std::mt19937 random(seed());
-    RunningService service(answerSlowly);
+    const RunningService service(answerSlowly);
     ASSERT_EQ(callSum(), KOR_IIL_OK);
     const std::size_t descriptors = openDescriptors();
     const auto end = std::chrono::steady_clock::now() + duration();

@@ -161,7 +161,7 @@ void sleepMilliseconds(int milliseconds)
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
-Repeating::Repeating(int threads, std::function<void()> action)
+Repeating::Repeating(int threads, const std::function<void()>& action)
 {
     for (int i = 0; i < threads; ++i)
         threads_.emplace_back(
@@ -215,7 +215,7 @@ Peer::~Peer()
     close(output_);
 }
 
-std::string Peer::line()
+std::string Peer::line() const
 {
     std::string text;
     char character;

@@ -108,7 +108,7 @@ public:
     Peer& operator=(const Peer&) = delete;
 
     // Waits for its next line; empty at the end of its output.
-    std::string line();
+    std::string line() const;
     void kill();
     // Ends its standard input, and returns its exit code; 128 and the signal that ended it.
     int finish();
@@ -132,7 +132,7 @@ void sleepMilliseconds(int milliseconds);
 class Repeating
 {
 public:
-    Repeating(int threads, std::function<void()> action);
+    Repeating(int threads, const std::function<void()>& action);
     ~Repeating();
     Repeating(const Repeating&) = delete;
     Repeating& operator=(const Repeating&) = delete;
