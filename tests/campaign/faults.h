@@ -1,7 +1,7 @@
 // Lets one chosen call of one side fail once: system calls, allocations and the creation of threads.
 //
-// faults.cpp defines these functions in the test program, and the loader prefers them to libc's. They fail only on threads of the
-// side under test: threads say which side they are on, and a thread belongs to the side of the thread that created it.
+// faults.cpp defines these functions in the test program, and the loader prefers them to libc's. They fail only on threads of
+// the side under test: threads say which side they are on, and a thread belongs to the side of the thread that created it.
 #pragma once
 
 #include <cerrno>

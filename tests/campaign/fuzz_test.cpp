@@ -1,5 +1,5 @@
-// Hostile packets for a service and for a client. They are made of what the library itself sends, which is recorded by a proxy, so
-// that nothing here knows their layout.
+// Hostile packets for a service and for a client. They are made of what the library itself sends, which is recorded by a proxy,
+// so that nothing here knows their layout.
 #include "support.h"
 
 #include <cstdio>
@@ -288,8 +288,8 @@ protected:
         setenv("KORIIL_DIR", place.c_str(), 1);
     }
 
-    // What clients send in a session with all kinds of requests; the first packet is the one that opens a connection.
-    std::vector<Bytes> recordSession()
+    // What clients send in an exchange with all kinds of requests; the first packet is the one that opens a connection.
+    std::vector<Bytes> recordClient()
     {
         std::mutex mutex;
         std::vector<Bytes> packets;
@@ -344,17 +344,17 @@ bool sendDescriptors(const Socket& to, const Bytes& packet)
 }
 
 // One hostile connection; returns how many packets were sent.
-int attack(const std::string& directory, const std::vector<Bytes>& session, Mutator& mutator)
+int attack(const std::string& directory, const std::vector<Bytes>& recorded, Mutator& mutator)
 {
     const Socket connection = connectIn(directory);
     int sent = 0;
     if (connection.get() < 0)
         return sent;
-    if (mutator.below(4) != 0 && sendTo(connection, session.front()))
+    if (mutator.below(4) != 0 && sendTo(connection, recorded.front()))
         ++sent;
     for (std::uint32_t left = 1 + mutator.below(20); left > 0; --left)
     {
-        Bytes packet = session[mutator.below(static_cast<std::uint32_t>(session.size()))];
+        Bytes packet = recorded[mutator.below(static_cast<std::uint32_t>(recorded.size()))];
         if (mutator.below(8) != 0)
             mutator.mutate(packet);
         const bool taken = mutator.below(16) == 0 ? sendDescriptors(connection, packet) : sendTo(connection, packet);
@@ -370,8 +370,8 @@ int attack(const std::string& directory, const std::vector<Bytes>& session, Muta
 
 TEST_F(FuzzTest, AServiceSurvivesHostilePacketsAndServesItsHealthyClient)
 {
-    const std::vector<Bytes> session = recordSession();
-    ASSERT_GE(session.size(), 4u);
+    const std::vector<Bytes> recorded = recordClient();
+    ASSERT_GE(recorded.size(), 4u);
     const std::size_t descriptors = openDescriptors();
     Peer healthy({"call"});
     ASSERT_EQ(healthy.line(), "ready");
@@ -383,7 +383,7 @@ TEST_F(FuzzTest, AServiceSurvivesHostilePacketsAndServesItsHealthyClient)
                                   [&]
                                   {
                                       thread_local Mutator mutator(seed() + ++threads);
-                                      packets += attack(directory(), session, mutator);
+                                      packets += attack(directory(), recorded, mutator);
                                   });
         const Repeating publishing(1,
                                    [&]

@@ -1,5 +1,5 @@
-// The other processes of the campaign. Each prints "ready" when it is, ends when its standard input does, and exits with 0 if all
-// went well. It says what did not.
+// The other processes of the campaign. Each prints "ready" when it is, ends when its standard input does, and exits with 0 if
+// all went well. It says what did not.
 //
 //   campaign_peer serve LEDGER     a service that appends the number of every sum to the ledger before it answers
 //   campaign_peer call             calls, subscribes and cancels; each must succeed

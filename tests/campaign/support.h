@@ -42,8 +42,8 @@ bool isLong();
 // TARN_CAMPAIGN_SEED, or 1.
 std::uint32_t seed();
 
-// One call of kAdd, whose `second` is a number that no other call of this process has. Fails the test if a call that succeeds does
-// not have its own reply, or one that fails has changed the message.
+// One call of kAdd, whose `second` is a number that no other call of this process has. Fails the test if a call that succeeds
+// does not have its own reply, or one that fails has changed the message.
 std::uint32_t callSum(std::uint32_t wait = kAmple, std::uint32_t* number = nullptr);
 
 // An empty runtime directory, and the seed in the report of what fails.
