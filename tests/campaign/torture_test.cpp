@@ -1,5 +1,5 @@
-// Every call that can fail fails once: the first, the second, ... that an action of a client or a service makes, until the
-// action makes no more of them. Whatever fails, there is a documented status, no hang, nothing leaked, and the next action works.
+// Every call that can fail fails once: the first, the second, ... that an action of a client or a service makes, until it makes
+// no more of them. Whatever fails, there is a documented status, no hang, nothing leaked, and the next action works.
 #include "faults.h"
 #include "support.h"
 
