@@ -100,6 +100,7 @@ const std::vector<FallibleCall>& fallibleCalls()
         {"getgroups", {EINVAL}},
         {"lseek", {EOVERFLOW}},
         {"ftruncate", {EIO, EINTR}},
+        {"getcwd", {ENOENT, EACCES}},
     };
     return kCalls;
 }
@@ -262,6 +263,12 @@ FALLIBLE(int, lchown, (const char* path, uid_t owner, gid_t group), (path, owner
 FALLIBLE(int, getgroups, (int most, gid_t* groups), (most, groups), noexcept)
 FALLIBLE(off_t, lseek, (int file, off_t offset, int from), (file, offset, from), noexcept)
 FALLIBLE(int, ftruncate, (int file, off_t length), (file, length), noexcept)
+
+extern "C" char* getcwd(char* path, size_t size) noexcept
+{
+    static const auto kReal = campaign::next<char*(char*, size_t)>("getcwd");
+    return campaign::failsNow("getcwd") ? nullptr : kReal(path, size);
+}
 
 // The third argument of these is read whether or not there is one, as libc itself does.
 extern "C" int open(const char* path, int flags, ...)
