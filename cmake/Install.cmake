@@ -38,6 +38,8 @@ if(TARN_BUILD_KIT)
     install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json
         kit/contract/contract.schema.json kit/contract/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/contract COMPONENT kit)
+    install(FILES kit/layout/tarn-gateway.json kit/layout/layout.schema.json kit/layout/README.md
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/layout COMPONENT kit)
     install(FILES kit/tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     install(DIRECTORY kit/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
 endif()

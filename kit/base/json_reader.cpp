@@ -93,6 +93,11 @@ void JsonValue::fail(const std::string& expected) const
     place_.fail(shown(json_), expected);
 }
 
+void JsonValue::fail(const std::string& found, const std::string& expected) const
+{
+    place_.fail(found, expected);
+}
+
 bool JsonValue::boolean() const
 {
     if (json_ == nullptr || !json_->is_boolean())

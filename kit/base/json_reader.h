@@ -74,6 +74,8 @@ public:
     }
 
     [[noreturn]] void fail(const std::string& expected) const;
+    // The same with words for what was found, where its value does not show what is wrong.
+    [[noreturn]] void fail(const std::string& found, const std::string& expected) const;
 
     // All of these fail if the value is missing, of another kind or out of range. Lengths are in bytes.
     bool boolean() const;
