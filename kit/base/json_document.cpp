@@ -136,14 +136,19 @@ JsonDocument parseJson(std::string_view text, const std::string& fileName)
     }
 }
 
-JsonDocument readJson(const std::string& path, const std::string& expected)
+std::string readText(const std::string& path, const std::string& expected)
 {
     errno = 0;
     const std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
     if (!(text << file.rdbuf()) && errno != 0)
         throw JsonError(path + ": cannot be read: " + std::strerror(errno) + "; expected " + expected);
-    return parseJson(text.str(), path);
+    return text.str();
+}
+
+JsonDocument readJson(const std::string& path, const std::string& expected)
+{
+    return parseJson(readText(path, expected), path);
 }
 
 } // namespace tarn::base

@@ -188,7 +188,10 @@ private:
 // errors.
 JsonDocument parseJson(std::string_view text, const std::string& fileName);
 
-// The same of the file at that path. `expected` says what it is to be, such as "a list of lamps".
+// The text of the file at that path. Fails if it cannot be read. `expected` says what it is to be, such as "a list of lamps".
+std::string readText(const std::string& path, const std::string& expected);
+
+// Both together.
 JsonDocument readJson(const std::string& path, const std::string& expected);
 
 } // namespace tarn::base

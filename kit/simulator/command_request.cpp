@@ -13,8 +13,8 @@ using contract::Argument;
 using contract::Direction;
 using contract::Encoding;
 
-CommandRequest::CommandRequest(const contract::Command& command, void* message)
-    : command_(command), message_(static_cast<std::uint8_t*>(message))
+CommandRequest::CommandRequest(const contract::Command& command, const GatewayLayout& layout, void* message)
+    : command_(command), layout_(layout), message_(static_cast<std::uint8_t*>(message))
 {
 }
 
@@ -64,7 +64,11 @@ void CommandRequest::copyOut(const Argument& argument, const void* from, std::si
 
 std::uint32_t CommandRequest::number(std::string_view argument) const
 {
-    const Argument& place = find(argument, Direction::kIn);
+    return layout_.numberFromWire(command_.function, argument, sentNumber(find(argument, Direction::kIn)));
+}
+
+std::uint32_t CommandRequest::sentNumber(const Argument& place) const
+{
     switch (place.encoding)
     {
     case Encoding::kId:
@@ -115,14 +119,37 @@ MobilityDomain CommandRequest::mobilityDomain(std::string_view argument) const
     return result;
 }
 
-const Layout& CommandRequest::layoutOf(const Argument& argument) const
+RecordLayout CommandRequest::layoutOf(const Argument& argument) const
 {
-    return layout(argument.record.empty() ? command_.function + "." + argument.name : argument.record);
+    return layout_.record(argument.record.empty() ? command_.function + "." + argument.name : argument.record);
 }
 
 Record CommandRequest::record(std::string_view argument) const
 {
     return Record(layoutOf(find(argument, Direction::kIn)), block(argument));
+}
+
+Changes CommandRequest::changes(std::string_view argument) const
+{
+    const Record given = record(argument);
+    const RecordLayout fields = layoutOf(find(argument, Direction::kIn));
+    const layout::Selection* const selection = layout_.used().selectionOf(command_.function, argument);
+    const std::uint32_t bits = selection == nullptr ? 0 : sentNumber(find(selection->argument, Direction::kIn));
+    const bool isWhole = selection == nullptr || (bits == 0 && selection->zeroIsAll);
+    std::vector<std::string> names;
+    if (isWhole)
+        for (const layout::Field& field : fields.own->fields)
+            names.push_back(field.name);
+    std::uint32_t unknown = bits;
+    for (const layout::Flag& field : isWhole ? std::vector<layout::Flag>() : selection->fields)
+    {
+        if ((bits >> field.bit & 1) != 0)
+            names.push_back(field.name);
+        unknown &= ~(1u << field.bit);
+    }
+    if (unknown != 0)
+        throw Refused{ReplyStatus::kInvalidValue};
+    return given.changes(names);
 }
 
 Record CommandRequest::blank(std::string_view argument) const
@@ -135,10 +162,11 @@ Record CommandRequest::blank(std::string_view argument) const
 void CommandRequest::setNumber(std::string_view argument, std::uint32_t value)
 {
     const Argument& place = find(argument, Direction::kOut);
+    const std::uint32_t number = layout_.numberToWire(command_.function, argument, value);
     if (place.encoding == Encoding::kWord)
-        setWord(place.offset, value);
+        setWord(place.offset, number);
     else if (place.encoding == Encoding::kByte)
-        message_[place.offset] = static_cast<std::uint8_t>(value);
+        message_[place.offset] = static_cast<std::uint8_t>(number);
     else
         throw std::logic_error(command_.function + ": " + place.name + " is no number");
 }
@@ -159,11 +187,6 @@ void CommandRequest::setText(std::string_view argument, std::string_view value)
 void CommandRequest::setBlock(std::string_view argument, const std::vector<std::uint8_t>& bytes)
 {
     copyOut(find(argument, Direction::kOut), bytes.data(), bytes.size());
-}
-
-void CommandRequest::setWords(std::string_view argument, const std::vector<std::uint32_t>& words)
-{
-    copyOut(find(argument, Direction::kOut), words.data(), words.size() * sizeof words[0]);
 }
 
 void CommandRequest::setAddress(std::string_view argument, const MacAddress& address)

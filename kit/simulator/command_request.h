@@ -4,8 +4,8 @@
 #pragma once
 
 #include "contract/contract.h"
-#include "layout.h"
 #include "mobility_domain.h"
+#include "record.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,14 +21,15 @@ class CommandRequest
 {
 public:
     // `message` has the length that the contract says.
-    CommandRequest(const contract::Command& command, void* message);
+    CommandRequest(const contract::Command& command, const GatewayLayout& layout, void* message);
 
     const contract::Command& command() const
     {
         return command_;
     }
 
-    // As the caller of the function passed it: ids count from 1, and an inverted flag is inverted again.
+    // As the caller of the function passed it: ids count from 1, and an inverted flag is inverted again. Throws Refused for a
+    // value that has a name in the layout and is unknown to the model.
     std::uint32_t number(std::string_view argument) const;
     bool flag(std::string_view argument) const;        // throws Refused for a number over 1
     std::string text(std::string_view argument) const; // ends before the first NUL, or with the field
@@ -37,6 +38,9 @@ public:
     MobilityDomain mobilityDomain(std::string_view argument) const;
     // Its layout is that of the record's name, or else that of FUNCTION.ARGUMENT.
     Record record(std::string_view argument) const;
+    // The record's fields as changes of settings: those that the layout says are selected, or all of them if it has no
+    // selection. Throws Refused if a bit selects nothing.
+    Changes changes(std::string_view argument) const;
     // All zeros, for an output.
     Record blank(std::string_view argument) const;
 
@@ -44,7 +48,6 @@ public:
     void setSigned(std::string_view argument, std::int32_t value);
     void setText(std::string_view argument, std::string_view value); // cut to the field
     void setBlock(std::string_view argument, const std::vector<std::uint8_t>& bytes);
-    void setWords(std::string_view argument, const std::vector<std::uint32_t>& words);
     void setAddress(std::string_view argument, const MacAddress& address);
     void setMobilityDomain(std::string_view argument, const MobilityDomain& domain);
     void setRecord(std::string_view argument, const Record& record);
@@ -57,13 +60,15 @@ public:
 private:
     const contract::Argument& find(std::string_view argument, contract::Direction direction) const;
     std::size_t room(const contract::Argument& argument) const; // bytes that its field has in the message
-    const Layout& layoutOf(const contract::Argument& argument) const;
+    RecordLayout layoutOf(const contract::Argument& argument) const;
+    std::uint32_t sentNumber(const contract::Argument& argument) const;
     std::uint32_t word(std::uint32_t offset) const;
     void setWord(std::uint32_t offset, std::uint32_t value);
     void copyIn(const contract::Argument& argument, void* to, std::size_t length) const;
     void copyOut(const contract::Argument& argument, const void* from, std::size_t length);
 
     const contract::Command& command_;
+    const GatewayLayout& layout_;
     std::uint8_t* message_;
 };
 

@@ -4,6 +4,7 @@
 #include "state.h"
 #include "tarn_gateway_control.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -57,6 +58,15 @@ std::uint32_t readState(Model& model, const Control&, TarnGatewayReadState& mess
     return TARN_GATEWAY_OK;
 }
 
+std::uint32_t readLayout(Model& model, const Control&, TarnGatewayReadLayout& message)
+{
+    const std::string& text = model.layout.text();
+    message.total = static_cast<std::uint32_t>(text.size());
+    message.length =
+        static_cast<std::uint32_t>(text.copy(message.text, sizeof message.text, std::min(message.offset, message.total)));
+    return TARN_GATEWAY_OK;
+}
+
 // The struct is aligned, the message need not be: it is copied in and out.
 template <typename Message>
 std::uint32_t serve(std::uint32_t (*answer)(Model&, const Control&, Message&), Model& model, const Control& control,
@@ -83,6 +93,8 @@ std::uint32_t serveControl(Model& model, const Control& control, std::uint32_t c
         return serve(shutDown, model, control, length, message);
     case TARN_GATEWAY_READ_STATE:
         return serve(readState, model, control, length, message);
+    case TARN_GATEWAY_READ_LAYOUT:
+        return serve(readLayout, model, control, length, message);
     default:
         return KOR_IIL_UNKNOWN_CMD;
     }

@@ -1,7 +1,7 @@
 // The traffic counters of a station, an interface or a radio.
 #pragma once
 
-#include "layout.h"
+#include "record.h"
 
 #include <cstdint>
 

@@ -7,8 +7,8 @@
 namespace tarn::simulator
 {
 
-Dispatcher::Dispatcher(const contract::Contract& contract, StatusOf statusOf, bool notesFailures)
-    : statusOf_(statusOf), notesFailures_(notesFailures)
+Dispatcher::Dispatcher(const contract::Contract& contract, bool notesFailures)
+    : service_(contract.service), notesFailures_(notesFailures)
 {
     for (const contract::Command& command : contract.commands)
     {
@@ -21,7 +21,8 @@ Dispatcher::Dispatcher(const contract::Contract& contract, StatusOf statusOf, bo
 
 // Where two functions have one command, the message says which was called: the one with an interface name if it has a name.
 // Where neither has that argument, the requests are equal, and the reply carries the outputs of both.
-std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<HandledFunction>& functions, void* message)
+std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<HandledFunction>& functions,
+                                                            const GatewayLayout& layout, void* message)
 {
     constexpr const char* kName = "intf_name";
     const HandledFunction* named = nullptr;
@@ -31,7 +32,7 @@ std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<Ha
     if (functions.size() == 1 || named == nullptr)
         return functions;
 
-    const bool hasName = !CommandRequest(*named->command, message).text(kName).empty();
+    const bool hasName = !CommandRequest(*named->command, layout, message).text(kName).empty();
     std::vector<HandledFunction> chosen;
     for (const HandledFunction& function : functions)
         if ((&function == named) == hasName)
@@ -49,12 +50,12 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
 
     ReplyStatus status = ReplyStatus::kDone;
     model.advance();
-    const std::vector<HandledFunction> chosen = choose(found->second, message);
+    const std::vector<HandledFunction> chosen = choose(found->second, model.layout, message);
     try
     {
         for (const HandledFunction& function : chosen)
         {
-            CommandRequest request(*function.command, message);
+            CommandRequest request(*function.command, model.layout, message);
             (*function.handler)(model, request);
         }
     }
@@ -65,7 +66,7 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
     model.advance();
     if (notesFailures_)
         model.errorMask |= errorMaskBit(status);
-    CommandRequest(*chosen.front().command, message).setStatus(statusOf_(status));
+    CommandRequest(*chosen.front().command, model.layout, message).setStatus(model.layout.status(service_, status));
     return KOR_IIL_OK;
 }
 

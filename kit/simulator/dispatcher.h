@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <vector>
 
 namespace tarn::simulator
@@ -15,10 +16,8 @@ namespace tarn::simulator
 class Dispatcher
 {
 public:
-    using StatusOf = std::uint32_t (*)(ReplyStatus);
-
     // `notesFailures`: what is refused here enters the model's error mask.
-    Dispatcher(const contract::Contract& contract, StatusOf statusOf, bool notesFailures);
+    Dispatcher(const contract::Contract& contract, bool notesFailures);
 
     // Turns the request into its reply. Returns the IPC status: KOR_IIL_OK, or what is wrong with the request.
     std::uint32_t serve(Model& model, std::uint32_t command, std::uint32_t length, void* message) const;
@@ -30,10 +29,11 @@ private:
         const Handler* handler;
     };
 
-    static std::vector<HandledFunction> choose(const std::vector<HandledFunction>& functions, void* message);
+    static std::vector<HandledFunction> choose(const std::vector<HandledFunction>& functions, const GatewayLayout& layout,
+                                               void* message);
 
     std::map<std::uint32_t, std::vector<HandledFunction>> functions_; // by command; a few commands have two
-    StatusOf statusOf_;
+    std::string service_;
     bool notesFailures_;
 };
 

@@ -5,7 +5,7 @@
 namespace tarn::simulator
 {
 
-// layouts.json and default.json.
+// default.json.
 const std::vector<base::EmbeddedFile>& embeddedFiles();
 
 } // namespace tarn::simulator

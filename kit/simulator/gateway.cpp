@@ -53,10 +53,10 @@ void Gateway::start()
 {
     try
     {
-        openContract("TARN", deviceStatus, true);
+        openContract("TARN", true);
         deviceService_ = endpoints_.back()->service;
-        openContract("QTN_RPC_PROXY", moduleStatus, false);
-        openContract("QTN_MIRROR", moduleStatus, false);
+        openContract("QTN_RPC_PROXY", false);
+        openContract("QTN_MIRROR", false);
         open(TARN_GATEWAY_SERVICE, 0,
              [this](const KorIilRequest& request, void* message) { return answerControl(request, message); });
     }
@@ -126,11 +126,11 @@ void Gateway::open(const char* serviceId, std::uint32_t eventCount, Answer answe
     endpoints_.push_back(std::move(endpoint));
 }
 
-void Gateway::openContract(const char* serviceId, Dispatcher::StatusOf statusOf, bool notesFailures)
+void Gateway::openContract(const char* serviceId, bool notesFailures)
 {
     const contract::Contract& contract = *contract::findService(serviceId);
     open(serviceId, static_cast<std::uint32_t>(contract.events.size()),
-         [this, dispatcher = Dispatcher(contract, statusOf, notesFailures)](const KorIilRequest& request, void* message)
+         [this, dispatcher = Dispatcher(contract, notesFailures)](const KorIilRequest& request, void* message)
          { return dispatcher.serve(model_, request.command, request.length, message); });
 }
 

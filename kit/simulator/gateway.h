@@ -74,7 +74,7 @@ private:
 
     static std::uint32_t handle(void* context, const KorIilRequest* request, void* message);
     void open(const char* serviceId, std::uint32_t eventCount, Answer answer);
-    void openContract(const char* serviceId, Dispatcher::StatusOf statusOf, bool notesFailures);
+    void openContract(const char* serviceId, bool notesFailures);
     void run(KorIilService* service);
     void publish(const std::string& event, const Record& data);
     std::uint32_t answerControl(const KorIilRequest& request, void* message);

@@ -33,10 +33,10 @@ void getSsidIntf(Model& model, CommandRequest& request)
     answerSsidIntf(interfaceOf(model, request), request);
 }
 
-void setSsidIntfCfg(Model& model, CommandRequest& request)
+void setCfg(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    Model::change(interface, request.record("cfg").changes(request.number("param")));
+    Model::change(interface, request.changes("cfg"));
 }
 
 void getSsidIntfStats(Model& model, CommandRequest& request)
@@ -102,12 +102,6 @@ void getAccessPoint(Model& model, CommandRequest& request)
     request.setRecord("data", data);
 }
 
-void setWholeCfg(Model& model, CommandRequest& request)
-{
-    Interface& interface = interfaceOf(model, request);
-    Model::change(interface, request.record("cfg").changes(0));
-}
-
 void getSecurity(Model& model, CommandRequest& request)
 {
     Record data = request.blank("data");
@@ -120,12 +114,6 @@ void getWps(Model& model, CommandRequest& request)
     Record data = request.blank("data");
     fillWps(data, model, interfaceOf(model, request));
     request.setRecord("data", data);
-}
-
-void setWpsCfg(Model& model, CommandRequest& request)
-{
-    Interface& interface = interfaceOf(model, request);
-    Model::change(interface, request.record("cfg").changes(request.number("value")));
 }
 
 void getWpsWindowStatus(Model& model, CommandRequest& request)
@@ -161,7 +149,7 @@ void addInterfaceHandlers(HandlerTable& table)
     table.add("TarnGetSsidIntfNum", getSsidIntfNum);
     table.add("TarnGetSsidIntfAt", getSsidIntfAt);
     table.add("TarnGetSsidIntf", getSsidIntf);
-    table.add("TarnSetSsidIntfCfg", setSsidIntfCfg);
+    table.add("TarnSetSsidIntfCfg", setCfg);
     table.add("TarnGetSsidIntfStats", getSsidIntfStats);
     table.add("TarnGetSsidIntfIsPrimarySSIDIntf", getIsPrimary);
     table.add("TarnSetSsidOPXRoamingEnable", setRoamingEnable);
@@ -172,11 +160,11 @@ void addInterfaceHandlers(HandlerTable& table)
     table.add("TarnAddSsidOPXShgwBlockAddr", addBlockAddr);
     table.add("TarnDelSsidOPXShgwBlockAddr", delBlockAddr);
     table.add("TarnGetAccessPoint", getAccessPoint);
-    table.add("TarnSetAccessPointCfg", setWholeCfg);
+    table.add("TarnSetAccessPointCfg", setCfg);
     table.add("TarnGetAccessPointSecurity", getSecurity);
-    table.add("TarnSetAccessPointSecurityCfg", setWholeCfg);
+    table.add("TarnSetAccessPointSecurityCfg", setCfg);
     table.add("TarnGetAccessPointWps", getWps);
-    table.add("TarnSetAccessPointWpsCfg", setWpsCfg);
+    table.add("TarnSetAccessPointWpsCfg", setCfg);
     table.add("TarnGetAccessPointWpsWindowStatus", getWpsWindowStatus);
     table.add("TarnTriggerAccessPointWpsWindow", triggerWpsWindow);
     table.add("TarnCancelAccessPointWpsWindow", cancelWpsWindow);

@@ -40,14 +40,25 @@ void sayReady(int descriptor)
         close(descriptor);
 }
 
-void run(const std::string& scenario, int readyDescriptor)
+GatewayLayout layoutFrom(const std::string& path)
+{
+    if (path.empty())
+        return {};
+    GatewayLayout layout(path);
+    for (const std::string& line : layout.missing())
+        std::fprintf(stderr, "tarn-gateway: left out, as the layout %s lacks it: %s\n", layout.used().name.c_str(),
+                     line.c_str());
+    return layout;
+}
+
+void run(const std::string& scenario, const std::string& layout, int readyDescriptor)
 {
     const sigset_t signals = endingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
 
     const SystemClock clock;
-    Model model(clock);
+    Model model(clock, layoutFrom(layout));
     if (scenario.empty())
         readDefaultScenario(model);
     else
@@ -74,9 +85,13 @@ int main(int argc, char** argv)
                      "Exit status: 0 ended as asked, 1 could not start or go on, 2 wrong usage.");
         app.name("tarn-gateway");
         std::string scenario;
+        std::string layout;
         std::string directory;
         int readyDescriptor = STDOUT_FILENO;
         app.add_option("--scenario", scenario, "Scenario file, JSON; a gateway with two radios if left out")->type_name("FILE");
+        app.add_option("--layout", layout,
+                       "Layout file, JSON, that says what is inside records; the simulator's own if left out")
+            ->type_name("FILE");
         app.add_option("--directory", directory, "Runtime directory of the IPC, absolute; sets KORIIL_DIR")
             ->type_name("DIRECTORY");
         app.add_option("--ready-fd", readyDescriptor,
@@ -94,7 +109,7 @@ int main(int argc, char** argv)
         }
         if (!directory.empty())
             setenv("KORIIL_DIR", directory.c_str(), 1);
-        run(scenario, readyDescriptor);
+        run(scenario, layout, readyDescriptor);
         return 0;
     }
     catch (const std::exception& error)

@@ -35,7 +35,8 @@ bool isInterfaceName(const std::string& name)
 
 } // namespace
 
-Model::Model(const Clock& clock) : clock_(clock), started_(clock.now())
+Model::Model(const Clock& clock, GatewayLayout layoutInUse)
+    : layout(std::move(layoutInUse)), clock_(clock), started_(clock.now())
 {
 }
 
@@ -141,7 +142,7 @@ void Model::change(Radio& radio, const Changes& changes)
     const auto differs = [&](const char* name) { return before.value(name) != radio.settings.value(name); };
     const auto publishChange = [&](const char* event, const char* name)
     {
-        Record data(layout(event));
+        Record data(layout.record(event));
         data.setNumber("radioId", radio.id);
         data.setNumber(name, radio.settings.number(name));
         publishEvent(event, data);
@@ -455,7 +456,7 @@ void Model::part(Interface& interface, std::size_t index)
 void Model::setWpsWindow(Interface& interface, WpsStatus status)
 {
     interface.window.status = status;
-    Record data(layout("EVT_AP_WPS_WIN_STATUS_CHANGED"));
+    Record data(layout.record("EVT_AP_WPS_WIN_STATUS_CHANGED"));
     data.setNumber("radioId", interface.radio->id);
     data.setNumber("apId", interface.id);
     data.setNumber("status", static_cast<std::uint32_t>(status));
@@ -482,7 +483,7 @@ void Model::reportAssociation(const Interface& interface, const Station& station
                        base::macText(station.address) + (associated ? " has come to " : " has left ") + interface.name});
     if (history.size() > kHistoryRoom)
         history.pop_front();
-    Record data(layout("EVT_AP_ASSOCIATED_CHANGED"));
+    Record data(layout.record("EVT_AP_ASSOCIATED_CHANGED"));
     data.setNumber("radioId", interface.radio->id);
     data.setNumber("apId", interface.id);
     data.setAddress("macAddress", station.address);

@@ -34,9 +34,11 @@ class Model
 public:
     using Publish = std::function<void(const std::string& event, const Record& data)>;
 
-    explicit Model(const Clock& clock);
+    explicit Model(const Clock& clock, GatewayLayout layoutInUse = GatewayLayout());
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
+
+    const GatewayLayout layout;
 
     // What the gateway consists of. A scenario fills it, and calls start.
     Settings service{serviceProperties()};

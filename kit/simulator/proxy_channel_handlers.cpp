@@ -139,7 +139,7 @@ void getIcacStatus(Model& model, CommandRequest& request)
 
 void getAvailability(Model& model, CommandRequest& request)
 {
-    enum Availability : std::uint8_t
+    enum Availability : std::uint32_t
     {
         kAvailable = 1,
         kNotChecked = 2,
@@ -155,15 +155,14 @@ void getAvailability(Model& model, CommandRequest& request)
         return isBeingChecked ? kBeingChecked : kNotChecked;
     };
     const std::vector<std::uint32_t> channels = channelsOf(radio);
-    std::vector<std::uint8_t> pairs;
-    for (const std::uint32_t channel : channels)
-    {
-        pairs.push_back(static_cast<std::uint8_t>(channel));
-        pairs.push_back(availabilityOf(channel));
-    }
     Record table = request.blank("chan_avail_status");
     table.setNumber("number", channels.size());
-    table.setBlock("channels", pairs.data(), pairs.size());
+    for (std::size_t i = 0; i < channels.size(); ++i)
+    {
+        const std::string entry = "channels[" + std::to_string(i) + "].";
+        table.setNumber(entry + "channel", channels[i]);
+        table.setNumber(entry + "availability", availabilityOf(channels[i]));
+    }
     request.setRecord("chan_avail_status", table);
 }
 

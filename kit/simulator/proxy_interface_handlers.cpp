@@ -1,8 +1,6 @@
 // The proxy's calls about one interface of the Wi-Fi module: WPS, DSCP maps, security, MAC address filter, making a BSS.
 #include "handlers.h"
 
-#include <algorithm>
-
 namespace tarn::simulator
 {
 
@@ -74,11 +72,15 @@ void getWpsParameter(Model& model, CommandRequest& request)
 // The access category, 0 to 3, of each of the 64 code points.
 DscpMap dscpMap(const CommandRequest& request)
 {
-    const std::vector<std::uint8_t> list = request.block("dscp_list");
-    if (std::any_of(list.begin(), list.end(), [](std::uint8_t category) { return category > 3; }))
-        throw Refused{ReplyStatus::kInvalidValue};
+    const Record list = request.record("dscp_list");
     DscpMap map;
-    std::copy(list.begin(), list.end(), map.list.begin());
+    for (std::size_t i = 0; i < map.list.size(); ++i)
+    {
+        const std::uint32_t category = list.number("categories[" + std::to_string(i) + "]");
+        if (category > 3)
+            throw Refused{ReplyStatus::kInvalidValue};
+        map.list.at(i) = static_cast<std::uint8_t>(category);
+    }
     map.valueA = request.number("value_a");
     map.valueB = request.number("value_b");
     return map;

@@ -64,10 +64,13 @@ void getNodeStats(Model& model, CommandRequest& request)
     request.setNumber("out2", station.rxRate);
     request.setNumber("out3", station.txMcs);
     request.setNumber("out4", station.rxMcs);
-    request.setWords("node_stats",
-                     {static_cast<std::uint32_t>(counters.txPackets), static_cast<std::uint32_t>(counters.rxPackets),
-                      static_cast<std::uint32_t>(counters.txBytes), static_cast<std::uint32_t>(counters.rxBytes),
-                      static_cast<std::uint32_t>(counters.txErrors)});
+    Record stats = request.blank("node_stats");
+    stats.setNumber("txPackets", counters.txPackets);
+    stats.setNumber("rxPackets", counters.rxPackets);
+    stats.setNumber("txBytes", counters.txBytes);
+    stats.setNumber("rxBytes", counters.rxBytes);
+    stats.setNumber("txErrors", counters.txErrors);
+    request.setRecord("node_stats", stats);
 }
 
 void getDeviceAddress(Model& model, CommandRequest& request)
@@ -133,7 +136,10 @@ void getCcaStats(Model& model, CommandRequest& request)
 void getPreambleError(Model& model, CommandRequest& request)
 {
     radioOf(model, request);
-    request.setWords("preamble_error", {model.secondsSinceStart() / 10, model.secondsSinceStart() / 60});
+    Record errors = request.blank("preamble_error");
+    errors.setNumber("shortPreambles", model.secondsSinceStart() / 10);
+    errors.setNumber("longPreambles", model.secondsSinceStart() / 60);
+    request.setRecord("preamble_error", errors);
 }
 
 } // namespace

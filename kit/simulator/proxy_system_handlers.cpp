@@ -98,25 +98,23 @@ void updateParameter(Model& model, CommandRequest& request)
 // Up to 16 pairs of name and value; if the caller gives a name, only the pair of that name.
 void setParameters(Model& model, CommandRequest& request)
 {
-    const Layout& entryLayout = layout("tarn_qcsapi_set_params.set_params.entry");
+    constexpr std::uint32_t kMostEntries = 16;
     const Interface& interface = interfaceOf(model, request);
     const std::string only = request.text("param_name");
     const Record block = request.record("set_params");
-    const std::vector<std::uint8_t> entries = block.block("entries");
     const std::uint32_t number = block.number("number");
-    if (number == 0 || number > entries.size() / entryLayout.size)
+    if (number == 0 || number > kMostEntries)
         throw Refused{ReplyStatus::kInvalidValue};
 
     std::map<std::string, std::string> chosen;
     for (std::size_t i = 0; i < number; ++i)
     {
-        const std::uint8_t* begin = entries.data() + i * entryLayout.size;
-        const Record entry(entryLayout, {begin, begin + entryLayout.size});
-        const std::string name = entry.text("name");
+        const std::string entry = "entries[" + std::to_string(i) + "].";
+        const std::string name = block.text(entry + "name");
         if (name.empty())
             throw Refused{ReplyStatus::kInvalidValue};
         if (only.empty() || name == only)
-            chosen[interface.name + "." + name] = entry.text("value");
+            chosen[interface.name + "." + name] = block.text(entry + "value");
     }
     if (chosen.empty())
         throw Refused{ReplyStatus::kNotThere};
@@ -169,9 +167,12 @@ void getFirmwareVersion(Model& model, CommandRequest& request)
     request.setText("firmware_version", model.module.firmwareVersion);
 }
 
-void getStatusMessage(Model&, CommandRequest& request)
+void getStatusMessage(Model& model, CommandRequest& request)
 {
-    request.setText("err_msg", moduleStatusText(request.number("error_code")));
+    const layout::Status* const status = model.layout.used().status("QTN_RPC_PROXY", request.number("error_code"));
+    if (status == nullptr)
+        throw Refused{ReplyStatus::kNoSuchObject};
+    request.setText("err_msg", status->text);
 }
 
 void setSecurityAgent(Model& model, CommandRequest& request)

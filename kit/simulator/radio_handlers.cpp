@@ -57,7 +57,7 @@ void getIsReady(Model& model, CommandRequest& request)
 void setCfg(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
-    model.change(radio, request.record("cfg").changes(request.number("param")));
+    model.change(radio, request.changes("cfg"));
 }
 
 void getStats(Model& model, CommandRequest& request)
@@ -94,11 +94,11 @@ void getPossibleChannels(Model& model, CommandRequest& request)
     if (!query.text("country").empty())
         criteria.country = query.text("country");
     criteria.withRadarChannels = query.number("withoutRadarChannels") == 0;
-    const std::vector<std::uint8_t> channels = channelBytes(channelsFor(criteria));
+    const std::vector<std::uint32_t> channels = channelsFor(criteria);
     if (channels.empty())
         throw Refused{ReplyStatus::kInvalidValue};
     Record list = request.blank("channels");
-    list.setBlock("channels", channels.data(), channels.size());
+    list.setNumbers("channels", channels);
     request.setRecord("channels", list);
 }
 

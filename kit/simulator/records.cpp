@@ -11,15 +11,6 @@ MobilityDomain mobilityDomainOf(const Interface& interface)
     return *parseMobilityDomain(interface.settings.text("mobilityDomain"));
 }
 
-std::vector<std::uint8_t> channelBytes(const std::vector<std::uint32_t>& channels)
-{
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(channels.size());
-    for (const std::uint32_t channel : channels)
-        bytes.push_back(static_cast<std::uint8_t>(channel));
-    return bytes;
-}
-
 std::string channelText(const std::vector<std::uint32_t>& channels)
 {
     return base::join(channels, ",");
@@ -27,7 +18,6 @@ std::string channelText(const std::vector<std::uint32_t>& channels)
 
 void fillRadio(Record& record, const Radio& radio)
 {
-    const std::vector<std::uint8_t> channels = channelBytes(Model::allowedChannels(radio));
     record.fill(radio.settings);
     record.setNumber("radioId", radio.id);
     record.setText("name", radio.name);
@@ -40,7 +30,7 @@ void fillRadio(Record& record, const Radio& radio)
     record.setNumber("ssidNumber", radio.interfaces.size());
     record.setNumber("onModule", radio.onModule ? 1 : 0);
     record.setNumber("neighboringStatus", static_cast<std::uint32_t>(radio.scan.status));
-    record.setBlock("possibleChannels", channels.data(), channels.size());
+    record.setNumbers("possibleChannels", Model::allowedChannels(radio));
 }
 
 void fillNeighbour(Record& record, const Neighbour& neighbour)

@@ -18,7 +18,6 @@ void fillStation(Record& record, const Model& model, const Interface& interface,
 MobilityDomain mobilityDomainOf(const Interface& interface);
 
 // One byte for each channel.
-std::vector<std::uint8_t> channelBytes(const std::vector<std::uint32_t>& channels);
 // "36,40,44".
 std::string channelText(const std::vector<std::uint32_t>& channels);
 

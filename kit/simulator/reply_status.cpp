@@ -1,5 +1,7 @@
 #include "reply_status.h"
 
+#include <cstddef>
+
 namespace tarn::simulator
 {
 
@@ -7,36 +9,19 @@ namespace
 {
 
 // In the order of the enumeration.
-const char* const kTexts[kReplyStatusCount] = {
-    "done", "no such object", "invalid value", "busy", "no room left", "already there", "not there", "switched off",
-};
-
-constexpr std::uint32_t kDeviceBase = 15;
-constexpr std::uint32_t kModuleBase = 200;
+const char* const kNames[kReplyStatusCount] = {"DONE", "NO_SUCH_OBJECT", "INVALID_VALUE", "BUSY",
+                                               "FULL", "ALREADY_THERE",  "NOT_THERE",     "SWITCHED_OFF"};
 
 } // namespace
 
-std::uint32_t deviceStatus(ReplyStatus status)
+const char* toString(ReplyStatus status)
 {
-    return status == ReplyStatus::kDone ? 0 : kDeviceBase + static_cast<std::uint32_t>(status);
-}
-
-std::uint32_t moduleStatus(ReplyStatus status)
-{
-    return status == ReplyStatus::kDone ? 0 : 0u - kModuleBase - static_cast<std::uint32_t>(status);
+    return kNames[static_cast<std::size_t>(status)];
 }
 
 std::uint32_t errorMaskBit(ReplyStatus status)
 {
     return status == ReplyStatus::kDone ? 0 : 1u << (static_cast<std::uint32_t>(status) - 1);
-}
-
-std::string moduleStatusText(std::uint32_t number)
-{
-    for (std::uint32_t i = 0; i < kReplyStatusCount; ++i)
-        if (moduleStatus(static_cast<ReplyStatus>(i)) == number)
-            return kTexts[i];
-    throw Refused{ReplyStatus::kNoSuchObject};
 }
 
 } // namespace tarn::simulator

@@ -1,8 +1,7 @@
-// The reply status of a command: its meaning, and its numbers on the wire.
+// The reply status of a command: its meaning.
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 namespace tarn::simulator
 {
@@ -27,16 +26,10 @@ struct Refused
     ReplyStatus status;
 };
 
-// Its number in replies of the wireless device service and of the control identifier: 0, or 16 and up.
-std::uint32_t deviceStatus(ReplyStatus status);
-
-// Its number in replies of the proxy and the mirror: 0, or -201 and down, as an unsigned word.
-std::uint32_t moduleStatus(ReplyStatus status);
+// Its name in layout files, "BUSY". These have its number in the replies of each service, and its text.
+const char* toString(ReplyStatus status);
 
 // The bit of a failure in the device service's error mask; 0 for kDone.
 std::uint32_t errorMaskBit(ReplyStatus status);
-
-// The text for a number of the proxy or the mirror. Throws Refused for one that they never answer.
-std::string moduleStatusText(std::uint32_t number);
 
 } // namespace tarn::simulator

@@ -44,20 +44,17 @@ void setBindingInterface(Model& model, CommandRequest& request)
 void getQcomm(Model& model, CommandRequest& request)
 {
     const SmartWiFi& smartWiFi = model.smartWiFi;
-    std::vector<std::uint8_t> addresses;
-    for (const MacAddress& slave : smartWiFi.slaves)
-        addresses.insert(addresses.end(), slave.begin(), slave.end());
     Record data = request.blank("data");
     data.fill(model.module.settings);
     data.setNumber("propagations", smartWiFi.propagations);
     data.setNumber("slaveDevices", smartWiFi.slaves.size());
-    data.setBlock("slaveAddresses", addresses.data(), addresses.size());
+    data.setAddresses("slaveAddresses", smartWiFi.slaves);
     request.setRecord("data", data);
 }
 
 void setQcommCfg(Model& model, CommandRequest& request)
 {
-    Model::change(model.module.settings, request.record("cfg").changes(request.number("value")));
+    Model::change(model.module.settings, request.changes("cfg"));
 }
 
 // --- Mobility domains --------------------------------------------------------------------------------------------------------
@@ -89,7 +86,7 @@ void setQslPart1(Model& model, CommandRequest& request)
 {
     std::vector<SteeringDomain>& domains = model.smartWiFi.domains;
     const MobilityDomain id = request.mobilityDomain("mdid");
-    const Changes changes = request.record("cfg").changes(request.number("value"));
+    const Changes changes = request.changes("cfg");
     for (SteeringDomain& domain : domains)
         if (domain.id == id)
             return Model::change(domain.settings, changes);
@@ -104,7 +101,7 @@ void setQslPart1(Model& model, CommandRequest& request)
 void setQslPart2(Model& model, CommandRequest& request)
 {
     SteeringDomain& domain = domainOf(model, request);
-    Model::change(domain.settings, request.record("cfg").changes(request.number("value")));
+    Model::change(domain.settings, request.changes("cfg"));
 }
 
 void getNonSteerNumber(Model& model, CommandRequest& request)
@@ -129,9 +126,9 @@ void delNonSteer(Model& model, CommandRequest& request)
 
 // --- Tables, read from copies ------------------------------------------------------------------------------------------------
 
-Record ownBss(const Interface& interface)
+Record ownBss(const Model& model, const Interface& interface)
 {
-    Record entry(layout("TarnQuantennaSmartWiFiBSSEntryData"));
+    Record entry(model.layout.record("TarnQuantennaSmartWiFiBSSEntryData"));
     const MobilityDomain domain = mobilityDomainOf(interface);
     entry.setAddress("bssid", interface.bssid);
     entry.setText("ssid", interface.settings.text("ssid"));
@@ -146,9 +143,9 @@ Record ownBss(const Interface& interface)
 }
 
 // A slave device repeats the first network of the module's radio.
-Record slaveBss(const MacAddress& slave, const Interface& repeated)
+Record slaveBss(const Model& model, const MacAddress& slave, const Interface& repeated)
 {
-    Record entry = ownBss(repeated);
+    Record entry = ownBss(model, repeated);
     entry.setAddress("bssid", slave);
     entry.setText("name", "");
     entry.setNumber("stations", 0);
@@ -158,7 +155,7 @@ Record slaveBss(const MacAddress& slave, const Interface& repeated)
 
 Record stationEntry(const Model& model, const Interface& interface, const Station& station)
 {
-    Record entry(layout("TarnQuantennaSmartWiFiAssoiatedData"));
+    Record entry(model.layout.record("TarnQuantennaSmartWiFiAssoiatedData"));
     entry.setAddress("macAddress", station.address);
     entry.setAddress("bssid", interface.bssid);
     entry.setText("ssid", interface.settings.text("ssid"));
@@ -177,9 +174,9 @@ void syncBssTable(Model& model, CommandRequest&)
     entries.clear();
     for (const Radio& radio : model.radios)
         for (const Interface& interface : radio.interfaces)
-            entries.push_back(ownBss(interface));
+            entries.push_back(ownBss(model, interface));
     for (const MacAddress& slave : model.smartWiFi.slaves)
-        entries.push_back(slaveBss(slave, model.moduleRadio().interfaces.front()));
+        entries.push_back(slaveBss(model, slave, model.moduleRadio().interfaces.front()));
 }
 
 void syncStations(Model& model, CommandRequest&)
@@ -200,7 +197,7 @@ void syncRecordInfo(Model& model, CommandRequest&)
     entries.clear();
     for (const HistoryEntry& event : model.history)
     {
-        Record entry(layout("TarnQuantennaSmartWiFiRecordInfoData"));
+        Record entry(model.layout.record("TarnQuantennaSmartWiFiRecordInfoData"));
         entry.setNumber("secondsSinceStart", event.time / 1000);
         entry.setText("text", event.text);
         entries.emplace_back(event.status, std::move(entry));

@@ -55,6 +55,18 @@ typedef struct TarnGatewayReadState
     uint32_t status;                    /* out */
 } TarnGatewayReadState;
 
+/* Reads the text of the layout file that the gateway answers by, a piece at a time. */
+#define TARN_GATEWAY_READ_LAYOUT 3u
+#define TARN_GATEWAY_LAYOUT_SIZE 32768u
+typedef struct TarnGatewayReadLayout
+{
+    uint32_t offset;                     /* in: of the first character to read */
+    uint32_t total;                      /* out: characters of the whole text */
+    uint32_t length;                     /* out: characters of this piece; 0 behind the end */
+    char text[TARN_GATEWAY_LAYOUT_SIZE]; /* out: the piece, without a NUL behind it */
+    uint32_t status;                     /* out */
+} TarnGatewayReadLayout;
+
 #ifdef __cplusplus
 }
 #endif

@@ -86,10 +86,29 @@ TEST_F(ControlTest, StateShowsBytesThatAreNoText)
     EXPECT_EQ(state("/radios/0/interfaces/0/ssid"), "caf\\xe9\\\\");
 }
 
+TEST_F(ControlTest, LayoutIsReadPieceByPiece)
+{
+    const auto message = std::make_unique<TarnGatewayReadLayout>();
+    std::string text;
+    do
+    {
+        message->offset = static_cast<std::uint32_t>(text.size());
+        ASSERT_EQ(send(TARN_GATEWAY_READ_LAYOUT, *message), KOR_IIL_OK);
+        ASSERT_EQ(message->status, TARN_GATEWAY_OK);
+        ASSERT_GT(message->length, 0u);
+        text.append(message->text, message->length);
+    } while (text.size() < message->total);
+    EXPECT_EQ(text, tarn::layout::simulatedText());
+
+    message->offset = message->total + 1;
+    EXPECT_EQ(send(TARN_GATEWAY_READ_LAYOUT, *message), KOR_IIL_OK);
+    EXPECT_EQ(message->length, 0u);
+}
+
 TEST_F(ControlTest, OddRequestsAreToldSo)
 {
     std::uint8_t message[8] = {};
-    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 3, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 4, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
     EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 0, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
     EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 1, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
 }

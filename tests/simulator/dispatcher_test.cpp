@@ -98,16 +98,13 @@ TEST_F(DispatcherTest, AnyBytesGetAnAnswer)
     tarn::simulator::readDefaultScenario(model);
     model.start();
     std::mt19937 random(1);
-    const auto statusOf = [](const contract::Contract& service)
-    { return service.service == "TARN" ? tarn::simulator::deviceStatus : tarn::simulator::moduleStatus; };
 
     for (const contract::Contract& service : contract::all())
     {
-        const auto status = statusOf(service);
         std::set<std::uint32_t> documented;
         for (std::uint32_t i = 0; i < tarn::simulator::kReplyStatusCount; ++i)
-            documented.insert(status(static_cast<tarn::simulator::ReplyStatus>(i)));
-        const tarn::simulator::Dispatcher dispatcher(service, status, true);
+            documented.insert(model.layout.status(service.service, static_cast<tarn::simulator::ReplyStatus>(i)));
+        const tarn::simulator::Dispatcher dispatcher(service, true);
         for (const contract::Command& command : service.commands)
             for (int round = 0; round < 30; ++round)
             {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -158,6 +159,32 @@ TEST_F(ProcessTest, PlaysTheScenarioItIsGiven)
     char version[65];
     EXPECT_EQ(CALL(tarn_qcsapi_firmware_get_version)(version, sizeof version), kDone);
     EXPECT_STREQ(version, "5.3.9-crowded");
+}
+
+TEST_F(ProcessTest, SaysWhatTheLayoutItIsGivenLacks)
+{
+    nlohmann::ordered_json layout = nlohmann::ordered_json::parse(tarn::layout::simulatedText());
+    layout["name"] = "shed";
+    layout["events"].erase("EVT_RADIO_STATUS_CHANGED");
+    layout["records"]["TarnRadioStats"]["fields"].erase(0);
+    const std::string path = directory_ + "/layout.json";
+    std::ofstream(path) << layout;
+    Program gateway({"--layout", path});
+    EXPECT_EQ(gateway.line(), "tarn-gateway: left out, as the layout shed lacks it: field TarnRadioStats.txPackets");
+    EXPECT_EQ(gateway.line(), "tarn-gateway: left out, as the layout shed lacks it: event EVT_RADIO_STATUS_CHANGED");
+    EXPECT_EQ(gateway.line(), "ready");
+}
+
+TEST_F(ProcessTest, RefusesALayoutThatIsNotSound)
+{
+    const std::string path = directory_ + "/layout.json";
+    std::ofstream(path) << R"({ "layout": 1, "name": "shed", "owner": "nobody" })";
+    Program broken({"--layout", path});
+    EXPECT_EQ(broken.line(), "tarn-gateway: " + path + ": /version: missing; expected a text of 1 to 64 characters");
+    EXPECT_EQ(broken.wait(), 1);
+    Program missing({"--layout", path + "x"});
+    EXPECT_EQ(missing.line(), "tarn-gateway: " + path + "x: cannot be read: No such file or directory; expected a layout file");
+    EXPECT_EQ(missing.wait(), 1);
 }
 
 TEST_F(ProcessTest, ShutsDownWhenItIsAskedTo)

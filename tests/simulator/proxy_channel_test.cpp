@@ -106,15 +106,17 @@ TEST_F(ProxyChannelTest, CountryIsOverwrittenByWhoKnowsIt)
 // --- Radar checks ------------------------------------------------------------------------------------------------------------
 
 // The state of one channel in the availability table; 0 if it is not in it.
-std::uint8_t availability(std::uint8_t wanted)
+std::uint32_t availability(std::uint32_t wanted)
 {
     std::uint8_t raw[511];
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_chan_avail_status)("wifi0", raw), kDone);
     const Record table = recordOf("tarn_qcsapi_wifi_get_chan_avail_status.chan_avail_status", raw);
-    const std::vector<std::uint8_t> pairs = table.block("channels");
     for (std::uint32_t i = 0; i < table.number("number"); ++i)
-        if (pairs[i * 2] == wanted)
-            return pairs[i * 2 + 1];
+    {
+        const std::string entry = "channels[" + std::to_string(i) + "].";
+        if (table.number(entry + "channel") == wanted)
+            return table.number(entry + "availability");
+    }
     return 0;
 }
 

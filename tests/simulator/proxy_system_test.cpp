@@ -110,17 +110,12 @@ TEST_F(ProxySystemTest, BootParametersAreReadAndUpdated)
 // Two pairs: rate = 11, power = low.
 Record twoParameters()
 {
-    std::vector<std::uint8_t> entries;
-    for (const auto& [name, value] : {std::pair<const char*, const char*>{"rate", "11"}, {"power", "low"}})
-    {
-        Record entry = blank("tarn_qcsapi_set_params.set_params.entry");
-        entry.setText("name", name);
-        entry.setText("value", value);
-        entries.insert(entries.end(), entry.bytes().begin(), entry.bytes().end());
-    }
     Record block = blank("tarn_qcsapi_set_params.set_params");
     block.setNumber("number", 2);
-    block.setBlock("entries", entries.data(), entries.size());
+    block.setText("entries[0].name", "rate");
+    block.setText("entries[0].value", "11");
+    block.setText("entries[1].name", "power");
+    block.setText("entries[1].value", "low");
     return block;
 }
 

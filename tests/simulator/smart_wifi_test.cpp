@@ -60,7 +60,7 @@ TEST_F(SmartWiFiTest, QcommConfigurationIsReadBack)
     EXPECT_EQ(data.number("qcommIntervalSeconds"), 60u);
     EXPECT_EQ(data.text("qcommKey"), "secret");
     EXPECT_EQ(data.number("slaveDevices"), 2u);
-    EXPECT_EQ(data.block("slaveAddresses")[0], 0x02);
+    EXPECT_EQ(data.address("slaveAddresses[1]")[0], 0x02);
 
     cfg.setNumber("qcommPort", 0);
     EXPECT_EQ(CALL(TarnSetQuantennaSmartWiFiQcommCfg)(0, rawOf<TarnQuantennaSmartWiFiQcommCfg>(cfg)), kInvalidValue);

@@ -81,7 +81,8 @@ void SimulatorTest::SetUp()
     directory_ = path;
     ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
 
-    model_ = std::make_unique<tarn::simulator::Model>(clock_);
+    model_ = std::make_unique<tarn::simulator::Model>(clock_, layout_.empty() ? tarn::simulator::GatewayLayout()
+                                                                              : tarn::simulator::GatewayLayout(layout_));
     if (scenario_.empty())
         tarn::simulator::readDefaultScenario(*model_);
     else
@@ -138,7 +139,7 @@ ReceivedEvent SimulatorTest::nextEvent()
 
 Record SimulatorTest::nextEvent(std::uint32_t event, const char* layoutName)
 {
-    const tarn::simulator::Layout& layout = tarn::simulator::layout(layoutName);
+    const tarn::simulator::RecordLayout layout = layoutNamed(layoutName);
     ReceivedEvent received = nextEvent();
     EXPECT_EQ(received.service, "TARN");
     EXPECT_EQ(received.event, event);
@@ -166,9 +167,14 @@ std::size_t SimulatorTest::stationCount(std::uint32_t radioId, std::uint32_t apI
     return number;
 }
 
+tarn::simulator::RecordLayout layoutNamed(const char* name)
+{
+    return tarn::simulator::GatewayLayout().record(name);
+}
+
 Record blank(const char* layoutName)
 {
-    return Record(tarn::simulator::layout(layoutName));
+    return Record(layoutNamed(layoutName));
 }
 
 } // namespace simulator_test

@@ -4,8 +4,8 @@
 
 #include "simulator/clock.h"
 #include "simulator/gateway.h"
-#include "simulator/layout.h"
 #include "simulator/model.h"
+#include "simulator/record.h"
 #include "tarn_api.h"
 #include "tarn_gateway_control.h"
 #include "tarn_qtn_monitor_api.h"
@@ -129,6 +129,11 @@ protected:
     {
         scenario_ = text;
     }
+    // Likewise: the layout file of that path instead of the simulator's own.
+    void useLayout(const std::string& path)
+    {
+        layout_ = path;
+    }
 
     void passSeconds(double seconds);
 
@@ -154,10 +159,14 @@ protected:
 private:
     std::string directory_;
     std::string scenario_;
+    std::string layout_;
     ManualClock clock_;
     std::unique_ptr<tarn::simulator::Model> model_;
     std::unique_ptr<tarn::simulator::Gateway> gateway_;
 };
+
+// One of the simulator's own.
+tarn::simulator::RecordLayout layoutNamed(const char* name);
 
 // Between one of the library's records, or an array, and what the simulator's layouts say of it.
 template <typename Raw>
@@ -165,7 +174,7 @@ Record recordOf(const char* layoutName, const Raw& raw)
 {
     std::vector<std::uint8_t> bytes(sizeof raw);
     std::memcpy(bytes.data(), &raw, sizeof raw);
-    return Record(tarn::simulator::layout(layoutName), bytes);
+    return Record(layoutNamed(layoutName), bytes);
 }
 
 template <typename Raw>
