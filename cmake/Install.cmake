@@ -25,7 +25,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tarnConfig.cmake ${CMAKE_CURRENT_BINAR
 
 if(TARN_BUILD_KIT)
     install(FILES kit/host/kor_iil_service.h kit/mock/kor_iil_mock.h kit/mock/kor_iil_mock.hpp
-        kit/simulator/tarn_gateway_control.h
+        kit/simulator/tarn_gateway_control.h ${PROJECT_BINARY_DIR}/include/tarn_gateway_records.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT kit)
     install(TARGETS koriil koriil_static tarn_mock EXPORT tarnKitTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit

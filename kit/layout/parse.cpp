@@ -514,8 +514,9 @@ ValueSets readValueSets(const JsonValue& object)
                {
                    if (!isIdentifier(name))
                        value.fail("the name " + name, "a name of letters, digits and underscores");
-                   constexpr std::int64_t kLeast = std::numeric_limits<std::int32_t>::min();
-                   sets[name] = readValueSet(name, value, kLeast, std::numeric_limits<std::uint32_t>::max());
+                   // Those of an int, which they are in a header for C.
+                   using Int = std::numeric_limits<std::int32_t>;
+                   sets[name] = readValueSet(name, value, Int::min(), Int::max());
                });
     return sets;
 }

@@ -2,10 +2,13 @@
 
 #include "base/join.h"
 #include "base/suggestions.h"
+#include "field_arguments.h"
 #include "usage_error.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
+#include <map>
 #include <set>
 
 namespace tarn::ctl
@@ -31,10 +34,10 @@ void checkNames(const LibraryFunction& function, const std::vector<Assignment>& 
     std::set<std::string> given;
     for (const Assignment& assignment : assignments)
     {
-        if (function.parameter(assignment.name) == nullptr)
-            throw UsageError(function.name + " has no argument " + inQuotes(assignment.name) + "; " +
+        if (function.parameter(argumentOf(assignment.name)) == nullptr)
+            throw UsageError(function.name + " has no argument " + inQuotes(argumentOf(assignment.name)) + "; " +
                                  (names.empty() ? "it has none" : "it has " + base::join(names)),
-                             base::suggestions(assignment.name, names));
+                             base::suggestions(argumentOf(assignment.name), names));
         if (!given.insert(assignment.name).second)
             throw UsageError(assignment.name + ": given twice; expected once");
     }
@@ -58,9 +61,13 @@ void setNull(PreparedArgument& argument)
     argument.isNull = true;
 }
 
-void setNumber(PreparedArgument& argument, const std::string& text)
+// Names of values begin as names do; all else is a number, or is refused as one.
+void setNumber(const LibraryFunction& function, PreparedArgument& argument, const std::string& text)
 {
     const FunctionParameter& parameter = *argument.parameter;
+    const bool mayBeName = !text.empty() && std::isalpha(static_cast<unsigned char>(text.front())) != 0;
+    if (mayBeName && setNumberByName(function, argument, text))
+        return;
     argument.number = parseNumber(parameter.name, text, parameter.width);
     if (parameter.saysSize && argument.number > kLargestBufferSize)
         throw UsageError(parameter.name + ": expected a size of at most " + std::to_string(kLargestBufferSize) +
@@ -85,7 +92,8 @@ void setText(PreparedArgument& argument, const std::string& text, std::vector<st
     argument.length = text.size();
 }
 
-void setInput(PreparedArgument& argument, const Assignment& given, std::vector<std::string>& notes)
+void setInput(const LibraryFunction& function, PreparedArgument& argument, const Assignment& given,
+              std::vector<std::string>& notes)
 {
     const FunctionParameter& parameter = *argument.parameter;
     if (given.isLiteral && parameter.form != Form::kText)
@@ -96,7 +104,7 @@ void setInput(PreparedArgument& argument, const Assignment& given, std::vector<s
     switch (parameter.form)
     {
     case Form::kNumber:
-        return setNumber(argument, given.value);
+        return setNumber(function, argument, given.value);
     case Form::kText:
         return setText(argument, given.value, notes);
     case Form::kBytes:
@@ -131,6 +139,48 @@ void makeRoom(PreparedArgument& argument, const std::vector<PreparedArgument>& a
         if (!parameter.sizeArgument.empty() && other.parameter->name == parameter.sizeArgument)
             argument.length = other.number;
     argument.buffer.resize(std::max<std::size_t>(argument.length, 1)); // never a null pointer
+}
+
+// Over the bytes that are given as a whole, or over zeros.
+void setFieldsOver(const LibraryFunction& function, PreparedArgument& argument, const std::vector<Assignment>& fields,
+                   const Assignment* whole, std::vector<std::string>& notes)
+{
+    const FunctionParameter& parameter = *argument.parameter;
+    if (whole != nullptr && asksForNull(*whole))
+        throw UsageError(fields.front().name + ": expected no fields, as " + parameter.name + " is null");
+    if (whole != nullptr)
+        setInput(function, argument, *whole, notes);
+    argument.buffer.resize(parameter.size);
+    argument.length = parameter.size;
+    setFields(function, argument, fields);
+    if (whole == nullptr && !isSelected(function, parameter))
+        notes.push_back(parameter.name + " is taken as a whole; fields that are not given are sent as zero");
+}
+
+PreparedArgument preparedArgument(const LibraryFunction& function, const FunctionParameter& parameter,
+                                  const std::vector<Assignment>& assignments,
+                                  const std::map<std::string, std::uint32_t>& selected, std::vector<std::string>& notes)
+{
+    PreparedArgument argument;
+    argument.parameter = &parameter;
+    const auto isIt = [&](const Assignment& assignment) { return assignment.name == parameter.name; };
+    const auto given = std::find_if(assignments.begin(), assignments.end(), isIt);
+    const Assignment* const whole = given == assignments.end() ? nullptr : &*given;
+    const auto selection = selected.find(parameter.name);
+    if (const std::vector<Assignment> fields = fieldsGiven(parameter, assignments); !fields.empty())
+        setFieldsOver(function, argument, fields, whole, notes);
+    else if (whole == nullptr && selection != selected.end())
+        argument.number = selection->second;
+    else if (whole == nullptr)
+        leaveOut(argument);
+    else if (parameter.isInput)
+        setInput(function, argument, *whole, notes);
+    else if (asksForNull(*whole))
+        setNull(argument);
+    else
+        throw UsageError(parameter.name + " is an output; expected that it is left out, or null; got " +
+                         inQuotes(whole->value));
+    return argument;
 }
 
 } // namespace
@@ -175,23 +225,9 @@ PreparedArguments prepare(const LibraryFunction& function, const std::vector<Ass
     checkNames(function, assignments);
 
     PreparedArguments arguments;
+    const std::map<std::string, std::uint32_t> selected = selections(function, assignments);
     for (const FunctionParameter& parameter : function.parameters)
-    {
-        PreparedArgument argument;
-        argument.parameter = &parameter;
-        const auto given = std::find_if(assignments.begin(), assignments.end(),
-                                        [&](const Assignment& assignment) { return assignment.name == parameter.name; });
-        if (given == assignments.end())
-            leaveOut(argument);
-        else if (parameter.isInput)
-            setInput(argument, *given, arguments.notes);
-        else if (asksForNull(*given))
-            setNull(argument);
-        else
-            throw UsageError(parameter.name + " is an output; expected that it is left out, or null; got " +
-                             inQuotes(given->value));
-        arguments.all.push_back(std::move(argument));
-    }
+        arguments.all.push_back(preparedArgument(function, parameter, assignments, selected, arguments.notes));
     for (PreparedArgument& argument : arguments.all)
         if (argument.parameter->isOutput && !argument.parameter->isInput && !argument.isNull)
             makeRoom(argument, arguments.all);

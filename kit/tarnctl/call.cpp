@@ -1,5 +1,6 @@
 #include "call.h"
 
+#include "fields.h"
 #include "kor_iil_service.h"
 #include "tarn_frame.h"
 
@@ -51,6 +52,16 @@ std::string ipcFailure(const Report& report, const std::string& what)
            std::to_string(report.result.number) + ")";
 }
 
+// " (BUSY: a scan is running, by the layout attic 3)", where there is a layout that knows the status.
+std::string statusMeaning(const Report& report)
+{
+    const layout::Status* const status = statusOf(*report.function, report.result.number);
+    if (status == nullptr)
+        return "";
+    const layout::Layout& layout = layoutInUse()->layout;
+    return " (" + status->name + ": " + status->text + ", by the layout " + layout.name + " " + layout.version + ")";
+}
+
 std::string rejection(const Report& report)
 {
     std::string text = "it did not say which";
@@ -98,6 +109,7 @@ CallFailure::CallFailure(Report failed) : std::runtime_error(failureText(failed)
 
 Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Passage passage)
 {
+    checkNamedLayout();
     Report report;
     report.function = &function;
     report.callerId = callerId;
@@ -205,7 +217,7 @@ std::string failureText(const Report& report)
         return ipcFailure(report, "the IPC call to service " + service + " failed");
     case CallOutcome::kServiceStatus:
         return "service " + service + " answered " + report.function->name + " with status " +
-               std::to_string(report.result.number);
+               std::to_string(report.result.number) + statusMeaning(report);
     case CallOutcome::kNo:
         return report.function->name + ": " + report.result.meaning + " (result " + std::to_string(report.result.number) + ")";
     }

@@ -3,6 +3,7 @@
 #include "base/join.h"
 #include "base/suggestions.h"
 #include "call_output.h"
+#include "layout_in_use.h"
 #include "usage_error.h"
 #include "values.h"
 #include "verbs/verbs.h"
@@ -29,7 +30,8 @@ constexpr char kHelp[] = R"(Exit codes:
 
 Environment:
   KORIIL_DIR    directory of the services' sockets; --directory sets it
-  KORIIL_TRACE  highest level of the trace lines on standard error, or off)";
+  KORIIL_TRACE  highest level of the trace lines on standard error, or off
+  TARN_LAYOUT   layout file, as for --layout; empty for none)";
 
 void addVerbs(Verbs& verbs)
 {
@@ -42,6 +44,7 @@ void addVerbs(Verbs& verbs)
     addFirmware(verbs);
     addMirror(verbs);
     addTelnet(verbs);
+    addLayout(verbs);
     addPublish(verbs);
     addIpc(verbs);
     addCompletion(verbs);
@@ -87,13 +90,21 @@ std::vector<std::string> reversed(const std::vector<std::string>& arguments)
     return words;
 }
 
-ExitCode parseAndAct(CLI::App& parser, const Verbs& verbs, Console& console, const std::string& directory,
+// The options that every verb has.
+struct CommonOptions
+{
+    std::string directory;
+    std::optional<std::string> layout;
+};
+
+ExitCode parseAndAct(CLI::App& parser, const Verbs& verbs, Console& console, const CommonOptions& options,
                      const std::vector<std::string>& arguments)
 try
 {
     parser.parse(reversed(arguments));
-    if (!directory.empty())
-        setenv("KORIIL_DIR", directory.c_str(), 1);
+    if (!options.directory.empty())
+        setenv("KORIIL_DIR", options.directory.c_str(), 1);
+    chooseLayout(options.layout, [&console](const std::string& text) { console.remark(text); });
     const ExitCode exit = verbs.carryOut();
     if (console.out.flush())
         return exit;
@@ -129,17 +140,20 @@ catch (const std::exception& error)
 int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err)
 {
     Console console(out, err);
-    std::string directory;
+    CommonOptions options;
     CLI::App parser("Calls every function of the Wi-Fi client library by its name, and watches events.", "tarnctl");
     parser.fallthrough(); // these options are also allowed after a verb
+    addText(parser, "--layout", options.layout,
+            "Layout file that says what is inside records; else TARN_LAYOUT, the simulated gateway's, /etc/tarn/layout.json")
+        ->type_name("FILE");
     parser.add_flag("--json", console.json, "Write JSON documents (schema tarnctl/1)");
-    parser.add_option("--directory", directory, "Directory of the services' sockets, instead of KORIIL_DIR");
+    parser.add_option("--directory", options.directory, "Directory of the services' sockets, instead of KORIIL_DIR");
     parser.set_version_flag("--version", "tarnctl " TARNCTL_VERSION);
     parser.require_subcommand(1);
     parser.footer(kHelp);
     Verbs verbs(parser, console);
     addVerbs(verbs);
-    return static_cast<int>(parseAndAct(parser, verbs, console, directory, arguments));
+    return static_cast<int>(parseAndAct(parser, verbs, console, options, arguments));
 }
 
 } // namespace tarn::ctl

@@ -287,7 +287,7 @@ TEST_F(ArgumentsTest, CommandsAndOptions)
 {
     const std::string unknown =
         "there is no command \"lst\"; expected one of list, describe, call, events, log-level, radios, firmware, "
-        "mirror, telnet, publish, ipc, completion";
+        "mirror, telnet, layout, publish, ipc, completion";
     expectUsageError({"lst"}, unknown, "list");
     expectUsageError({"--directory", "call", "lst", "--more"}, unknown, "list");
     expectUsageError({"--directory=call", "lst"}, unknown, "list");
@@ -324,7 +324,7 @@ TEST_F(ArgumentsTest, OptionsThatDoNotExistAreNamed)
 TEST_F(ArgumentsTest, CommandsThatDoNotExistAreNamed)
 {
     const std::string expected = "; expected one of list, describe, call, events, log-level, radios, firmware, mirror, telnet, "
-                                 "publish, ipc, completion";
+                                 "layout, publish, ipc, completion";
     expectUsageError({"evnts"}, "there is no command \"evnts\"" + expected, "events");
     expectUsageError({"raidos"}, "there is no command \"raidos\"" + expected, "radios");
     expectUsageError({"lst", "list"}, "there is no command \"lst\"" + expected, "list");

@@ -51,8 +51,8 @@ TEST_F(CompletionTest, TheScriptIsSound)
 
 TEST_F(CompletionTest, Commands)
 {
-    EXPECT_EQ(offered("tarnctl l"), (Offers{"list", "log-level"}));
-    EXPECT_EQ(offered("tarnctl ''").size(), 12u);
+    EXPECT_EQ(offered("tarnctl l"), (Offers{"layout", "list", "log-level"}));
+    EXPECT_EQ(offered("tarnctl ''").size(), 13u);
     EXPECT_EQ(offered("tarnctl --json tel"), Offers{"telnet"});
     EXPECT_EQ(offered("tarnctl --directory call ra"), Offers{"radios"}) << "the word behind --directory is its value";
 }

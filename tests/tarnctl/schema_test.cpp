@@ -55,9 +55,9 @@ TEST(SchemaTest, SeesWhatIsWrong)
 
 TEST(SchemaTest, SeesWhatIsWrongDeepInside)
 {
-    const Json event = {{"schema", "tarnctl/1"}, {"kind", "event"}, {"time", "2026-01-02T03:04:05.678Z"},
-                        {"service", "TARN"},     {"event", 1},      {"name", "EVT_RADIO_STATUS_CHANGED"},
-                        {"data", "00ff"}};
+    const Json event = {{"schema", "tarnctl/1"}, {"kind", "event"},  {"time", "2026-01-02T03:04:05.678Z"},
+                        {"service", "TARN"},     {"event", 1},       {"name", "EVT_RADIO_STATUS_CHANGED"},
+                        {"data", "00ff"},        {"layout", nullptr}};
     EXPECT_TRUE(isAllowed(event));
     for (const char* wrong : {"0", "0g", "FF"})
     {

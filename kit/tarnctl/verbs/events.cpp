@@ -3,6 +3,7 @@
 #include "base/timestamp.h"
 #include "tarn_frame.h"
 #include "tarnctl/event_names.h"
+#include "tarnctl/fields.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
@@ -168,22 +169,40 @@ std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
     return chosen;
 }
 
+// " radioId=1 channel=44", where there is a layout that tells.
+std::string fieldsText(const contract::Event& event, const Bytes& data)
+{
+    const layout::Structure* const structure = structureOf(event);
+    if (structure == nullptr)
+        return "";
+    std::string text;
+    for (const layout::FieldLine& line : layout::linesOf(layout::decode(*structure, data)))
+        text += " " + line.name + "=" + line.value + (line.unit.empty() ? "" : " " + line.unit);
+    return text;
+}
+
 void write(const Console& console, const ReceivedEvent& event)
 {
-    const std::string name = eventNamed(std::to_string(event.number)).name;
+    const contract::Event& known = eventNamed(std::to_string(event.number));
+    const std::string& name = known.name;
     if (!console.json)
     {
         console.out << event.time << ' ' << event.service << ' ' << event.number << ' ' << name << ' ' << event.data.size()
-                    << " bytes" << (event.data.empty() ? "" : " ") << hexText(event.data) << '\n'
+                    << " bytes" << (event.data.empty() ? "" : " ") << hexText(event.data) << fieldsText(known, event.data)
+                    << '\n'
                     << std::flush;
         return;
     }
+    const layout::Structure* const structure = structureOf(known);
     Json document = Console::document("event");
     document["time"] = event.time;
     document["service"] = event.service;
     document["event"] = event.number;
     document["name"] = name;
     document["data"] = hexText(event.data);
+    if (structure != nullptr)
+        document["fields"] = fieldsDocument(layout::decode(*structure, event.data));
+    document["layout"] = layoutDocument(structure == nullptr ? nullptr : layoutInUse());
     console.write(document);
 }
 
@@ -227,6 +246,7 @@ ExitCode events(const Console& settings, const EventsOptions& options)
     Console console = settings;
     console.oneLine = true;
 
+    checkNamedLayout();
     const std::vector<contract::Event> chosen = chosenEvents(options.events);
     Inbox inbox;
     const StopSignals stop(inbox.wakeup);
@@ -237,7 +257,9 @@ ExitCode events(const Console& settings, const EventsOptions& options)
         if (report.outcome != CallOutcome::kDone)
             return console.fail(exitCodeOf(report.outcome), failureText(report));
     }
-    console.remark("watching " + base::join(chosen, ", ", [](const contract::Event& event) { return event.name; }));
+    const LayoutInUse* const inUse = layoutInUse();
+    console.remark("watching " + base::join(chosen, ", ", [](const contract::Event& event) { return event.name; }) +
+                   (inUse == nullptr ? "" : "; layout: " + inUse->layout.title()));
 
     const std::uint32_t written = writeEvents(console, options, inbox, stop, deadlineAfter(options.seconds));
     if (const std::optional<Report> lost = subscriptions.cancelAll())

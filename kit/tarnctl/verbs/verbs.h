@@ -114,6 +114,7 @@ void addRadios(Verbs& verbs);
 void addFirmware(Verbs& verbs);
 void addMirror(Verbs& verbs);
 void addTelnet(Verbs& verbs);
+void addLayout(Verbs& verbs);
 void addPublish(Verbs& verbs);
 void addIpc(Verbs& verbs);
 void addCompletion(Verbs& verbs);

@@ -1,0 +1,129 @@
+#include "layout_in_use.h"
+
+#include "base/json_reader.h"
+#include "call.h"
+#include "kor_iil.h"
+#include "kor_iil_service.h"
+#include "tarn_gateway_control.h"
+#include "usage_error.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include <unistd.h>
+
+// Only libkoriil has it: where the platform is another, there is no simulated gateway to ask.
+#pragma weak KorIilRuntimeDirectory
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+constexpr char kUsualFile[] = "/etc/tarn/layout.json";
+constexpr std::uint32_t kWait = 3; // seconds
+
+struct Choice
+{
+    std::optional<std::string> file; // named by option or environment
+    std::function<void(const std::string&)> remark;
+    bool isLoaded = false;
+    std::optional<LayoutInUse> layout;
+};
+
+Choice& choice()
+{
+    static Choice kChoice;
+    return kChoice;
+}
+
+LayoutInUse fromFile(const std::string& path)
+{
+    LayoutInUse result;
+    result.text = base::readText(path, "a layout file");
+    result.source = path;
+    result.layout = layout::parse(result.text, path);
+    return result;
+}
+
+// The whole text, or nothing if there is no simulated gateway.
+std::optional<std::string> handedOut()
+{
+    if (KorIilRuntimeDirectory == nullptr)
+        return std::nullopt;
+    const auto message = std::make_unique<TarnGatewayReadLayout>();
+    std::string text;
+    do
+    {
+        *message = {};
+        message->offset = static_cast<std::uint32_t>(text.size());
+        const std::uint32_t status =
+            KorIilExecute(kOwnCallerId, TARN_GATEWAY_SERVICE, kWait, TARN_GATEWAY_READ_LAYOUT, sizeof *message, message.get());
+        if (status != KOR_IIL_OK || message->status != TARN_GATEWAY_OK || message->length == 0)
+            return std::nullopt;
+        text.append(message->text, std::min<std::size_t>(message->length, sizeof message->text));
+    } while (text.size() < message->total);
+    return text;
+}
+
+std::optional<LayoutInUse> withoutName()
+{
+    if (std::optional<std::string> text = handedOut())
+    {
+        LayoutInUse result;
+        result.source = "the simulated gateway";
+        result.layout = layout::parse(*text, result.source);
+        result.text = std::move(*text);
+        return result;
+    }
+    if (access(kUsualFile, F_OK) != 0)
+        return std::nullopt;
+    return fromFile(kUsualFile);
+}
+
+void load(Choice& choice)
+{
+    choice.isLoaded = true;
+    if (choice.file && choice.file->empty())
+        return;
+    try
+    {
+        choice.layout = choice.file ? fromFile(*choice.file) : withoutName();
+    }
+    catch (const base::JsonError& error)
+    {
+        if (choice.file)
+            throw UsageError(error.what());
+        choice.remark(std::string(error.what()) + "; shown without a layout");
+    }
+}
+
+} // namespace
+
+void chooseLayout(std::optional<std::string> file, std::function<void(const std::string&)> remark)
+{
+    choice() = {};
+    choice().remark = std::move(remark);
+    const char* const environment = std::getenv("TARN_LAYOUT");
+    if (file)
+        choice().file = std::move(file);
+    else if (environment != nullptr)
+        choice().file = environment;
+}
+
+void checkNamedLayout()
+{
+    if (choice().file)
+        layoutInUse();
+}
+
+const LayoutInUse* layoutInUse()
+{
+    if (!choice().isLoaded)
+        load(choice());
+    return choice().layout ? &*choice().layout : nullptr;
+}
+
+} // namespace tarn::ctl
