@@ -18,8 +18,8 @@ std::vector<Assignment> fieldsGiven(const FunctionParameter& parameter, const st
 
 // All of these throw UsageError if there is no layout.
 
-// Sets the fields in the argument's bytes, which are there in full. Throws UsageError if the layout has no such field, or if the
-// value does not fit.
+// Sets the fields in the argument's bytes, which are there in full. Throws UsageError if the layout has no such field, or if
+// the value does not fit.
 void setFields(const LibraryFunction& function, PreparedArgument& argument, const std::vector<Assignment>& fields);
 
 // The arguments that select the given fields, as far as the layout says so, each with the bits of these fields.

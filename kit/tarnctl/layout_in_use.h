@@ -1,7 +1,7 @@
 // The layout by which records, words and statuses are shown and taken by name.
 //
-// It is, whichever there is first: the file of --layout, that of TARN_LAYOUT, the one that a running simulated gateway hands out,
-// /etc/tarn/layout.json. It is loaded when something is to be decoded, not before.
+// It is, whichever there is first: the file of --layout, that of TARN_LAYOUT, the one that a running simulated gateway hands
+// out, /etc/tarn/layout.json. It is loaded when something is to be decoded, not before.
 #pragma once
 
 #include "layout/layout.h"
@@ -24,8 +24,8 @@ struct LayoutInUse
 // the command line or in the environment is a remark.
 void chooseLayout(std::optional<std::string> file, std::function<void(const std::string&)> remark);
 
-// Loads the layout now if it was named by --layout or TARN_LAYOUT, so that nothing is sent before a fault in it is known. Throws
-// UsageError.
+// Loads the layout now if it was named by --layout or TARN_LAYOUT, so that nothing is sent before a fault in it is known.
+// Throws UsageError.
 void checkNamedLayout();
 
 // Null if there is none. Throws UsageError for a named one that cannot be used.

@@ -1,4 +1,5 @@
-// Records, words and statuses by name: against a simulated gateway with its own layout, with a second gateway's, and without one.
+// Records, words and statuses by name: against a simulated gateway with its own layout, with a second gateway's, and without
+// one.
 #include "support.h"
 #include "support/second_gateway.h"
 
@@ -144,8 +145,9 @@ TEST_F(FieldsTest, NeedALayout)
 TEST_F(FieldsTest, AreReadByTheFileThatIsNamed)
 {
     start();
-    std::ofstream(path("shed.json")) << R"({ "layout": 1, "name": "shed", "version": "7", "owner": "nobody", "records": {
-        "TarnRadioData": { "size": 9552, "fields": [ { "name": "firstByte", "offset": 0, "size": 1, "type": "number" } ] } } })";
+    std::ofstream(path("shed.json")) << R"({ "layout": 1, "name": "shed", "version": "7", "owner": "nobody",
+        "records": { "TarnRadioData": { "size": 9552, "fields": [
+          { "name": "firstByte", "offset": 0, "size": 1, "type": "number" } ] } } })";
     const Ran named = run({"--layout", path("shed.json"), "call", "TarnGetRadio", "radioId=1"});
     EXPECT_THAT(named.out, HasSubstr("firstByte"));
     EXPECT_THAT(named.out, HasSubstr("and bytes that the layout does not name:\n"));
