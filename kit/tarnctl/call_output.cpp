@@ -108,9 +108,7 @@ void writeOutput(const Console& console, const LibraryFunction& function, const 
         console.out << "left out\n";
     else if (!isWritten(output))
         console.out << "never written by the library\n";
-    else if (hasFields(function, output))
-        writeBytes(console, function, output);
-    else if (output.parameter->form == Form::kNumber)
+    else if (output.parameter->form == Form::kNumber && !hasFields(function, output))
         writeNumbers(console, function, output);
     else if (output.parameter->form == Form::kText)
         console.out << (output.length == 0 ? "untouched, its size is 0" : inQuotes(textOf(output.content()))) << '\n';

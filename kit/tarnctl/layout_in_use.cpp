@@ -121,9 +121,10 @@ void checkNamedLayout()
 
 const LayoutInUse* layoutInUse()
 {
-    if (!choice().isLoaded)
-        load(choice());
-    return choice().layout ? &*choice().layout : nullptr;
+    Choice& chosen = choice();
+    if (!chosen.isLoaded)
+        load(chosen);
+    return chosen.layout ? &*chosen.layout : nullptr;
 }
 
 } // namespace tarn::ctl
