@@ -62,7 +62,8 @@ const layout::Structure* structureOf(const contract::Event& event)
 
 const layout::Meaning* meaningOf(const LibraryFunction& function, const FunctionParameter& parameter)
 {
-    const LayoutInUse* const inUse = parameter.wire == nullptr ? nullptr : layoutInUse();
+    const bool isNumber = parameter.wire != nullptr && parameter.form == Form::kNumber;
+    const LayoutInUse* const inUse = isNumber ? layoutInUse() : nullptr;
     return inUse == nullptr ? nullptr : inUse->layout.meaningOf(function.name, parameter.name);
 }
 

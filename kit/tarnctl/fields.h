@@ -16,7 +16,7 @@ namespace tarn::ctl
 // Null if there is no layout, or if it does not tell.
 const layout::Structure* structureOf(const LibraryFunction& function, const FunctionParameter& parameter);
 const layout::Structure* structureOf(const contract::Event& event);
-const layout::Meaning* meaningOf(const LibraryFunction& function, const FunctionParameter& parameter);
+const layout::Meaning* meaningOf(const LibraryFunction& function, const FunctionParameter& parameter); // of a number
 const layout::Status* statusOf(const LibraryFunction& function, std::int64_t result);
 
 // The fields of an output; none if the layout does not tell. They are of the layout in use.
