@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <unistd.h>
+
 #include <gmock/gmock.h>
 
 namespace simulator_test
@@ -102,7 +104,7 @@ protected:
     // SetUp, of a gateway with that layout.
     void start(const std::string& text)
     {
-        path_ = ::testing::TempDir() + "simulator-layout.json";
+        path_ = ::testing::TempDir() + "simulator-layout-" + std::to_string(::getpid()) + ".json";
         std::ofstream(path_) << text;
         layout_ = std::make_unique<tarn::simulator::GatewayLayout>(path_);
         useLayout(path_);
