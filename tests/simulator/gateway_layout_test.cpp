@@ -5,6 +5,7 @@
 #include "simulator/scenario.h"
 #include "support/second_gateway.h"
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -195,7 +196,10 @@ TEST_F(GatewayLayoutTest, EventsAreTheSecondGatewaysToo)
     const Record data(layout().record("EVT_AP_ASSOCIATED_CHANGED"), event.data);
     EXPECT_EQ(data.address("macAddress"), kFirstStation);
     EXPECT_EQ(data.number("apId"), 1u);
-    EXPECT_EQ(event.data[0], 40u + 0u); // "gone", first
+    std::uint32_t first = 0;
+    ASSERT_GE(event.data.size(), sizeof first);
+    std::memcpy(&first, event.data.data(), sizeof first);
+    EXPECT_EQ(first, 40u + 0u); // "gone"
 }
 
 TEST_F(GatewayLayoutTest, WhatTheModelDoesNotKnowStaysZeroAndWhatTheLayoutLacksIsLeftOut)
