@@ -212,7 +212,7 @@ std::uint32_t readSize(JsonObject& object, FieldType type)
 void readContent(JsonObject& object, Field& field, const ValueSets& sets)
 {
     field.size = readSize(object, field.type);
-    const Range range = rangeOf(field.type == FieldType::kSigned, field.size);
+    const Range range = field.isNumber() ? rangeOf(field.type == FieldType::kSigned, field.size) : Range();
     field.meaning = readMeaning(object, sets, field.isNumber() ? &range : nullptr, field.type == FieldType::kText);
 }
 
