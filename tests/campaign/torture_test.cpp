@@ -455,6 +455,7 @@ TEST(TortureListTest, EveryCallOfTheLibraryThatCanFailIsInTheList)
         "sigpending",
         "sigtimedwait",
         "snprintf",
+        "strcat",
         "strcmp",
         "strerror",
         "strftime",
