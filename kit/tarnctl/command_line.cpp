@@ -8,9 +8,12 @@
 #include "values.h"
 #include "verbs/verbs.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <functional>
 
 namespace tarn::ctl
 {
@@ -31,23 +34,34 @@ constexpr char kHelp[] = R"(Exit codes:
 Environment:
   KORIIL_DIR    directory of the services' sockets; --directory sets it
   KORIIL_TRACE  highest level of the trace lines on standard error, or off
+  NO_COLOR      no colours, if it is not empty
   TARN_LAYOUT   layout file, as for --layout; empty for none)";
 
 void addVerbs(Verbs& verbs)
 {
-    addList(verbs);
-    addDescribe(verbs);
-    addCall(verbs);
-    addEvents(verbs);
-    addLogLevel(verbs);
+    verbs.group("The gateway");
     addRadios(verbs);
     addFirmware(verbs);
     addMirror(verbs);
     addTelnet(verbs);
+    addLogLevel(verbs);
+    verbs.group("Every function");
+    addList(verbs);
+    addDescribe(verbs);
+    addCall(verbs);
+    addEvents(verbs);
     addLayout(verbs);
+    verbs.group("This program");
     addPublish(verbs);
     addIpc(verbs);
     addCompletion(verbs);
+    addHelp(verbs);
+}
+
+void addChoice(CLI::App& parser, const char* name, const std::vector<std::string>& words, const char* description,
+               const std::function<void(const std::string&)>& choose)
+{
+    parser.add_option_function<std::string>(name, choose, description)->check(CLI::IsMember(words))->type_name("WHICH");
 }
 
 // Names the first unknown option or verb: the parser reports only the last consequence of one, for instance that a verb is
@@ -137,16 +151,26 @@ catch (const std::exception& error)
 
 } // namespace
 
-int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err)
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err, const Terminal& terminal)
 {
     Console console(out, err);
+    console.terminal = terminal;
+    console.colours = terminal.showsResults && terminal.obeysColours;
     CommonOptions options;
     CLI::App parser("Calls every function of the Wi-Fi client library by its name, and watches events.", "tarnctl");
     parser.fallthrough(); // these options are also allowed after a verb
     addText(parser, "--layout", options.layout,
             "Layout file that says what is inside records; else TARN_LAYOUT, the simulated gateway's, /etc/tarn/layout.json")
         ->type_name("FILE");
-    parser.add_flag("--json", console.json, "Write JSON documents (schema tarnctl/1)");
+    parser.add_flag("--json", console.json, "Write JSON documents (schema tarnctl/1), as --format json does");
+    addChoice(parser, "--format", {"table", "csv", "json"}, "How results are written",
+              [&console](const std::string& format)
+              {
+                  console.json = format == "json";
+                  console.csv = format == "csv";
+              });
+    addChoice(parser, "--color", {"auto", "always", "never"}, "Whether tables are coloured; auto: on a terminal, unless NO_COLOR is set",
+              [&console](const std::string& when) { console.colours = when == "always" || (when == "auto" && console.colours); });
     parser.add_option("--directory", options.directory, "Directory of the services' sockets, instead of KORIIL_DIR");
     parser.set_version_flag("--version", "tarnctl " TARNCTL_VERSION);
     parser.require_subcommand(1);

@@ -1,6 +1,8 @@
 // All of tarnctl but its main function.
 #pragma once
 
+#include "terminal.h"
+
 #include <ostream>
 #include <string>
 #include <vector>
@@ -9,6 +11,6 @@ namespace tarn::ctl
 {
 
 // Carries out one command line, without the program's name, and returns the exit code.
-int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err, const Terminal& terminal = {});
 
 } // namespace tarn::ctl

@@ -56,28 +56,4 @@ ExitCode Console::fail(const UsageError& error) const
     return fail(ExitCode::kUsage, error.what(), error.suggestions);
 }
 
-void Table::add(std::vector<std::string> cells)
-{
-    rows_.push_back(std::move(cells));
-}
-
-void Table::write(std::ostream& out) const
-{
-    std::vector<std::size_t> widths;
-    for (const std::vector<std::string>& row : rows_)
-    {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], row[i].size());
-    }
-    for (const std::vector<std::string>& row : rows_)
-    {
-        std::string line = margin_;
-        for (std::size_t i = 0; i < row.size(); ++i)
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
-        line.erase(line.find_last_not_of(' ') + 1);
-        out << line << '\n';
-    }
-}
-
 } // namespace tarn::ctl

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "exit_code.h"
+#include "table.h"
+#include "terminal.h"
 #include "usage_error.h"
 
 #include <nlohmann/json.hpp>
@@ -30,6 +32,10 @@ public:
     std::ostream& err;
     bool json = false;    // results are JSON documents
     bool oneLine = false; // each of them on one line
+    bool csv = false;     // results are rows of comma-separated values
+    bool colours = false; // results may be coloured
+    bool repeats = false; // the results have been written before, and are written again
+    Terminal terminal;
 
     // A JSON document of that kind, still to be filled.
     static Json document(const char* kind);
@@ -42,22 +48,6 @@ public:
     // Ends in failure: a remark, and with JSON a document of kind "error".
     ExitCode fail(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions = {}) const;
     ExitCode fail(const UsageError& error) const;
-};
-
-// Rows of cells, each column as wide as its widest cell.
-class Table
-{
-public:
-    explicit Table(std::string leftMargin = "") : margin_(std::move(leftMargin))
-    {
-    }
-
-    void add(std::vector<std::string> cells);
-    void write(std::ostream& out) const;
-
-private:
-    std::string margin_;
-    std::vector<std::vector<std::string>> rows_;
 };
 
 } // namespace tarn::ctl

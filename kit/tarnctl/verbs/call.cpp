@@ -5,6 +5,8 @@
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
 
+#include <CLI/CLI.hpp>
+
 namespace tarn::ctl
 {
 

@@ -5,6 +5,8 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
+#include <CLI/CLI.hpp>
+
 #include <set>
 #include <sstream>
 #include <vector>

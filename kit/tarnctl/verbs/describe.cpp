@@ -16,9 +16,9 @@ struct DescribeOptions
     std::string name;
 };
 
-void declare(CLI::App& verb, DescribeOptions& options)
+void declare(Syntax& syntax, DescribeOptions& options)
 {
-    verb.add_option("NAME", options.name, "The function's name")->required();
+    syntax.text("NAME", options.name, "The function's name");
 }
 
 std::string typeOf(const FunctionParameter& parameter)

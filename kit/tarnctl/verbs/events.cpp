@@ -9,6 +9,8 @@
 #include "tarnctl/verbs/verbs.h"
 #include "tarnctl/wakeup.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <deque>

@@ -8,6 +8,8 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 
 namespace tarn::ctl

@@ -12,9 +12,9 @@ struct LogLevelOptions
     std::optional<std::string> level; // to set
 };
 
-void declare(CLI::App& verb, LogLevelOptions& options)
+void declare(Syntax& syntax, LogLevelOptions& options)
 {
-    addText(verb, "LEVEL", options.level, "The level to set");
+    syntax.text("LEVEL", options.level, "The level to set");
 }
 
 ExitCode logLevel(const Console& console, const LogLevelOptions& options)

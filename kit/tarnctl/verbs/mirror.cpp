@@ -12,9 +12,9 @@ struct MirrorOptions
     std::optional<std::string> state; // to switch to
 };
 
-void declare(CLI::App& verb, MirrorOptions& options)
+void declare(Syntax& syntax, MirrorOptions& options)
 {
-    addText(verb, "STATE", options.state, "on or off");
+    syntax.text("STATE", options.state, "on or off");
 }
 
 ExitCode mirror(const Console& console, const MirrorOptions& options)

@@ -7,6 +7,8 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 
 namespace tarn::ctl

@@ -1,5 +1,5 @@
 // `tarnctl radios`: the gateway's radios, one a line.
-#include "tarnctl/values.h"
+#include "tarnctl/listing.h"
 #include "tarnctl/verbs/verbs.h"
 
 #include <array>
@@ -10,102 +10,72 @@ namespace tarn::ctl
 namespace
 {
 
-// A gateway has a handful; a larger number is a fault of the service, and not to be asked about one by one.
-constexpr std::int64_t kMostRadios = 64;
-
-struct RadioQuery
+struct RadiosOptions
 {
-    const char* key;
-    const char* title;
+    std::vector<std::string> targets;
+    WatchOptions watch;
+};
+
+void declare(Syntax& syntax, RadiosOptions& options)
+{
+    declareTargets(syntax, options.targets);
+    declareWatch(syntax, options.watch);
+    syntax.footer("Without a layout, what the radios' records tell is left out.");
+}
+
+// What is asked one by one, and needs no layout.
+struct Query
+{
     const char* function;
     const char* output;
 };
 
-constexpr std::array<RadioQuery, 5> kRadioQueries = {{
-    {"ready", "ready", "TarnGetRadioIsReady", "isReady"},
-    {"chains", "chains", "TarnGetRadioChainNumber", "number"},
-    {"power_level", "power level", "TarnGetRadioCurrentTransmitPowerLevel", "power"},
-    {"temperature", "temperature", "TarnGetRadioChipTemperature", "temperature"},
-    {"driver", "driver", "TarnGetRadioDriverVersion", "version"},
+constexpr std::array<Query, 5> kQueries = {{
+    {"TarnGetRadioIsReady", "isReady"},
+    {"TarnGetRadioChainNumber", "number"},
+    {"TarnGetRadioCurrentTransmitPowerLevel", "power"},
+    {"TarnGetRadioChipTemperature", "temperature"},
+    {"TarnGetRadioDriverVersion", "version"},
 }};
 
-// Every radio answers every query, or refuses it with a status.
-struct RadioList
+Fields rowOf(Survey& survey, const Radio& radio)
 {
-    Table table;
-    Json documents = Json::array();
-    std::vector<std::string> refusals;
-};
-
-Json answerOf(const Report& report, const char* output)
-{
-    if (report.outcome != CallOutcome::kDone)
-        return nullptr;
-    if (report.argument(output).parameter->form == Form::kText)
-        return report.text(output);
-    return report.number(output);
+    Fields row = radio.data;
+    row.set("id", numberCell(radio.id));
+    for (const Query& query : kQueries)
+        row.set(query.output, survey.ask(query.function, radio.asRadio())[query.output]);
+    return row;
 }
 
-std::string cellOf(const Json& answer)
+ExitCode radios(const Console& console, const RadiosOptions& options)
 {
-    if (answer.is_null())
-        return "-";
-    return answer.is_string() ? inQuotes(answer.get<std::string>()) : answer.dump();
-}
-
-void addRadio(RadioList& list, std::int64_t id)
-{
-    std::vector<std::string> cells = {std::to_string(id)};
-    Json document = {{"id", id}};
-    for (const RadioQuery& query : kRadioQueries)
-    {
-        const Report report = perform(query.function, {"radioId=" + std::to_string(id)});
-        if (!report.hasReply())
-            throw CallFailure(report);
-        if (report.outcome != CallOutcome::kDone)
-            list.refusals.push_back("radio " + std::to_string(id) + ": " + failureText(report));
-        const Json answer = answerOf(report, query.output);
-        document[query.key] = answer;
-        cells.push_back(cellOf(answer));
-    }
-    list.table.add(std::move(cells));
-    list.documents.push_back(std::move(document));
-}
-
-ExitCode radios(const Console& console)
-{
-    const std::int64_t number = performOrFail("TarnGetRadioNum").number("number");
-    if (number > kMostRadios)
-        return console.fail(ExitCode::kOther, "the service claims " + std::to_string(number) + " radios; expected at most " +
-                                                  std::to_string(kMostRadios));
-
-    RadioList list;
-    std::vector<std::string> titles = {"radio"};
-    for (const RadioQuery& query : kRadioQueries)
-        titles.emplace_back(query.title);
-    list.table.add(std::move(titles));
-    for (std::int64_t id = 1; id <= number; ++id)
-        addRadio(list, id);
-
-    if (console.json)
-    {
-        Json document = Console::document("radios");
-        document["radios"] = list.documents;
-        document["notes"] = list.refusals;
-        console.write(document);
-    }
-    else
-        list.table.write(console.out);
-    for (const std::string& refusal : list.refusals)
-        console.remark(refusal);
-    return list.refusals.empty() ? ExitCode::kSuccess : ExitCode::kServiceStatus;
+    Survey survey;
+    Page page("radios");
+    Listing& list = page.list("radios", {{"id", "id"},
+                                         {"name", "name", &strong},
+                                         {"band", "band"},
+                                         {"ready", "isReady", &switchTone, true},
+                                         {"enabled", "enabled", &switchTone, true},
+                                         {"channel", "channel", &strong},
+                                         {"bandwidth", "bandwidth"},
+                                         {"power_level", "power"},
+                                         {"mode", "phyMode"},
+                                         {"country", "country"},
+                                         {"chains", "number"},
+                                         {"temperature", "temperature", &temperatureTone},
+                                         {"driver", "version"}});
+    for (const Radio& radio : survey.radios(options.targets))
+        list.rows.push_back(rowOf(survey, radio));
+    return page.write(console, survey);
 }
 
 } // namespace
 
 void addRadios(Verbs& verbs)
 {
-    verbs.add("radios", "Shows the gateway's radios", &radios);
+    const auto act = [](const Console& console, const RadiosOptions& options)
+    { return watch(console, options.watch, [&](const Console& frame) { return radios(frame, options); }); };
+    verbs.add("radios", "Shows the gateway's radios", &declare, act);
 }
 
 } // namespace tarn::ctl

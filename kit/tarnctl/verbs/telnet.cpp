@@ -14,10 +14,10 @@ struct TelnetOptions
     std::optional<std::string> processId;
 };
 
-void declare(CLI::App& verb, TelnetOptions& options)
+void declare(Syntax& syntax, TelnetOptions& options)
 {
-    addText(verb, "STATE", options.state, "on or off");
-    addText(verb, "--pid", options.processId, "The process on whose behalf it is switched; needed to switch");
+    syntax.text("STATE", options.state, "on or off");
+    syntax.text("--pid", options.processId, "The process on whose behalf it is switched; needed to switch");
 }
 
 ExitCode telnet(const Console& console, const TelnetOptions& options)

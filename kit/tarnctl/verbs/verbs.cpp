@@ -1,10 +1,60 @@
 #include "tarnctl/verbs/verbs.h"
 
+#include "base/join.h"
+#include "base/suggestions.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
 namespace tarn::ctl
 {
+
+ExitCode Verbs::carryOut() const
+{
+    return verbs_.at(parser_.get_subcommands().front()->get_name()).act();
+}
+
+std::string Verbs::help(const std::string& name) const
+{
+    const std::vector<std::string> names = verbNames(parser_);
+    if (name.empty())
+        return parser_.help();
+    if (std::find(names.begin(), names.end(), name) == names.end())
+        throw UsageError("there is no command " + inQuotes(name) + "; expected one of " + base::join(names),
+                         base::suggestions(name, names));
+    return parser_.get_subcommand(name)->help(parser_.get_name());
+}
+
+std::vector<std::string> Verbs::completionWords(const std::string& name) const
+{
+    const CompletionWords words = verbs_.at(name).words;
+    return words == nullptr ? std::vector<std::string>() : words();
+}
+
+CLI::App& Verbs::newVerb(const char* name, const char* description)
+{
+    return *parser_.add_subcommand(name, description)->group(group_.empty() ? "Commands" : group_);
+}
+
+void declareTargets(Syntax& syntax, std::vector<std::string>& targets)
+{
+    syntax.texts("TARGET", targets, "Radios by id or name, interfaces by name or RADIO.INTERFACE; all if none is given");
+}
+
+void declareWatch(Syntax& syntax, WatchOptions& options)
+{
+    constexpr double kShortest = 0.1;
+    syntax.seconds("--watch", options.seconds, kShortest, "Show it again so many seconds later, until interrupted");
+    syntax.count("--count", options.count, "With --watch: show it so many times");
+}
+
+void declareSort(Syntax& syntax, std::optional<std::string>& column)
+{
+    syntax.text("--sort", column, "A column to sort by, numbers with the largest first");
+}
 
 std::vector<const CLI::App*> subcommands(const CLI::App& parser)
 {

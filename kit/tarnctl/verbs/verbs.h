@@ -6,16 +6,20 @@
 
 #include "tarnctl/call.h"
 #include "tarnctl/console.h"
+#include "tarnctl/verbs/syntax.h"
+#include "tarnctl/watch.h"
 
-#include <CLI/CLI.hpp>
-
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace CLI
+{
+class Option;
+}
 
 namespace tarn::ctl
 {
@@ -30,21 +34,34 @@ public:
     {
     }
 
+    // The verbs that follow are under this heading in the help.
+    void group(const char* heading)
+    {
+        group_ = heading;
+    }
+
     // Adds a verb. `declare` gives it its arguments and its help; the parser writes what is given into the options, and
     // `act` carries the verb out with them.
+    template <typename Options, typename Action>
+    void add(const char* name, const char* description, void (*declare)(Syntax& syntax, Options& options), Action act,
+             CompletionWords words = nullptr)
+    {
+        Syntax syntax(newVerb(name, description));
+        add(name, syntax, declare, act, words);
+    }
+
+    // The same for one that needs more of the parser than a Syntax has; its file includes CLI/CLI.hpp.
     template <typename Options, typename Action>
     void add(const char* name, const char* description, void (*declare)(CLI::App& verb, Options& options), Action act,
              CompletionWords words = nullptr)
     {
-        const auto options = std::make_shared<Options>();
-        declare(*parser_.add_subcommand(name, description), *options);
-        verbs_[name] = {[this, options, act] { return act(console_, *options); }, words};
+        add(name, newVerb(name, description), declare, act, words);
     }
 
     // Adds a verb without options.
     void add(const char* name, const char* description, ExitCode (*act)(const Console& console))
     {
-        parser_.add_subcommand(name, description);
+        newVerb(name, description);
         verbs_[name] = {[this, act] { return act(console_); }, nullptr};
     }
 
@@ -54,16 +71,12 @@ public:
     }
 
     // Carries out the verb that the parser has found.
-    ExitCode carryOut() const
-    {
-        return verbs_.at(parser_.get_subcommands().front()->get_name()).act();
-    }
+    ExitCode carryOut() const;
 
-    std::vector<std::string> completionWords(const std::string& name) const
-    {
-        const CompletionWords words = verbs_.at(name).words;
-        return words == nullptr ? std::vector<std::string>() : words();
-    }
+    // What `--help` says of a verb, or of the program if it is empty. Throws UsageError.
+    std::string help(const std::string& name) const;
+
+    std::vector<std::string> completionWords(const std::string& name) const;
 
 private:
     struct Verb
@@ -72,10 +85,31 @@ private:
         CompletionWords words = nullptr;
     };
 
+    CLI::App& newVerb(const char* name, const char* description);
+
+    template <typename Declared, typename Options, typename Action>
+    void add(const char* name, Declared& declared, void (*declare)(Declared& declared, Options& options), Action act,
+             CompletionWords words)
+    {
+        const auto options = std::make_shared<Options>();
+        declare(declared, *options);
+        verbs_[name] = {[this, options, act] { return act(console_, *options); }, words};
+    }
+
     CLI::App& parser_;
     const Console& console_;
+    std::string group_;
     std::map<std::string, Verb> verbs_;
 };
+
+// --- What several verbs take ---
+
+// Radios and interfaces, as Survey understands them.
+void declareTargets(Syntax& syntax, std::vector<std::string>& targets);
+// --watch and --count.
+void declareWatch(Syntax& syntax, WatchOptions& options);
+// --sort.
+void declareSort(Syntax& syntax, std::optional<std::string>& column);
 
 // Texts as they are given: the parser's own conversion takes an empty one for none, and braces for an empty list.
 CLI::Option* addText(CLI::App& verb, const char* name, std::optional<std::string>& text, const char* description);
@@ -118,5 +152,6 @@ void addLayout(Verbs& verbs);
 void addPublish(Verbs& verbs);
 void addIpc(Verbs& verbs);
 void addCompletion(Verbs& verbs);
+void addHelp(Verbs& verbs);
 
 } // namespace tarn::ctl
