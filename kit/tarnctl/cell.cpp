@@ -98,6 +98,23 @@ Cell textCell(std::string text)
     return cell;
 }
 
+Cell withDuration(Cell cell)
+{
+    constexpr std::int64_t kMinute = 60;
+    constexpr std::int64_t kHour = 60 * kMinute;
+    constexpr std::int64_t kDay = 24 * kHour;
+    const std::int64_t seconds = cell.number();
+    if (!cell.isNumber() || cell.unit != "seconds" || seconds < kMinute)
+        return cell;
+    const auto both = [seconds](std::int64_t large, const char* largeName, std::int64_t small, const char* smallName)
+    { return std::to_string(seconds / large) + largeName + std::to_string(seconds % large / small) + smallName; };
+    if (seconds < kHour)
+        cell.shown = both(kMinute, " min ", 1, " s");
+    else
+        cell.shown = seconds < kDay ? both(kHour, " h ", kMinute, " min") : both(kDay, " d ", kHour, " h");
+    return cell;
+}
+
 Cell cellOf(std::int64_t number, const layout::Meaning* meaning)
 {
     Cell cell = numberCell(number);

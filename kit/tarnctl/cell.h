@@ -40,6 +40,8 @@ struct Cell
 
 Cell numberCell(std::int64_t number, std::string unit = "");
 Cell textCell(std::string text);
+// A number of seconds shown as "1 h 02 min"; any other cell as it is.
+Cell withDuration(Cell cell);
 // The number by a meaning of the layout; null for none.
 Cell cellOf(std::int64_t number, const layout::Meaning* meaning);
 

@@ -40,7 +40,24 @@ Environment:
 void addVerbs(Verbs& verbs)
 {
     verbs.group("The gateway");
+    addStatus(verbs);
     addRadios(verbs);
+    addSsids(verbs);
+    addStations(verbs);
+    addScan(verbs);
+    addChannel(verbs);
+    addBandwidth(verbs);
+    addPower(verbs);
+    addSecurity(verbs);
+    addFilter(verbs);
+    addKick(verbs);
+    addWps(verbs);
+    addDfs(verbs);
+    addCounters(verbs);
+    addBoot(verbs);
+    addSmartWifi(verbs);
+    addTemperature(verbs);
+    addVersions(verbs);
     addFirmware(verbs);
     addMirror(verbs);
     addTelnet(verbs);

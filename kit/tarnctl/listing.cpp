@@ -137,6 +137,11 @@ void writeCsvRow(const Console& console, const Json& row, bool isTitle)
     console.out << base::join(cells, ",") << '\n';
 }
 
+bool isInCsv(const Listing& list)
+{
+    return !list.isAside && !list.isOnlyInJson;
+}
+
 bool hasName(const Cell& cell, std::initializer_list<const char*> names)
 {
     return std::find(names.begin(), names.end(), cell.name) != names.end();
@@ -165,7 +170,7 @@ void Listing::sort(const std::string& columnKey)
 
 Listing& Page::list(const char* key, std::vector<Column> columns, const char* heading)
 {
-    lists_.push_back({key, heading, std::move(columns), {}});
+    lists_.push_back({key, heading, std::move(columns), {}, false, false});
     return lists_.back();
 }
 
@@ -176,7 +181,7 @@ void Page::value(const char* key, Cell cell)
 
 ExitCode Page::write(const Console& console, const Survey& survey) const
 {
-    if (console.csv && lists_.size() > 1)
+    if (console.csv && std::count_if(lists_.begin(), lists_.end(), isInCsv) > 1)
         throw UsageError("--format csv: " + std::string(kind_) + " shows more than one table; expected table or json");
     if (console.json)
         writeDocument(console, survey);
@@ -231,6 +236,8 @@ void Page::writeTables(const Console& console) const
     }
     for (const Listing& list : lists_)
     {
+        if (list.isOnlyInJson)
+            continue;
         console.out << separator;
         if (lists_.size() > 1 && !list.heading.empty())
             console.out << (console.colours ? toned(list.heading, Tone::kStrong) : list.heading) << '\n';
@@ -249,7 +256,8 @@ void Page::writeCsv(const Console& console) const
             whole.columns.push_back({key.c_str(), key.c_str(), nullptr, cell.hasNames});
         whole.rows.push_back(values_);
     }
-    const Listing& list = lists_.empty() ? whole : lists_.front();
+    const auto main = std::find_if(lists_.begin(), lists_.end(), isInCsv);
+    const Listing& list = main == lists_.end() ? whole : *main;
     if (!console.repeats)
         writeCsvRow(console, rowDocument(list, Fields()), true);
     for (const Fields& row : list.rows)

@@ -38,6 +38,8 @@ struct Listing
     std::string heading; // above the table, if the page has more than one
     std::vector<Column> columns;
     std::vector<Fields> rows;
+    bool isAside = false;      // left out of CSV, which has but one list
+    bool isOnlyInJson = false; // left out of tables, too
 
     // By a column's key, numbers with the largest first; rows that do not have it come last. Throws UsageError.
     void sort(const std::string& columnKey);
@@ -57,7 +59,7 @@ public:
     // no list at all.
     void value(const char* key, Cell cell);
 
-    // Returns the survey's exit code. Throws UsageError if the page has more than one list and CSV is asked for.
+    // Returns the survey's exit code. Throws UsageError if CSV is asked for and the page has more than one list for it.
     ExitCode write(const Console& console, const Survey& survey) const;
 
 private:

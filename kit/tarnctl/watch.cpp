@@ -60,6 +60,15 @@ ExitCode watch(const Console& console, const WatchOptions& options, const std::f
     const StopSignals stop(wakeup);
     const auto period = std::chrono::milliseconds(std::llround(*options.seconds * 1000));
     auto next = std::chrono::steady_clock::now();
+    const auto waitForNext = [&]
+    {
+        next += period;
+        while (!stop.haveCome() && std::chrono::steady_clock::now() < next)
+            wakeup.wait(next);
+        return !stop.haveCome();
+    };
+    if (options.waitsFirst && !waitForNext())
+        return ExitCode::kSuccess;
     for (std::uint32_t shown = 1;; ++shown)
     {
         const ExitCode exit = showOnce(frame, show);
@@ -68,10 +77,7 @@ ExitCode watch(const Console& console, const WatchOptions& options, const std::f
             return exit;
         if ((options.count && shown == *options.count) || !console.out)
             return exit;
-        next += period;
-        while (!stop.haveCome() && std::chrono::steady_clock::now() < next)
-            wakeup.wait(next);
-        if (stop.haveCome())
+        if (!waitForNext())
             return ExitCode::kSuccess;
     }
 }

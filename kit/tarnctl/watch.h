@@ -15,6 +15,7 @@ struct WatchOptions
 {
     std::optional<double> seconds; // between two times; none: once only
     std::optional<std::uint32_t> count;
+    bool waitsFirst = false; // before the first time
 };
 
 // Without seconds shows once. Else until it has been shown so many times, SIGINT or SIGTERM comes, or it fails. A terminal shows

@@ -51,6 +51,13 @@ void declareWatch(Syntax& syntax, WatchOptions& options)
     syntax.count("--count", options.count, "With --watch: show it so many times");
 }
 
+void requireAction(const char* verb, const std::string& word, const std::vector<std::string>& actions)
+{
+    if (std::find(actions.begin(), actions.end(), word) == actions.end())
+        throw UsageError(std::string(verb) + ": expected one of " + base::join(actions) + "; got " + inQuotes(word),
+                         base::suggestions(word, actions));
+}
+
 void declareSort(Syntax& syntax, std::optional<std::string>& column)
 {
     syntax.text("--sort", column, "A column to sort by, numbers with the largest first");

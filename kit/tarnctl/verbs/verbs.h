@@ -50,6 +50,17 @@ public:
         add(name, syntax, declare, act, words);
     }
 
+    // The same with a declaration that knows more than a function can.
+    template <typename Options, typename Action>
+    void add(const char* name, const char* description, const std::function<void(Syntax& syntax, Options& options)>& declare,
+             Action act)
+    {
+        Syntax syntax(newVerb(name, description));
+        const auto options = std::make_shared<Options>();
+        declare(syntax, *options);
+        verbs_[name] = {[this, options, act] { return act(console_, *options); }, nullptr};
+    }
+
     // The same for one that needs more of the parser than a Syntax has; its file includes CLI/CLI.hpp.
     template <typename Options, typename Action>
     void add(const char* name, const char* description, void (*declare)(CLI::App& verb, Options& options), Action act,
@@ -111,6 +122,9 @@ void declareWatch(Syntax& syntax, WatchOptions& options);
 // --sort.
 void declareSort(Syntax& syntax, std::optional<std::string>& column);
 
+// Throws UsageError if the word is none of the actions of that verb.
+void requireAction(const char* verb, const std::string& word, const std::vector<std::string>& actions);
+
 // Texts as they are given: the parser's own conversion takes an empty one for none, and braces for an empty list.
 CLI::Option* addText(CLI::App& verb, const char* name, std::optional<std::string>& text, const char* description);
 CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description);
@@ -145,6 +159,23 @@ void addCall(Verbs& verbs);
 void addEvents(Verbs& verbs);
 void addLogLevel(Verbs& verbs);
 void addRadios(Verbs& verbs);
+void addStatus(Verbs& verbs);
+void addSsids(Verbs& verbs);
+void addStations(Verbs& verbs);
+void addScan(Verbs& verbs);
+void addChannel(Verbs& verbs);
+void addBandwidth(Verbs& verbs);
+void addPower(Verbs& verbs);
+void addSecurity(Verbs& verbs);
+void addFilter(Verbs& verbs);
+void addKick(Verbs& verbs);
+void addWps(Verbs& verbs);
+void addDfs(Verbs& verbs);
+void addCounters(Verbs& verbs);
+void addBoot(Verbs& verbs);
+void addSmartWifi(Verbs& verbs);
+void addTemperature(Verbs& verbs);
+void addVersions(Verbs& verbs);
 void addFirmware(Verbs& verbs);
 void addMirror(Verbs& verbs);
 void addTelnet(Verbs& verbs);

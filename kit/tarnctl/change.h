@@ -1,0 +1,33 @@
+// What a verb has changed, and what the gateway answered.
+#pragma once
+
+#include "call.h"
+#include "cell.h"
+#include "survey.h"
+
+#include <string>
+#include <vector>
+
+namespace tarn::ctl
+{
+
+struct Change
+{
+    std::string object;  // "radio 1 (radio0)", "wifi0"
+    std::string setting; // "channel", "filter"
+    Cell before;         // not known for something new
+    Cell after;          // not known for something that was removed
+    Report report;       // of the call that did it
+};
+
+// For people "radio 1 (radio0): channel 36 -> 44 (DONE)" each; CSV and JSON as a page has them.
+ExitCode writeChanges(const Console& console, const char* kind, const Survey& survey, const std::vector<Change>& changes);
+
+// Changes one field of a record, the others staying as they are; `cfg.channel=44`, say. Throws UsageError if the layout does not say
+// how one selects the field, or CallFailure.
+Report setField(const std::string& function, const Assignments& object, const std::string& field, const std::string& value);
+
+// A MAC address as the calls want it. Throws UsageError.
+std::string macArgument(const std::string& text);
+
+} // namespace tarn::ctl

@@ -1,0 +1,155 @@
+// `tarnctl counters`: what has been sent and received, or how much a second.
+#include "tarnctl/listing.h"
+#include "tarnctl/verbs/verbs.h"
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <map>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+struct CountersOptions
+{
+    std::vector<std::string> targets;
+    WatchOptions watch;
+};
+
+void declare(Syntax& syntax, CountersOptions& options)
+{
+    declareTargets(syntax, options.targets);
+    declareWatch(syntax, options.watch);
+    syntax.footer("Without --watch the sums, with it what came a second since the time before.");
+}
+
+struct Counter
+{
+    const char* field; // of TarnSsidIntfStats
+    const char* sumKey;
+    const char* rateKey;
+    bool isBytes; // whose rate is in bits
+};
+
+constexpr std::array<Counter, 7> kCounters = {{
+    {"txBytes", "tx_bytes", "tx_bits_per_second", true},
+    {"rxBytes", "rx_bytes", "rx_bits_per_second", true},
+    {"txPackets", "tx_packets", "tx_packets_per_second", false},
+    {"rxPackets", "rx_packets", "rx_packets_per_second", false},
+    {"txErrors", "tx_errors", "tx_errors_per_second", false},
+    {"rxErrors", "rx_errors", "rx_errors_per_second", false},
+    {"txRetries", "tx_retries", "tx_retries_per_second", false},
+}};
+
+struct Sample
+{
+    std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
+    std::vector<Fields> interfaces;
+};
+
+Sample sampleOf(Survey& survey, const std::vector<std::string>& targets)
+{
+    Sample sample;
+    for (const Interface& interface : survey.interfaces(targets))
+    {
+        Fields& row = sample.interfaces.emplace_back(survey.ask("TarnGetSsidIntfStats", interface.asSsid()));
+        row.set("interface", textCell(interface.name));
+    }
+    return sample;
+}
+
+// How much a counter has grown; it begins again at 0 when its bytes are full.
+double growth(const Cell& before, const Cell& after)
+{
+    constexpr std::uint32_t kBitsOfAByte = 8;
+    const auto difference = static_cast<std::uint64_t>(after.number()) - static_cast<std::uint64_t>(before.number());
+    const std::uint32_t bits = after.size * kBitsOfAByte;
+    const std::uint64_t all = std::numeric_limits<std::uint64_t>::max();
+    return static_cast<double>(bits == 0 || bits >= 64 ? difference : difference & (all >> (64 - bits)));
+}
+
+// "1.2 M" and the unit.
+std::string shortened(double number, const std::string& unit)
+{
+    constexpr double kThousand = 1000;
+    constexpr std::array<const char*, 4> kPrefixes = {"", "k", "M", "G"};
+    std::size_t prefix = 0;
+    for (; number >= kThousand && prefix + 1 < kPrefixes.size(); ++prefix)
+        number /= kThousand;
+    std::array<char, 32> digits = {};
+    std::snprintf(digits.data(), digits.size(), prefix == 0 && number == std::floor(number) ? "%.0f" : "%.1f", number);
+    return std::string(digits.data()) + " " + kPrefixes.at(prefix) + unit;
+}
+
+Cell rateOf(const Counter& counter, const Cell& before, const Cell& after, double seconds)
+{
+    constexpr double kBitsOfAByte = 8;
+    Cell rate;
+    if (!before.isNumber() || !after.isNumber())
+        return rate;
+    const double perSecond = growth(before, after) * (counter.isBytes ? kBitsOfAByte : 1) / seconds;
+    rate.value = std::round(perSecond * 10) / 10;
+    rate.unit = counter.isBytes ? "bit/s" : "1/s";
+    rate.shown = shortened(rate.value.get<double>(), counter.isBytes ? "bit/s" : "/s");
+    return rate;
+}
+
+ExitCode writeSums(const Console& console, const CountersOptions& options)
+{
+    Survey survey("counters");
+    Page page("counters");
+    std::vector<Column> columns = {{"interface", "interface", &strong}, {"stations", "stations"}};
+    for (const Counter& counter : kCounters)
+        columns.push_back({counter.sumKey, counter.field});
+    page.list("interfaces", columns).rows = sampleOf(survey, options.targets).interfaces;
+    return page.write(console, survey);
+}
+
+// `before` becomes the sample of this time.
+ExitCode writeRates(const Console& console, const CountersOptions& options, Sample& before)
+{
+    Survey survey("counters");
+    Page page("rates");
+    std::vector<Column> columns = {{"interface", "interface", &strong}, {"stations", "stations"}};
+    for (const Counter& counter : kCounters)
+        columns.push_back({counter.rateKey, counter.rateKey});
+    Listing& list = page.list("interfaces", columns);
+    Sample now = sampleOf(survey, options.targets);
+    const double seconds = std::chrono::duration<double>(now.time - before.time).count();
+    std::map<std::string, Fields> earlier;
+    for (const Fields& interface : before.interfaces)
+        earlier[interface["interface"].text()] = interface;
+    for (const Fields& interface : now.interfaces)
+    {
+        Fields& row = list.rows.emplace_back(interface);
+        for (const Counter& counter : kCounters)
+            row.set(counter.rateKey,
+                    rateOf(counter, earlier[interface["interface"].text()][counter.field], interface[counter.field], seconds));
+    }
+    before = std::move(now);
+    return page.write(console, survey);
+}
+
+ExitCode counters(const Console& console, const CountersOptions& options)
+{
+    if (!options.watch.seconds)
+        return watch(console, options.watch, [&](const Console& frame) { return writeSums(frame, options); });
+    Survey survey("counters");
+    Sample before = sampleOf(survey, options.targets);
+    WatchOptions later = options.watch;
+    later.waitsFirst = true;
+    return watch(console, later, [&](const Console& frame) { return writeRates(frame, options, before); });
+}
+
+} // namespace
+
+void addCounters(Verbs& verbs)
+{
+    verbs.add("counters", "Shows what the networks have sent and received", &declare, &counters);
+}
+
+} // namespace tarn::ctl

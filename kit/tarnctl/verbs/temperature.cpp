@@ -1,0 +1,62 @@
+// `tarnctl temperature`: how warm radios and module are.
+#include "tarnctl/listing.h"
+#include "tarnctl/verbs/verbs.h"
+
+#include <array>
+
+namespace tarn::ctl
+{
+
+namespace
+{
+
+struct TemperatureOptions
+{
+    WatchOptions watch;
+};
+
+void declare(Syntax& syntax, TemperatureOptions& options)
+{
+    declareWatch(syntax, options.watch);
+}
+
+void add(Listing& list, const std::string& sensor, const Cell& temperature)
+{
+    Fields& row = list.rows.emplace_back();
+    row.set("sensor", textCell(sensor));
+    row.set("temperature", temperature);
+}
+
+ExitCode temperature(const Console& console)
+{
+    struct Sensor
+    {
+        const char* name;
+        const char* output;
+    };
+    constexpr std::array<Sensor, 3> kSensors = {{
+        {"module, outside", "tempsens_ex"},
+        {"module, inside", "tempsens_in"},
+        {"module, baseband", "temsens_bbic"},
+    }};
+    Survey survey;
+    Page page("temperature");
+    Listing& list = page.list("sensors", {{"sensor", "sensor"}, {"temperature", "temperature", &temperatureTone}});
+    for (const Radio& radio : survey.radios())
+        add(list, radio.title(), survey.ask("TarnGetRadioChipTemperature", radio.asRadio())["temperature"]);
+    const Fields module = survey.ask("tarn_qcsapi_get_temperature_info");
+    for (const Sensor& sensor : kSensors)
+        add(list, sensor.name, module[sensor.output]);
+    return page.write(console, survey);
+}
+
+} // namespace
+
+void addTemperature(Verbs& verbs)
+{
+    const auto act = [](const Console& console, const TemperatureOptions& options)
+    { return watch(console, options.watch, &temperature); };
+    verbs.add("temperature", "Shows how warm radios and module are", &declare, act);
+}
+
+} // namespace tarn::ctl
