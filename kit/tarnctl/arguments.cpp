@@ -43,6 +43,21 @@ void checkNames(const LibraryFunction& function, const std::vector<Assignment>& 
     }
 }
 
+// The functions call the argument that names an interface one way or the other; both are understood.
+std::vector<Assignment> withOwnNames(const LibraryFunction& function, std::vector<Assignment> assignments)
+{
+    constexpr char kOneName[] = "ifname";
+    constexpr char kOtherName[] = "intf_name";
+    for (Assignment& assignment : assignments)
+        for (const auto& [given, own] : {std::pair(kOneName, kOtherName), std::pair(kOtherName, kOneName)})
+            if (assignment.name == given && function.parameter(given) == nullptr && function.parameter(own) != nullptr)
+            {
+                assignment.name = own;
+                break;
+            }
+    return assignments;
+}
+
 bool asksForNull(const Assignment& given)
 {
     return !given.isLiteral && given.value == kNullWord;
@@ -220,8 +235,9 @@ std::vector<calling::ArgumentValue> PreparedArguments::values()
     return values;
 }
 
-PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& assignments)
+PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& given)
 {
+    const std::vector<Assignment> assignments = withOwnNames(function, given);
     checkNames(function, assignments);
 
     PreparedArguments arguments;

@@ -211,8 +211,8 @@ std::string failureText(const Report& report)
     case CallOutcome::kTimedOut:
         return ipcFailure(report, report.function->kind == FunctionKind::kEvent
                                       ? "service " + service + " did not confirm in time"
-                                      : "service " + service + " did not reply within a wait of " +
-                                            std::to_string(report.seen.request->wait));
+                                      : "service " + service + " did not reply within " +
+                                            std::to_string(report.seen.request->wait) + " s");
     case CallOutcome::kIpcFailed:
         return ipcFailure(report, "the IPC call to service " + service + " failed");
     case CallOutcome::kServiceStatus:

@@ -147,7 +147,7 @@ const Cell& Fields::operator[](std::string_view name) const
     return found == cells_.end() ? kNone : found->second;
 }
 
-const std::vector<Fields>& Fields::elements(std::string_view name) const
+const std::vector<Fields>& Fields::elements(std::string_view name) const&
 {
     static const std::vector<Fields> kNone;
     const auto found = std::find_if(arrays_.begin(), arrays_.end(), [&](const auto& array) { return array.first == name; });

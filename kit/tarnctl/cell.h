@@ -55,14 +55,16 @@ public:
     // A cell that is not known, if there is no such field.
     const Cell& operator[](std::string_view name) const;
     // Those of an array of structures; none if there is no such field.
-    const std::vector<Fields>& elements(std::string_view name) const;
+    const std::vector<Fields>& elements(std::string_view name) const&;
+    const std::vector<Fields>& elements(std::string_view name) const&& = delete; // they go with this
 
     // Adds a field, or replaces it.
     void set(const std::string& name, Cell cell);
     // Adds the other's.
     void add(const Fields& other);
 
-    const std::vector<std::pair<std::string, Cell>>& all() const
+    const std::vector<std::pair<std::string, Cell>>& all() const&& = delete;
+    const std::vector<std::pair<std::string, Cell>>& all() const&
     {
         return cells_;
     }

@@ -26,10 +26,11 @@ Cell answerOf(const Change& change)
 std::string sentence(const Change& change)
 {
     std::string text = change.object + ": ";
-    if (!change.after.isKnown())
-        text += change.before.text() + " removed from " + change.setting;
+    if (change.isEntry)
+        text += change.after.isKnown() ? change.after.text() + " added to " + change.setting
+                                       : change.before.text() + " removed from " + change.setting;
     else if (!change.before.isKnown())
-        text += change.after.text() + " added to " + change.setting;
+        text += change.setting + " set to " + change.after.text();
     else if (change.before.text() == change.after.text())
         text += change.setting + " " + change.after.text() + ", as before";
     else

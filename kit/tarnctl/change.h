@@ -15,9 +15,10 @@ struct Change
 {
     std::string object;  // "radio 1 (radio0)", "wifi0"
     std::string setting; // "channel", "filter"
-    Cell before;         // not known for something new
-    Cell after;          // not known for something that was removed
+    Cell before;         // not known if nobody can say, and of a new entry of a list
+    Cell after;          // not known of an entry that was removed
     Report report;       // of the call that did it
+    bool isEntry = false; // `setting` is a list
 };
 
 // For people "radio 1 (radio0): channel 36 -> 44 (DONE)" each; CSV and JSON as a page has them.

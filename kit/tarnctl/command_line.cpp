@@ -39,7 +39,7 @@ Environment:
 
 void addVerbs(Verbs& verbs)
 {
-    verbs.group("The gateway");
+    verbs.group("The gateway", true);
     addStatus(verbs);
     addRadios(verbs);
     addSsids(verbs);
@@ -62,13 +62,13 @@ void addVerbs(Verbs& verbs)
     addMirror(verbs);
     addTelnet(verbs);
     addLogLevel(verbs);
-    verbs.group("Every function");
+    verbs.group("Every function", false);
     addList(verbs);
     addDescribe(verbs);
     addCall(verbs);
     addEvents(verbs);
     addLayout(verbs);
-    verbs.group("This program");
+    verbs.group("This program", false);
     addPublish(verbs);
     addIpc(verbs);
     addCompletion(verbs);
@@ -158,7 +158,9 @@ catch (const UsageError& error)
 }
 catch (const CallFailure& failure)
 {
-    writeReport(console, failure.report);
+    console.remark(failure.what());
+    if (console.json)
+        console.write(reportDocument(failure.report));
     return exitCodeOf(failure.report.outcome);
 }
 catch (const std::exception& error)

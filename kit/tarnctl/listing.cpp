@@ -77,7 +77,7 @@ void addUnits(Json& units, const Listing& list)
 
 bool isRight(const Cell& cell)
 {
-    return cell.isNumber() && cell.name.empty() && cell.shown.empty();
+    return cell.isNumber() && cell.name.empty();
 }
 
 void writeTable(const Console& console, const Listing& list)
@@ -85,22 +85,21 @@ void writeTable(const Console& console, const Listing& list)
     Table table;
     std::vector<TableCell> titles;
     for (const Column& column : list.columns)
-        if (!column.isDetail)
-        {
-            const auto isNumeric = [&](const Fields& row) { return isRight(row[column.field]); };
-            titles.emplace_back(titleOf(column.key), Tone::kStrong, std::any_of(list.rows.begin(), list.rows.end(), isNumeric));
-        }
+    {
+        const auto isNumeric = [&](const Fields& row) { return isRight(row[column.field]); };
+        titles.emplace_back(column.title == nullptr ? titleOf(column.key) : column.title, Tone::kStrong,
+                            std::any_of(list.rows.begin(), list.rows.end(), isNumeric));
+    }
     table.add(std::move(titles));
     for (const Fields& row : list.rows)
     {
         std::vector<TableCell> cells;
         for (const Column& column : list.columns)
-            if (!column.isDetail)
-            {
-                const Cell& cell = row[column.field];
-                const Tone tone = !cell.isKnown() ? Tone::kFaint : column.tone == nullptr ? Tone::kPlain : column.tone(cell);
-                cells.emplace_back(cell.text(), tone, isRight(cell));
-            }
+        {
+            const Cell& cell = row[column.field];
+            const Tone tone = !cell.isKnown() ? Tone::kFaint : column.tone == nullptr ? Tone::kPlain : column.tone(cell);
+            cells.emplace_back(cell.text(), tone, isRight(cell));
+        }
         table.add(std::move(cells));
     }
     if (console.terminal.showsResults)

@@ -25,11 +25,11 @@ using ToneOf = Tone (*)(const Cell& cell);
 
 struct Column
 {
-    const char* key;        // in JSON and CSV, with spaces for underscores also the title in a table
-    const char* field;      // of the rows
-    ToneOf tone = nullptr;  // plain if there is none
-    bool isNamed = false;   // has KEY_name beside it even if the layout has no names
-    bool isDetail = false;  // only for programs: left out of tables
+    const char* key;             // in JSON and CSV
+    const char* field;           // of the rows
+    ToneOf tone = nullptr;       // plain if there is none
+    bool isNamed = false;        // has KEY_name beside it, which is null where the layout has no name
+    const char* title = nullptr; // in a table; if there is none the key, with spaces for underscores
 };
 
 struct Listing

@@ -17,7 +17,8 @@ namespace
 constexpr std::int64_t kChannelWidth = 20;  // MHz
 constexpr std::int64_t kNumbersAChannel = 4; // channel numbers are 5 MHz apart
 constexpr std::int64_t kLast2GHzChannel = 14;
-constexpr std::size_t kMostNameColumns = 20;
+constexpr std::size_t kGaps = 4;          // columns between name, line and signal
+constexpr std::size_t kLeastColumns = 24; // of the line, however narrow the terminal is
 constexpr std::size_t kSignalColumns = 9;
 
 // The first channel of the block of 20 MHz channels from which wider ones are made up.
@@ -46,31 +47,46 @@ struct Axis
 {
     std::int64_t first = 0;
     std::int64_t last = 0;
-    std::int64_t step = 1;
+    std::int64_t step = 1; // channel numbers a column
+    std::int64_t zoom = 1; // or columns a channel number
 
     std::size_t columns() const
     {
-        return columnOf(last) + 1;
+        return columnOf(last + 1);
     }
 
     std::size_t columnOf(std::int64_t channel) const
     {
-        return static_cast<std::size_t>((channel - first) / step);
+        return static_cast<std::size_t>((channel - first) * zoom / step);
     }
 };
 
 Axis axisOf(Band band, const std::vector<Network>& networks, std::size_t room)
 {
-    Axis axis = {networks.front().channel, networks.front().channel, 1};
+    Axis axis = {networks.front().channel, networks.front().channel, 1, 1};
     for (const Network& network : networks)
     {
         const Coverage covered = coverageOf(band, network.channel, network.bandwidth);
         axis.first = std::min(axis.first, covered.first);
         axis.last = std::max(axis.last, covered.last);
     }
+    constexpr std::int64_t kMostZoom = 3;
+    for (axis.zoom = kMostZoom; axis.zoom > 1 && axis.columns() > room;)
+        --axis.zoom;
     while (axis.columns() > room)
         axis.step *= 2;
     return axis;
+}
+
+bool isChannel(Band band, std::int64_t channel)
+{
+    constexpr std::int64_t kLastOfLowerPart = 64;
+    constexpr std::int64_t kFirstOfUpperPart = 100;
+    if (band == Band::k2GHz)
+        return channel >= 1 && channel <= kLast2GHzChannel;
+    if (band == Band::k5GHz && channel > kLastOfLowerPart && channel < kFirstOfUpperPart)
+        return false;
+    return (channel - blockStart(band, channel)) % kNumbersAChannel == 0;
 }
 
 // The numbers of the channels where they begin, as far as there is room between them.
@@ -79,12 +95,8 @@ std::string scaleOf(Band band, const Axis& axis)
     std::string scale;
     for (std::int64_t channel = axis.first; channel <= axis.last; ++channel)
     {
-        const bool isChannel =
-            band == Band::k2GHz ? channel >= 1 && channel <= kLast2GHzChannel
-                                : channel >= blockStart(band, channel) &&
-                                      (channel - blockStart(band, channel)) % kNumbersAChannel == 0;
         const std::size_t column = axis.columnOf(channel);
-        if (!isChannel || (!scale.empty() && column < scale.size() + 1))
+        if (!isChannel(band, channel) || (!scale.empty() && column < scale.size() + 1))
             continue;
         scale.resize(column, ' ');
         scale += std::to_string(channel);
@@ -158,8 +170,11 @@ void writeOccupancy(const Console& console, Band band, std::vector<Network> netw
     std::stable_sort(networks.begin(), networks.end(),
                      [](const Network& one, const Network& other)
                      { return one.isOwn != other.isOwn ? one.isOwn : !one.isOwn && one.signal > other.signal; });
-    const std::size_t width = std::max<std::size_t>(console.terminal.width, 2 * (kMostNameColumns + kSignalColumns));
-    const Axis axis = axisOf(band, networks, width - kMostNameColumns - kSignalColumns - 4);
+    std::size_t taken = std::string(toString(band)).size();
+    for (const Network& network : networks)
+        taken = std::max(taken, columnsOf(network.name));
+    taken += kSignalColumns + kGaps;
+    const Axis axis = axisOf(band, networks, std::max(console.terminal.width, taken + kLeastColumns) - taken);
 
     Table table;
     table.add({{toString(band), Tone::kStrong}, {scaleOf(band, axis), Tone::kFaint}});
@@ -167,9 +182,10 @@ void writeOccupancy(const Console& console, Band band, std::vector<Network> netw
     {
         const Coverage covered = coverageOf(band, network.channel, network.bandwidth);
         const std::size_t begin = axis.columnOf(covered.first);
-        const std::string line = std::string(begin, ' ') + repeated(markOf(network, console.terminal.knowsUtf8),
-                                                                    axis.columnOf(covered.last) - begin + 1);
-        table.add({columnsOf(network.name) <= kMostNameColumns ? network.name : network.name.substr(0, kMostNameColumns),
+        const char* const mark = markOf(network, console.terminal.knowsUtf8);
+        const std::size_t columns = std::max<std::size_t>(axis.columnOf(covered.last + 1) - begin, 1);
+        const std::string line = std::string(begin, ' ') + repeated(mark, columns);
+        table.add({network.name,
                    {line, toneOf(network)},
                    {signalText(network), toneOf(network), true}});
     }

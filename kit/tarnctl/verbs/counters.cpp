@@ -5,6 +5,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <map>
 
@@ -32,17 +33,18 @@ struct Counter
     const char* field; // of TarnSsidIntfStats
     const char* sumKey;
     const char* rateKey;
+    const char* rateTitle;
     bool isBytes; // whose rate is in bits
 };
 
 constexpr std::array<Counter, 7> kCounters = {{
-    {"txBytes", "tx_bytes", "tx_bits_per_second", true},
-    {"rxBytes", "rx_bytes", "rx_bits_per_second", true},
-    {"txPackets", "tx_packets", "tx_packets_per_second", false},
-    {"rxPackets", "rx_packets", "rx_packets_per_second", false},
-    {"txErrors", "tx_errors", "tx_errors_per_second", false},
-    {"rxErrors", "rx_errors", "rx_errors_per_second", false},
-    {"txRetries", "tx_retries", "tx_retries_per_second", false},
+    {"txBytes", "tx_bytes", "tx_bits_per_second", "tx", true},
+    {"rxBytes", "rx_bytes", "rx_bits_per_second", "rx", true},
+    {"txPackets", "tx_packets", "tx_packets_per_second", "tx packets", false},
+    {"rxPackets", "rx_packets", "rx_packets_per_second", "rx packets", false},
+    {"txErrors", "tx_errors", "tx_errors_per_second", "tx errors", false},
+    {"rxErrors", "rx_errors", "rx_errors_per_second", "rx errors", false},
+    {"txRetries", "tx_retries", "tx_retries_per_second", "tx retries", false},
 }};
 
 struct Sample
@@ -98,6 +100,14 @@ Cell rateOf(const Counter& counter, const Cell& before, const Cell& after, doubl
     return rate;
 }
 
+// What is counted is in the column's title.
+Cell withoutUnit(Cell sum, bool isBytes)
+{
+    if (sum.isNumber())
+        sum.shown = isBytes ? shortened(static_cast<double>(sum.number()), "B") : std::to_string(sum.number());
+    return sum;
+}
+
 ExitCode writeSums(const Console& console, const CountersOptions& options)
 {
     Survey survey("counters");
@@ -105,7 +115,11 @@ ExitCode writeSums(const Console& console, const CountersOptions& options)
     std::vector<Column> columns = {{"interface", "interface", &strong}, {"stations", "stations"}};
     for (const Counter& counter : kCounters)
         columns.push_back({counter.sumKey, counter.field});
-    page.list("interfaces", columns).rows = sampleOf(survey, options.targets).interfaces;
+    Listing& list = page.list("interfaces", columns);
+    list.rows = sampleOf(survey, options.targets).interfaces;
+    for (Fields& row : list.rows)
+        for (const Counter& counter : kCounters)
+            row.set(counter.field, withoutUnit(row[counter.field], counter.isBytes));
     return page.write(console, survey);
 }
 
@@ -116,7 +130,7 @@ ExitCode writeRates(const Console& console, const CountersOptions& options, Samp
     Page page("rates");
     std::vector<Column> columns = {{"interface", "interface", &strong}, {"stations", "stations"}};
     for (const Counter& counter : kCounters)
-        columns.push_back({counter.rateKey, counter.rateKey});
+        columns.push_back({counter.rateKey, counter.rateKey, nullptr, false, counter.rateTitle});
     Listing& list = page.list("interfaces", columns);
     Sample now = sampleOf(survey, options.targets);
     const double seconds = std::chrono::duration<double>(now.time - before.time).count();

@@ -113,7 +113,7 @@ void writeHead(const Console& console, const LibraryFunction& function)
         const contract::Command& command = *function.row.command;
         const contract::Result& result = function.row.contract->result;
         table.add({"command", std::to_string(command.command)});
-        table.add({"wait", std::to_string(command.wait)});
+        table.add({"wait", std::to_string(command.wait) + " s"});
         table.add({"length", std::to_string(command.length)});
         table.add({"reply status", "at offset " + std::to_string(command.statusOffset())});
         table.add({"result", "the reply status; " + std::to_string(result.rejected) + " for a refused argument, " +

@@ -54,7 +54,8 @@ ExitCode dfs(const Console& console, const DfsOptions& options)
         row.set("first", survey.ask("tarn_qcsapi_wifi_get_icac_status", {"intf_name=" + interface})["status"]);
         row.set("second", survey.ask("tarn_qcsapi_wifi_get_dfs_s_radio_status", {"intf_name=" + interface})["status"]);
         radios.rows.push_back(std::move(row));
-        for (Fields channel : survey.ask("tarn_qcsapi_wifi_get_chan_avail_status", {"intf_name=" + interface}).elements("channels"))
+        const Fields availability = survey.ask("tarn_qcsapi_wifi_get_chan_avail_status", {"intf_name=" + interface});
+        for (Fields channel : availability.elements("channels"))
         {
             channel.set("radio", numberCell(radio.id));
             channels.rows.push_back(std::move(channel));

@@ -20,6 +20,7 @@ struct SmartWifiOptions
 struct Table
 {
     const char* key;
+    const char* kind; // of its document
     const char* sync;
     const char* number;
     const char* at;
@@ -30,6 +31,7 @@ const std::vector<Table>& tables()
 {
     static const std::vector<Table> kTables = {
         {"bss",
+         "smart-wifi-bss",
          "TarnSyncQuantennaSmartWiFiBSSTable",
          "TarnGetQuantennaSmartWiFiBSSEntryNumber",
          "TarnGetQuantennaSmartWiFiBSSEntryAt",
@@ -43,6 +45,7 @@ const std::vector<Table>& tables()
           {"own", "own", &switchTone, true},
           {"mobility_domain", "mobilityDomain"}}},
         {"stations",
+         "smart-wifi-stations",
          "TarnSyncQuantennaSmartWiFiAssoiated",
          "TarnGetQuantennaSmartWiFiAssoiatedNumber",
          "TarnGetQuantennaSmartWiFiAssoiatedAt",
@@ -55,6 +58,7 @@ const std::vector<Table>& tables()
           {"rx_rate", "rxRate"},
           {"connected", "secondsAssociated"}}},
         {"history",
+         "smart-wifi-history",
          "TarnSyncQuantennaSmartWiFiRecordInfo",
          "TarnGetQuantennaSmartWiFiRecordInfoNumber",
          "TarnGetQuantennaSmartWiFiRecordInfoAt",
@@ -81,9 +85,8 @@ void declare(Syntax& syntax, SmartWifiOptions& options)
 ExitCode show(const Console& console, const Table& table, const SmartWifiOptions& options)
 {
     Survey survey("smart-wifi");
-    Page page("smart-wifi");
-    page.value("table", textCell(table.key));
-    Listing& list = page.list("entries", table.columns);
+    Page page(table.kind);
+    Listing& list = page.list(table.key, table.columns);
     performOrFail(table.sync);
     list.rows = survey.list(table.number, table.at);
     for (Fields& row : list.rows)

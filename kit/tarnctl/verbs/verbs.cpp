@@ -14,7 +14,10 @@ namespace tarn::ctl
 
 ExitCode Verbs::carryOut() const
 {
-    return verbs_.at(parser_.get_subcommands().front()->get_name()).act();
+    const std::string name = parser_.get_subcommands().front()->get_name();
+    if (console_.csv && csvVerbs_.count(name) == 0)
+        throw UsageError("--format csv: " + name + " has no table; expected --format json");
+    return verbs_.at(name).act();
 }
 
 std::string Verbs::help(const std::string& name) const
@@ -36,6 +39,8 @@ std::vector<std::string> Verbs::completionWords(const std::string& name) const
 
 CLI::App& Verbs::newVerb(const char* name, const char* description)
 {
+    if (writesCsv_)
+        csvVerbs_.insert(name);
     return *parser_.add_subcommand(name, description)->group(group_.empty() ? "Commands" : group_);
 }
 
@@ -133,12 +138,18 @@ ExitCode writeResult(const Console& console, const char* kind, const std::vector
     for (const ResultLine& line : lines)
     {
         document[line.key] = line.value;
-        if (!console.json)
+        if (!console.json && !console.csv)
             console.out << line.title << ": " << (line.value.is_string() ? line.value.get<std::string>() : line.value.dump())
                         << '\n';
     }
     if (console.json)
         console.write(document);
+    if (console.csv)
+    {
+        const auto textOf = [](const ResultLine& line) { return line.value.is_string() ? line.value.get<std::string>() : line.value.dump(); };
+        console.out << base::join(lines, ",", [](const ResultLine& line) { return std::string(line.key); }) << '\n'
+                    << base::join(lines, ",", textOf) << '\n';
+    }
     return ExitCode::kSuccess;
 }
 

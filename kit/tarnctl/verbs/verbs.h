@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,10 +35,11 @@ public:
     {
     }
 
-    // The verbs that follow are under this heading in the help.
-    void group(const char* heading)
+    // The verbs that follow are under this heading in the help, and write CSV if they are asked for it, or cannot.
+    void group(const char* heading, bool writesCsv)
     {
         group_ = heading;
+        writesCsv_ = writesCsv;
     }
 
     // Adds a verb. `declare` gives it its arguments and its help; the parser writes what is given into the options, and
@@ -110,6 +112,8 @@ private:
     CLI::App& parser_;
     const Console& console_;
     std::string group_;
+    bool writesCsv_ = false;
+    std::set<std::string> csvVerbs_;
     std::map<std::string, Verb> verbs_;
 };
 
