@@ -8,6 +8,7 @@ void addBandwidth(Verbs& verbs)
 {
     addRadioSetting(verbs,
                     {"bandwidth",
+                     "bandwidth-change",
                      "bandwidth",
                      "MHZ",
                      "The bandwidth to set, in the unit that the list shows",

@@ -8,6 +8,7 @@ void addChannel(Verbs& verbs)
 {
     addRadioSetting(verbs,
                     {"channel",
+                     "channel-change",
                      "channel",
                      "NUMBER",
                      "The channel to set, or auto",

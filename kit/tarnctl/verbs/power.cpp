@@ -26,6 +26,7 @@ void addPower(Verbs& verbs)
 {
     addRadioSetting(verbs,
                     {"power",
+                     "power-change",
                      "transmitPower",
                      "LEVEL",
                      "The level to set, in the unit that the list shows",

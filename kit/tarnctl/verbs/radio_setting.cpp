@@ -46,7 +46,7 @@ ExitCode change(const Console& console, const RadioSetting& setting, const Setti
     const Report report =
         setField("TarnSetRadioCfg", radio.asRadio(), std::string("cfg.") + field, isAutomatic ? "on" : *options.value);
     const Fields after = survey.ask("TarnGetRadio", radio.asRadio());
-    return writeChanges(console, setting.name, survey,
+    return writeChanges(console, setting.changeKind, survey,
                         {{radio.title(), setting.name, radio.data[setting.field], after[setting.field], report}});
 }
 

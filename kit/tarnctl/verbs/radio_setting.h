@@ -9,15 +9,15 @@ namespace tarn::ctl
 
 struct RadioSetting
 {
-    const char* name;    // of the verb, and of what it changes
-    const char* field;   // of TarnRadioData and TarnRadioCfg
-    const char* value;   // "NUMBER", as the help has it
-    const char* meaning; // of the value
+    const char* name;       // of the verb, and of what it changes
+    const char* changeKind; // of the document that says what has changed
+    const char* field;      // of TarnRadioData and TarnRadioCfg
+    const char* value;      // "NUMBER", as the help has it
+    const char* meaning;    // of the value
     const char* footer;
     std::vector<Column> columns;
     void (*complete)(Survey& survey, const Radio& radio, Fields& row) = nullptr; // what the radio's record does not tell
-    // What is set for a value that is no number: field and value; none for all but the usual.
-    const char* automaticField = nullptr; // switched on by "auto"
+    const char* automaticField = nullptr;                                        // switched on by "auto", if there is one
 };
 
 void addRadioSetting(Verbs& verbs, const RadioSetting& setting, const char* description);

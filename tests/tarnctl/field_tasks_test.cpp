@@ -1,0 +1,291 @@
+// Everyday tasks in the field, each one command against the simulated gateway: it succeeds, says what was asked for, and shows no
+// hexadecimal.
+#include "support.h"
+
+#include <regex>
+
+namespace tarnctl_test
+{
+
+namespace
+{
+
+struct Task
+{
+    const char* name;
+    Words words;
+    Words shows;
+};
+
+// In this order, on one gateway.
+const std::vector<Task>& tasks()
+{
+    static const std::vector<Task> kTasks = {
+        {"an overview", {"status"}, {"5.3.1-sim", "5GHz", "2.4GHz", "80 MHz", "58 C", "guests", "wlan0"}},
+        {"the radios", {"radios"}, {"radio0", "5GHz", "yes", "11ac", "eu", "1.9.0-sim"}},
+        {"channels of all radios", {"channel"}, {"radio0  5GHz         36", "radio1  2.4GHz        6", "100 104"}},
+        {"widths of all radios", {"bandwidth"}, {"radio0", "80 MHz", "radio1", "20 MHz"}},
+        {"powers of all radios", {"power"}, {"radio0", "100 %", "23 dBm", "100,75,50,25,12"}},
+        {"the networks", {"ssids"}, {"wifi0", "home", "02:00:00:00:00:11", "guests", "wpa2"}},
+        {"set a channel", {"channel", "wifi0", "44"}, {"radio 1 (radio0): channel 36 -> 44 (the gateway answered DONE)\n"}},
+        {"let a radio choose", {"channel", "2", "auto"}, {"radio 2 (radio1): channel 6 -> "}},
+        {"set a width", {"bandwidth", "radio0", "40"}, {"radio 1 (radio0): bandwidth 80 MHz -> 40 MHz"}},
+        {"set a power", {"power", "1", "50"}, {"radio 1 (radio0): power 100 % -> 50 %"}},
+        {"scan sorted by signal", {"scan", "--wait", "--sort", "signal"}, {"upstairs", "(hidden)", "-66 dBm", "wpa3"}},
+        {"the channels in a picture", {"scan", "--last", "--chart"}, {"2.4 GHz", "5 GHz", "::::::::", "====", "own"}},
+        {"stations with signal and rate", {"stations", "--sort", "signal"}, {"02:00:00:00:01:01  -48 dBm  1300 Mbit/s"}},
+        {"send a station away", {"kick", "02:00:00:00:01:04"}, {"wifi1: 02:00:00:00:01:04 removed from the stations"}},
+        {"add to a filter", {"filter", "add", "wifi1", "02:00:00:00:01:04"}, {"02:00:00:00:01:04 added to the filter, mode off"}},
+        {"set a filter's mode", {"filter", "mode", "wifi1", "deny"}, {"wifi1: filter mode off -> deny"}},
+        {"the filters", {"filter", "list"}, {"wifi1      guests  deny  02:00:00:00:01:04"}},
+        {"remove from a filter", {"filter", "remove", "1.2", "02-00-00-00-01-04"}, {"wifi1: 02:00:00:00:01:04 removed from"}},
+        {"open WPS", {"wps", "open", "wifi0"}, {"wifi0: WPS window neverOpened -> open"}},
+        {"the WPS windows", {"wps", "status"}, {"open", "button", "120 s"}},
+        {"cancel WPS", {"wps", "cancel", "wifi0"}, {"wifi0: WPS window open -> cancelled"}},
+        {"open WPS by PIN", {"wps", "open", "wlan0", "--pin", "12345670"}, {"wlan0: WPS window neverOpened -> open"}},
+        {"security", {"security"}, {"wpa2", "psk", "aes", "capable", "(hidden)", "3600 s"}},
+        {"temperatures", {"temperature"}, {"radio 1 (radio0)", "58 C", "module, baseband", "63 C"}},
+        {"versions", {"versions"}, {"module firmware", "5.3.1-sim", "Smart WiFi daemon", "3.1.4-sim"}},
+        {"radar checks", {"dfs"}, {"radio0", "idle", "stopped", "52  notChecked", "36  available"}},
+        {"counters", {"counters"}, {"wifi0", "kB", "tx packets"}},
+        {"counters over time", {"counters", "--watch", "0.2", "--count", "2"}, {"wifi0", "bit/s", " /s"}},
+        {"a boot parameter", {"boot", "get", "serial"}, {"serial  SIM0000001"}},
+        {"set a boot parameter", {"boot", "set", "wifi0", "greeting", "hello"}, {"wifi0: greeting set to hello"}},
+        {"Smart WiFi networks", {"smart-wifi", "bss"}, {"02:00:00:00:00:20", "wlan0", "yes"}},
+        {"Smart WiFi stations", {"smart-wifi", "stations"}, {"02:00:00:00:01:05", "-58 dBm"}},
+        {"Smart WiFi history", {"smart-wifi", "history"}, {"associated", "02:00:00:00:01:05 has come to wlan0"}},
+        {"the mirror", {"mirror", "on"}, {"mirror status: 1"}},
+    };
+    return kTasks;
+}
+
+// Hexadecimal as the tools write it: 0x..., or many digits without anything between them. An address is none.
+bool hasHexadecimal(const std::string& text)
+{
+    return std::regex_search(text, std::regex("0x[0-9A-Fa-f]|\\b[0-9a-f]{12,}\\b"));
+}
+
+class FieldTasksTest : public TarnctlTest
+{
+protected:
+    void SetUp() override
+    {
+        TarnctlTest::SetUp();
+        gateway_ = std::make_unique<Program>(Words(), TARN_GATEWAY_PROGRAM);
+        ASSERT_EQ(gateway_->nextLine().rfind("ready", 0), 0u);
+    }
+
+private:
+    std::unique_ptr<Program> gateway_;
+};
+
+TEST_F(FieldTasksTest, EachIsOneCommand)
+{
+    for (const Task& task : tasks())
+    {
+        SCOPED_TRACE(task.name);
+        const Ran ran = run(task.words);
+        EXPECT_EQ(ran.exit, 0) << ran.err;
+        for (const std::string& text : task.shows)
+            EXPECT_NE(ran.out.find(text), std::string::npos) << "expected " << text << " in\n" << ran.out;
+        EXPECT_FALSE(hasHexadecimal(ran.out)) << ran.out;
+    }
+}
+
+TEST_F(FieldTasksTest, EachHasADocumentThatTheSchemaAllows)
+{
+    for (const Task& task : tasks())
+    {
+        SCOPED_TRACE(task.name);
+        Words words = task.words;
+        for (const char* picture : {"--chart", "--watch", "0.2", "--count", "2"})
+            words.erase(std::remove(words.begin(), words.end(), picture), words.end());
+        if (task.words.front() == std::string("channel") && task.words.size() == 3)
+            words = task.words; // whose 2 is a radio
+        EXPECT_EQ(runJson(words).exit, 0);
+    }
+}
+
+TEST_F(FieldTasksTest, AShellLoopOverJson)
+{
+    const std::string loop = "for name in $(" EMULATOR " " TARNCTL_PROGRAM " --json ssids | "
+                             "sed -n 's/.*\"interface\": \"\\(.*\\)\".*/\\1/p'); do echo \"$name is there\"; done";
+    EXPECT_EQ(shellOutput(loop), "wifi0 is there\nwifi1 is there\nwlan0 is there\n");
+}
+
+TEST_F(FieldTasksTest, WatchedJsonIsOneDocumentALine)
+{
+    Program program({"stations", "wifi0", "--sort", "signal", "--watch", "0.1", "--count", "3", "--json"});
+    for (std::size_t i = 1; i <= 3; ++i)
+    {
+        const Json document = checkedDocument(program.nextLine());
+        ASSERT_EQ(document.at("stations").size(), 3u);
+        EXPECT_EQ(document.at("stations")[0].at("signal"), -48);
+        EXPECT_EQ(document.at("stations")[0].at("history").size(), i);
+        EXPECT_EQ(document.at("units").at("signal"), "dBm");
+        EXPECT_EQ(document.at("layout").at("name"), "tarn-gateway");
+    }
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST_F(FieldTasksTest, RatesAreWhatCameASecond)
+{
+    Program program({"counters", "wifi0", "--watch", "0.5", "--count", "1", "--json"});
+    const Json document = checkedDocument(program.nextLine());
+    EXPECT_EQ(document.at("kind"), "rates");
+    const Json& interface = document.at("interfaces").at(0);
+    EXPECT_GT(interface.at("tx_packets_per_second"), 60.0); // the scenario's stations make 120
+    EXPECT_LT(interface.at("tx_packets_per_second"), 240.0);
+    EXPECT_EQ(document.at("units").at("tx_bits_per_second"), "bit/s");
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST_F(FieldTasksTest, CsvHasAHeaderAndARowEach)
+{
+    EXPECT_EQ(run({"channel", "2", "--format", "csv"}).out,
+              "id,name,band,channel,bandwidth,secondary_channel,automatic,automatic_name,possible_channels\n"
+              "2,radio1,2.4GHz,6,20,10,0,off,1 2 3 4 5 6 7 8 9 10 11 12 13\n");
+    const Ran watched = run({"counters", "wlan0", "--watch", "0.1", "--count", "3", "--format", "csv"});
+    EXPECT_EQ(std::count(watched.out.begin(), watched.out.end(), '\n'), 4);
+}
+
+TEST_F(FieldTasksTest, SecretsAreShownOnlyWhenAskedFor)
+{
+    EXPECT_EQ(run({"security"}).out.find("correct horse"), std::string::npos);
+    EXPECT_TRUE(runJson({"security"}).document.at("security")[0].at("passphrase").is_null());
+    EXPECT_NE(run({"security", "--secrets"}).out.find("correct horse"), std::string::npos);
+    EXPECT_EQ(runJson({"security", "--secrets"}).document.at("security")[0].at("passphrase"), "correct horse");
+}
+
+TEST_F(FieldTasksTest, RadiosAndInterfacesGoByIdAndByName)
+{
+    for (const Words& words : {Words{"channel", "1"}, Words{"channel", "radio0"}, Words{"channel", "wifi1"},
+                               Words{"channel", "1.2"}})
+        EXPECT_EQ(runJson(words).document.at("radios").at(0).at("id"), 1) << words.back();
+    EXPECT_EQ(runJson({"ssids", "2", "wifi1"}).document.at("ssids").size(), 2u);
+    EXPECT_EQ(runJson({"filter", "mode", "radio1"}).document.at("filters").at(0).at("interface"), "wlan0");
+}
+
+TEST_F(FieldTasksTest, AnUnknownRadioOrInterfaceIsNamedWithThoseThereAre)
+{
+    for (const Words& words : {Words{"channel", "wifi9"}, Words{"ssids", "wifi9"}, Words{"stations", "wifi9"}, Words{"dfs", "wifi9"},
+                               Words{"scan", "wifi9"}, Words{"security", "wifi9"}, Words{"filter", "list", "wifi9"},
+                               Words{"wps", "open", "wifi9"}, Words{"counters", "wifi9"}, Words{"power", "wifi9", "50"}})
+    {
+        SCOPED_TRACE(words.front());
+        const Ran ran = run(words);
+        EXPECT_EQ(ran.exit, 2);
+        EXPECT_EQ(ran.out, "");
+        EXPECT_EQ(ran.err, "tarnctl: the gateway has no radio \"wifi9\"; expected one of 1, radio0, wifi0, wifi1, 2, radio1, wlan0\n"
+                           "Did you mean wifi0 or wifi1?\n");
+    }
+}
+
+TEST_F(FieldTasksTest, WhatTheGatewayRefusesIsExplainedByTheStatusName)
+{
+    const Ran ran = run({"channel", "radio0", "37"});
+    EXPECT_EQ(ran.exit, 7);
+    EXPECT_EQ(ran.out, "");
+    EXPECT_NE(ran.err.find("answered TarnSetRadioCfg with status 17 (INVALID_VALUE"), std::string::npos) << ran.err;
+    EXPECT_NE(run({"wps", "cancel", "wifi0"}).err.find("NOT_THERE"), std::string::npos);
+    EXPECT_NE(run({"filter", "remove", "wifi0", "02:00:00:00:01:01"}).err.find("NOT_THERE"), std::string::npos);
+    EXPECT_NE(run({"boot", "get", "nothing"}).err.find("-206"), std::string::npos);
+}
+
+TEST_F(FieldTasksTest, BadInputIsRefusedWithWhatWasExpected)
+{
+    struct Bad
+    {
+        Words words;
+        const char* error;
+    };
+    const std::vector<Bad> kBad = {
+        {{"channel", "1", "high"}, "channel: "},
+        {{"channel", "1", "44", "--watch", "1"}, "channel: expected a value or --watch, not both"},
+        {{"stations", "--sort", "signl"}, "--sort: there is no column \"signl\"; expected one of interface, address, signal"},
+        {{"stations", "--watch", "0"}, "--watch: "},
+        {{"stations", "--count", "2"}, "--count: expected --watch SECONDS beside it"},
+        {{"scan", "--wait", "--last"}, "scan: expected --wait or --last, not both"},
+        {{"scan", "--chart", "--format", "csv"}, "--chart: expected --format table"},
+        {{"filter", "ad"}, "filter: expected one of list, add, remove, mode; got \"ad\""},
+        {{"filter", "add", "wifi0"}, "filter add: expected an interface and one address or more"},
+        {{"filter", "add", "wifi0", "02:00"}, "expected a MAC address, such as 02:00:00:00:01:05; got \"02:00\""},
+        {{"filter", "mode"}, "filter mode: expected an interface"},
+        {{"filter", "mode", "wifi0", "denny"}, "denny"},
+        {{"filter", "add", "1", "02:00:00:00:01:05"}, "radio 1 (radio0) has more than one interface; expected one of wifi0, wifi1"},
+        {{"kick", "somebody"}, "expected a MAC address"},
+        {{"wps", "open"}, "wps open: expected one interface"},
+        {{"wps", "open", "wifi0", "--pin", "12345671"}, "--pin: "},
+        {{"wps", "cancel", "wifi0", "--pin", "12345670"}, "--pin: expected only with wps open"},
+        {{"boot", "get"}, "boot get: expected one name or more"},
+        {{"boot", "set", "wifi0"}, "boot set: expected an interface, a name and a value"},
+        {{"smart-wifi", "bbs"}, "smart-wifi: expected one of bss, stations, history; got \"bbs\""},
+        {{"status", "--format", "csv"}, "--format csv: status shows more than one table; expected table or json"},
+        {{"list", "--format", "csv"}, "--format csv: list has no table; expected --format json"},
+        {{"help", "scna"}, "there is no command \"scna\""},
+    };
+    for (const Bad& bad : kBad)
+    {
+        SCOPED_TRACE(::testing::PrintToString(bad.words));
+        const Ran ran = run(bad.words);
+        EXPECT_EQ(ran.exit, 2);
+        EXPECT_EQ(ran.out, "");
+        EXPECT_NE(ran.err.find(bad.error), std::string::npos) << ran.err;
+    }
+}
+
+TEST_F(FieldTasksTest, NobodyIsSentAwayIfOneIsNotThere)
+{
+    const Ran ran = run({"kick", "02:00:00:00:01:01", "02:00:00:00:01:99"});
+    EXPECT_EQ(ran.exit, 1);
+    EXPECT_NE(ran.err.find("no access point has a station 02:00:00:00:01:99"), std::string::npos) << ran.err;
+    EXPECT_EQ(runJson({"stations", "wifi0"}).document.at("stations").size(), 3u);
+}
+
+TEST_F(FieldTasksTest, WithoutALayoutTheySayWhatTheyNeed)
+{
+    for (const char* verb : {"status", "ssids", "stations", "scan", "channel", "bandwidth", "power", "security", "dfs", "counters"})
+    {
+        const Ran ran = run({verb, "--layout", ""});
+        EXPECT_EQ(ran.exit, 2) << verb;
+        EXPECT_EQ(ran.out, "") << verb;
+        EXPECT_NE(ran.err.find(std::string(verb) + " needs to know what is inside the gateway's records; expected a layout by "
+                                                   "--layout FILE, TARN_LAYOUT"),
+                  std::string::npos)
+            << ran.err;
+    }
+    for (const char* verb : {"radios", "temperature", "versions"}) // for which words are enough
+        EXPECT_EQ(run({verb, "--layout", ""}).exit, 0) << verb;
+}
+
+TEST_F(FieldTasksTest, AnInterfaceMayBeGivenByEitherNameOfTheArgument)
+{
+    EXPECT_EQ(run({"call", "tarn_qcsapi_wifi_get_channel", "ifname=wifi0"}).exit, 0);
+    EXPECT_EQ(run({"call", "tarn_qcsapi_wifi_get_phy_mode", "intf_name=wifi0"}).exit, 0);
+    EXPECT_EQ(run({"call", "tarn_qcsapi_wifi_get_channel", "ifname=wifi0", "intf_name=wifi0"}).exit, 2);
+}
+
+class NoGatewayTest : public TarnctlTest
+{
+};
+
+TEST_F(NoGatewayTest, IsSaidByEveryVerb)
+{
+    setenv("TARN_LAYOUT", TARN_GATEWAY_LAYOUT, 1);
+    for (const Words& words :
+         {Words{"status"}, Words{"radios"}, Words{"ssids"}, Words{"stations"}, Words{"scan"}, Words{"channel"}, Words{"security"},
+          Words{"filter", "list"}, Words{"kick", "02:00:00:00:01:01"}, Words{"wps", "status"}, Words{"dfs"}, Words{"counters"},
+          Words{"boot", "get", "serial"}, Words{"smart-wifi", "bss"}, Words{"temperature"}, Words{"versions"}})
+    {
+        SCOPED_TRACE(words.front());
+        const RanJson ran = runJson(words);
+        EXPECT_EQ(ran.exit, 4);
+        EXPECT_EQ(ran.document.at("exit"), 4);
+        EXPECT_NE(ran.err.find("no service "), std::string::npos) << ran.err;
+    }
+    unsetenv("TARN_LAYOUT");
+}
+
+} // namespace
+
+} // namespace tarnctl_test
