@@ -62,6 +62,7 @@ void addVerbs(Verbs& verbs)
     addMirror(verbs);
     addTelnet(verbs);
     addLogLevel(verbs);
+    addIpc(verbs);
     verbs.group("Every function", false);
     addList(verbs);
     addDescribe(verbs);
@@ -70,7 +71,6 @@ void addVerbs(Verbs& verbs)
     addLayout(verbs);
     verbs.group("This program", false);
     addPublish(verbs);
-    addIpc(verbs);
     addCompletion(verbs);
     addHelp(verbs);
 }

@@ -180,26 +180,36 @@ void Page::value(const char* key, Cell cell)
 
 ExitCode Page::write(const Console& console, const Survey& survey) const
 {
+    write(console, survey.notes(), layoutInUse());
+    return survey.exitCode();
+}
+
+void Page::write(const Console& console, const std::vector<std::string>& notes) const
+{
+    write(console, notes, nullptr);
+}
+
+void Page::write(const Console& console, const std::vector<std::string>& notes, const LayoutInUse* inUse) const
+{
     if (console.csv && std::count_if(lists_.begin(), lists_.end(), isInCsv) > 1)
         throw UsageError("--format csv: " + std::string(kind_) + " shows more than one table; expected table or json");
     if (console.json)
-        writeDocument(console, survey);
+        writeDocument(console, notes, inUse);
     else if (console.csv)
         writeCsv(console);
     else
         writeTables(console);
-    if (const LayoutInUse* const inUse = layoutInUse(); inUse != nullptr && !console.json && !console.repeats)
+    if (inUse != nullptr && !console.json && !console.repeats)
         console.remark("by the layout " + inUse->layout.title());
-    for (const std::string& note : survey.notes())
+    for (const std::string& note : notes)
         console.remark(note);
-    return survey.exitCode();
 }
 
-void Page::writeDocument(const Console& console, const Survey& survey) const
+void Page::writeDocument(const Console& console, const std::vector<std::string>& notes, const LayoutInUse* inUse) const
 {
     Json document = Console::document(kind_);
     document["time"] = base::Timestamp().text;
-    document["layout"] = layoutDocument(layoutInUse());
+    document["layout"] = layoutDocument(inUse);
     Json units = Json::object();
     for (const auto& [key, cell] : values_.all())
     {
@@ -217,7 +227,7 @@ void Page::writeDocument(const Console& console, const Survey& survey) const
         addUnits(units, list);
     }
     document["units"] = units;
-    document["notes"] = survey.notes();
+    document["notes"] = notes;
     console.write(document);
 }
 

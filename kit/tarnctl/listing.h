@@ -21,6 +21,8 @@
 namespace tarn::ctl
 {
 
+struct LayoutInUse;
+
 using ToneOf = Tone (*)(const Cell& cell);
 
 struct Column
@@ -61,9 +63,12 @@ public:
 
     // Returns the survey's exit code. Throws UsageError if CSV is asked for and the page has more than one list for it.
     ExitCode write(const Console& console, const Survey& survey) const;
+    // The same for what was not decoded, so that no layout is named.
+    void write(const Console& console, const std::vector<std::string>& notes) const;
 
 private:
-    void writeDocument(const Console& console, const Survey& survey) const;
+    void write(const Console& console, const std::vector<std::string>& notes, const LayoutInUse* inUse) const;
+    void writeDocument(const Console& console, const std::vector<std::string>& notes, const LayoutInUse* inUse) const;
     void writeTables(const Console& console) const;
     void writeCsv(const Console& console) const;
 

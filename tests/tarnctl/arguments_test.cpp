@@ -283,11 +283,14 @@ TEST_F(ArgumentsTest, Savings)
     expectUsageError({"call", "TarnGetRadio", "radioId=1", "--save", "data"}, "expected argument=value; got \"data\"");
 }
 
+const std::string kCommands = "status, radios, ssids, stations, scan, channel, bandwidth, power, security, filter, kick, wps, dfs, "
+                              "counters, boot, smart-wifi, temperature, versions, firmware, mirror, telnet, log-level, ipc, list, "
+                              "describe, call, events, layout, publish, completion, help";
+
 TEST_F(ArgumentsTest, CommandsAndOptions)
 {
     const std::string unknown =
-        "there is no command \"lst\"; expected one of list, describe, call, events, log-level, radios, firmware, "
-        "mirror, telnet, layout, publish, ipc, completion";
+        "there is no command \"lst\"; expected one of " + kCommands;
     expectUsageError({"lst"}, unknown, "list");
     expectUsageError({"--directory", "call", "lst", "--more"}, unknown, "list");
     expectUsageError({"--directory=call", "lst"}, unknown, "list");
@@ -323,8 +326,7 @@ TEST_F(ArgumentsTest, OptionsThatDoNotExistAreNamed)
 
 TEST_F(ArgumentsTest, CommandsThatDoNotExistAreNamed)
 {
-    const std::string expected = "; expected one of list, describe, call, events, log-level, radios, firmware, mirror, telnet, "
-                                 "layout, publish, ipc, completion";
+    const std::string expected = "; expected one of " + kCommands;
     expectUsageError({"evnts"}, "there is no command \"evnts\"" + expected, "events");
     expectUsageError({"raidos"}, "there is no command \"raidos\"" + expected, "radios");
     expectUsageError({"lst", "list"}, "there is no command \"lst\"" + expected, "list");

@@ -242,7 +242,7 @@ TEST_F(CallTest, TimeOut)
     EXPECT_EQ(ran.exit, 5);
     EXPECT_EQ(ran.document.at("outcome"), "timed-out");
     EXPECT_EQ(ran.document.at("result"), 2);
-    EXPECT_EQ(ran.err, "tarnctl: service TARN did not reply within a wait of 3: TIMEOUT (IPC status 7; result 2)\n");
+    EXPECT_EQ(ran.err, "tarnctl: service TARN did not reply within 3 s: TIMEOUT (IPC status 7; result 2)\n");
 }
 
 TEST_F(CallTest, OtherIpcFailures)

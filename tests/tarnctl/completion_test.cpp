@@ -52,7 +52,7 @@ TEST_F(CompletionTest, TheScriptIsSound)
 TEST_F(CompletionTest, Commands)
 {
     EXPECT_EQ(offered("tarnctl l"), (Offers{"layout", "list", "log-level"}));
-    EXPECT_EQ(offered("tarnctl ''").size(), 13u);
+    EXPECT_EQ(offered("tarnctl ''").size(), 31u);
     EXPECT_EQ(offered("tarnctl --json tel"), Offers{"telnet"});
     EXPECT_EQ(offered("tarnctl --directory call ra"), Offers{"radios"}) << "the word behind --directory is its value";
 }
@@ -85,7 +85,7 @@ TEST_F(CompletionTest, Arguments)
 TEST_F(CompletionTest, OptionsAndWords)
 {
     EXPECT_EQ(offered("tarnctl call --d"), (Offers{"--dry-run", "--directory"}));
-    EXPECT_EQ(offered("tarnctl events --co"), Offers{"--count"});
+    EXPECT_EQ(offered("tarnctl events --cou"), Offers{"--count"});
     EXPECT_EQ(offered("tarnctl events --count ''"), Offers{});
     EXPECT_EQ(offered("tarnctl events ''").size(), 5u);
     EXPECT_EQ(offered("tarnctl publish EVT_AP_A"), Offers{"EVT_AP_ASSOCIATED_CHANGED"});

@@ -144,7 +144,7 @@ TEST_F(DescribeTest, OneInFull)
                   "\n"
                   "service       QTN_RPC_PROXY\n"
                   "command       106\n"
-                  "wait          3\n"
+                  "wait          3 s\n"
                   "length        9376\n"
                   "reply status  at offset 9372\n"
                   "result        the reply status; -1 for a refused argument, -1 for a failed IPC call, -1 for a time-out\n"

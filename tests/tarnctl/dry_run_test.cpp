@@ -258,7 +258,7 @@ TEST_F(DryRunTest, TheLibrarysChecksAreMade)
 TEST_F(DryRunTest, TheTextNamesFieldsAndMeanings)
 {
     const Ran ran = run({"call", "tarn_qcsapi_radio_rfenable", "ifname=wifi0", "value=2", "--dry-run", "--caller", "button"});
-    EXPECT_EQ(ran.out.substr(0, ran.out.find('\n')), "service QTN_RPC_PROXY, command 13, wait 5, length 9376, " +
+    EXPECT_EQ(ran.out.substr(0, ran.out.find('\n')), "service QTN_RPC_PROXY, command 13, wait 5 s, length 9376, " +
                                                          std::string(tarn::base::kByteOrder) + " endian, caller \"button\"");
     EXPECT_NE(ran.out.find("ifname          \"wifi0\""), std::string::npos) << ran.out;
     EXPECT_NE(ran.out.find("the service's to fill"), std::string::npos);

@@ -3,6 +3,7 @@
 #include "base/timestamp.h"
 #include "kor_iil_service.h"
 #include "tarn_frame.h"
+#include "tarnctl/listing.h"
 #include "tarnctl/verbs/verbs.h"
 
 #include <algorithm>
@@ -55,36 +56,24 @@ std::string timeText(std::uint64_t seconds)
     return base::Timestamp(time).text;
 }
 
-struct ServiceList
+struct IpcOptions
 {
-    Table table;
-    Json documents = Json::array();
-    std::vector<std::string> notes;
-    ExitCode exit = ExitCode::kSuccess;
+    WatchOptions watch;
 };
 
-void addService(ServiceList& list, const std::string& name)
+void declare(Syntax& syntax, IpcOptions& options)
 {
-    KorIilServiceCounters counters = {};
-    const std::uint32_t status = KorIilAskCounters(name.c_str(), kWait, &counters);
-    if (status == KOR_IIL_UNKNOWN_DST_ID)
-        return;
-    if (status != KOR_IIL_OK)
-    {
-        list.notes.push_back("service " + name + " cannot be asked: " + tarnIpcStatusName(status) + " (IPC status " +
-                             std::to_string(status) + ")");
-        list.exit = exitCodeOf(outcomeOf(status));
-        return;
-    }
-    std::vector<std::string> cells = {name, timeText(counters.openedAt)};
-    Json document = {{"service", name}, {"since", cells.back()}};
+    declareWatch(syntax, options.watch);
+}
+
+Fields rowOf(const std::string& name, const KorIilServiceCounters& counters)
+{
+    Fields row;
+    row.set("service", textCell(name));
+    row.set("since", textCell(timeText(counters.openedAt)));
     for (const CounterColumn& column : kCounterColumns)
-    {
-        document[column.key] = counters.*column.counter;
-        cells.push_back(std::to_string(counters.*column.counter));
-    }
-    list.table.add(std::move(cells));
-    list.documents.push_back(std::move(document));
+        row.set(column.key, numberCell(static_cast<std::int64_t>(counters.*column.counter)));
+    return row;
 }
 
 ExitCode ipc(const Console& console)
@@ -92,35 +81,38 @@ ExitCode ipc(const Console& console)
     if (KorIilAskCounters == nullptr)
         return console.fail(ExitCode::kIpcFailed, "the platform's IPC library does not count");
 
-    ServiceList list;
-    std::vector<std::string> titles = {"service", "since"};
+    std::vector<Column> columns = {{"service", "service", &strong}, {"since", "since"}};
     for (const CounterColumn& column : kCounterColumns)
-        titles.emplace_back(column.key);
-    list.table.add(std::move(titles));
+        columns.push_back({column.key, column.key});
+    Page page("ipc");
+    Listing& services = page.list("services", std::move(columns));
+    std::vector<std::string> notes;
+    ExitCode exit = ExitCode::kSuccess;
     for (const std::string& name : serviceNames(runtimeDirectory()))
-        addService(list, name);
-    if (list.documents.empty() && list.notes.empty())
-        return console.fail(ExitCode::kNoService, "no service is running" + inRuntimeDirectory());
-
-    if (console.json)
     {
-        Json document = Console::document("ipc");
-        document["services"] = list.documents;
-        document["notes"] = list.notes;
-        console.write(document);
+        KorIilServiceCounters counters = {};
+        const std::uint32_t status = KorIilAskCounters(name.c_str(), kWait, &counters);
+        if (status == KOR_IIL_OK)
+            services.rows.push_back(rowOf(name, counters));
+        else if (status != KOR_IIL_UNKNOWN_DST_ID)
+        {
+            notes.push_back("service " + name + " cannot be asked: " + tarnIpcStatusName(status) + " (IPC status " +
+                            std::to_string(status) + ")");
+            exit = exitCodeOf(outcomeOf(status));
+        }
     }
-    else
-        list.table.write(console.out);
-    for (const std::string& note : list.notes)
-        console.remark(note);
-    return list.exit;
+    if (services.rows.empty() && notes.empty())
+        return console.fail(ExitCode::kNoService, "no service is running" + inRuntimeDirectory());
+    page.write(console, notes);
+    return exit;
 }
 
 } // namespace
 
 void addIpc(Verbs& verbs)
 {
-    verbs.add("ipc", "Shows the services that are running, and what they have counted", &ipc);
+    const auto act = [](const Console& console, const IpcOptions& options) { return watch(console, options.watch, &ipc); };
+    verbs.add("ipc", "Shows the services that are running, and what they have counted", &declare, act);
 }
 
 } // namespace tarn::ctl

@@ -183,9 +183,9 @@ void addVersions(Verbs& verbs);
 void addFirmware(Verbs& verbs);
 void addMirror(Verbs& verbs);
 void addTelnet(Verbs& verbs);
+void addIpc(Verbs& verbs);
 void addLayout(Verbs& verbs);
 void addPublish(Verbs& verbs);
-void addIpc(Verbs& verbs);
 void addCompletion(Verbs& verbs);
 void addHelp(Verbs& verbs);
 
