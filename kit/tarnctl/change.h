@@ -13,11 +13,11 @@ namespace tarn::ctl
 
 struct Change
 {
-    std::string object;  // "radio 1 (radio0)", "wifi0"
-    std::string setting; // "channel", "filter"
-    Cell before;         // not known if nobody can say, and of a new entry of a list
-    Cell after;          // not known of an entry that was removed
-    Report report;       // of the call that did it
+    std::string object;   // "radio 1 (radio0)", "wifi0"
+    std::string setting;  // "channel", "filter"
+    Cell before;          // not known if nobody can say, and of a new entry of a list
+    Cell after;           // not known of an entry that was removed
+    Report report;        // of the call that did it
     bool isEntry = false; // `setting` is a list
 };
 

@@ -75,10 +75,20 @@ void addVerbs(Verbs& verbs)
     addHelp(verbs);
 }
 
-void addChoice(CLI::App& parser, const char* name, const std::vector<std::string>& words, const char* description,
-               const std::function<void(const std::string&)>& choose)
+CLI::Option* addChoice(CLI::App& parser, const char* name, const std::vector<std::string>& words, const char* description,
+                       const std::function<void(const std::string&)>& choose)
 {
-    parser.add_option_function<std::string>(name, choose, description)->check(CLI::IsMember(words))->type_name("WHICH");
+    return parser.add_option_function<std::string>(name, choose, description)->check(CLI::IsMember(words))->type_name("WHICH");
+}
+
+// For errors, which the parser may have found before it came to this.
+bool asksForJson(const std::vector<std::string>& arguments)
+{
+    for (auto word = arguments.begin(); word != arguments.end(); ++word)
+        if (*word == "--json" || *word == "--format=json" ||
+            (*word == "--format" && word + 1 != arguments.end() && *(word + 1) == "json"))
+            return true;
+    return false;
 }
 
 // Names the first unknown option or verb: the parser reports only the last consequence of one, for instance that a verb is
@@ -148,8 +158,7 @@ catch (const CLI::Success& request) // for help, or the version
 }
 catch (const CLI::ParseError& error)
 {
-    console.json =
-        std::find(arguments.begin(), arguments.end(), "--json") != arguments.end(); // which the parser may not have reached
+    console.json = asksForJson(arguments);
     return console.fail(usageError(parser, error, arguments));
 }
 catch (const UsageError& error)
@@ -176,20 +185,25 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     console.terminal = terminal;
     console.colours = terminal.showsResults && terminal.obeysColours;
     CommonOptions options;
-    CLI::App parser("Calls every function of the Wi-Fi client library by its name, and watches events.", "tarnctl");
+    CLI::App parser("Shows and sets what a gateway's Wi-Fi does, and calls every function of its client library by its name.",
+                    "tarnctl");
     parser.fallthrough(); // these options are also allowed after a verb
     addText(parser, "--layout", options.layout,
             "Layout file that says what is inside records; else TARN_LAYOUT, the simulated gateway's, /etc/tarn/layout.json")
         ->type_name("FILE");
-    parser.add_flag("--json", console.json, "Write JSON documents (schema tarnctl/1), as --format json does");
+    CLI::Option* const json =
+        parser.add_flag("--json", console.json, "Write JSON documents (schema tarnctl/1), as --format json does");
     addChoice(parser, "--format", {"table", "csv", "json"}, "How results are written",
               [&console](const std::string& format)
               {
                   console.json = format == "json";
                   console.csv = format == "csv";
-              });
-    addChoice(parser, "--color", {"auto", "always", "never"}, "Whether tables are coloured; auto: on a terminal, unless NO_COLOR is set",
-              [&console](const std::string& when) { console.colours = when == "always" || (when == "auto" && console.colours); });
+              })
+        ->excludes(json);
+    addChoice(parser, "--color", {"auto", "always", "never"},
+              "Whether tables are coloured; auto: on a terminal, unless NO_COLOR is set",
+              [&console](const std::string& when)
+              { console.colours = when == "always" || (when == "auto" && console.colours); });
     parser.add_option("--directory", options.directory, "Directory of the services' sockets, instead of KORIIL_DIR");
     parser.set_version_flag("--version", "tarnctl " TARNCTL_VERSION);
     parser.require_subcommand(1);

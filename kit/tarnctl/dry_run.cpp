@@ -162,8 +162,8 @@ void addFieldRows(Table& table, const Bytes& message, const MessageField& input,
 
 void writeText(const Console& console, const Report& report, const Request& request)
 {
-    console.out << "service " << request.service << ", command " << request.command << ", wait " << request.wait << " s, length "
-                << request.message.size() << ", " << base::kByteOrder << " endian, caller "
+    console.out << "service " << request.service << ", command " << request.command << ", wait " << request.wait
+                << " s, length " << request.message.size() << ", " << base::kByteOrder << " endian, caller "
                 << inQuotes(report.callerId.value_or("")) << "\n\n";
 
     Table table;

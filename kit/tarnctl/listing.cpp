@@ -80,6 +80,15 @@ bool isRight(const Cell& cell)
     return cell.isNumber() && cell.name.empty();
 }
 
+// Nothing is left blank, so that the columns can be told apart.
+TableCell tableCell(const Cell& cell, ToneOf tone)
+{
+    const std::string text = cell.text();
+    if (!cell.isKnown() || text.empty())
+        return {text.empty() ? "-" : text, Tone::kFaint};
+    return {text, tone == nullptr ? Tone::kPlain : tone(cell), isRight(cell)};
+}
+
 void writeTable(const Console& console, const Listing& list)
 {
     Table table;
@@ -97,8 +106,7 @@ void writeTable(const Console& console, const Listing& list)
         for (const Column& column : list.columns)
         {
             const Cell& cell = row[column.field];
-            const Tone tone = !cell.isKnown() ? Tone::kFaint : column.tone == nullptr ? Tone::kPlain : column.tone(cell);
-            cells.emplace_back(cell.text(), tone, isRight(cell));
+            cells.push_back(tableCell(cell, column.tone));
         }
         table.add(std::move(cells));
     }
@@ -117,7 +125,8 @@ std::string csvText(const Json& value)
     if (value.is_string())
         text = value.get<std::string>();
     else if (value.is_array())
-        text = base::join(value, " ", [](const Json& item) { return item.is_string() ? item.get<std::string>() : item.dump(); });
+        text =
+            base::join(value, " ", [](const Json& item) { return item.is_string() ? item.get<std::string>() : item.dump(); });
     else if (!value.is_null())
         text = value.dump();
     if (text.find_first_of(",\"\r\n") == std::string::npos)
@@ -163,7 +172,8 @@ void Listing::sort(const std::string& columnKey)
         throw UsageError("--sort: there is no column " + inQuotes(columnKey) + "; expected one of " + base::join(keys),
                          base::suggestions(columnKey, keys));
     }
-    std::stable_sort(rows.begin(), rows.end(), [column](const Fields& one, const Fields& other)
+    std::stable_sort(rows.begin(), rows.end(),
+                     [column](const Fields& one, const Fields& other)
                      { return comesBefore(one[column->field], other[column->field]); });
 }
 
@@ -173,9 +183,9 @@ Listing& Page::list(const char* key, std::vector<Column> columns, const char* he
     return lists_.back();
 }
 
-void Page::value(const char* key, Cell cell)
+void Page::value(const char* key, Cell cell, const char* title)
 {
-    values_.set(key, std::move(cell));
+    values_.push_back({key, title == nullptr ? titleOf(key) : title, std::move(cell)});
 }
 
 ExitCode Page::write(const Console& console, const Survey& survey) const
@@ -184,7 +194,7 @@ ExitCode Page::write(const Console& console, const Survey& survey) const
     return survey.exitCode();
 }
 
-void Page::write(const Console& console, const std::vector<std::string>& notes) const
+void Page::writeUndecoded(const Console& console, const std::vector<std::string>& notes) const
 {
     write(console, notes, nullptr);
 }
@@ -211,7 +221,7 @@ void Page::writeDocument(const Console& console, const std::vector<std::string>&
     document["time"] = base::Timestamp().text;
     document["layout"] = layoutDocument(inUse);
     Json units = Json::object();
-    for (const auto& [key, cell] : values_.all())
+    for (const auto& [key, title, cell] : values_)
     {
         document[key] = cell.value;
         if (cell.hasNames)
@@ -234,15 +244,12 @@ void Page::writeDocument(const Console& console, const std::vector<std::string>&
 void Page::writeTables(const Console& console) const
 {
     const char* separator = console.repeats && !console.terminal.showsResults ? "\n" : "";
-    Table values;
-    for (const auto& [key, cell] : values_.all())
-        values.add({titleOf(key), {cell.text(), cell.isKnown() ? Tone::kPlain : Tone::kFaint}});
-    if (!values_.all().empty())
-    {
+    if (!values_.empty())
         console.out << separator;
-        values.write(console.out, console.colours);
+    for (const Value& value : values_)
+        console.out << value.title << ": " << value.cell.text() << '\n';
+    if (!values_.empty())
         separator = "\n";
-    }
     for (const Listing& list : lists_)
     {
         if (list.isOnlyInJson)
@@ -261,9 +268,12 @@ void Page::writeCsv(const Console& console) const
     Listing whole;
     if (lists_.empty())
     {
-        for (const auto& [key, cell] : values_.all())
-            whole.columns.push_back({key.c_str(), key.c_str(), nullptr, cell.hasNames});
-        whole.rows.push_back(values_);
+        Fields& row = whole.rows.emplace_back();
+        for (const Value& value : values_)
+        {
+            whole.columns.push_back({value.key.c_str(), value.key.c_str(), nullptr, value.cell.hasNames});
+            row.set(value.key, value.cell);
+        }
     }
     const auto main = std::find_if(lists_.begin(), lists_.end(), isInCsv);
     const Listing& list = main == lists_.end() ? whole : *main;

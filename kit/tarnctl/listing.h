@@ -58,13 +58,13 @@ public:
     Listing& list(const char* key, std::vector<Column> columns, const char* heading = "");
 
     // One value beside the lists: "firmware: 5.3" in front of the tables, a key of the document, a column of the CSV if there is
-    // no list at all.
-    void value(const char* key, Cell cell);
+    // no list at all. If it has no title, that is made of the key.
+    void value(const char* key, Cell cell, const char* title = nullptr);
 
     // Returns the survey's exit code. Throws UsageError if CSV is asked for and the page has more than one list for it.
     ExitCode write(const Console& console, const Survey& survey) const;
     // The same for what was not decoded, so that no layout is named.
-    void write(const Console& console, const std::vector<std::string>& notes) const;
+    void writeUndecoded(const Console& console, const std::vector<std::string>& notes = {}) const;
 
 private:
     void write(const Console& console, const std::vector<std::string>& notes, const LayoutInUse* inUse) const;
@@ -72,8 +72,15 @@ private:
     void writeTables(const Console& console) const;
     void writeCsv(const Console& console) const;
 
+    struct Value
+    {
+        std::string key;
+        std::string title;
+        Cell cell;
+    };
+
     const char* kind_;
-    Fields values_;
+    std::vector<Value> values_;
     std::deque<Listing> lists_;
 };
 

@@ -14,7 +14,7 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr std::int64_t kChannelWidth = 20;  // MHz
+constexpr std::int64_t kChannelWidth = 20;   // MHz
 constexpr std::int64_t kNumbersAChannel = 4; // channel numbers are 5 MHz apart
 constexpr std::int64_t kLast2GHzChannel = 14;
 constexpr std::size_t kGaps = 4;          // columns between name, line and signal
@@ -185,9 +185,7 @@ void writeOccupancy(const Console& console, Band band, std::vector<Network> netw
         const char* const mark = markOf(network, console.terminal.knowsUtf8);
         const std::size_t columns = std::max<std::size_t>(axis.columnOf(covered.last + 1) - begin, 1);
         const std::string line = std::string(begin, ' ') + repeated(mark, columns);
-        table.add({network.name,
-                   {line, toneOf(network)},
-                   {signalText(network), toneOf(network), true}});
+        table.add({network.name, {line, toneOf(network)}, {signalText(network), toneOf(network), true}});
     }
     table.write(console.out, console.colours);
 }

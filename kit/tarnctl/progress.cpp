@@ -38,8 +38,8 @@ void Progress::show(std::size_t done, std::size_t total, const std::string& unit
     if (!console_.terminal.showsRemarks)
         return;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start_).count();
-    console_.err << '\r' << what_ << "  [" << bar(done, total, shown_++) << "] " << done << " of " << total << ' ' << unit << "  "
-                 << seconds << " s\x1b[K" << std::flush;
+    console_.err << '\r' << what_ << "  [" << bar(done, total, shown_++) << "] " << done << " of " << total << ' ' << unit
+                 << "  " << seconds << " s\x1b[K" << std::flush;
 }
 
 } // namespace tarn::ctl

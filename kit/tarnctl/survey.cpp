@@ -46,15 +46,6 @@ void addOutput(Fields& fields, const Report& report, const PreparedArgument& out
         fields.set(parameter.name, textCell(hexText(output.content(), ":")));
 }
 
-Fields outputsOf(const Report& report)
-{
-    Fields fields;
-    for (const PreparedArgument& argument : report.arguments.all)
-        if (argument.parameter->isOutput && !argument.isNull)
-            addOutput(fields, report, argument);
-    return fields;
-}
-
 bool isNamed(const Radio& radio, const std::string& target)
 {
     return target == std::to_string(radio.id) || (!radio.name.empty() && target == radio.name);
@@ -95,6 +86,15 @@ UsageError noSuch(const char* what, const std::string& target, const std::vector
 }
 
 } // namespace
+
+Fields outputsOf(const Report& report)
+{
+    Fields fields;
+    for (const PreparedArgument& argument : report.arguments.all)
+        if (argument.parameter->isOutput && !argument.isNull)
+            addOutput(fields, report, argument);
+    return fields;
+}
 
 Assignments Interface::asSsid() const
 {
@@ -140,7 +140,8 @@ std::vector<Radio> Survey::radios(const std::vector<std::string>& targets)
     if (targets.empty())
         return all();
     for (const std::string& target : targets)
-        if (std::none_of(all().begin(), all().end(), [&](const Radio& radio) { return isNamed(radio, target) || isOnIt(radio, target); }))
+        if (std::none_of(all().begin(), all().end(),
+                         [&](const Radio& radio) { return isNamed(radio, target) || isOnIt(radio, target); }))
             throw noSuch("radio", target, all());
     std::vector<Radio> chosen;
     for (const Radio& radio : all())
@@ -155,8 +156,9 @@ std::vector<Interface> Survey::interfaces(const std::vector<std::string>& target
     std::vector<Interface> chosen;
     for (const Radio& radio : radios(targets))
         for (const Interface& interface : radio.interfaces)
-            if (targets.empty() || std::any_of(targets.begin(), targets.end(), [&](const std::string& target)
-                                               { return isNamed(radio, target) || isNamed(interface, target); }))
+            if (targets.empty() ||
+                std::any_of(targets.begin(), targets.end(),
+                            [&](const std::string& target) { return isNamed(radio, target) || isNamed(interface, target); }))
                 chosen.push_back(interface);
     return chosen;
 }
@@ -228,7 +230,7 @@ std::vector<Interface> Survey::readInterfaces(const Radio& radio)
         interface.data = ask("TarnGetSsidIntf", interface.asSsid());
         interface.name = interface.data["name"].isKnown() ? interface.data["name"].text()
                                                           : std::to_string(radio.id) + "." + std::to_string(id);
-        interface.onModule = radio.onModule;
+        interface.onModule = radio.onModule && interface.data["name"].isKnown();
         interfaces.push_back(std::move(interface));
     }
     return interfaces;
@@ -249,11 +251,12 @@ Fields Survey::ask(const std::string& function, const Assignments& assignments, 
     if (!report.hasReply())
         lostServices_.insert(service);
     if (!report.hasReply() || !expected)
-        note(report);
+        note(report, assignments);
     return {};
 }
 
-std::vector<Fields> Survey::list(const std::string& numberFunction, const std::string& atFunction, const Assignments& assignments)
+std::vector<Fields> Survey::list(const std::string& numberFunction, const std::string& atFunction,
+                                 const Assignments& assignments)
 {
     std::vector<Fields> entries;
     const std::int64_t number = std::min(numberOf(numberFunction, assignments), kMostEntries);
@@ -267,7 +270,7 @@ std::vector<Fields> Survey::list(const std::string& numberFunction, const std::s
         if (report.outcome == CallOutcome::kDone)
             entries.push_back(outputsOf(report));
         else if (numberOf(numberFunction, assignments) > index) // else it went away meanwhile
-            note(report);
+            note(report, at);
     }
     return entries;
 }
@@ -277,9 +280,9 @@ std::int64_t Survey::numberOf(const std::string& function, const Assignments& as
     return ask(function, assignments)["number"].number();
 }
 
-void Survey::note(const Report& report)
+void Survey::note(const Report& report, const Assignments& assignments)
 {
-    notes_.push_back(failureText(report));
+    notes_.push_back(base::join(assignments, " ") + (assignments.empty() ? "" : ": ") + failureText(report));
     if (exitCode_ == ExitCode::kSuccess)
         exitCode_ = exitCodeOf(report.outcome);
 }

@@ -31,7 +31,7 @@ struct Interface
     std::uint32_t radioId = 0;
     std::uint32_t id = 0;
     std::string name;      // "wifi0", as the module's calls know it; "1.1" if the layout does not tell
-    bool onModule = false; // the module's calls may know it
+    bool onModule = false; // it has a name, by which the module's calls may know it
     Fields data;           // TarnSsidIntfData
 
     Assignments asSsid() const;
@@ -50,6 +50,9 @@ struct Radio
     Assignments asRadio() const;
     std::string title() const; // "radio 1 (radio0)"
 };
+
+// All outputs of a call: the fields of its records and blocks, and its numbers, texts and addresses by their names.
+Fields outputsOf(const Report& report);
 
 class Survey
 {
@@ -76,12 +79,12 @@ public:
 
     // --- What one call tells ---
 
-    // All outputs of a function: the fields of its records and blocks, and its numbers, texts and addresses by their names. None
-    // if it was refused; of a refusal that is `expected` there is no note.
+    // The outputs of a function; none if it was refused. Of a refusal that is `expected` there is no note.
     Fields ask(const std::string& function, const Assignments& assignments = {}, bool expected = false);
 
     // What a pair of functions enumerates: one says how many there are, the other tells of each by `index`.
-    std::vector<Fields> list(const std::string& numberFunction, const std::string& atFunction, const Assignments& assignments = {});
+    std::vector<Fields> list(const std::string& numberFunction, const std::string& atFunction,
+                             const Assignments& assignments = {});
 
     // --- What was refused ---
 
@@ -101,7 +104,7 @@ private:
     Radio readRadio(std::uint32_t id);
     std::vector<Interface> readInterfaces(const Radio& radio);
     std::int64_t numberOf(const std::string& function, const Assignments& assignments);
-    void note(const Report& report);
+    void note(const Report& report, const Assignments& assignments);
 
     std::optional<std::vector<Radio>> radios_; // once they have been asked for
     std::set<std::string> lostServices_;

@@ -283,14 +283,14 @@ TEST_F(ArgumentsTest, Savings)
     expectUsageError({"call", "TarnGetRadio", "radioId=1", "--save", "data"}, "expected argument=value; got \"data\"");
 }
 
-const std::string kCommands = "status, radios, ssids, stations, scan, channel, bandwidth, power, security, filter, kick, wps, dfs, "
-                              "counters, boot, smart-wifi, temperature, versions, firmware, mirror, telnet, log-level, ipc, list, "
-                              "describe, call, events, layout, publish, completion, help";
+const std::string kCommands =
+    "status, radios, ssids, stations, scan, channel, bandwidth, power, security, filter, kick, wps, dfs, "
+    "counters, boot, smart-wifi, temperature, versions, firmware, mirror, telnet, log-level, ipc, list, "
+    "describe, call, events, layout, publish, completion, help";
 
 TEST_F(ArgumentsTest, CommandsAndOptions)
 {
-    const std::string unknown =
-        "there is no command \"lst\"; expected one of " + kCommands;
+    const std::string unknown = "there is no command \"lst\"; expected one of " + kCommands;
     expectUsageError({"lst"}, unknown, "list");
     expectUsageError({"--directory", "call", "lst", "--more"}, unknown, "list");
     expectUsageError({"--directory=call", "lst"}, unknown, "list");

@@ -95,8 +95,7 @@ TEST_F(EverydayTest, ARadioThatDoesNotAnswerEverything)
     const Ran ran = run({"radios"});
     EXPECT_EQ(ran.exit, 7);
     EXPECT_NE(ran.out.find(" 1  -     -         1  -        -        -          -            -"), std::string::npos) << ran.out;
-    EXPECT_NE(ran.err.find("service TARN answered TarnGetRadioChainNumber with status 16"), std::string::npos)
-        << ran.err;
+    EXPECT_NE(ran.err.find("service TARN answered TarnGetRadioChainNumber with status 16"), std::string::npos) << ran.err;
     const RanJson json = runJson({"radios"});
     EXPECT_TRUE(json.document.at("radios")[0].at("chains").is_null());
     EXPECT_EQ(json.document.at("notes").size(), 4u);

@@ -1,7 +1,10 @@
-// Everyday tasks in the field, each one command against the simulated gateway: it succeeds, says what was asked for, and shows no
-// hexadecimal.
+// Everyday tasks in the field, each one command against a gateway: it succeeds, says what was asked for, and shows no hexadecimal.
+// All of them also against a second make of gateway, which has everything at other places and by other numbers.
 #include "support.h"
+#include "support/second_gateway.h"
 
+#include <algorithm>
+#include <fstream>
 #include <regex>
 
 namespace tarnctl_test
@@ -15,6 +18,7 @@ struct Task
     const char* name;
     Words words;
     Words shows;
+    Words meanwhile = {}; // a command to run while this one waits
 };
 
 // In this order, on one gateway.
@@ -27,7 +31,11 @@ const std::vector<Task>& tasks()
         {"widths of all radios", {"bandwidth"}, {"radio0", "80 MHz", "radio1", "20 MHz"}},
         {"powers of all radios", {"power"}, {"radio0", "100 %", "23 dBm", "100,75,50,25,12"}},
         {"the networks", {"ssids"}, {"wifi0", "home", "02:00:00:00:00:11", "guests", "wpa2"}},
-        {"set a channel", {"channel", "wifi0", "44"}, {"radio 1 (radio0): channel 36 -> 44 (the gateway answered DONE)\n"}},
+        {"what happens",
+         {"events", "--count", "1"},
+         {"EVT_RADIO_OPR_CHANNEL_CHANGED", "8 bytes ", "radioId=1", "channel=48"},
+         {"channel", "1", "48"}},
+        {"set a channel", {"channel", "wifi0", "44"}, {"radio 1 (radio0): channel 48 -> 44 (the gateway answered DONE)\n"}},
         {"let a radio choose", {"channel", "2", "auto"}, {"radio 2 (radio1): channel 6 -> "}},
         {"set a width", {"bandwidth", "radio0", "40"}, {"radio 1 (radio0): bandwidth 80 MHz -> 40 MHz"}},
         {"set a power", {"power", "1", "50"}, {"radio 1 (radio0): power 100 % -> 50 %"}},
@@ -35,7 +43,9 @@ const std::vector<Task>& tasks()
         {"the channels in a picture", {"scan", "--last", "--chart"}, {"2.4 GHz", "5 GHz", "::::::::", "====", "own"}},
         {"stations with signal and rate", {"stations", "--sort", "signal"}, {"02:00:00:00:01:01  -48 dBm  1300 Mbit/s"}},
         {"send a station away", {"kick", "02:00:00:00:01:04"}, {"wifi1: 02:00:00:00:01:04 removed from the stations"}},
-        {"add to a filter", {"filter", "add", "wifi1", "02:00:00:00:01:04"}, {"02:00:00:00:01:04 added to the filter, mode off"}},
+        {"add to a filter",
+         {"filter", "add", "wifi1", "02:00:00:00:01:04"},
+         {"02:00:00:00:01:04 added to the filter, mode off"}},
         {"set a filter's mode", {"filter", "mode", "wifi1", "deny"}, {"wifi1: filter mode off -> deny"}},
         {"the filters", {"filter", "list"}, {"wifi1      guests  deny  02:00:00:00:01:04"}},
         {"remove from a filter", {"filter", "remove", "1.2", "02-00-00-00-01-04"}, {"wifi1: 02:00:00:00:01:04 removed from"}},
@@ -54,7 +64,7 @@ const std::vector<Task>& tasks()
         {"Smart WiFi networks", {"smart-wifi", "bss"}, {"02:00:00:00:00:20", "wlan0", "yes"}},
         {"Smart WiFi stations", {"smart-wifi", "stations"}, {"02:00:00:00:01:05", "-58 dBm"}},
         {"Smart WiFi history", {"smart-wifi", "history"}, {"associated", "02:00:00:00:01:05 has come to wlan0"}},
-        {"the mirror", {"mirror", "on"}, {"mirror status: 1"}},
+        {"the mirror", {"mirror", "on"}, {"mirror status: on"}},
     };
     return kTasks;
 }
@@ -65,13 +75,28 @@ bool hasHexadecimal(const std::string& text)
     return std::regex_search(text, std::regex("0x[0-9A-Fa-f]|\\b[0-9a-f]{12,}\\b"));
 }
 
+// Without what is only for people, or takes time.
+Words asDocument(Words words)
+{
+    words.erase(std::remove(words.begin(), words.end(), "--chart"), words.end());
+    for (const char* option : {"--watch", "--count"})
+        if (const auto found = std::find(words.begin(), words.end(), option); found != words.end())
+            words.erase(found, found + 2);
+    return words;
+}
+
 class FieldTasksTest : public TarnctlTest
 {
 protected:
     void SetUp() override
     {
         TarnctlTest::SetUp();
-        gateway_ = std::make_unique<Program>(Words(), TARN_GATEWAY_PROGRAM);
+        startGateway({});
+    }
+
+    void startGateway(const Words& options)
+    {
+        gateway_ = std::make_unique<Program>(options, TARN_GATEWAY_PROGRAM);
         ASSERT_EQ(gateway_->nextLine().rfind("ready", 0), 0u);
     }
 
@@ -79,32 +104,108 @@ private:
     std::unique_ptr<Program> gateway_;
 };
 
-TEST_F(FieldTasksTest, EachIsOneCommand)
+Ran runTask(const Task& task)
+{
+    if (task.meanwhile.empty())
+        return run(task.words);
+    Program program(task.words);
+    Ran ran;
+    ran.err = program.nextErrorLine(); // it is ready
+    EXPECT_EQ(run(task.meanwhile).exit, 0);
+    ran.out = program.nextLine() + "\n";
+    ran.exit = program.exitCode();
+    return ran;
+}
+
+struct Make
+{
+    const char* name; // of the layout
+    bool isSecond;
+};
+
+// The same tasks with either make of gateway.
+class GatewayTasksTest : public FieldTasksTest, public ::testing::WithParamInterface<Make>
+{
+protected:
+    void SetUp() override
+    {
+        TarnctlTest::SetUp();
+        std::ofstream(path("attic.json")) << tarn_test::secondGatewayText();
+        startGateway(GetParam().isSecond ? Words{"--layout", path("attic.json")} : Words());
+    }
+};
+
+TEST_P(GatewayTasksTest, EachIsOneCommand)
 {
     for (const Task& task : tasks())
     {
         SCOPED_TRACE(task.name);
-        const Ran ran = run(task.words);
+        const Ran ran = runTask(task);
         EXPECT_EQ(ran.exit, 0) << ran.err;
         for (const std::string& text : task.shows)
             EXPECT_NE(ran.out.find(text), std::string::npos) << "expected " << text << " in\n" << ran.out;
         EXPECT_FALSE(hasHexadecimal(ran.out)) << ran.out;
+        if (const std::size_t named = ran.err.find("layout "); named != std::string::npos)
+        {
+            EXPECT_EQ(ran.err.find(GetParam().name, named), named + std::string("layout ").size()) << ran.err;
+        }
     }
 }
 
-TEST_F(FieldTasksTest, EachHasADocumentThatTheSchemaAllows)
+// Each number that the document names has to be one of that gateway's own.
+void expectOwnNumbers(const Json& document, bool isSecond)
 {
+    if (document.is_array())
+        for (const Json& element : document)
+            expectOwnNumbers(element, isSecond);
+    if (!document.is_object())
+        return;
+    for (const auto& [key, value] : document.items())
+    {
+        expectOwnNumbers(value, isSecond);
+        const auto named = document.find(key + "_name");
+        if (!value.is_number() || named == document.end() || named->is_null() || *named == "DONE")
+            continue; // DONE is 0 with either
+        EXPECT_EQ(value >= tarn_test::kSecondGatewayValueShift, isSecond) << key << ": " << value << " " << *named;
+    }
+}
+
+TEST_P(GatewayTasksTest, EachHasADocumentThatTheSchemaAllows)
+{
+    std::size_t withLayout = 0;
     for (const Task& task : tasks())
     {
         SCOPED_TRACE(task.name);
-        Words words = task.words;
-        for (const char* picture : {"--chart", "--watch", "0.2", "--count", "2"})
-            words.erase(std::remove(words.begin(), words.end(), picture), words.end());
-        if (task.words.front() == std::string("channel") && task.words.size() == 3)
-            words = task.words; // whose 2 is a radio
-        EXPECT_EQ(runJson(words).exit, 0);
+        if (!task.meanwhile.empty()) // for its documents there is a test below
+            continue;
+        const RanJson ran = runJson(asDocument(task.words));
+        EXPECT_EQ(ran.exit, 0) << ran.err;
+        expectOwnNumbers(ran.document, GetParam().isSecond);
+        if (!ran.document.contains("layout") || ran.document.at("layout").is_null())
+            continue;
+        EXPECT_EQ(ran.document.at("layout").at("name"), GetParam().name);
+        ++withLayout;
     }
+    EXPECT_GT(withLayout, 20u);
 }
+
+TEST_P(GatewayTasksTest, ARefusalHasTheStatusByItsName)
+{
+    const Ran device = run({"channel", "radio0", "37"});
+    EXPECT_EQ(device.exit, 7);
+    EXPECT_EQ(device.out, "");
+    const std::string status = GetParam().isSecond ? "517" : "17";
+    EXPECT_NE(device.err.find("answered TarnSetRadioCfg with status " + status + " (INVALID_VALUE"), std::string::npos)
+        << device.err;
+    const Ran module = run({"boot", "get", "nothing"});
+    EXPECT_EQ(module.exit, 7);
+    EXPECT_NE(module.err.find(GetParam().isSecond ? "-706" : "-206"), std::string::npos) << module.err;
+    EXPECT_NE(run({"wps", "cancel", "wifi0"}).err.find("NOT_THERE"), std::string::npos);
+    EXPECT_NE(run({"filter", "remove", "wifi0", "02:00:00:00:01:01"}).err.find("NOT_THERE"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, GatewayTasksTest, ::testing::Values(Make{"tarn-gateway", false}, Make{"attic", true}),
+                         [](const auto& make) { return make.param.isSecond ? "ASecondGateway" : "TheSimulatedGateway"; });
 
 TEST_F(FieldTasksTest, AShellLoopOverJson)
 {
@@ -159,8 +260,8 @@ TEST_F(FieldTasksTest, SecretsAreShownOnlyWhenAskedFor)
 
 TEST_F(FieldTasksTest, RadiosAndInterfacesGoByIdAndByName)
 {
-    for (const Words& words : {Words{"channel", "1"}, Words{"channel", "radio0"}, Words{"channel", "wifi1"},
-                               Words{"channel", "1.2"}})
+    for (const Words& words :
+         {Words{"channel", "1"}, Words{"channel", "radio0"}, Words{"channel", "wifi1"}, Words{"channel", "1.2"}})
         EXPECT_EQ(runJson(words).document.at("radios").at(0).at("id"), 1) << words.back();
     EXPECT_EQ(runJson({"ssids", "2", "wifi1"}).document.at("ssids").size(), 2u);
     EXPECT_EQ(runJson({"filter", "mode", "radio1"}).document.at("filters").at(0).at("interface"), "wlan0");
@@ -168,28 +269,19 @@ TEST_F(FieldTasksTest, RadiosAndInterfacesGoByIdAndByName)
 
 TEST_F(FieldTasksTest, AnUnknownRadioOrInterfaceIsNamedWithThoseThereAre)
 {
-    for (const Words& words : {Words{"channel", "wifi9"}, Words{"ssids", "wifi9"}, Words{"stations", "wifi9"}, Words{"dfs", "wifi9"},
-                               Words{"scan", "wifi9"}, Words{"security", "wifi9"}, Words{"filter", "list", "wifi9"},
-                               Words{"wps", "open", "wifi9"}, Words{"counters", "wifi9"}, Words{"power", "wifi9", "50"}})
+    for (const Words& words :
+         {Words{"channel", "wifi9"}, Words{"ssids", "wifi9"}, Words{"stations", "wifi9"}, Words{"dfs", "wifi9"},
+          Words{"scan", "wifi9"}, Words{"security", "wifi9"}, Words{"filter", "list", "wifi9"}, Words{"wps", "open", "wifi9"},
+          Words{"counters", "wifi9"}, Words{"power", "wifi9", "50"}})
     {
         SCOPED_TRACE(words.front());
         const Ran ran = run(words);
         EXPECT_EQ(ran.exit, 2);
         EXPECT_EQ(ran.out, "");
-        EXPECT_EQ(ran.err, "tarnctl: the gateway has no radio \"wifi9\"; expected one of 1, radio0, wifi0, wifi1, 2, radio1, wlan0\n"
-                           "Did you mean wifi0 or wifi1?\n");
+        EXPECT_EQ(ran.err,
+                  "tarnctl: the gateway has no radio \"wifi9\"; expected one of 1, radio0, wifi0, wifi1, 2, radio1, wlan0\n"
+                  "Did you mean wifi0 or wifi1?\n");
     }
-}
-
-TEST_F(FieldTasksTest, WhatTheGatewayRefusesIsExplainedByTheStatusName)
-{
-    const Ran ran = run({"channel", "radio0", "37"});
-    EXPECT_EQ(ran.exit, 7);
-    EXPECT_EQ(ran.out, "");
-    EXPECT_NE(ran.err.find("answered TarnSetRadioCfg with status 17 (INVALID_VALUE"), std::string::npos) << ran.err;
-    EXPECT_NE(run({"wps", "cancel", "wifi0"}).err.find("NOT_THERE"), std::string::npos);
-    EXPECT_NE(run({"filter", "remove", "wifi0", "02:00:00:00:01:01"}).err.find("NOT_THERE"), std::string::npos);
-    EXPECT_NE(run({"boot", "get", "nothing"}).err.find("-206"), std::string::npos);
 }
 
 TEST_F(FieldTasksTest, BadInputIsRefusedWithWhatWasExpected)
@@ -212,7 +304,8 @@ TEST_F(FieldTasksTest, BadInputIsRefusedWithWhatWasExpected)
         {{"filter", "add", "wifi0", "02:00"}, "expected a MAC address, such as 02:00:00:00:01:05; got \"02:00\""},
         {{"filter", "mode"}, "filter mode: expected an interface"},
         {{"filter", "mode", "wifi0", "denny"}, "denny"},
-        {{"filter", "add", "1", "02:00:00:00:01:05"}, "radio 1 (radio0) has more than one interface; expected one of wifi0, wifi1"},
+        {{"filter", "add", "1", "02:00:00:00:01:05"},
+         "radio 1 (radio0) has more than one interface; expected one of wifi0, wifi1"},
         {{"kick", "somebody"}, "expected a MAC address"},
         {{"wps", "open"}, "wps open: expected one interface"},
         {{"wps", "open", "wifi0", "--pin", "12345671"}, "--pin: "},
@@ -223,6 +316,13 @@ TEST_F(FieldTasksTest, BadInputIsRefusedWithWhatWasExpected)
         {{"status", "--format", "csv"}, "--format csv: status shows more than one table; expected table or json"},
         {{"list", "--format", "csv"}, "--format csv: list has no table; expected --format json"},
         {{"help", "scna"}, "there is no command \"scna\""},
+        {{"channel", "1", "44", "--count", "2"}, "channel: expected a value or --watch, not both"},
+        {{"wps", "open", "wifi0", "--watch", "1"}, "--watch: expected only with wps status"},
+        {{"wps", "status", "--pin", "12345670"}, "--pin: expected only with wps open"},
+        {{"radios", "--format", "tabel"}, "--format: "},
+        {{"radios", "--color", "yes"}, "--color: "},
+        {{"radios", "--chrat"}, "there is no option \"--chrat\""},
+        {{"scan", "--chrat"}, "Did you mean --chart?"},
     };
     for (const Bad& bad : kBad)
     {
@@ -232,6 +332,25 @@ TEST_F(FieldTasksTest, BadInputIsRefusedWithWhatWasExpected)
         EXPECT_EQ(ran.out, "");
         EXPECT_NE(ran.err.find(bad.error), std::string::npos) << ran.err;
     }
+}
+
+TEST_F(FieldTasksTest, JsonIsAskedForOnceAndByEitherOption)
+{
+    EXPECT_EQ(run({"--json", "radios", "--format", "csv"}).exit, 2);
+    EXPECT_EQ(checkedDocument(run({"channel", "--format", "json"}).out).at("kind"), "channel");
+    for (const Words& words : {Words{"channel", "--format", "json", "--bogus"}, Words{"channel", "--format=json", "--bogus"}})
+        EXPECT_EQ(checkedDocument(run(words).out).at("kind"), "error");
+}
+
+TEST_F(FieldTasksTest, AnEventsDocumentHasItsFieldsAndItsBytes)
+{
+    Program program({"events", "--count", "1", "--json"});
+    program.nextErrorLine();
+    EXPECT_EQ(run({"channel", "1", "44"}).exit, 0);
+    const Json document = checkedDocument(program.nextLine());
+    EXPECT_EQ(document.at("fields").at("channel").at("value"), 44);
+    EXPECT_EQ(document.at("data").get<std::string>().size(), 16u);
+    EXPECT_EQ(program.exitCode(), 0);
 }
 
 TEST_F(FieldTasksTest, NobodyIsSentAwayIfOneIsNotThere)
@@ -244,7 +363,8 @@ TEST_F(FieldTasksTest, NobodyIsSentAwayIfOneIsNotThere)
 
 TEST_F(FieldTasksTest, WithoutALayoutTheySayWhatTheyNeed)
 {
-    for (const char* verb : {"status", "ssids", "stations", "scan", "channel", "bandwidth", "power", "security", "dfs", "counters"})
+    for (const char* verb :
+         {"status", "ssids", "stations", "scan", "channel", "bandwidth", "power", "security", "dfs", "counters"})
     {
         const Ran ran = run({verb, "--layout", ""});
         EXPECT_EQ(ran.exit, 2) << verb;
@@ -258,10 +378,28 @@ TEST_F(FieldTasksTest, WithoutALayoutTheySayWhatTheyNeed)
         EXPECT_EQ(run({verb, "--layout", ""}).exit, 0) << verb;
 }
 
+// Each function that names an interface one way takes the other name of the argument, too, and sends the same.
 TEST_F(FieldTasksTest, AnInterfaceMayBeGivenByEitherNameOfTheArgument)
 {
-    EXPECT_EQ(run({"call", "tarn_qcsapi_wifi_get_channel", "ifname=wifi0"}).exit, 0);
-    EXPECT_EQ(run({"call", "tarn_qcsapi_wifi_get_phy_mode", "intf_name=wifi0"}).exit, 0);
+    std::size_t functions = 0;
+    for (const tarn::contract::Row& row : tarn::contract::rows())
+        for (const auto& [own, other] : {std::pair("ifname", "intf_name"), std::pair("intf_name", "ifname")})
+        {
+            if (row.command->argument(own) == nullptr || row.command->argument(other) != nullptr)
+                continue;
+            ++functions;
+            SCOPED_TRACE(row.command->function);
+            Words words = {"call", row.command->function, "--dry-run"};
+            for (const std::string& assignment : validArguments(*row.command))
+                words.push_back(assignment);
+            const Ran asNamed = run(words);
+            EXPECT_EQ(asNamed.exit, 0) << asNamed.err;
+            for (std::string& word : words)
+                if (word.rfind(std::string(own) + "=", 0) == 0)
+                    word = other + word.substr(word.find('='));
+            EXPECT_EQ(run(words).out, asNamed.out);
+        }
+    EXPECT_GT(functions, 100u);
     EXPECT_EQ(run({"call", "tarn_qcsapi_wifi_get_channel", "ifname=wifi0", "intf_name=wifi0"}).exit, 2);
 }
 
@@ -272,10 +410,10 @@ class NoGatewayTest : public TarnctlTest
 TEST_F(NoGatewayTest, IsSaidByEveryVerb)
 {
     setenv("TARN_LAYOUT", TARN_GATEWAY_LAYOUT, 1);
-    for (const Words& words :
-         {Words{"status"}, Words{"radios"}, Words{"ssids"}, Words{"stations"}, Words{"scan"}, Words{"channel"}, Words{"security"},
-          Words{"filter", "list"}, Words{"kick", "02:00:00:00:01:01"}, Words{"wps", "status"}, Words{"dfs"}, Words{"counters"},
-          Words{"boot", "get", "serial"}, Words{"smart-wifi", "bss"}, Words{"temperature"}, Words{"versions"}})
+    for (const Words& words : {Words{"status"}, Words{"radios"}, Words{"ssids"}, Words{"stations"}, Words{"scan"},
+                               Words{"channel"}, Words{"security"}, Words{"filter", "list"}, Words{"kick", "02:00:00:00:01:01"},
+                               Words{"wps", "status"}, Words{"dfs"}, Words{"counters"}, Words{"boot", "get", "serial"},
+                               Words{"smart-wifi", "bss"}, Words{"temperature"}, Words{"versions"}})
     {
         SCOPED_TRACE(words.front());
         const RanJson ran = runJson(words);

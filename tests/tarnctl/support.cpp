@@ -57,12 +57,12 @@ Words programCommand(const std::string& program, const Words& arguments)
 
 } // namespace
 
-Ran run(const Words& arguments)
+Ran run(const Words& arguments, const tarn::ctl::Terminal& terminal)
 {
     std::ostringstream out;
     std::ostringstream err;
     Ran ran;
-    ran.exit = tarn::ctl::run(arguments, out, err);
+    ran.exit = tarn::ctl::run(arguments, out, err, terminal);
     ran.out = out.str();
     ran.err = err.str();
     return ran;

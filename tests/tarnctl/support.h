@@ -5,6 +5,7 @@
 #include "base/hexadecimal.h"
 #include "contract/contract.h"
 #include "kor_iil_service.h"
+#include "tarnctl/terminal.h"
 
 #include <nlohmann/json.hpp>
 
@@ -32,8 +33,8 @@ struct Ran
     std::string err;
 };
 
-// In this process.
-Ran run(const Words& arguments);
+// In this process, with its streams connected to that.
+Ran run(const Words& arguments, const tarn::ctl::Terminal& terminal = {});
 
 // The same with --json. The whole of standard output is one document, which is checked against the published schema.
 struct RanJson

@@ -33,7 +33,6 @@ ExitCode get(const Console& console, const std::vector<std::string>& names)
 {
     if (names.empty())
         throw UsageError("boot get: expected one name or more");
-    const Survey survey;
     Page page("boot");
     Listing& list = page.list("parameters", {{"name", "name", &strong}, {"value", "value"}});
     for (const std::string& name : names)
@@ -43,15 +42,16 @@ ExitCode get(const Console& console, const std::vector<std::string>& names)
         row.set("name", textCell(name));
         row.set("value", textCell(report.text("param_value")));
     }
-    return page.write(console, survey);
+    page.writeUndecoded(console);
+    return ExitCode::kSuccess;
 }
 
 ExitCode set(const Console& console, const std::vector<std::string>& words)
 {
     if (words.size() != 3)
         throw UsageError("boot set: expected an interface, a name and a value");
-    const Report report = performOrFail("tarn_qcsapi_config_update_parameter", {"intf_name=" + words[0], "param_name=" + words[1],
-                                                                                "param_value=" + words[2]});
+    const Report report = performOrFail("tarn_qcsapi_config_update_parameter",
+                                        {"intf_name=" + words[0], "param_name=" + words[1], "param_value=" + words[2]});
     return writeChanges(console, "boot-change", Survey(), {{words[0], words[1], {}, textCell(words[2]), report}});
 }
 

@@ -45,7 +45,7 @@ ExitCode dfs(const Console& console, const DfsOptions& options)
         "Channels");
     for (const Radio& radio : survey.radios(options.targets))
     {
-        if (!radio.onModule || radio.interfaces.empty())
+        if (radio.interfaces.empty() || !radio.interfaces.front().onModule)
             continue;
         const std::string& interface = radio.interfaces.front().name;
         Fields row = radio.data;

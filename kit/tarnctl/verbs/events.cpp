@@ -171,13 +171,14 @@ std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
     return chosen;
 }
 
-// " radioId=1 channel=44", where there is a layout that tells.
-std::string fieldsText(const contract::Event& event, const Bytes& data)
+// " radioId=1 channel=44" where there is a layout, and in hexadecimal where none tells of all the bytes.
+std::string dataText(const contract::Event& event, const Bytes& data)
 {
     const layout::Structure* const structure = structureOf(event);
+    const bool isExplained = structure != nullptr && data.size() == structure->size;
+    std::string text = isExplained || data.empty() ? "" : " " + hexText(data);
     if (structure == nullptr)
-        return "";
-    std::string text;
+        return text;
     for (const layout::FieldLine& line : layout::linesOf(layout::decode(*structure, data)))
         text += " " + line.name + "=" + line.value + (line.unit.empty() ? "" : " " + line.unit);
     return text;
@@ -190,8 +191,7 @@ void write(const Console& console, const ReceivedEvent& event)
     if (!console.json)
     {
         console.out << event.time << ' ' << event.service << ' ' << event.number << ' ' << name << ' ' << event.data.size()
-                    << " bytes" << (event.data.empty() ? "" : " ") << hexText(event.data) << fieldsText(known, event.data)
-                    << '\n'
+                    << " bytes" << dataText(known, event.data) << '\n'
                     << std::flush;
         return;
     }

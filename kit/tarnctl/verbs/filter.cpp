@@ -77,7 +77,8 @@ ExitCode edit(const Console& console, const FilterOptions& options)
         const Report report = performOrFail(adds ? "TarnAddAccessPointMacFilter" : "TarnDelAccessPointMacFilter",
                                             interface.with({"macAddress=" + address}));
         const std::string filter = "the filter, mode " + filterOf(survey, interface)["mode"].text();
-        changes.push_back({interface.name, filter, adds ? Cell() : textCell(address), adds ? textCell(address) : Cell(), report, true});
+        changes.push_back(
+            {interface.name, filter, adds ? Cell() : textCell(address), adds ? textCell(address) : Cell(), report, true});
     }
     return writeChanges(console, "filter-change", survey, changes);
 }

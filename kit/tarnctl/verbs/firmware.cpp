@@ -1,4 +1,5 @@
 // `tarnctl firmware`: what the Wi-Fi module runs.
+#include "tarnctl/listing.h"
 #include "tarnctl/verbs/verbs.h"
 
 namespace tarn::ctl
@@ -10,7 +11,10 @@ namespace
 ExitCode firmware(const Console& console)
 {
     const Report report = performOrFail("tarn_qcsapi_firmware_get_version");
-    return writeResult(console, "firmware", {{"version", "firmware", report.text("firmware_version")}});
+    Page page("firmware");
+    page.value("version", textCell(report.text("firmware_version")), "firmware");
+    page.writeUndecoded(console);
+    return ExitCode::kSuccess;
 }
 
 } // namespace

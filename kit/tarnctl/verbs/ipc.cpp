@@ -103,7 +103,7 @@ ExitCode ipc(const Console& console)
     }
     if (services.rows.empty() && notes.empty())
         return console.fail(ExitCode::kNoService, "no service is running" + inRuntimeDirectory());
-    page.write(console, notes);
+    page.writeUndecoded(console, notes);
     return exit;
 }
 

@@ -52,7 +52,8 @@ ExitCode kick(const Console& console, const KickOptions& options)
     std::vector<Change> changes;
     for (std::size_t i = 0; i < addresses.size(); ++i)
     {
-        const Report report = performOrFail("TarnKickOutAccessPointAssociated", interfaces[i].with({"macAddress=" + addresses[i]}));
+        const Report report =
+            performOrFail("TarnKickOutAccessPointAssociated", interfaces[i].with({"macAddress=" + addresses[i]}));
         changes.push_back({interfaces[i].name, "the stations", textCell(addresses[i]), {}, report, true});
     }
     return writeChanges(console, "kick", survey, changes);

@@ -1,4 +1,5 @@
 // `tarnctl log-level`: how much the device service writes to its log.
+#include "tarnctl/listing.h"
 #include "tarnctl/verbs/verbs.h"
 
 namespace tarn::ctl
@@ -22,7 +23,10 @@ ExitCode logLevel(const Console& console, const LogLevelOptions& options)
     const std::int64_t level = options.level
                                    ? performOrFail("TarnSetLogLevel", {"level=" + *options.level}).argument("level").number
                                    : performOrFail("TarnGetLogLevel").number("level");
-    return writeResult(console, "log-level", {{"level", "log level", level}});
+    Page page("log-level");
+    page.value("level", numberCell(level), "log level");
+    page.writeUndecoded(console);
+    return ExitCode::kSuccess;
 }
 
 } // namespace

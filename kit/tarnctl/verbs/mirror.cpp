@@ -1,4 +1,5 @@
 // `tarnctl mirror`: port mirroring of the Wi-Fi module.
+#include "tarnctl/listing.h"
 #include "tarnctl/verbs/verbs.h"
 
 namespace tarn::ctl
@@ -19,10 +20,12 @@ void declare(Syntax& syntax, MirrorOptions& options)
 
 ExitCode mirror(const Console& console, const MirrorOptions& options)
 {
+    constexpr char kSwitch[] = "tarn_qtn_mirror_set_mirror_enable";
     if (options.state)
-        performOrFail("tarn_qtn_mirror_set_mirror_enable", {"enable=" + switchValue(*options.state)});
-    const Report report = performOrFail("tarn_qtn_mirror_get_mirror_status");
-    return writeResult(console, "mirror", {{"status", "mirror status", report.number("status")}});
+        performOrFail(kSwitch, {switchAssignment(kSwitch, "enable", *options.state)});
+    Page page("mirror");
+    page.value("status", outputsOf(performOrFail("tarn_qtn_mirror_get_mirror_status"))["status"], "mirror status");
+    return page.write(console, Survey());
 }
 
 } // namespace

@@ -16,8 +16,9 @@ void complete(Survey& survey, const Radio& radio, Fields& row)
     if (!radio.onModule)
         return;
     row.add(survey.ask("TarnGetRadioQuantennaCurrentTransmitPower", radio.asRadio(), true));
-    if (!radio.interfaces.empty())
-        row.add(survey.ask("tarn_qcsapi_wifi_get_supported_tx_power_levels", {"ifname=" + radio.interfaces.front().name}, true));
+    if (!radio.interfaces.empty() && radio.interfaces.front().onModule)
+        row.add(
+            survey.ask("tarn_qcsapi_wifi_get_supported_tx_power_levels", {"ifname=" + radio.interfaces.front().name}, true));
 }
 
 } // namespace

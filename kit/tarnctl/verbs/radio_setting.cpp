@@ -24,7 +24,8 @@ ExitCode show(const Console& console, const RadioSetting& setting, const Setting
     Survey survey(setting.name);
     Page page(setting.name);
     Listing& list = page.list("radios", setting.columns);
-    for (const Radio& radio : survey.radios(options.radio ? std::vector<std::string>{*options.radio} : std::vector<std::string>()))
+    for (const Radio& radio :
+         survey.radios(options.radio ? std::vector<std::string>{*options.radio} : std::vector<std::string>()))
     {
         Fields row = radio.data;
         row.set("id", numberCell(radio.id));
@@ -65,7 +66,7 @@ void addRadioSetting(Verbs& verbs, const RadioSetting& setting, const char* desc
     {
         if (!options.value)
             return watch(console, options.watch, [&](const Console& frame) { return show(frame, setting, options); });
-        if (options.watch.seconds)
+        if (options.watch.seconds || options.watch.count)
             throw UsageError(std::string(setting.name) + ": expected a value or --watch, not both");
         return change(console, setting, options);
     };

@@ -33,12 +33,13 @@ using Histories = std::map<std::string, std::deque<std::int64_t>>;
 
 std::vector<Column> columns(bool hasHistory)
 {
-    std::vector<Column> columns = {{"interface", "interface"}, {"address", "macAddress", &strong}, {"signal", "rssi", &signalTone}};
+    std::vector<Column> columns = {
+        {"interface", "interface"}, {"address", "macAddress", &strong}, {"signal", "rssi", &signalTone}};
     if (hasHistory)
         columns.push_back({"history", "history", &signalTone});
-    for (const Column& column : {Column{"tx_rate", "txRate"}, Column{"rx_rate", "rxRate"}, Column{"tx_mcs", "txMcs"},
-                                 Column{"rx_mcs", "rxMcs"}, Column{"mode", "phyMode"}, Column{"chains", "chains"},
-                                 Column{"connected", "secondsAssociated"}})
+    for (const Column& column :
+         {Column{"tx_rate", "txRate"}, Column{"rx_rate", "rxRate"}, Column{"tx_mcs", "txMcs"}, Column{"rx_mcs", "rxMcs"},
+          Column{"mode", "phyMode"}, Column{"chains", "chains"}, Column{"connected", "secondsAssociated"}})
         columns.push_back(column);
     return columns;
 }
@@ -87,7 +88,8 @@ void addStations(Verbs& verbs)
     const auto act = [](const Console& console, const StationsOptions& options)
     {
         Histories histories;
-        return watch(console, options.watch, [&](const Console& frame)
+        return watch(console, options.watch,
+                     [&](const Console& frame)
                      { return stations(frame, options, options.watch.seconds ? &histories : nullptr); });
     };
     verbs.add("stations", "Shows the stations that are connected", &declare, act);

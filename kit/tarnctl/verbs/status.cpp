@@ -75,7 +75,8 @@ ExitCode status(const Console& console)
 
 void addStatus(Verbs& verbs)
 {
-    const auto act = [](const Console& console, const StatusOptions& options) { return watch(console, options.watch, &status); };
+    const auto act = [](const Console& console, const StatusOptions& options)
+    { return watch(console, options.watch, &status); };
     verbs.add("status", "Shows the gateway at a glance", &declare, act);
 }
 

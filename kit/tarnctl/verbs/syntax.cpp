@@ -4,13 +4,16 @@
 
 #include <CLI/CLI.hpp>
 
+#include <sstream>
+
 namespace tarn::ctl
 {
 
 void Syntax::text(const char* name, std::string& text, const char* description)
 {
-    verb_.add_option_function<std::string>(
-             name, [&text](const std::string& given) { text = given; }, description)
+    verb_
+        .add_option_function<std::string>(
+            name, [&text](const std::string& given) { text = given; }, description)
         ->required();
 }
 
@@ -32,9 +35,9 @@ void Syntax::flag(const char* name, bool& isGiven, const char* description)
 void Syntax::seconds(const char* name, std::optional<double>& seconds, double least, const char* description)
 {
     constexpr double kMost = 1e6;
-    verb_.add_option(name, seconds, description)
-        ->check(CLI::Range(least, kMost, "seconds, at least a tenth"))
-        ->type_name("SECONDS");
+    std::ostringstream range;
+    range << least << " to 1e6";
+    verb_.add_option(name, seconds, description)->check(CLI::Range(least, kMost, range.str()))->type_name("SECONDS");
 }
 
 void Syntax::count(const char* name, std::optional<std::uint32_t>& number, const char* description)

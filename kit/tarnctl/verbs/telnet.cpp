@@ -1,4 +1,5 @@
 // `tarnctl telnet`: telnet access to the Wi-Fi module.
+#include "tarnctl/listing.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
 
@@ -24,13 +25,14 @@ ExitCode telnet(const Console& console, const TelnetOptions& options)
 {
     if (options.state.has_value() != options.processId.has_value())
         throw UsageError("telnet: expected a state and --pid, the process on whose behalf it is switched, or neither");
+    constexpr char kSwitch[] = "tarn_qtn_mirror_set_telnet_enable";
     if (options.state)
-        performOrFail("tarn_qtn_mirror_set_telnet_enable",
-                      {"enable=" + switchValue(*options.state), "pid=" + *options.processId});
-    const Report report = performOrFail("tarn_qtn_mirror_get_telnet_status");
-    return writeResult(
-        console, "telnet",
-        {{"status", "telnet status", report.number("status")}, {"references", "references", report.number("ref_cnt")}});
+        performOrFail(kSwitch, {switchAssignment(kSwitch, "enable", *options.state), "pid=" + *options.processId});
+    const Fields telnet = outputsOf(performOrFail("tarn_qtn_mirror_get_telnet_status"));
+    Page page("telnet");
+    page.value("status", telnet["status"], "telnet status");
+    page.value("references", telnet["ref_cnt"]);
+    return page.write(console, Survey());
 }
 
 } // namespace

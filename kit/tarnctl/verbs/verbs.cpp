@@ -2,6 +2,7 @@
 
 #include "base/join.h"
 #include "base/suggestions.h"
+#include "tarnctl/fields.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 
@@ -120,37 +121,19 @@ void addCaller(CLI::App& verb, CallerId& callerId)
         ->excludes(caller);
 }
 
-std::string switchValue(const std::string& state)
+std::string switchAssignment(const char* function, const char* argument, const std::string& state)
 {
     if (state != "on" && state != "off")
         throw UsageError("expected on or off; got " + inQuotes(state));
-    return state == "on" ? "1" : "0";
+    const LibraryFunction& called = functionNamed(function);
+    const layout::Meaning* const meaning = meaningOf(called, *called.parameter(argument));
+    const bool isNamed = meaning != nullptr && meaning->values != nullptr;
+    return std::string(argument) + "=" + (isNamed ? state : state == "on" ? "1" : "0");
 }
 
 std::vector<std::string> switchStates()
 {
     return {"on", "off"};
-}
-
-ExitCode writeResult(const Console& console, const char* kind, const std::vector<ResultLine>& lines)
-{
-    Json document = Console::document(kind);
-    for (const ResultLine& line : lines)
-    {
-        document[line.key] = line.value;
-        if (!console.json && !console.csv)
-            console.out << line.title << ": " << (line.value.is_string() ? line.value.get<std::string>() : line.value.dump())
-                        << '\n';
-    }
-    if (console.json)
-        console.write(document);
-    if (console.csv)
-    {
-        const auto textOf = [](const ResultLine& line) { return line.value.is_string() ? line.value.get<std::string>() : line.value.dump(); };
-        console.out << base::join(lines, ",", [](const ResultLine& line) { return std::string(line.key); }) << '\n'
-                    << base::join(lines, ",", textOf) << '\n';
-    }
-    return ExitCode::kSuccess;
 }
 
 } // namespace tarn::ctl

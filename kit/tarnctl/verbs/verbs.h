@@ -140,22 +140,13 @@ std::vector<std::string> verbNames(const CLI::App& parser);
 std::vector<const CLI::Option*> namedOptions(const CLI::App& parser);
 std::vector<std::string> optionNames(const CLI::App& parser);
 
-// What `on` and `off` are to a function: "1" and "0". Throws UsageError for anything else.
-std::string switchValue(const std::string& state);
+// "enable=on" where the layout names the argument's values, "enable=1" where none does. Throws UsageError for a state that is
+// neither on nor off.
+std::string switchAssignment(const char* function, const char* argument, const std::string& state);
 std::vector<std::string> switchStates();
 
 // --caller and --null-caller.
 void addCaller(CLI::App& verb, CallerId& callerId);
-
-// One line "title: value" of a verb's result, in JSON a key of a document of the verb's kind.
-struct ResultLine
-{
-    const char* key;
-    const char* title;
-    Json value;
-};
-
-ExitCode writeResult(const Console& console, const char* kind, const std::vector<ResultLine>& lines);
 
 void addList(Verbs& verbs);
 void addDescribe(Verbs& verbs);

@@ -18,6 +18,8 @@ struct WpsOptions
     WatchOptions watch;
 };
 
+constexpr char kPinIsToOpen[] = "--pin: expected only with wps open";
+
 std::vector<std::string> actions()
 {
     return {"status", "open", "cancel"};
@@ -27,7 +29,8 @@ void declare(Syntax& syntax, WpsOptions& options)
 {
     syntax.text("ACTION", options.action, "status, open or cancel");
     declareTargets(syntax, options.targets);
-    syntax.text("--pin", options.pin, "With open: the station's PIN; without it any station may come, as when a button is pressed");
+    syntax.text("--pin", options.pin,
+                "With open: the station's PIN; without it any station may come, as when a button is pressed");
     declareWatch(syntax, options.watch);
     syntax.footer("Open and cancel need one interface.\n"
                   "Example:\n  tarnctl wps open wifi0");
@@ -71,7 +74,9 @@ ExitCode change(const Console& console, const WpsOptions& options)
     if (options.targets.size() != 1)
         throw UsageError("wps " + options.action + ": expected one interface");
     if (options.pin && options.action != "open")
-        throw UsageError("--pin: expected only with wps open");
+        throw UsageError(kPinIsToOpen);
+    if (options.watch.seconds || options.watch.count)
+        throw UsageError("--watch: expected only with wps status");
     Survey survey("wps");
     const Interface interface = survey.interface(options.targets.front());
     const auto window = [&] { return survey.ask("TarnGetAccessPointWpsWindowStatus", interface.asAccessPoint())["status"]; };
@@ -87,6 +92,8 @@ ExitCode wps(const Console& console, const WpsOptions& options)
     requireAction("wps", options.action, actions());
     if (options.action != "status")
         return change(console, options);
+    if (options.pin)
+        throw UsageError(kPinIsToOpen);
     return watch(console, options.watch, [&](const Console& frame) { return status(frame, options.targets); });
 }
 
