@@ -162,13 +162,8 @@ void Listing::sort(const std::string& columnKey)
     const Column* const column = columnOf(*this, columnKey);
     if (column == nullptr)
     {
-        const std::vector<std::string> keys = [this]
-        {
-            std::vector<std::string> all;
-            for (const Column& each : columns)
-                all.emplace_back(each.key);
-            return all;
-        }();
+        std::vector<std::string> keys(columns.size());
+        std::transform(columns.begin(), columns.end(), keys.begin(), [](const Column& each) { return each.key; });
         throw UsageError("--sort: there is no column " + inQuotes(columnKey) + "; expected one of " + base::join(keys),
                          base::suggestions(columnKey, keys));
     }

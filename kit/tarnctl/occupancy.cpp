@@ -27,7 +27,8 @@ std::int64_t blockStart(Band band, std::int64_t channel)
     if (band == Band::k6GHz)
         return 1;
     constexpr std::array<std::int64_t, 3> kStarts = {149, 100, 36};
-    const auto start = std::find_if(kStarts.begin(), kStarts.end(), [channel](std::int64_t first) { return channel >= first; });
+    const auto* const start =
+        std::find_if(kStarts.begin(), kStarts.end(), [channel](std::int64_t first) { return channel >= first; });
     return start == kStarts.end() ? channel : *start;
 }
 

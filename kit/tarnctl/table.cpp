@@ -62,9 +62,17 @@ std::string Table::line(const std::vector<TableCell>& row, const std::vector<std
     {
         const TableCell& cell = row[i];
         const std::string padding(widths[i] - columnsOf(cell.text), ' ');
-        if (!cell.text.empty())
-            line += gap + (cell.isRight ? padding : "") + (hasColours ? toned(cell.text, cell.tone) : cell.text);
-        gap = (cell.text.empty() ? gap + padding : cell.isRight ? "" : padding) + std::string(kGap, ' ');
+        if (cell.text.empty())
+            gap += padding;
+        else
+        {
+            line += gap;
+            if (cell.isRight)
+                line += padding;
+            line += hasColours ? toned(cell.text, cell.tone) : cell.text;
+            gap = cell.isRight ? "" : padding;
+        }
+        gap.append(kGap, ' ');
     }
     return line;
 }
