@@ -129,8 +129,10 @@ std::string Radio::title() const
 
 Survey::Survey(const std::string& verb)
 {
-    if (layoutInUse() == nullptr)
-        throw UsageError(verb + " needs to know what is inside the gateway's records; " + kHowToGiveALayout);
+    if (layoutInUse() != nullptr)
+        return;
+    performOrFail("TarnGetRadioNum"); // if no gateway answers, that has to be known first
+    throw UsageError(verb + " needs to know what is inside the gateway's records; " + kHowToGiveALayout);
 }
 
 // --- Objects ----------------------------------------------------------------------------------------------------------------

@@ -292,7 +292,9 @@ TEST_F(FieldTasksTest, BadInputIsRefusedWithWhatWasExpected)
         const char* error;
     };
     const std::vector<Bad> kBad = {
-        {{"channel", "1", "high"}, "channel: "},
+        {{"channel", "1", "high"}, "channel: expected a number or auto; got \"high\""},
+        {{"bandwidth", "1", "-40"}, "bandwidth: expected a number; got \"-40\""},
+        {{"power", "1", ""}, "power: expected a number; got \"\""},
         {{"channel", "1", "44", "--watch", "1"}, "channel: expected a value or --watch, not both"},
         {{"stations", "--sort", "signl"}, "--sort: there is no column \"signl\"; expected one of interface, address, signal"},
         {{"stations", "--watch", "0"}, "--watch: "},
@@ -409,19 +411,22 @@ class NoGatewayTest : public TarnctlTest
 
 TEST_F(NoGatewayTest, IsSaidByEveryVerb)
 {
-    setenv("TARN_LAYOUT", TARN_GATEWAY_LAYOUT, 1);
     for (const Words& words : {Words{"status"}, Words{"radios"}, Words{"ssids"}, Words{"stations"}, Words{"scan"},
                                Words{"channel"}, Words{"security"}, Words{"filter", "list"}, Words{"kick", "02:00:00:00:01:01"},
                                Words{"wps", "status"}, Words{"dfs"}, Words{"counters"}, Words{"boot", "get", "serial"},
                                Words{"smart-wifi", "bss"}, Words{"temperature"}, Words{"versions"}})
     {
         SCOPED_TRACE(words.front());
-        const RanJson ran = runJson(words);
-        EXPECT_EQ(ran.exit, 4);
-        EXPECT_EQ(ran.document.at("exit"), 4);
-        EXPECT_NE(ran.err.find("no service "), std::string::npos) << ran.err;
+        for (const char* layout : {TARN_GATEWAY_LAYOUT, ""})
+        {
+            Words withLayout = words;
+            withLayout.insert(withLayout.end(), {"--layout", layout});
+            const RanJson ran = runJson(withLayout);
+            EXPECT_EQ(ran.exit, 4);
+            EXPECT_EQ(ran.document.at("exit"), 4);
+            EXPECT_NE(ran.err.find("no service "), std::string::npos) << ran.err;
+        }
     }
-    unsetenv("TARN_LAYOUT");
 }
 
 } // namespace

@@ -41,8 +41,9 @@ ExitCode change(const Console& console, const RadioSetting& setting, const Setti
     Survey survey(setting.name);
     const Radio radio = survey.radio(*options.radio);
     const bool isAutomatic = setting.automaticField != nullptr && *options.value == kAutomatic;
-    if (!isAutomatic)
-        parseNumber(setting.name, *options.value, sizeof(std::uint32_t));
+    if (!isAutomatic && (options.value->empty() || options.value->find_first_not_of("0123456789") != std::string::npos))
+        throw UsageError(std::string(setting.name) + ": expected a number" +
+                         (setting.automaticField == nullptr ? "" : " or auto") + "; got " + inQuotes(*options.value));
     const char* const field = isAutomatic ? setting.automaticField : setting.field;
     const Report report =
         setField("TarnSetRadioCfg", radio.asRadio(), std::string("cfg.") + field, isAutomatic ? "on" : *options.value);
