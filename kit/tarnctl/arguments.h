@@ -48,8 +48,8 @@ struct PreparedArguments
     std::vector<calling::ArgumentValue> values();
 };
 
-// The name of an interface may be given as ifname or intf_name. Throws UsageError for a name that is unknown, repeated, or an output's, for one that is missing, and for a value that
-// does not fit.
+// The name of an interface may be given as ifname or intf_name. Throws UsageError for a name that is unknown, repeated, or an
+// output's, for one that is missing, and for a value that does not fit.
 PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& assignments);
 
 // What `describe`, and an error, say about how an input is written.

@@ -24,8 +24,8 @@ struct Change
 // For people "radio 1 (radio0): channel 36 -> 44 (DONE)" each; CSV and JSON as a page has them.
 ExitCode writeChanges(const Console& console, const char* kind, const Survey& survey, const std::vector<Change>& changes);
 
-// Changes one field of a record, the others staying as they are; `cfg.channel=44`, say. Throws UsageError if the layout does not say
-// how one selects the field, or CallFailure.
+// Changes one field of a record, the others staying as they are; `cfg.channel=44`, say. Throws UsageError if the layout does
+// not say how one selects the field, or CallFailure.
 Report setField(const std::string& function, const Assignments& object, const std::string& field, const std::string& value);
 
 // A MAC address as the calls want it. Throws UsageError.

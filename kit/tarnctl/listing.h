@@ -5,8 +5,8 @@
 //     stations.rows.push_back(fields);
 //     return page.write(console, survey);
 //
-// The keys of columns and lists are the tool's own and stay as they are, whatever the layout calls its fields. A number that the
-// layout names comes twice in JSON and CSV: KEY is the number, KEY_name its name.
+// The keys of columns and lists are the tool's own and stay as they are, whatever the layout calls its fields. A number that
+// the layout names comes twice in JSON and CSV: KEY is the number, KEY_name its name.
 #pragma once
 
 #include "cell.h"
@@ -57,8 +57,8 @@ public:
     // References stay valid.
     Listing& list(const char* key, std::vector<Column> columns, const char* heading = "");
 
-    // One value beside the lists: "firmware: 5.3" in front of the tables, a key of the document, a column of the CSV if there is
-    // no list at all. If it has no title, that is made of the key.
+    // One value beside the lists: "firmware: 5.3" in front of the tables, a key of the document, a column of the CSV if there
+    // is no list at all. If it has no title, that is made of the key.
     void value(const char* key, Cell cell, const char* title = nullptr);
 
     // Returns the survey's exit code. Throws UsageError if CSV is asked for and the page has more than one list for it.

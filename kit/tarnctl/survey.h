@@ -6,9 +6,9 @@
 //             ... station["rssi"] ...
 //     survey.notes(), survey.exitCode()                // what was refused meanwhile
 //
-// What the layout in use does not tell is a Cell that is not known. A status other than 0 makes a note and leaves out what it was
-// asked for. The device service is needed: a call of it that fails throws CallFailure. Another service that fails makes a note,
-// and is not asked again.
+// What the layout in use does not tell is a Cell that is not known. A status other than 0 makes a note and leaves out what it
+// was asked for. The device service is needed: a call of it that fails throws CallFailure. Another service that fails makes a
+// note, and is not asked again.
 #pragma once
 
 #include "call.h"
@@ -65,8 +65,8 @@ public:
     // --- Objects ---
 
     // Those that the targets name, all if there are none. A target is a radio by its id or name, for that radio or all of its
-    // interfaces, an interface by its name or as RADIO.INTERFACE, for that interface or its radio. Throws UsageError for one that
-    // the gateway does not have.
+    // interfaces, an interface by its name or as RADIO.INTERFACE, for that interface or its radio. Throws UsageError for one
+    // that the gateway does not have.
     std::vector<Radio> radios(const std::vector<std::string>& targets = {});
     std::vector<Interface> interfaces(const std::vector<std::string>& targets = {});
 

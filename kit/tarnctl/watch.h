@@ -18,8 +18,8 @@ struct WatchOptions
     bool waitsFirst = false; // before the first time
 };
 
-// Without seconds shows once. Else until it has been shown so many times, SIGINT or SIGTERM comes, or it fails. A terminal shows
-// the latest in place; else one follows the other, in JSON one a line.
+// Without seconds shows once. Else until it has been shown so many times, SIGINT or SIGTERM comes, or it fails. A terminal
+// shows the latest in place; else one follows the other, in JSON one a line.
 ExitCode watch(const Console& console, const WatchOptions& options, const std::function<ExitCode(const Console&)>& show);
 
 } // namespace tarn::ctl

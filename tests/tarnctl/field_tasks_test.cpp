@@ -1,5 +1,5 @@
-// Everyday tasks in the field, each one command against a gateway: it succeeds, says what was asked for, and shows no hexadecimal.
-// All of them also against a second make of gateway, which has everything at other places and by other numbers.
+// Everyday tasks in the field, each one command against a gateway: it succeeds, says what was asked for, and shows no
+// hexadecimal. All of them also against a second make of gateway, which has everything at other places and by other numbers.
 #include "support.h"
 #include "support/second_gateway.h"
 

@@ -128,7 +128,8 @@ std::string switchAssignment(const char* function, const char* argument, const s
     const LibraryFunction& called = functionNamed(function);
     const layout::Meaning* const meaning = meaningOf(called, *called.parameter(argument));
     const bool isNamed = meaning != nullptr && meaning->values != nullptr;
-    return std::string(argument) + "=" + (isNamed ? state : state == "on" ? "1" : "0");
+    const std::string number = state == "on" ? "1" : "0";
+    return std::string(argument) + "=" + (isNamed ? state : number);
 }
 
 std::vector<std::string> switchStates()
