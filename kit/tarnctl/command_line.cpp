@@ -73,6 +73,8 @@ void addVerbs(Verbs& verbs)
     addPublish(verbs);
     addCompletion(verbs);
     addHelp(verbs);
+    verbs.group("", false);
+    addComplete(verbs);
 }
 
 CLI::Option* addChoice(CLI::App& parser, const char* name, const std::vector<std::string>& words, const char* description,
@@ -204,7 +206,8 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
               "Whether tables are coloured; auto: on a terminal, unless NO_COLOR is set",
               [&console](const std::string& when)
               { console.colours = when == "always" || (when == "auto" && console.colours); });
-    parser.add_option("--directory", options.directory, "Directory of the services' sockets, instead of KORIIL_DIR");
+    parser.add_option("--directory", options.directory, "Directory of the services' sockets, instead of KORIIL_DIR")
+        ->type_name("DIRECTORY");
     parser.set_version_flag("--version", "tarnctl " TARNCTL_VERSION);
     parser.require_subcommand(1);
     parser.footer(kHelp);

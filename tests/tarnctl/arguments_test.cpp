@@ -346,7 +346,7 @@ TEST_F(ArgumentsTest, OtherCommands)
     expectUsageError({"telnet", "--pid", "1"},
                      "telnet: expected a state and --pid, the process on whose behalf it is switched, or neither");
     expectUsageError({"log-level", "x"}, std::string(kNumberExpected) + "\"x\"");
-    expectUsageError({"completion", "fish"}, "completion: expected bash; got \"fish\"");
+    expectUsageError({"completion", "powershell"}, "completion: expected bash or zsh or fish; got \"powershell\"");
     expectUsageError({"publish", "1", "--data", "0"},
                      "--data: expected hexadecimal digits, two for each byte; got 1 characters");
     expectUsageError({"publish", "1", "--data", std::string(2050, '0')}, "--data: expected at most 1024 bytes; got 1025");

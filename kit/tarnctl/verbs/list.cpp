@@ -27,7 +27,8 @@ struct ListOptions
 
 void declare(CLI::App& verb, ListOptions& options)
 {
-    verb.add_option("--service", options.service, "Only those of a service: TARN, QTN_RPC_PROXY, QTN_MIRROR");
+    verb.add_option("--service", options.service, "Only those of a service: TARN, QTN_RPC_PROXY, QTN_MIRROR")
+        ->type_name("SERVICE");
     verb.add_option("--group", options.group, "Only those of a group");
     verb.add_option("TEXT", options.text, "Only those with this text in name, group or description");
     verb.footer("Columns: service, command, group, function, description.");

@@ -42,7 +42,7 @@ CLI::App& Verbs::newVerb(const char* name, const char* description)
 {
     if (writesCsv_)
         csvVerbs_.insert(name);
-    return *parser_.add_subcommand(name, description)->group(group_.empty() ? "Commands" : group_);
+    return *parser_.add_subcommand(name, description)->group(group_);
 }
 
 void declareTargets(Syntax& syntax, std::vector<std::string>& targets)
@@ -71,7 +71,7 @@ void declareSort(Syntax& syntax, std::optional<std::string>& column)
 
 std::vector<const CLI::App*> subcommands(const CLI::App& parser)
 {
-    return parser.get_subcommands([](const CLI::App*) { return true; });
+    return parser.get_subcommands([](const CLI::App* verb) { return !verb->get_group().empty(); });
 }
 
 std::vector<std::string> verbNames(const CLI::App& parser)

@@ -35,7 +35,8 @@ public:
     {
     }
 
-    // The verbs that follow are under this heading in the help, and write CSV if they are asked for it, or cannot.
+    // The verbs that follow are under this heading in the help, or hidden if it is empty, and write CSV if they are asked for it, or
+    // cannot.
     void group(const char* heading, bool writesCsv)
     {
         group_ = heading;
@@ -111,7 +112,7 @@ private:
 
     CLI::App& parser_;
     const Console& console_;
-    std::string group_;
+    std::string group_ = "Commands";
     bool writesCsv_ = false;
     std::set<std::string> csvVerbs_;
     std::map<std::string, Verb> verbs_;
@@ -133,6 +134,7 @@ void requireAction(const char* verb, const std::string& word, const std::vector<
 CLI::Option* addText(CLI::App& verb, const char* name, std::optional<std::string>& text, const char* description);
 CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description);
 
+// Those that the help shows.
 std::vector<const CLI::App*> subcommands(const CLI::App& parser);
 std::vector<std::string> verbNames(const CLI::App& parser);
 
@@ -177,6 +179,7 @@ void addTelnet(Verbs& verbs);
 void addIpc(Verbs& verbs);
 void addLayout(Verbs& verbs);
 void addPublish(Verbs& verbs);
+void addComplete(Verbs& verbs);
 void addCompletion(Verbs& verbs);
 void addHelp(Verbs& verbs);
 
