@@ -69,6 +69,8 @@ void addVerbs(Verbs& verbs)
     addCall(verbs);
     addEvents(verbs);
     addLayout(verbs);
+    verbs.group("For monitoring", false);
+    addMetrics(verbs);
     verbs.group("This program", false);
     addPublish(verbs);
     addCompletion(verbs);

@@ -164,6 +164,19 @@ const char* toString(Band band)
     return kNames.at(static_cast<std::size_t>(band));
 }
 
+std::int64_t frequencyOf(Band band, std::int64_t channel)
+{
+    constexpr std::int64_t kChannelDistance = 5; // MHz
+    constexpr std::int64_t kOf2GHzChannel14 = 2484;
+    constexpr std::int64_t kOf6GHzChannel2 = 5935; // below channel 1
+    constexpr std::array<std::int64_t, 3> kOfChannel0 = {2407, 5000, 5950};
+    if (band == Band::k2GHz && channel == kLast2GHzChannel)
+        return kOf2GHzChannel14;
+    if (band == Band::k6GHz && channel == 2)
+        return kOf6GHzChannel2;
+    return kOfChannel0.at(static_cast<std::size_t>(band)) + channel * kChannelDistance;
+}
+
 void writeOccupancy(const Console& console, Band band, std::vector<Network> networks)
 {
     if (networks.empty())

@@ -39,6 +39,9 @@ Coverage coverageOf(Band band, std::int64_t channel, std::int64_t bandwidth);
 Band bandOf(const std::string& word, std::int64_t channel);
 const char* toString(Band band);
 
+// The middle of a channel of 20 MHz, in MHz.
+std::int64_t frequencyOf(Band band, std::int64_t channel);
+
 // One line a network, a bar over the channels that it covers, the strongest first and our own before them.
 void writeOccupancy(const Console& console, Band band, std::vector<Network> networks);
 

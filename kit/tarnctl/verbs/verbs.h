@@ -178,6 +178,7 @@ void addMirror(Verbs& verbs);
 void addTelnet(Verbs& verbs);
 void addIpc(Verbs& verbs);
 void addLayout(Verbs& verbs);
+void addMetrics(Verbs& verbs);
 void addPublish(Verbs& verbs);
 void addComplete(Verbs& verbs);
 void addCompletion(Verbs& verbs);
