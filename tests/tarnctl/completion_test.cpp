@@ -91,6 +91,8 @@ TEST_F(CompletionTest, OffersOptionsAndTheirValues)
     EXPECT_EQ(offered({"--layout", "x"}), Offers{"<file>"});
     EXPECT_EQ(offered({"metrics", "--textfile", "x"}), Offers{"<file>"});
     EXPECT_EQ(offered({"--directory", "x"}), Offers{"<directory>"});
+    EXPECT_EQ(offered({"scan", "--sort", "b"}), (Offers{"band", "bandwidth", "bssid"}));
+    EXPECT_EQ(offered({"stations", "--sort=s"}), Offers{"--sort=signal"});
     EXPECT_EQ(offered({"list", "--service", "QTN_M"}), Offers{"QTN_MIRROR"});
 }
 

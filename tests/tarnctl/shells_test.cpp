@@ -64,6 +64,7 @@ TEST_P(ShellTest, CompletesAnOptionAndItsValue)
     EXPECT_EQ(offered("tarnctl call --dr"), Offers{"--dry-run"});
     EXPECT_EQ(offered("tarnctl --format "), (Offers{"csv", "json", "table"}));
     EXPECT_EQ(offered("tarnctl --format=js"), Offers{"--format=json"});
+    EXPECT_EQ(offered("tarnctl stations --sort s"), Offers{"signal"});
 }
 
 TEST_P(ShellTest, CompletesAFunction)

@@ -24,12 +24,18 @@ struct ScanOptions
     bool hasChart = false;
 };
 
+std::vector<Column> columns()
+{
+    return {{"radio", "radio"},     {"ssid", "ssid", &strong},  {"bssid", "bssid"}, {"signal", "rssi", &signalTone},
+            {"channel", "channel"}, {"bandwidth", "bandwidth"}, {"band", "band"},   {"security", "security"}};
+}
+
 void declare(Syntax& syntax, ScanOptions& options)
 {
     declareTargets(syntax, options.targets);
     syntax.flag("--wait", options.waits, "Wait for the scan's end, and show what it found");
     syntax.flag("--last", options.startsNone, "Start none; show what the last one found");
-    declareSort(syntax, options.sort);
+    declareSort(syntax, options.sort, columns());
     syntax.flag("--chart", options.hasChart, "Draw which channels the networks cover");
     syntax.footer("Without --wait a scan is started, and what the one before found is shown.\n"
                   "Example:\n  tarnctl scan --wait --sort signal --chart");
@@ -124,14 +130,7 @@ ExitCode scan(const Console& console, const ScanOptions& options)
         waitForEnd(console, survey, radios);
 
     Page page("scan");
-    Listing& networks = page.list("networks", {{"radio", "radio"},
-                                               {"ssid", "ssid", &strong},
-                                               {"bssid", "bssid"},
-                                               {"signal", "rssi", &signalTone},
-                                               {"channel", "channel"},
-                                               {"bandwidth", "bandwidth"},
-                                               {"band", "band"},
-                                               {"security", "security"}});
+    Listing& networks = page.list("networks", columns());
     Listing& states = page.list("radios", {{"id", "id"}, {"name", "name"}, {"state", "state", nullptr, true}});
     states.isOnlyInJson = true;
     for (const Radio& radio : radios)

@@ -78,7 +78,7 @@ std::vector<std::string> tableNames()
 void declare(Syntax& syntax, SmartWifiOptions& options)
 {
     syntax.text("TABLE", options.table, "bss, stations or history");
-    declareSort(syntax, options.sort);
+    declareSort(syntax, options.sort, {}); // which differ from table to table
     declareWatch(syntax, options.watch);
 }
 

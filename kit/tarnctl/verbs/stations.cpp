@@ -19,18 +19,6 @@ struct StationsOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, StationsOptions& options)
-{
-    declareTargets(syntax, options.targets);
-    declareSort(syntax, options.sort);
-    declareWatch(syntax, options.watch);
-    syntax.footer("With --watch the column history shows how the signal has changed, the latest at the right.\n"
-                  "Example:\n  tarnctl stations --sort signal --watch 1");
-}
-
-// The signals of each station since the watching began, the latest last.
-using Histories = std::map<std::string, std::deque<std::int64_t>>;
-
 std::vector<Column> columns(bool hasHistory)
 {
     std::vector<Column> columns = {
@@ -43,6 +31,18 @@ std::vector<Column> columns(bool hasHistory)
         columns.push_back(column);
     return columns;
 }
+
+void declare(Syntax& syntax, StationsOptions& options)
+{
+    declareTargets(syntax, options.targets);
+    declareSort(syntax, options.sort, columns(false));
+    declareWatch(syntax, options.watch);
+    syntax.footer("With --watch the column history shows how the signal has changed, the latest at the right.\n"
+                  "Example:\n  tarnctl stations --sort signal --watch 1");
+}
+
+// The signals of each station since the watching began, the latest last.
+using Histories = std::map<std::string, std::deque<std::int64_t>>;
 
 Cell historyOf(const Fields& station, Histories& histories, bool hasUtf8)
 {

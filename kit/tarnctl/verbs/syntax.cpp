@@ -1,5 +1,6 @@
 #include "tarnctl/verbs/syntax.h"
 
+#include "base/join.h"
 #include "tarnctl/verbs/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -20,6 +21,12 @@ void Syntax::text(const char* name, std::string& text, const char* description)
 void Syntax::text(const char* name, std::optional<std::string>& text, const char* description)
 {
     addText(verb_, name, text, description);
+}
+
+void Syntax::word(const char* name, std::optional<std::string>& word, const std::vector<std::string>& words,
+                  const char* description)
+{
+    addText(verb_, name, word, description)->type_name(words.empty() ? "WHICH" : "WHICH:{" + base::join(words, ",") + "}");
 }
 
 void Syntax::texts(const char* name, std::vector<std::string>& texts, const char* description)

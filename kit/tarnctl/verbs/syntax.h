@@ -24,6 +24,9 @@ public:
 
     void text(const char* name, std::string& text, const char* description); // has to be given
     void text(const char* name, std::optional<std::string>& text, const char* description);
+    // One of these words, if it is known here which; the help shows them and a shell completes them, the verb refuses others.
+    void word(const char* name, std::optional<std::string>& word, const std::vector<std::string>& words,
+              const char* description);
     void texts(const char* name, std::vector<std::string>& texts, const char* description); // any number
     void flag(const char* name, bool& isGiven, const char* description);
     void seconds(const char* name, std::optional<double>& seconds, double least, const char* description);

@@ -3,6 +3,7 @@
 #include "base/join.h"
 #include "base/suggestions.h"
 #include "tarnctl/fields.h"
+#include "tarnctl/listing.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 
@@ -64,9 +65,13 @@ void requireAction(const char* verb, const std::string& word, const std::vector<
                          base::suggestions(word, actions));
 }
 
-void declareSort(Syntax& syntax, std::optional<std::string>& column)
+void declareSort(Syntax& syntax, std::optional<std::string>& column, const std::vector<Column>& columns)
 {
-    syntax.text("--sort", column, "A column to sort by, numbers with the largest first");
+    std::vector<std::string> keys;
+    keys.reserve(columns.size());
+    for (const Column& each : columns)
+        keys.emplace_back(each.key);
+    syntax.word("--sort", column, keys, "A column to sort by, numbers with the largest first");
 }
 
 std::vector<const CLI::App*> subcommands(const CLI::App& parser)

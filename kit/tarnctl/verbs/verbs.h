@@ -25,6 +25,8 @@ class Option;
 namespace tarn::ctl
 {
 
+struct Column;
+
 // Words that a shell can complete after a verb.
 using CompletionWords = std::vector<std::string> (*)();
 
@@ -35,8 +37,8 @@ public:
     {
     }
 
-    // The verbs that follow are under this heading in the help, or hidden if it is empty, and write CSV if they are asked for it, or
-    // cannot.
+    // The verbs that follow are under this heading in the help, or hidden if it is empty, and write CSV if they are asked for
+    // it, or cannot.
     void group(const char* heading, bool writesCsv)
     {
         group_ = heading;
@@ -125,7 +127,7 @@ void declareTargets(Syntax& syntax, std::vector<std::string>& targets);
 // --watch and --count.
 void declareWatch(Syntax& syntax, WatchOptions& options);
 // --sort.
-void declareSort(Syntax& syntax, std::optional<std::string>& column);
+void declareSort(Syntax& syntax, std::optional<std::string>& column, const std::vector<Column>& columns);
 
 // Throws UsageError if the word is none of the actions of that verb.
 void requireAction(const char* verb, const std::string& word, const std::vector<std::string>& actions);
