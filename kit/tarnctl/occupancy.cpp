@@ -79,17 +79,6 @@ Axis axisOf(Band band, const std::vector<Network>& networks, std::size_t room)
     return axis;
 }
 
-bool isChannel(Band band, std::int64_t channel)
-{
-    constexpr std::int64_t kLastOfLowerPart = 64;
-    constexpr std::int64_t kFirstOfUpperPart = 100;
-    if (band == Band::k2GHz)
-        return channel >= 1 && channel <= kLast2GHzChannel;
-    if (band == Band::k5GHz && channel > kLastOfLowerPart && channel < kFirstOfUpperPart)
-        return false;
-    return (channel - blockStart(band, channel)) % kNumbersAChannel == 0;
-}
-
 // The numbers of the channels where they begin, as far as there is room between them.
 std::string scaleOf(Band band, const Axis& axis)
 {
@@ -147,6 +136,17 @@ Coverage coverageOf(Band band, std::int64_t channel, std::int64_t bandwidth)
     const std::int64_t start = blockStart(band, channel);
     const std::int64_t first = start + (channel - start) / numbers * numbers;
     return {first, first + numbers - 1};
+}
+
+bool isChannel(Band band, std::int64_t channel)
+{
+    constexpr std::int64_t kLastOfLowerPart = 64;
+    constexpr std::int64_t kFirstOfUpperPart = 100;
+    if (band == Band::k2GHz)
+        return channel >= 1 && channel <= kLast2GHzChannel;
+    if (band == Band::k5GHz && channel > kLastOfLowerPart && channel < kFirstOfUpperPart)
+        return false;
+    return (channel - blockStart(band, channel)) % kNumbersAChannel == 0;
 }
 
 Band bandOf(const std::string& word, std::int64_t channel)

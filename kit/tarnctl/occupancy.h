@@ -35,6 +35,9 @@ struct Coverage
 
 Coverage coverageOf(Band band, std::int64_t channel, std::int64_t bandwidth);
 
+// Whether it is the number of a channel of 20 MHz in that band.
+bool isChannel(Band band, std::int64_t channel);
+
 // By the layout's word for it, "2.4GHz", else by the channel.
 Band bandOf(const std::string& word, std::int64_t channel);
 const char* toString(Band band);

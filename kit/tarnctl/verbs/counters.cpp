@@ -1,12 +1,11 @@
 // `tarnctl counters`: what has been sent and received, or how much a second.
 #include "tarnctl/listing.h"
+#include "tarnctl/rate.h"
 #include "tarnctl/verbs/verbs.h"
 
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
-#include <limits>
 #include <map>
 
 namespace tarn::ctl
@@ -64,36 +63,14 @@ Sample sampleOf(Survey& survey, const std::vector<std::string>& targets)
     return sample;
 }
 
-// How much a counter has grown; it begins again at 0 when its bytes are full.
-double growth(const Cell& before, const Cell& after)
-{
-    constexpr std::uint32_t kBitsOfAByte = 8;
-    const auto difference = static_cast<std::uint64_t>(after.number()) - static_cast<std::uint64_t>(before.number());
-    const std::uint32_t bits = after.size * kBitsOfAByte;
-    const std::uint64_t all = std::numeric_limits<std::uint64_t>::max();
-    return static_cast<double>(bits == 0 || bits >= 64 ? difference : difference & (all >> (64 - bits)));
-}
-
-// "1.2 M" and the unit.
-std::string shortened(double number, const std::string& unit)
-{
-    constexpr double kThousand = 1000;
-    constexpr std::array<const char*, 4> kPrefixes = {"", "k", "M", "G"};
-    std::size_t prefix = 0;
-    for (; number >= kThousand && prefix + 1 < kPrefixes.size(); ++prefix)
-        number /= kThousand;
-    std::array<char, 32> digits = {};
-    std::snprintf(digits.data(), digits.size(), prefix == 0 && number == std::floor(number) ? "%.0f" : "%.1f", number);
-    return std::string(digits.data()) + " " + kPrefixes.at(prefix) + unit;
-}
-
 Cell rateOf(const Counter& counter, const Cell& before, const Cell& after, double seconds)
 {
     constexpr double kBitsOfAByte = 8;
     Cell rate;
     if (!before.isNumber() || !after.isNumber())
         return rate;
-    const double perSecond = growth(before, after) * (counter.isBytes ? kBitsOfAByte : 1) / seconds;
+    const double perSecond =
+        growth(before.number(), after.number(), after.size) * (counter.isBytes ? kBitsOfAByte : 1) / seconds;
     rate.value = std::round(perSecond * 10) / 10;
     rate.unit = counter.isBytes ? "bit/s" : "1/s";
     rate.shown = shortened(rate.value.get<double>(), counter.isBytes ? "bit/s" : "/s");
