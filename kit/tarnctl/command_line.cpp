@@ -23,7 +23,7 @@ namespace
 
 constexpr char kHelp[] = R"(Exit codes:
   0  success
-  1  anything else: nothing found, a file not written, the "no" of a local utility
+  1  anything else: nothing found, a difference, a file not written, the "no" of a local utility
   2  usage: the command line cannot be carried out
   3  the library refused an argument; nothing was sent
   4  no such service is running
@@ -71,6 +71,10 @@ void addVerbs(Verbs& verbs)
     addLayout(verbs);
     verbs.group("For monitoring", false);
     addMetrics(verbs);
+    verbs.group("For a support case", false);
+    addReport(verbs);
+    verbs.group("For a support case", true);
+    addDiff(verbs);
     verbs.group("This program", false);
     addPublish(verbs);
     addCompletion(verbs);

@@ -119,6 +119,12 @@ void checkNamedLayout()
         layoutInUse();
 }
 
+void loadLayoutAnew()
+{
+    choice().isLoaded = false;
+    choice().layout.reset();
+}
+
 const LayoutInUse* layoutInUse()
 {
     Choice& chosen = choice();

@@ -28,6 +28,9 @@ void chooseLayout(std::optional<std::string> file, std::function<void(const std:
 // Throws UsageError.
 void checkNamedLayout();
 
+// Begins anew with the same choice, because another gateway is asked now.
+void loadLayoutAnew();
+
 // Null if there is none. Throws UsageError for a named one that cannot be used.
 const LayoutInUse* layoutInUse();
 

@@ -90,6 +90,9 @@ TEST_F(CompletionTest, OffersOptionsAndTheirValues)
     EXPECT_EQ(offered({"radios", "--format=c"}), Offers{"--format=csv"});
     EXPECT_EQ(offered({"--layout", "x"}), Offers{"<file>"});
     EXPECT_EQ(offered({"metrics", "--textfile", "x"}), Offers{"<file>"});
+    EXPECT_EQ(offered({"report", "--json", "x"}), Offers{"<file>"});
+    EXPECT_EQ(offered({"report", "--json", "--ht"}), Offers{"--html"}) << "its file may be left out";
+    EXPECT_EQ(offered({"report", "--json", "--html", "x"}), Offers{"<file>"});
     EXPECT_EQ(offered({"--directory", "x"}), Offers{"<directory>"});
     EXPECT_EQ(offered({"scan", "--sort", "b"}), (Offers{"band", "bandwidth", "bssid"}));
     EXPECT_EQ(offered({"stations", "--sort=s"}), Offers{"--sort=signal"});

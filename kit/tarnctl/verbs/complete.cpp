@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <set>
+#include <utility>
 
 #include <unistd.h>
 
@@ -100,6 +101,12 @@ const CLI::App* verbNamed(const CLI::App& parser, const std::string& name)
     throw UsageError("there is no command " + name);
 }
 
+// A value that may be left out is none if it looks like an option.
+bool canBeValue(const std::string& word, const CLI::Option& option)
+{
+    return option.get_items_expected_min() > 0 || word.compare(0, 1, "-") != 0;
+}
+
 Before readBefore(const CLI::App& parser, const std::vector<std::string>& words)
 {
     Before before;
@@ -107,11 +114,9 @@ Before readBefore(const CLI::App& parser, const std::vector<std::string>& words)
     {
         const std::string& word = words[i];
         const std::size_t equals = word.find('=');
-        if (before.waiting != nullptr)
-        {
-            before.setOption(*before.waiting, word);
-            before.waiting = nullptr;
-        }
+        const CLI::Option* const waiting = std::exchange(before.waiting, nullptr);
+        if (waiting != nullptr && canBeValue(word, *waiting))
+            before.setOption(*waiting, word);
         else if (word.compare(0, 1, "-") == 0)
         {
             const CLI::Option* const option = optionNamed(parser, before.verb, word.substr(0, equals));
@@ -184,8 +189,10 @@ Offers serviceOffers()
 Offers optionValueOffers(const CLI::Option& option)
 {
     const std::string type = option.get_type_name();
-    if (type == "FILE" || type == "DIRECTORY")
-        return {{type == "FILE" ? "<file>" : "<directory>", ""}};
+    if (type == "FILE" || type == "[FILE]")
+        return {{"<file>", ""}};
+    if (type == "DIRECTORY")
+        return {{"<directory>", ""}};
     if (type == "SERVICE")
         return serviceOffers();
     return acceptedValues(type);
@@ -243,7 +250,7 @@ Offers positionalOffers(const Verbs& verbs, const Before& before, const std::str
 
 Offers offersFor(const Verbs& verbs, const Before& before, const std::string& present)
 {
-    if (before.waiting != nullptr)
+    if (before.waiting != nullptr && canBeValue(present, *before.waiting))
         return optionValueOffers(*before.waiting);
     const std::size_t equals = present.find('=');
     if (present.compare(0, 1, "-") == 0 && equals != std::string::npos)

@@ -181,6 +181,8 @@ void addTelnet(Verbs& verbs);
 void addIpc(Verbs& verbs);
 void addLayout(Verbs& verbs);
 void addMetrics(Verbs& verbs);
+void addReport(Verbs& verbs);
+void addDiff(Verbs& verbs);
 void addPublish(Verbs& verbs);
 void addComplete(Verbs& verbs);
 void addCompletion(Verbs& verbs);
