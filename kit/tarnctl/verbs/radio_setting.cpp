@@ -36,17 +36,16 @@ ExitCode show(const Console& console, const RadioSetting& setting, const Setting
     return page.write(console, survey);
 }
 
-ExitCode change(const Console& console, const RadioSetting& setting, const SettingOptions& options)
+ExitCode change(const Console& console, const RadioSetting& setting, const std::string& target, const std::string& value)
 {
     Survey survey(setting.name);
-    const Radio radio = survey.radio(*options.radio);
-    const bool isAutomatic = setting.automaticField != nullptr && *options.value == kAutomatic;
-    if (!isAutomatic && (options.value->empty() || options.value->find_first_not_of("0123456789") != std::string::npos))
+    const Radio radio = survey.radio(target);
+    const bool isAutomatic = setting.automaticField != nullptr && value == kAutomatic;
+    if (!isAutomatic && (value.empty() || value.find_first_not_of("0123456789") != std::string::npos))
         throw UsageError(std::string(setting.name) + ": expected a number" +
-                         (setting.automaticField == nullptr ? "" : " or auto") + "; got " + inQuotes(*options.value));
+                         (setting.automaticField == nullptr ? "" : " or auto") + "; got " + inQuotes(value));
     const char* const field = isAutomatic ? setting.automaticField : setting.field;
-    const Report report =
-        setField("TarnSetRadioCfg", radio.asRadio(), std::string("cfg.") + field, isAutomatic ? "on" : *options.value);
+    const Report report = setField("TarnSetRadioCfg", radio.asRadio(), std::string("cfg.") + field, isAutomatic ? "on" : value);
     const Fields after = survey.ask("TarnGetRadio", radio.asRadio());
     return writeChanges(console, setting.changeKind, survey,
                         {{radio.title(), setting.name, radio.data[setting.field], after[setting.field], report}});
@@ -69,7 +68,7 @@ void addRadioSetting(Verbs& verbs, const RadioSetting& setting, const char* desc
             return watch(console, options.watch, [&](const Console& frame) { return show(frame, setting, options); });
         if (options.watch.seconds || options.watch.count)
             throw UsageError(std::string(setting.name) + ": expected a value or --watch, not both");
-        return change(console, setting, options);
+        return change(console, setting, options.radio.value_or(""), *options.value);
     };
     verbs.add<SettingOptions>(setting.name, description, declare, act);
 }
