@@ -7,6 +7,9 @@
 #include <cstdarg>
 #include <cstdio>
 
+// libkoriil alone has it.
+#pragma weak KorIilKeepSubscription
+
 namespace tarn::ctl
 {
 
@@ -82,7 +85,13 @@ uint32_t __wrap_KorIilExecute(const char* callerId, const char* serviceId, uint3
 
 uint32_t __wrap_KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
 {
-    return observed({serviceId, 0, evt, {}}, [&] { return __real_KorIilSubscribeEvent(callerId, serviceId, evt, handler); });
+    return observed({serviceId, 0, evt, {}},
+                    [&]
+                    {
+                        if (observing == nullptr || observing->watcher == nullptr || KorIilKeepSubscription == nullptr)
+                            return __real_KorIilSubscribeEvent(callerId, serviceId, evt, handler);
+                        return KorIilKeepSubscription(callerId, serviceId, evt, handler, observing->watcher, nullptr);
+                    });
 }
 
 uint32_t __wrap_KorIilCancelEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)

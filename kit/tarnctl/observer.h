@@ -7,6 +7,7 @@
  * lld. */
 #pragma once
 
+#include "kor_iil_service.h"
 #include "values.h"
 
 #include <cstdint>
@@ -58,6 +59,10 @@ public:
 
     Observation seen;
     const Passage passage;
+
+    // Set: subscriptions are made such that they outlive a restart of the service, and this is told of it, without a context.
+    // Has no effect on a platform that cannot do so.
+    KorIilSubscriptionWatcher watcher = nullptr;
 
 private:
     Observer* const outer_;

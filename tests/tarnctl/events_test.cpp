@@ -132,15 +132,93 @@ TEST_F(EventsTest, ARefusedCaller)
     EXPECT_EQ(run({"events", "--null-caller"}).exit, 3);
 }
 
-TEST_F(EventsTest, AServiceThatGoesAwayIsNoticed)
+TEST_F(EventsTest, ItGoesOnWhenTheServiceHasBeenRestartedAndSaysSo)
+{
+    auto device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
+    Program program({"events", "1", "2", "--count", "2"});
+    waitUntilWatching(program);
+    EXPECT_EQ(device->publish(1, {0x01}), 1u);
+    EXPECT_NE(program.nextLine().find(" EVT_RADIO_STATUS_CHANGED 1 bytes 01"), std::string::npos);
+    device.reset();
+    EXPECT_EQ(program.nextErrorLine(), "tarnctl: TARN has ended; its events are missed until it is back");
+    device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
+    EXPECT_EQ(program.nextErrorLine(),
+              "tarnctl: TARN is back; watching EVT_RADIO_STATUS_CHANGED, EVT_RADIO_OPR_CHANNEL_CHANGED again");
+    EXPECT_EQ(device->publish(2, {0x02}), 1u);
+    EXPECT_NE(program.nextLine().find(" EVT_RADIO_OPR_CHANNEL_CHANGED 1 bytes 02"), std::string::npos);
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_EQ(device->publish(1, {}), 0u) << "renewed subscriptions are taken back as well";
+}
+
+TEST_F(EventsTest, ARestartIsADocumentForEachSubscription)
+{
+    auto device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
+    Program program({"events", "--json", "1", "2", "--count", "1"});
+    waitUntilWatching(program);
+    device.reset();
+    const Words names = {"EVT_RADIO_STATUS_CHANGED", "EVT_RADIO_OPR_CHANNEL_CHANGED"};
+    for (const char* state : {"lost", "renewed"})
+    {
+        if (state == std::string("renewed"))
+            device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
+        for (std::size_t i = 0; i < names.size(); ++i)
+        {
+            const Json document = checkedDocument(program.nextLine());
+            EXPECT_EQ(document.at("kind"), "subscription");
+            EXPECT_EQ(document.at("service"), "TARN");
+            EXPECT_EQ(document.at("event"), i + 1);
+            EXPECT_EQ(document.at("name"), names[i]);
+            EXPECT_EQ(document.at("state"), state);
+        }
+    }
+    EXPECT_EQ(device->publish(1, {}), 1u);
+    EXPECT_EQ(checkedDocument(program.nextLine()).at("kind"), "event");
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST_F(EventsTest, EventsThatAreGoneAfterARestartAreNotWaitedFor)
+{
+    auto device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
+    Program some({"events", "1", "5"});
+    waitUntilWatching(some);
+    Program none({"events", "4", "5"});
+    waitUntilWatching(none);
+    device.reset();
+    device = std::make_unique<Service>("TARN", statusAnswer(0), 2);
+    some.nextErrorLine();
+    EXPECT_EQ(some.nextErrorLine(),
+              "tarnctl: TARN is back without EVT_AP_WPS_WIN_STATUS_CHANGED, which is not watched any more; "
+              "watching EVT_RADIO_STATUS_CHANGED again");
+    some.signal(SIGTERM);
+    EXPECT_EQ(some.exitCode(), 0);
+    none.nextErrorLine();
+    none.nextErrorLine();
+    none.nextErrorLine();
+    EXPECT_EQ(none.nextErrorLine(), "tarnctl: none of the events is left to watch");
+    EXPECT_EQ(none.exitCode(), 6);
+}
+
+TEST_F(EventsTest, AServiceThatIsNotBackAtTheEndIsNoticed)
 {
     auto device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
     Program program({"events"});
     waitUntilWatching(program);
     device.reset();
+    EXPECT_EQ(program.nextErrorLine(), "tarnctl: TARN has ended; its events are missed until it is back");
     program.signal(SIGTERM);
-    EXPECT_NE(program.nextErrorLine().find("events may have been missed"), std::string::npos);
+    EXPECT_EQ(program.nextErrorLine(), "tarnctl: events may have been missed, the service was not back at the end");
     EXPECT_EQ(program.exitCode(), 6);
+}
+
+TEST_F(EventsTest, ItEndsWithTheServiceIfAskedTo)
+{
+    auto device = std::make_unique<Service>("TARN", statusAnswer(0), 5);
+    Program program({"events", "--no-reconnect"});
+    waitUntilWatching(program);
+    device.reset();
+    EXPECT_EQ(program.nextErrorLine(), "tarnctl: the service has ended, and with it the subscriptions");
+    EXPECT_EQ(program.exitCode(), 6);
+    EXPECT_EQ(run({"events", "--reconnect", "1"}).exit, 4) << "there must be a service at the start";
 }
 
 } // namespace

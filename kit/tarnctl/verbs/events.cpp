@@ -1,21 +1,18 @@
 // `tarnctl events`: watches what the device service publishes.
 #include "base/join.h"
-#include "base/timestamp.h"
-#include "tarn_frame.h"
 #include "tarnctl/event_names.h"
 #include "tarnctl/fields.h"
+#include "tarnctl/subscriptions.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
-#include "tarnctl/wakeup.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <deque>
-#include <memory>
-#include <mutex>
+#include <set>
+#include <variant>
 
 namespace tarn::ctl
 {
@@ -28,6 +25,7 @@ struct EventsOptions
     std::vector<std::string> events; // names or numbers; none for all of them
     std::optional<std::uint32_t> count;
     std::optional<double> seconds;
+    bool reconnects = true;
     CallerId callerId = kOwnCallerId;
 };
 
@@ -37,123 +35,12 @@ void declare(CLI::App& verb, EventsOptions& options)
     verb.add_option("--count", options.count, "End after so many events")
         ->check(CLI::Range(1u, 0xFFFFFFFFu, "1 to 4294967295"));
     verb.add_option("--timeout", options.seconds, "End after so many seconds")->check(CLI::Range(0.0, 1e9, "0 to 1e9 seconds"));
+    verb.add_flag("!--no-reconnect,--reconnect", options.reconnects,
+                  "Go on when the service has been restarted, and say so: the default. Otherwise end with it");
     addCaller(verb, options.callerId);
     verb.footer("One line an event, until the count is reached, the time is up, or SIGINT or SIGTERM comes (exit code 0).\n"
-                "Fewer events than --count when the time is up: exit code 5.");
+                "Fewer events than --count when the time is up: exit code 5. No service at the end: exit code 6.");
 }
-
-struct ReceivedEvent
-{
-    std::string time; // when it arrived
-    std::string service;
-    std::uint32_t number = 0;
-    Bytes data;
-};
-
-// Between the platform's thread and ours. The platform's handlers know no context, so the inbox is found through a variable.
-class Inbox
-{
-public:
-    Inbox()
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        current_ = this;
-    }
-
-    ~Inbox()
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        current_ = nullptr;
-    }
-
-    Inbox(const Inbox&) = delete;
-    Inbox& operator=(const Inbox&) = delete;
-
-    static void receive(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
-    {
-        const auto* const bytes = static_cast<const unsigned char*>(data);
-        ReceivedEvent event = {base::Timestamp().text, serviceId, evt, length == 0 ? Bytes() : Bytes(bytes, bytes + length)};
-        const std::lock_guard<std::mutex> guard(mutex_);
-        if (current_ == nullptr)
-            return;
-        current_->events_.push_back(std::move(event));
-        current_->wakeup.wake();
-    }
-
-    std::optional<ReceivedEvent> take()
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        if (events_.empty())
-            return std::nullopt;
-        ReceivedEvent event = std::move(events_.front());
-        events_.pop_front();
-        return event;
-    }
-
-    const Wakeup wakeup;
-
-private:
-    static inline std::mutex mutex_;
-    static inline Inbox* current_ = nullptr;
-    std::deque<ReceivedEvent> events_;
-};
-
-using Register = decltype(&tarnSubscribeEvent);
-
-Report registered(const char* function, Register call, const CallerId& callerId, std::uint32_t event)
-{
-    Report report;
-    report.function = &functionNamed(function);
-    report.callerId = callerId;
-    const Observer observer(Passage::kSend);
-    report.result.number = call(callerId ? callerId->c_str() : nullptr, event, nullptr, &Inbox::receive);
-    report.seen = observer.seen;
-    report.outcome = outcomeOf(report);
-    return report;
-}
-
-// The subscriptions that have been made. The destructor cancels those that are left.
-class Subscriptions
-{
-public:
-    explicit Subscriptions(CallerId id) : callerId_(std::move(id))
-    {
-    }
-
-    ~Subscriptions()
-    {
-        cancelAll();
-    }
-
-    Subscriptions(const Subscriptions&) = delete;
-    Subscriptions& operator=(const Subscriptions&) = delete;
-
-    Report add(std::uint32_t event)
-    {
-        Report report = registered("tarnSubscribeEvent", &tarnSubscribeEvent, callerId_, event);
-        if (report.outcome == CallOutcome::kDone)
-            made_.push_back(event);
-        return report;
-    }
-
-    // The first cancel that failed, if one did.
-    std::optional<Report> cancelAll()
-    {
-        std::optional<Report> failed;
-        for (const std::uint32_t event : made_)
-        {
-            Report report = registered("tarnCancelEvent", &tarnCancelEvent, callerId_, event);
-            if (report.outcome != CallOutcome::kDone && !failed)
-                failed = std::move(report);
-        }
-        made_.clear();
-        return failed;
-    }
-
-private:
-    const CallerId callerId_;
-    std::vector<std::uint32_t> made_;
-};
 
 std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
 {
@@ -208,6 +95,58 @@ void write(const Console& console, const ReceivedEvent& event)
     console.write(document);
 }
 
+void write(const Console& console, const SubscriptionChange& change)
+{
+    if (!console.json)
+        return;
+    Json document = Console::document("subscription");
+    document["time"] = change.time;
+    document["service"] = change.service;
+    document["event"] = change.number;
+    document["name"] = eventNamed(std::to_string(change.number)).name;
+    document["state"] = toString(change.state);
+    console.write(document);
+}
+
+// The subscriptions that a restart of the service has ended and not yet brought back.
+class Losses
+{
+public:
+    bool isAny() const
+    {
+        return !lost_.empty();
+    }
+
+    // What to tell a person: of the first loss, of each event that is gone, and of all that are back together. May be empty.
+    std::string take(const SubscriptionChange& change, bool reconnects)
+    {
+        const std::string& name = eventNamed(std::to_string(change.number)).name;
+        if (change.state == SubscriptionState::kLost)
+        {
+            const bool isFirst = lost_.empty();
+            lost_.insert(change.number);
+            if (!isFirst || !reconnects)
+                return "";
+            return change.service + " has ended; its events are missed until it is back";
+        }
+        lost_.erase(change.number);
+        std::string text;
+        if (change.state == SubscriptionState::kGone)
+            text = change.service + " is back without " + name + ", which is not watched any more";
+        else
+            renewed_.push_back(name);
+        if (!lost_.empty() || renewed_.empty())
+            return text;
+        text += (text.empty() ? change.service + " is back" : "") + "; watching " + base::join(renewed_) + " again";
+        renewed_.clear();
+        return text;
+    }
+
+private:
+    std::set<std::uint32_t> lost_;
+    std::vector<std::string> renewed_;
+};
+
 Deadline deadlineAfter(const std::optional<double>& seconds)
 {
     if (!seconds)
@@ -220,27 +159,89 @@ bool hasPassed(const Deadline& deadline)
     return deadline && std::chrono::steady_clock::now() >= *deadline;
 }
 
-// Returns the number of events.
-std::uint32_t writeEvents(const Console& console, const EventsOptions& options, Inbox& inbox, const StopSignals& stop,
-                          const Deadline& deadline)
+// One run of the verb.
+class Watch
 {
-    std::uint32_t written = 0;
-    while (!options.count || written < *options.count)
+public:
+    Watch(const Console& console, const EventsOptions& options)
+        : console_(console), options_(options), stop_(inbox_.wakeup), subscriptions_(options.callerId)
     {
-        if (const std::optional<ReceivedEvent> event = inbox.take())
-        {
-            write(console, *event);
-            ++written;
-            if (!console.out)
-                break;
-        }
-        else if (stop.haveCome() || hasPassed(deadline))
-            break;
-        else
-            inbox.wakeup.wait(deadline);
     }
-    return written;
-}
+
+    // Returns the report of a subscription that failed, if one did.
+    std::optional<Report> subscribe(const std::vector<contract::Event>& events)
+    {
+        for (const contract::Event& event : events)
+        {
+            Report report = subscriptions_.add(event.event);
+            if (report.outcome != CallOutcome::kDone)
+                return report;
+        }
+        return std::nullopt;
+    }
+
+    // Until the count is reached, the time is up, a signal comes, or there is nothing left to wait for.
+    void writeAll()
+    {
+        const Deadline deadline = deadlineAfter(options_.seconds);
+        while (!isCountReached() && !subscriptions_.isEmpty() && console_.out && (options_.reconnects || !losses_.isAny()))
+        {
+            if (const std::optional<Arrival> arrival = inbox_.take())
+                std::visit([&](const auto& arrived) { take(arrived); }, *arrival);
+            else if (stop_.haveCome() || hasPassed(deadline))
+                break;
+            else
+                inbox_.wakeup.wait(deadline);
+        }
+    }
+
+    ExitCode end()
+    {
+        const bool isNothingLeft = subscriptions_.isEmpty();
+        if (const std::optional<Report> lost = subscriptions_.cancelAll())
+            return console_.fail(ExitCode::kIpcFailed,
+                                 "events may have been missed, a subscription was gone at the end: " + failureText(*lost));
+        if (isNothingLeft)
+            return console_.fail(ExitCode::kIpcFailed, "none of the events is left to watch");
+        if (losses_.isAny())
+            return console_.fail(ExitCode::kIpcFailed, options_.reconnects
+                                                           ? "events may have been missed, the service was not back at the end"
+                                                           : "the service has ended, and with it the subscriptions");
+        if (!isCountReached() && options_.count && !stop_.haveCome())
+            return console_.fail(ExitCode::kTimedOut, "expected " + std::to_string(*options_.count) + " events; " +
+                                                          std::to_string(written_) + " came in time");
+        return ExitCode::kSuccess;
+    }
+
+private:
+    bool isCountReached() const
+    {
+        return options_.count && written_ >= *options_.count;
+    }
+
+    void take(const ReceivedEvent& event)
+    {
+        write(console_, event);
+        ++written_;
+    }
+
+    void take(const SubscriptionChange& change)
+    {
+        write(console_, change);
+        if (const std::string text = losses_.take(change, options_.reconnects); !text.empty())
+            console_.remark(text);
+        if (change.state == SubscriptionState::kGone)
+            subscriptions_.forget(change.number);
+    }
+
+    const Console& console_;
+    const EventsOptions& options_;
+    Inbox inbox_;
+    const StopSignals stop_;
+    Subscriptions subscriptions_;
+    Losses losses_;
+    std::uint32_t written_ = 0;
+};
 
 // Until the count is reached, the time is up, or SIGINT or SIGTERM arrives. One at a time in a process.
 ExitCode events(const Console& settings, const EventsOptions& options)
@@ -250,27 +251,14 @@ ExitCode events(const Console& settings, const EventsOptions& options)
 
     checkNamedLayout();
     const std::vector<contract::Event> chosen = chosenEvents(options.events);
-    Inbox inbox;
-    const StopSignals stop(inbox.wakeup);
-    Subscriptions subscriptions(options.callerId);
-    for (const contract::Event& event : chosen)
-    {
-        const Report report = subscriptions.add(event.event);
-        if (report.outcome != CallOutcome::kDone)
-            return console.fail(exitCodeOf(report.outcome), failureText(report));
-    }
+    Watch watch(console, options);
+    if (const std::optional<Report> failed = watch.subscribe(chosen))
+        return console.fail(exitCodeOf(failed->outcome), failureText(*failed));
     const LayoutInUse* const inUse = layoutInUse();
     console.remark("watching " + base::join(chosen, ", ", [](const contract::Event& event) { return event.name; }) +
                    (inUse == nullptr ? "" : "; layout: " + inUse->layout.title()));
-
-    const std::uint32_t written = writeEvents(console, options, inbox, stop, deadlineAfter(options.seconds));
-    if (const std::optional<Report> lost = subscriptions.cancelAll())
-        return console.fail(ExitCode::kIpcFailed,
-                            "events may have been missed, a subscription was gone at the end: " + failureText(*lost));
-    if (options.count && written < *options.count && !stop.haveCome())
-        return console.fail(ExitCode::kTimedOut, "expected " + std::to_string(*options.count) + " events; " +
-                                                     std::to_string(written) + " came in time");
-    return ExitCode::kSuccess;
+    watch.writeAll();
+    return watch.end();
 }
 
 } // namespace
