@@ -1,9 +1,9 @@
 #include "prepared_call.h"
 
 #include "base/hexadecimal.h"
+#include "contract/message.h"
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 
 namespace conformance
@@ -58,11 +58,6 @@ std::size_t textLength(const Style& style, std::uint32_t size)
         break;
     }
     return std::min<std::size_t>(size / 2, 12);
-}
-
-void storeWord(std::vector<std::uint8_t>& message, std::uint32_t offset, std::uint32_t value)
-{
-    std::memcpy(message.data() + offset, &value, sizeof value);
 }
 
 } // namespace
@@ -177,16 +172,10 @@ void PreparedCall::fill(const Slot& slot, std::size_t index, std::vector<std::ui
     switch (argument.encoding)
     {
     case Encoding::kId:
-        storeWord(message, argument.offset, number - 1);
-        break;
     case Encoding::kWord:
-        storeWord(message, argument.offset, number);
-        break;
     case Encoding::kInverted:
-        storeWord(message, argument.offset, number == 0 ? 1 : 0);
-        break;
     case Encoding::kByte:
-        message[argument.offset] = static_cast<std::uint8_t>(number);
+        tarn::contract::storeNumber(argument, number, message.data() + argument.offset);
         break;
     case Encoding::kText:
         std::copy_n(slot.input.begin(), std::min<std::size_t>(slot.input.size() - 1, argument.size - 1),
