@@ -189,6 +189,14 @@ const Field& fieldNamed(const std::vector<Field>& fields, std::string_view name,
                       std::to_string(field.count - 1));
 }
 
+FieldPlace placeOf(const Structure& structure, std::string_view path)
+{
+    const std::optional<FieldPlace> place = structure.place(path);
+    if (!place)
+        refusePath(structure, path);
+    return *place;
+}
+
 } // namespace
 
 std::uint64_t numberOf(const std::string& subject, const Meaning& meaning, std::uint32_t size, bool isSigned,
@@ -208,12 +216,21 @@ std::uint64_t numberOf(const std::string& subject, const Meaning& meaning, std::
     refuse(subject, expectedNumber(meaning, size, isSigned), value, base::suggestions(value, names));
 }
 
-void encode(const Structure& structure, std::string_view path, std::string_view value, base::Bytes& bytes)
+FieldPlace encode(const Structure& structure, std::string_view path, std::string_view value, base::Bytes& bytes)
 {
-    const std::optional<FieldPlace> place = structure.place(path);
-    if (!place)
-        refusePath(structure, path);
-    setField(std::string(path), *place->field, value, bytes.data() + place->offset);
+    const FieldPlace place = placeOf(structure, path);
+    setField(std::string(path), *place.field, value, bytes.data() + place.offset);
+    return place;
+}
+
+FieldPlace encodeBytes(const Structure& structure, std::string_view path, const base::Bytes& value, base::Bytes& bytes)
+{
+    const FieldPlace place = placeOf(structure, path);
+    if (value.size() != place.field->size)
+        throw EncodeError(std::string(path) + ": expected " + std::to_string(place.field->size) + " bytes; got " +
+                          std::to_string(value.size()));
+    std::copy(value.begin(), value.end(), bytes.begin() + place.offset);
+    return place;
 }
 
 } // namespace tarn::layout
