@@ -56,7 +56,7 @@ Meaning meaningOf(const Layout& layout, const Command& command, const Argument& 
     return meaning;
 }
 
-// --- Names ------------------------------------------------------------------------------------------------------------------
+// --- Names -----------------------------------------------------------------------------------------------------------------
 
 void addPlainParts(std::vector<NamedPart>& parts, const Argument& argument, const std::string& prefix,
                    const std::vector<Field>& fields, std::uint32_t start)
@@ -100,7 +100,7 @@ NamedPart wholePart(const Layout& layout, const Command& command, const Argument
     return part;
 }
 
-// --- Arguments ----------------------------------------------------------------------------------------------------------------
+// --- Arguments -------------------------------------------------------------------------------------------------------------
 
 std::string withArticle(Direction direction)
 {
@@ -164,7 +164,7 @@ Target targetNamed(const Layout& layout, const Command& command, Direction direc
     return target;
 }
 
-// --- Values -----------------------------------------------------------------------------------------------------------------
+// --- Values ----------------------------------------------------------------------------------------------------------------
 
 base::Bytes encodedNumber(const Layout& layout, const Command& command, const Argument& argument, std::string_view value)
 {

@@ -3,13 +3,11 @@
 #include "base/format.h"
 #include "base/quote.h"
 #include "kor_iil.h"
-#include "script.h"
+#include "mock_state.h"
 
 #include <algorithm>
 #include <cstring>
-#include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -17,143 +15,29 @@ namespace
 {
 
 using tarn::mock::ActualCall;
+using tarn::mock::addCall;
+using tarn::mock::addPart;
 using tarn::mock::CallKind;
-using tarn::mock::nameOf;
+using tarn::mock::copyOf;
+using tarn::mock::fail;
+using tarn::mock::Failure;
+using tarn::mock::Guard;
+using tarn::mock::MockState;
+using tarn::mock::mutex;
 using tarn::mock::Part;
+using tarn::mock::RecordedTrace;
+using tarn::mock::setHook;
+using tarn::mock::state;
+using tarn::mock::Subscription;
+using tarn::mock::take;
 
 // The IPC status that answers an unexpected call: "ERR".
 constexpr std::uint32_t kUnexpected = 1;
-
-struct Failure
-{
-    std::string file; // of the test; empty if the script has no call for it
-    unsigned line;
-    std::string text;
-};
 
 // "a_test.c:12: ", or nothing.
 std::string placeOf(const Failure& failure)
 {
     return failure.file.empty() ? "" : failure.file + ":" + std::to_string(failure.line) + ": ";
-}
-
-struct Subscription
-{
-    std::string serviceId;
-    std::uint32_t evt;
-    KorIilEventHandler handler;
-
-    bool operator==(const Subscription& other) const
-    {
-        return serviceId == other.serviceId && evt == other.evt && handler == other.handler;
-    }
-};
-
-struct RecordedTrace
-{
-    std::string fileTag;
-    std::string format;
-    std::string text;
-    KorIilMockTrace shown;
-};
-
-// A handler of the test, and its context; without a handler, not in use.
-template <typename Handler>
-struct Hook
-{
-    Handler handler = nullptr;
-    void* context = nullptr;
-};
-
-struct MockState
-{
-    std::deque<std::unique_ptr<KorIilMockCall>> script; // calls still to come
-    std::vector<std::unique_ptr<KorIilMockCall>> done;
-    std::vector<Failure> failures;
-    std::vector<Subscription> subscriptions;
-    std::deque<RecordedTrace> traces; // a deque: its elements keep their addresses
-
-    Hook<KorIilMockFailureHandler> onFailure;
-    Hook<KorIilMockExecuteHandler> onExecute;
-    Hook<KorIilMockTraceHandler> onTrace;
-};
-
-std::mutex& mutex()
-{
-    static std::mutex instance;
-    return instance;
-}
-
-// Accessed only with the mutex held.
-MockState& state()
-{
-    static MockState instance;
-    return instance;
-}
-
-using Guard = std::lock_guard<std::mutex>;
-
-template <typename Handler>
-void setHook(Hook<Handler> MockState::*hook, Handler handler, void* context)
-{
-    const Guard guard(mutex());
-    state().*hook = {handler, context};
-}
-
-// A copy, which is called without the lock: the handler may call the mock's functions.
-template <typename Handler>
-Hook<Handler> copyOf(Hook<Handler> MockState::*hook)
-{
-    const Guard guard(mutex());
-    return state().*hook;
-}
-
-void fail(const std::string& file, unsigned line, const std::string& text)
-{
-    {
-        const Guard guard(mutex());
-        state().failures.push_back({file, line, text});
-    }
-    if (const auto hook = copyOf(&MockState::onFailure); hook.handler != nullptr)
-        hook.handler(hook.context, file.empty() ? nullptr : file.c_str(), line, text.c_str());
-}
-
-void fail(const KorIilMockCall& call, const std::string& text)
-{
-    fail(call.file, call.line, call.name() + ": " + text);
-}
-
-KorIilMockCall* expect(CallKind kind, const char* file, unsigned line, const char* serviceId, std::uint32_t number,
-                       std::uint32_t length)
-{
-    auto call = std::make_unique<KorIilMockCall>();
-    call->kind = kind;
-    call->file = file;
-    call->line = line;
-    call->serviceId = serviceId;
-    call->number = number;
-    call->length = length;
-    KorIilMockCall* const scripted = call.get();
-    {
-        const Guard guard(mutex());
-        state().script.push_back(std::move(call));
-    }
-    if (kind == CallKind::kExecute && length < sizeof(std::uint32_t))
-        fail(*scripted,
-             "the script gives the message " + std::to_string(length) + " bytes, which leaves no room for its reply status");
-    return scripted;
-}
-
-// Adds bytes to the script, unless they do not fit the message.
-void addPart(const KorIilMockCall& call, std::vector<Part>& parts, Part part)
-{
-    if (call.kind != CallKind::kExecute)
-        fail(call, "the script gives it bytes (" + part.label + "), but it has no message");
-    else if (part.offset > call.length || part.bytes.size() > call.length - part.offset)
-        fail(call, "the script puts " + part.label + ", " + std::to_string(part.bytes.size()) + " bytes, at offset " +
-                       std::to_string(part.offset) + " of a message of " + std::to_string(call.length));
-    else
-        parts.push_back(std::move(part));
 }
 
 Part bytesPart(std::uint32_t offset, const void* bytes, std::uint32_t size, const std::string& label)
@@ -184,35 +68,9 @@ std::string textLabel(const char* text)
     return "text " + tarn::base::inQuotes(text);
 }
 
-// Takes the first call of the script if it is this one, and otherwise fails the test and returns NULL. Other arguments or bytes
-// than scripted fail the test too.
-const KorIilMockCall* take(const ActualCall& actual)
+std::string timesText(std::uint32_t times)
 {
-    const std::string name = nameOf(actual.kind, actual.serviceId == nullptr ? "NULL" : actual.serviceId, actual.number);
-    std::unique_lock<std::mutex> lock(mutex());
-    if (state().script.empty())
-    {
-        lock.unlock();
-        fail("", 0, "unexpected call: " + name + "; no further call is expected");
-        return nullptr;
-    }
-    if (!state().script.front()->isFor(actual))
-    {
-        // Described before the lock is released, as another thread may then take the first call.
-        const KorIilMockCall& first = *state().script.front();
-        const Failure failure{first.file, first.line, "unexpected call: " + name + "; expected here: " + first.name()};
-        lock.unlock();
-        fail(failure.file, failure.line, failure.text);
-        return nullptr;
-    }
-    state().done.push_back(std::move(state().script.front()));
-    state().script.pop_front();
-    const KorIilMockCall* const call = state().done.back().get();
-    lock.unlock();
-
-    if (const std::string text = call->differences(actual); !text.empty())
-        fail(*call, "not as scripted\n" + text);
-    return call;
+    return times == 1 ? "once" : std::to_string(times) + " times";
 }
 
 } // namespace
@@ -227,21 +85,26 @@ void KorIilMockReset(void)
 
 KorIilMockCall* KorIilMockExpectAt(const char* file, unsigned line, const char* serviceId, uint32_t cmdId, uint32_t msgLen)
 {
-    return expect(CallKind::kExecute, file, line, serviceId, cmdId, msgLen);
+    KorIilMockCall* const call = addCall(CallKind::kExecute, file, line, serviceId, cmdId, msgLen);
+    if (msgLen < sizeof(std::uint32_t))
+        fail(*call,
+             "the script gives the message " + std::to_string(msgLen) + " bytes, which leaves no room for its reply status");
+    return call;
 }
 
 KorIilMockCall* KorIilMockExpectSubscribeAt(const char* file, unsigned line, const char* serviceId, uint32_t evt)
 {
-    return expect(CallKind::kSubscribe, file, line, serviceId, evt, 0);
+    return addCall(CallKind::kSubscribe, file, line, serviceId, evt, 0);
 }
 
 KorIilMockCall* KorIilMockExpectCancelAt(const char* file, unsigned line, const char* serviceId, uint32_t evt)
 {
-    return expect(CallKind::kCancel, file, line, serviceId, evt, 0);
+    return addCall(CallKind::kCancel, file, line, serviceId, evt, 0);
 }
 
 void KorIilMockCaller(KorIilMockCall* call, const char* callerId)
 {
+    const Guard guard(mutex());
     call->callerId = callerId;
 }
 
@@ -249,22 +112,49 @@ void KorIilMockWait(KorIilMockCall* call, uint32_t wait)
 {
     if (call->kind != CallKind::kExecute)
         fail(*call, "the script gives it a wait, but it has none");
+    const Guard guard(mutex());
     call->wait = wait;
+}
+
+void KorIilMockInAnyOrder(KorIilMockCall* call)
+{
+    const Guard guard(mutex());
+    call->isInOrder = false;
+}
+
+void KorIilMockTimes(KorIilMockCall* call, uint32_t times)
+{
+    if (times == 0)
+        return fail(*call, "the script expects it 0 times; expected 1 or more, or no such line");
+    if (call->most == 0)
+        return;
+    const Guard guard(mutex());
+    call->least = call->most = times;
+}
+
+void KorIilMockAnyTimes(KorIilMockCall* call)
+{
+    if (call->most == 0)
+        return;
+    const Guard guard(mutex());
+    call->isInOrder = false;
+    call->least = 0;
+    call->most = tarn::mock::kAnyTimes;
 }
 
 void KorIilMockSent(KorIilMockCall* call, uint32_t offset, const void* bytes, uint32_t size)
 {
-    addPart(*call, call->sent, runPart(offset, bytes, size));
+    addPart(*call, &KorIilMockCall::sent, runPart(offset, bytes, size));
 }
 
 void KorIilMockSentWord(KorIilMockCall* call, uint32_t offset, uint32_t word)
 {
-    addPart(*call, call->sent, wordPart(offset, word));
+    addPart(*call, &KorIilMockCall::sent, wordPart(offset, word));
 }
 
 void KorIilMockSentByte(KorIilMockCall* call, uint32_t offset, uint8_t byte)
 {
-    addPart(*call, call->sent, bytePart(offset, byte));
+    addPart(*call, &KorIilMockCall::sent, bytePart(offset, byte));
 }
 
 void KorIilMockSentText(KorIilMockCall* call, uint32_t offset, uint32_t size, const char* text)
@@ -278,36 +168,39 @@ void KorIilMockSentText(KorIilMockCall* call, uint32_t offset, uint32_t size, co
     }
     std::vector<std::uint8_t> padded(size);
     std::memcpy(padded.data(), text, length);
-    addPart(*call, call->sent, {offset, padded, textLabel(text)});
+    addPart(*call, &KorIilMockCall::sent, {offset, padded, textLabel(text)});
 }
 
 void KorIilMockSentRestZero(KorIilMockCall* call)
 {
+    const Guard guard(mutex());
     call->restZero = true;
 }
 
 void KorIilMockReply(KorIilMockCall* call, uint32_t offset, const void* bytes, uint32_t size)
 {
-    addPart(*call, call->reply, runPart(offset, bytes, size));
+    addPart(*call, &KorIilMockCall::reply, runPart(offset, bytes, size));
 }
 
 void KorIilMockReplyWord(KorIilMockCall* call, uint32_t offset, uint32_t word)
 {
-    addPart(*call, call->reply, wordPart(offset, word));
+    addPart(*call, &KorIilMockCall::reply, wordPart(offset, word));
 }
 
 void KorIilMockReplyByte(KorIilMockCall* call, uint32_t offset, uint8_t byte)
 {
-    addPart(*call, call->reply, bytePart(offset, byte));
+    addPart(*call, &KorIilMockCall::reply, bytePart(offset, byte));
 }
 
 void KorIilMockReplyText(KorIilMockCall* call, uint32_t offset, const char* text)
 {
-    addPart(*call, call->reply, bytesPart(offset, text, static_cast<std::uint32_t>(std::strlen(text)) + 1, textLabel(text)));
+    addPart(*call, &KorIilMockCall::reply,
+            bytesPart(offset, text, static_cast<std::uint32_t>(std::strlen(text)) + 1, textLabel(text)));
 }
 
 void KorIilMockStatus(KorIilMockCall* call, uint32_t status)
 {
+    const Guard guard(mutex());
     call->status = status;
 }
 
@@ -315,6 +208,7 @@ void KorIilMockFail(KorIilMockCall* call, uint32_t ipcStatus)
 {
     if (ipcStatus == 0)
         fail(*call, "the script lets it fail with IPC status 0, which is success");
+    const Guard guard(mutex());
     call->ipcStatus = ipcStatus;
 }
 
@@ -347,13 +241,16 @@ const KorIilMockTrace* KorIilMockTraceAt(unsigned index)
 
 unsigned KorIilMockVerify(FILE* out)
 {
-    std::deque<std::unique_ptr<KorIilMockCall>> missing;
+    std::vector<std::unique_ptr<KorIilMockCall>> script;
     {
         const Guard guard(mutex());
-        missing.swap(state().script);
+        script.swap(state().script);
     }
-    for (const auto& call : missing)
-        fail(*call, "expected, but never made");
+    for (const auto& call : script)
+        if (call->made < call->least)
+            fail(*call, call->made == 0 && call->least == 1
+                            ? "expected, but never made"
+                            : "expected " + timesText(call->least) + ", but made " + timesText(call->made));
 
     std::vector<Failure> failures;
     {

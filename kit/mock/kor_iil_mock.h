@@ -1,6 +1,6 @@
 /* A scripted platform: the four functions of `kor_iil.h` for unit tests of components that call the client library.
  *
- * A test scripts the calls it expects, in order, together with their answers; runs the component; and verifies. A failure is an
+ * A test scripts the calls it expects, together with their answers; runs the component; and verifies. A failure is an
  * unexpected call, a call with other bytes than expected, or a call that was never made; it comes with the line of the test
  * that scripted the call. Traces are recorded. Events are delivered to the subscribed handlers when the test says so.
  *
@@ -24,7 +24,13 @@ typedef struct KorIilMockCall KorIilMockCall;
 /* Clears everything: script, failures, traces, subscriptions and handlers. */
 void KorIilMockReset(void);
 
-/* ---- Expected calls, in this order ---- */
+/* ---- Expected calls, in this order unless they say otherwise ---- */
+
+/* A call of a function of the library, by its name: "TarnGetRadio". By default its caller, wait and inputs are not compared,
+ * and it is answered with IPC status 0, outputs of zeros, and a reply status of 0. Two functions with one command, such as
+ * tarn_qtn_mirror_get_mirror_status and tarn_qtn_mirror_get_telnet_status, are the same call to the platform. */
+#define KorIilMockExpectFunction(function) KorIilMockExpectFunctionAt(__FILE__, __LINE__, function)
+KorIilMockCall* KorIilMockExpectFunctionAt(const char* file, unsigned line, const char* function);
 
 /* A message of msgLen bytes to a service. By default its caller, wait and bytes are not compared, and it is answered with IPC
  * status 0, the message as it was sent, and a reply status of 0. */
@@ -38,7 +44,39 @@ KorIilMockCall* KorIilMockExpectAt(const char* file, unsigned line, const char* 
 KorIilMockCall* KorIilMockExpectSubscribeAt(const char* file, unsigned line, const char* serviceId, uint32_t evt);
 KorIilMockCall* KorIilMockExpectCancelAt(const char* file, unsigned line, const char* serviceId, uint32_t evt);
 
+/* The same by the event's name: "EVT_RADIO_OPR_CHANNEL_CHANGED". */
+#define KorIilMockExpectSubscribeNamed(event) KorIilMockExpectSubscribeNamedAt(__FILE__, __LINE__, event)
+#define KorIilMockExpectCancelNamed(event) KorIilMockExpectCancelNamedAt(__FILE__, __LINE__, event)
+KorIilMockCall* KorIilMockExpectSubscribeNamedAt(const char* file, unsigned line, const char* event);
+KorIilMockCall* KorIilMockExpectCancelNamedAt(const char* file, unsigned line, const char* event);
+
+/* ---- How often, and in which order ---- */
+
+/* Exactly so many times, 1 or more; in the script's order one after another. */
+void KorIilMockTimes(KorIilMockCall* call, uint32_t times);
+
+/* At any time until the end of the test, whatever the order of the others. A call that fits none of those is unexpected, also
+ * if it is of the same function. One that fits the next call of the order is taken for that; of several others that it fits,
+ * the first that must still be made. */
+void KorIilMockInAnyOrder(KorIilMockCall* call);
+
+/* Any number of times, or never, and in any order. Of several that fit, the one scripted last answers. */
+void KorIilMockAnyTimes(KorIilMockCall* call);
+
 /* ---- What is compared ---- */
+
+/* An input of a call that is expected by its function: an argument, "radioId", with the value that the component passes; or a
+ * field of a record or block, "cfg.channel", "entries[2].name". A text is the text itself, the name of a number's value or of
+ * its flags ("running", "busy+full"), a MAC address (02:00:00:00:01:05), or bytes in hexadecimal digits. A number of 32 bits
+ * may be negative. A text that the library cuts is given as it is when cut. Bytes are a whole argument or field. */
+void KorIilMockInputNumber(KorIilMockCall* call, const char* name, int64_t number);
+void KorIilMockInputText(KorIilMockCall* call, const char* name, const char* value);
+void KorIilMockInputBytes(KorIilMockCall* call, const char* name, const void* bytes, uint32_t size);
+
+/* Fields are where the layout file at this path says, from now until the next reset; until it is called, where the simulated
+ * gateway's says. */
+#define KorIilMockUseLayout(path) KorIilMockUseLayoutAt(__FILE__, __LINE__, path)
+void KorIilMockUseLayoutAt(const char* file, unsigned line, const char* path);
 
 void KorIilMockCaller(KorIilMockCall* call, const char* callerId);
 void KorIilMockWait(KorIilMockCall* call, uint32_t wait);
@@ -54,6 +92,11 @@ void KorIilMockSentRestZero(KorIilMockCall* call);
 
 /* ---- The answer ---- */
 
+/* An output of a call that is expected by its function, named and written as an input is. */
+void KorIilMockOutputNumber(KorIilMockCall* call, const char* name, int64_t number);
+void KorIilMockOutputText(KorIilMockCall* call, const char* name, const char* value);
+void KorIilMockOutputBytes(KorIilMockCall* call, const char* name, const void* bytes, uint32_t size);
+
 /* These bytes at this offset of the reply. A text goes with its NUL. */
 void KorIilMockReply(KorIilMockCall* call, uint32_t offset, const void* bytes, uint32_t size);
 void KorIilMockReplyWord(KorIilMockCall* call, uint32_t offset, uint32_t word);
@@ -63,6 +106,9 @@ void KorIilMockReplyText(KorIilMockCall* call, uint32_t offset, const char* text
 /* The reply status, which is the last word of the message. */
 void KorIilMockStatus(KorIilMockCall* call, uint32_t status);
 
+/* The same by the name that the layout has for it, such as "BUSY". */
+void KorIilMockStatusNamed(KorIilMockCall* call, const char* name);
+
 /* Fails the call with this IPC status, not 0, and without a reply: 7 is a time-out. */
 void KorIilMockFail(KorIilMockCall* call, uint32_t ipcStatus);
 
@@ -71,6 +117,16 @@ void KorIilMockFail(KorIilMockCall* call, uint32_t ipcStatus);
 /* Calls every handler that is subscribed to the event, on this thread, and returns how many there were. The component may have
  * subscribed at any time during the script, and on any thread. */
 unsigned KorIilMockDeliver(const char* serviceId, uint32_t evt, const void* data, uint32_t length);
+
+/* The same with data that is written by the fields that the layout says the event has; those that are not set are zero. An
+ * event is valid until the next reset, and can be changed and delivered again. */
+typedef struct KorIilMockEvent KorIilMockEvent;
+#define KorIilMockEventNamed(name) KorIilMockEventNamedAt(__FILE__, __LINE__, name)
+KorIilMockEvent* KorIilMockEventNamedAt(const char* file, unsigned line, const char* name);
+void KorIilMockEventNumber(KorIilMockEvent* event, const char* field, int64_t number);
+void KorIilMockEventText(KorIilMockEvent* event, const char* field, const char* value);
+void KorIilMockEventBytes(KorIilMockEvent* event, const char* field, const void* bytes, uint32_t size);
+unsigned KorIilMockDeliverEvent(const KorIilMockEvent* event);
 
 /* ---- Traces ---- */
 

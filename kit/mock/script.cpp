@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/quote.h"
+#include "layout/message.h"
 
 #include <algorithm>
 #include <cstring>
@@ -47,6 +48,23 @@ public:
             if (differsAt(offset, message))
                 offsets.push_back(offset);
         return offsets;
+    }
+
+    bool compares(std::uint32_t offset) const
+    {
+        return compared_[offset];
+    }
+
+    // Whether the script gives the byte, and not only all the rest as zero.
+    bool isScripted(std::uint32_t offset) const
+    {
+        const auto covers = [&](const Part& part) { return part.offset <= offset && offset < part.end(); };
+        return std::any_of(parts_.begin(), parts_.end(), covers);
+    }
+
+    const std::vector<std::uint8_t>& bytes() const
+    {
+        return bytes_;
     }
 
     std::string labelAt(std::uint32_t offset) const
@@ -109,16 +127,60 @@ std::string dump(const ExpectedMessage& expected, const std::uint8_t* message, c
     return text;
 }
 
-std::string byteDifferences(const KorIilMockCall& call, const std::uint8_t* message)
+// Whether the whole part is compared: of a text, what there is up to its NUL.
+bool isCompared(const ExpectedMessage& expected, const layout::Field& field)
+{
+    for (std::uint32_t offset = field.offset; offset < field.offset + field.size; ++offset)
+    {
+        if (!expected.compares(offset))
+            return false;
+        if (field.type == layout::FieldType::kText && expected.bytes()[offset] == 0)
+            break;
+    }
+    return true;
+}
+
+// Whether it is more readable by its name than in the dump.
+bool isShort(const layout::Field& field)
+{
+    return field.type != layout::FieldType::kBytes || field.size <= kRowBytes;
+}
+
+// What differs in arguments and fields, a line each, and takes their bytes out of the list.
+std::string namedDifferences(const KorIilMockCall& call, const ExpectedMessage& expected, const std::uint8_t* message,
+                             std::vector<std::uint32_t>& differences)
+{
+    std::string text;
+    for (const layout::NamedPart& part : layout::inputsOf(*call.layout, *call.command))
+    {
+        const layout::Field& field = part.field;
+        const auto isInside = [&](std::uint32_t offset)
+        { return field.offset <= offset && offset < field.offset + field.size; };
+        const auto first = std::find_if(differences.begin(), differences.end(), isInside);
+        if (first == differences.end() || !isShort(field) || !isCompared(expected, field))
+            continue;
+        const std::string wanted =
+            expected.isScripted(*first) ? part.valueIn(expected.bytes().data()) : "zero, as all the rest";
+        text += part.name + ": expected " + wanted + ", got " + part.valueIn(message) + "\n";
+        differences.erase(std::remove_if(differences.begin(), differences.end(), isInside), differences.end());
+    }
+    return text;
+}
+
+std::string messageDifferences(const KorIilMockCall& call, const std::uint8_t* message)
 {
     const ExpectedMessage expected(call);
-    const std::vector<std::uint32_t> differences = expected.differences(message);
+    std::vector<std::uint32_t> differences = expected.differences(message);
+    std::string text;
+    if (call.command != nullptr && !differences.empty())
+        text = namedDifferences(call, expected, message, differences);
     if (differences.empty())
-        return "";
+        return text;
     const std::uint32_t first = differences.front();
-    return "at offset " + std::to_string(first) + ": expected " + expected.byteAt(first) + " (" + expected.labelAt(first) +
-           "), got " + base::format("%02x", message[first]) + "; " + std::to_string(differences.size()) +
-           (differences.size() == 1 ? " byte differs\n" : " bytes differ\n") + dump(expected, message, differences);
+    return text + "at offset " + std::to_string(first) + ": expected " + expected.byteAt(first) + " (" +
+           expected.labelAt(first) + "), got " + base::format("%02x", message[first]) + "; " +
+           std::to_string(differences.size()) + (differences.size() == 1 ? " byte differs\n" : " bytes differ\n") +
+           dump(expected, message, differences);
 }
 
 } // namespace
@@ -135,12 +197,22 @@ std::string nameOf(CallKind kind, const std::string& serviceId, std::uint32_t nu
 
 std::string KorIilMockCall::name() const
 {
-    return tarn::mock::nameOf(kind, serviceId, number);
+    return command != nullptr ? command->function : tarn::mock::nameOf(kind, serviceId, number);
+}
+
+bool KorIilMockCall::isOpen() const
+{
+    return made < most || most == tarn::mock::kAnyTimes;
 }
 
 bool KorIilMockCall::isFor(const tarn::mock::ActualCall& actual) const
 {
     return kind == actual.kind && number == actual.number && actual.serviceId != nullptr && serviceId == actual.serviceId;
+}
+
+bool KorIilMockCall::fits(const tarn::mock::ActualCall& actual) const
+{
+    return isFor(actual) && differences(actual).empty();
 }
 
 std::string KorIilMockCall::differences(const tarn::mock::ActualCall& actual) const
@@ -157,7 +229,7 @@ std::string KorIilMockCall::differences(const tarn::mock::ActualCall& actual) co
         text += "wait: expected " + std::to_string(*wait) + ", got " + std::to_string(actual.wait) + "\n";
     if (length != actual.length)
         return text + "length: expected " + std::to_string(length) + ", got " + std::to_string(actual.length) + "\n";
-    return text + tarn::mock::byteDifferences(*this, actual.message);
+    return text + tarn::mock::messageDifferences(*this, actual.message);
 }
 
 void KorIilMockCall::answer(const tarn::mock::ActualCall& actual) const

@@ -9,7 +9,7 @@ int main(void)
     uint32_t level = 0;
 
     KorIilMockReset();
-    KorIilMockReplyWord(KorIilMockExpect("TARN", 0, 12), 4, 5);
+    KorIilMockOutputNumber(KorIilMockExpectFunction("TarnGetLogLevel"), "level", 5);
     if (TarnGetLogLevel("consumer", &level) != TARN_OK || KorIilMockVerify(stderr) != 0)
         return 1;
     printf("log level %u, as scripted\n", (unsigned)level);

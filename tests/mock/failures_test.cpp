@@ -6,6 +6,8 @@
 #include "tarn_frame.h"
 #include "tarn_qtn_monitor_api.h"
 
+#include "failures.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
@@ -27,36 +29,8 @@ void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
 {
 }
 
-class Failures : public testing::Test
+class Failures : public tarn_test::MockFailures
 {
-protected:
-    void SetUp() override
-    {
-        KorIilMockReset();
-        KorIilMockOnFailure(&keep, this);
-    }
-
-    void TearDown() override
-    {
-        KorIilMockReset();
-    }
-
-    // Ends the script, and returns all its failures.
-    std::vector<std::string> verify()
-    {
-        const unsigned count = KorIilMockVerify(nullptr);
-        EXPECT_EQ(count, texts_.size());
-        return texts_;
-    }
-
-    std::vector<std::string> texts_;
-
-private:
-    static void keep(void* context, const char* file, unsigned line, const char* text)
-    {
-        const std::string place = file == nullptr ? "nowhere" : std::string(file) + ":" + std::to_string(line);
-        static_cast<Failures*>(context)->texts_.push_back(place + ": " + text);
-    }
 };
 
 TEST_F(Failures, NoneIfAllWentAsScripted)
@@ -69,7 +43,9 @@ TEST_F(Failures, NoneIfAllWentAsScripted)
 TEST_F(Failures, UnexpectedCallWithoutAScript)
 {
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 1u);
-    EXPECT_THAT(verify(), ElementsAre("nowhere: unexpected call: TARN command 1; no further call is expected"));
+    EXPECT_THAT(
+        verify(),
+        ElementsAre("nowhere: unexpected call: TarnSetLogLevel (TARN command 1) with level 1; no further call is expected"));
 }
 
 TEST_F(Failures, CallThatNeverCame)
@@ -84,22 +60,29 @@ TEST_F(Failures, AnotherCommand)
 {
     KorIilMockExpectAt("a_test.cpp", 12, "TARN", 0, 12);
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 1u);
-    EXPECT_THAT(verify(), ElementsAre("a_test.cpp:12: unexpected call: TARN command 1; expected here: TARN command 0",
-                                      "a_test.cpp:12: TARN command 0: expected, but never made"));
+    EXPECT_THAT(
+        verify(),
+        ElementsAre(
+            "a_test.cpp:12: unexpected call: TarnSetLogLevel (TARN command 1) with level 1; expected here: TARN command 0",
+            "a_test.cpp:12: TARN command 0: expected, but never made"));
 }
 
 TEST_F(Failures, AnotherService)
 {
     KorIilMockExpectAt("a_test.cpp", 12, "QTN_MIRROR", 1, 24);
     EXPECT_EQ(tarn_qcsapi_init("ledd"), -1);
-    EXPECT_THAT(verify()[0], HasSubstr("unexpected call: QTN_RPC_PROXY command 1; expected here: QTN_MIRROR command 1"));
+    EXPECT_THAT(verify()[0],
+                HasSubstr("unexpected call: tarn_qcsapi_init (QTN_RPC_PROXY command 1); expected here: QTN_MIRROR command 1"));
 }
 
 TEST_F(Failures, CallInPlaceOfASubscription)
 {
     KorIilMockExpectSubscribeAt("a_test.cpp", 12, "TARN", 1);
     EXPECT_EQ(TarnSetLogLevel("ledd", 1), 1u);
-    EXPECT_THAT(verify()[0], HasSubstr("unexpected call: TARN command 1; expected here: subscription to TARN event 1"));
+    EXPECT_THAT(
+        verify()[0],
+        HasSubstr(
+            "unexpected call: TarnSetLogLevel (TARN command 1) with level 1; expected here: subscription to TARN event 1"));
 }
 
 TEST_F(Failures, AnotherEvent)
@@ -264,8 +247,9 @@ TEST(Verify, WritesOneFailureALineAndCountsThem)
     ASSERT_NE(out, nullptr);
     EXPECT_EQ(KorIilMockVerify(out), 2u);
     std::fclose(out);
-    EXPECT_STREQ(text, "a_test.c:12: unexpected call: TARN command 1; expected here: TARN command 0\n"
-                       "a_test.c:12: TARN command 0: expected, but never made\n");
+    EXPECT_STREQ(text,
+                 "a_test.c:12: unexpected call: TarnSetLogLevel (TARN command 1) with level 1; expected here: TARN command 0\n"
+                 "a_test.c:12: TARN command 0: expected, but never made\n");
     std::free(text);
     EXPECT_EQ(KorIilMockVerify(nullptr), 0u);
 }
@@ -284,10 +268,10 @@ TEST(Platform, FailsTheTestOnAnUnexpectedCall)
 {
     EXPECT_NONFATAL_FAILURE(
         {
-            tarn::mock::Platform platform;
+            const tarn::mock::Platform platform;
             TarnSetLogLevel("ledd", 1);
         },
-        "unexpected call: TARN command 1; no further call is expected");
+        "unexpected call: TarnSetLogLevel (TARN command 1) with level 1; no further call is expected");
 }
 
 TEST(Platform, FailsTheTestAtTheLineOfTheScript)

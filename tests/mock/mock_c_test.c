@@ -44,6 +44,32 @@ static void answersAsScripted(void)
     REQUIRE(KorIilMockVerify(stderr) == 0);
 }
 
+static void answersByName(void)
+{
+    static const uint8_t address[6] = {2, 0, 0, 0, 1, 5};
+    uint32_t status = 0;
+    uint8_t found[6];
+    KorIilMockCall* call = KorIilMockExpectFunction("TarnGetRadioNeighboringStatus");
+    KorIilMockInputNumber(call, "radioId", 1);
+    KorIilMockOutputText(call, "status", "done");
+    KorIilMockTimes(call, 2);
+    call = KorIilMockExpectFunction("TarnGetAccessPointMacFilterAt");
+    KorIilMockOutputBytes(call, "macAddress", address, sizeof address);
+    KorIilMockInAnyOrder(call);
+    call = KorIilMockExpectFunction("TarnKickOutAccessPointAssociated");
+    KorIilMockInputBytes(call, "macAddress", address, sizeof address);
+    KorIilMockStatusNamed(call, "BUSY");
+    KorIilMockAnyTimes(KorIilMockExpectFunction("TarnGetLogLevel"));
+
+    REQUIRE(TarnGetRadioNeighboringStatus("ledd", 1, &status) == 0);
+    REQUIRE(status == 2);
+    REQUIRE(TarnGetAccessPointMacFilterAt("ledd", 1, 1, 0, found) == 0);
+    REQUIRE(memcmp(found, address, sizeof address) == 0);
+    REQUIRE(TarnGetRadioNeighboringStatus("ledd", 1, &status) == 0);
+    REQUIRE(TarnKickOutAccessPointAssociated("ledd", 1, 1, address) != 0);
+    REQUIRE(KorIilMockVerify(stderr) == 0);
+}
+
 static void recordsTraces(void)
 {
     REQUIRE(TarnGetLogLevel("ledd", NULL) == TARN_REJECTED);
@@ -57,11 +83,13 @@ static void recordsTraces(void)
 
 static void deliversEvents(void)
 {
-    KorIilMockExpectSubscribe("TARN", 4);
+    KorIilMockExpectSubscribeNamed("EVT_AP_ASSOCIATED_CHANGED");
     REQUIRE(tarnSubscribeEvent("ledd", 4, NULL, countEvent) == TARN_OK);
     REQUIRE(KorIilMockDeliver("TARN", 4, NULL, 0) == 1);
     REQUIRE(eventsReceived == 4);
-    KorIilMockExpectCancel("TARN", 4);
+    REQUIRE(KorIilMockDeliverEvent(KorIilMockEventNamed("EVT_AP_ASSOCIATED_CHANGED")) == 1);
+    REQUIRE(eventsReceived == 8);
+    KorIilMockExpectCancelNamed("EVT_AP_ASSOCIATED_CHANGED");
     REQUIRE(tarnCancelEvent("ledd", 4, NULL, countEvent) == TARN_OK);
     REQUIRE(KorIilMockVerify(stderr) == 0);
 }
@@ -79,6 +107,7 @@ int main(void)
 {
     KorIilMockReset();
     answersAsScripted();
+    answersByName();
     recordsTraces();
     deliversEvents();
     countsFailures();

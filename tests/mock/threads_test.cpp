@@ -43,4 +43,32 @@ TEST(Threads, CallTraceAndReceiveAtTheSameTime)
     EXPECT_EQ(KorIilMockTraceCount(), kThreads * kCalls);
 }
 
+TEST(Threads, CallInTheirOwnOrderWhatMayComeInAny)
+{
+    constexpr unsigned kThreads = 4;
+    constexpr unsigned kCalls = 50;
+    tarn::mock::Platform platform;
+    platform.expect("TarnGetLogLevel").anyTimes().reply("level", 5);
+    for (unsigned i = 1; i <= kThreads; ++i)
+        platform.expect("TarnGetRadioNeighboringStatus").with("radioId", i).times(kCalls).inAnyOrder().reply("status", 10 + i);
+
+    std::atomic<unsigned> good{0};
+    std::vector<std::thread> threads;
+    for (unsigned i = 1; i <= kThreads; ++i)
+        threads.emplace_back(
+            [&good, i]
+            {
+                for (unsigned call = 0; call < kCalls; ++call)
+                {
+                    std::uint32_t level = 0;
+                    std::uint32_t status = 0;
+                    good += TarnGetLogLevel("ledd", &level) == 0 && level == 5 ? 1 : 0;
+                    good += TarnGetRadioNeighboringStatus("ledd", i, &status) == 0 && status == 10 + i ? 1 : 0;
+                }
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(good.load(), 2 * kThreads * kCalls);
+}
+
 } // namespace

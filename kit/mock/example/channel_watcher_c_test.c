@@ -5,13 +5,10 @@
 
 #include <stdio.h>
 
+#define CHANNEL_EVENT "EVT_RADIO_OPR_CHANNEL_CHANGED"
+
 enum
 {
-    kGetChannel = 2,
-    kProxyLength = 9376,
-    kInterface = 0,  /* offset of the interface name, 65 bytes */
-    kChannel = 1152, /* offset of the channel in the reply */
-    kChannelEvent = 2,
     kTimeout = 7
 };
 
@@ -29,17 +26,16 @@ static unsigned failures = 0;
 
 static KorIilMockCall* expectRead(void)
 {
-    KorIilMockCall* call = KorIilMockExpect("QTN_RPC_PROXY", kGetChannel, kProxyLength);
+    KorIilMockCall* call = KorIilMockExpectFunction("tarn_qcsapi_wifi_get_channel");
     KorIilMockCaller(call, "channel_watcher");
-    KorIilMockSentText(call, kInterface, 65, "wifi0");
-    KorIilMockSentRestZero(call);
+    KorIilMockInputText(call, "intf_name", "wifi0");
     return call;
 }
 
 static void start(uint32_t channel)
 {
-    KorIilMockExpectSubscribe("TARN", kChannelEvent);
-    KorIilMockReplyWord(expectRead(), kChannel, channel);
+    KorIilMockExpectSubscribeNamed(CHANNEL_EVENT);
+    KorIilMockOutputNumber(expectRead(), "channel", channel);
     CHECK(channelWatcherStart("wifi0") == 0);
 }
 
@@ -52,8 +48,8 @@ static void readsTheChannelAtItsStart(void)
 static void readsItAgainWhenItChanges(void)
 {
     start(36);
-    KorIilMockReplyWord(expectRead(), kChannel, 100);
-    CHECK(KorIilMockDeliver("TARN", kChannelEvent, NULL, 0) == 1);
+    KorIilMockOutputNumber(expectRead(), "channel", 100);
+    CHECK(KorIilMockDeliverEvent(KorIilMockEventNamed(CHANNEL_EVENT)) == 1);
     CHECK(channelWatcherChannel() == 100);
 }
 
@@ -61,7 +57,7 @@ static void knowsNoChannelWhenTheModuleDoesNotAnswer(void)
 {
     start(36);
     KorIilMockFail(expectRead(), kTimeout);
-    KorIilMockDeliver("TARN", kChannelEvent, NULL, 0);
+    KorIilMockDeliverEvent(KorIilMockEventNamed(CHANNEL_EVENT));
     CHECK(channelWatcherChannel() == 0);
     CHECK(KorIilMockTraceCount() == 1);
 }
@@ -69,9 +65,9 @@ static void knowsNoChannelWhenTheModuleDoesNotAnswer(void)
 static void hearsNothingOnceItIsStopped(void)
 {
     start(36);
-    KorIilMockExpectCancel("TARN", kChannelEvent);
+    KorIilMockExpectCancelNamed(CHANNEL_EVENT);
     CHECK(channelWatcherStop() == 0);
-    CHECK(KorIilMockDeliver("TARN", kChannelEvent, NULL, 0) == 0);
+    CHECK(KorIilMockDeliverEvent(KorIilMockEventNamed(CHANNEL_EVENT)) == 0);
 }
 
 int main(void)

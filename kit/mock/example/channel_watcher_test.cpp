@@ -11,11 +11,7 @@
 namespace
 {
 
-constexpr std::uint32_t kGetChannel = 2;
-constexpr std::uint32_t kProxyLength = 9376;
-constexpr std::uint32_t kInterface = 0;  // offset of the interface name, 65 bytes
-constexpr std::uint32_t kChannel = 1152; // offset of the channel in the reply
-constexpr std::uint32_t kChannelEvent = 2;
+constexpr char kChannelEvent[] = "EVT_RADIO_OPR_CHANNEL_CHANGED";
 constexpr std::uint32_t kTimeout = 7;
 
 class ChannelWatcher : public testing::Test
@@ -23,17 +19,14 @@ class ChannelWatcher : public testing::Test
 protected:
     void start(std::uint32_t channel)
     {
-        platform_.expectSubscribe("TARN", kChannelEvent).caller("channel_watcher");
-        expectRead().replyWord(kChannel, channel);
+        platform_.expectSubscribe(kChannelEvent).caller("channel_watcher");
+        expectRead().reply("channel", channel);
         ASSERT_EQ(channelWatcherStart("wifi0"), 0);
     }
 
     tarn::mock::Call expectRead()
     {
-        return platform_.expect("QTN_RPC_PROXY", kGetChannel, kProxyLength)
-            .caller("channel_watcher")
-            .text(kInterface, 65, "wifi0")
-            .restZero();
+        return platform_.expect("tarn_qcsapi_wifi_get_channel").caller("channel_watcher").with("intf_name", "wifi0");
     }
 
     tarn::mock::Platform platform_;
@@ -48,8 +41,8 @@ TEST_F(ChannelWatcher, ReadsTheChannelAtItsStart)
 TEST_F(ChannelWatcher, ReadsItAgainWhenItChanges)
 {
     start(36);
-    expectRead().replyWord(kChannel, 100);
-    EXPECT_EQ(platform_.deliver("TARN", kChannelEvent), 1u);
+    expectRead().reply("channel", 100);
+    EXPECT_EQ(platform_.event(kChannelEvent).deliver(), 1u);
     EXPECT_EQ(channelWatcherChannel(), 100u);
 }
 
@@ -57,7 +50,7 @@ TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleDoesNotAnswer)
 {
     start(36);
     expectRead().fail(kTimeout);
-    platform_.deliver("TARN", kChannelEvent);
+    platform_.event(kChannelEvent).deliver();
     EXPECT_EQ(channelWatcherChannel(), 0u);
     EXPECT_THAT(platform_.traceTexts(), testing::ElementsAre("fail to KorIilExecute(), err = TIMEOUT"));
 }
@@ -65,23 +58,23 @@ TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleDoesNotAnswer)
 TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleRefuses)
 {
     start(36);
-    expectRead().replyWord(kChannel, 100).status(static_cast<std::uint32_t>(-19));
-    platform_.deliver("TARN", kChannelEvent);
+    expectRead().reply("channel", 100).status(-19);
+    platform_.event(kChannelEvent).deliver();
     EXPECT_EQ(channelWatcherChannel(), 0u);
 }
 
 TEST_F(ChannelWatcher, DoesNotStartWithoutASubscription)
 {
-    platform_.expectSubscribe("TARN", kChannelEvent).fail(kTimeout);
+    platform_.expectSubscribe(kChannelEvent).fail(kTimeout);
     EXPECT_EQ(channelWatcherStart("wifi0"), -1);
 }
 
 TEST_F(ChannelWatcher, HearsNothingOnceItIsStopped)
 {
     start(36);
-    platform_.expectCancel("TARN", kChannelEvent);
+    platform_.expectCancel(kChannelEvent);
     EXPECT_EQ(channelWatcherStop(), 0);
-    EXPECT_EQ(platform_.deliver("TARN", kChannelEvent), 0u);
+    EXPECT_EQ(platform_.event(kChannelEvent).deliver(), 0u);
 }
 
 } // namespace
