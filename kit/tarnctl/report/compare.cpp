@@ -49,7 +49,7 @@ bool isMacAddress(const Json& value)
     return value.is_string() && base::parseMacAddress(value.get<std::string>()).has_value();
 }
 
-// What an entry of a list is about; empty if nothing in it is an address. One about a station has its network's address as well.
+// What an entry of a list is about; empty if nothing in it is an address. A station's also has that of its network.
 std::string addressIn(const Json& fields)
 {
     std::string bssid;

@@ -1,5 +1,5 @@
-// Pieces of HTML and SVG. Texts get into one only by text() and as attributes' values, and both are escaped, so that no name that
-// a gateway tells becomes markup.
+// Pieces of HTML and SVG. Texts get into one only by text() and as attributes' values, and both are escaped, so that no name
+// that a gateway tells becomes markup.
 #pragma once
 
 #include <string>
