@@ -47,5 +47,6 @@ if(TARN_BUILD_KIT)
     install(FILES kit/tarnctl/completion/tarnctl.fish
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT kit)
     install(FILES kit/tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
+    install(FILES kit/simulator/scenario.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     install(DIRECTORY kit/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
 endif()

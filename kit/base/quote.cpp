@@ -33,6 +33,34 @@ std::string escaped(std::string_view text)
     return escapedWith(text, "\\");
 }
 
+std::optional<std::string> unescaped(std::string_view text)
+{
+    std::string result;
+    while (!text.empty())
+    {
+        std::size_t length = 1;
+        if (text[0] != '\\')
+        {
+            result += text[0];
+        }
+        else if (text.substr(0, 2) == "\\\\")
+        {
+            result += '\\';
+            length = 2;
+        }
+        else
+        {
+            length = 4;
+            const std::optional<Bytes> byte = text.substr(0, 2) == "\\x" ? parseHex(text.substr(2, 2)) : std::nullopt;
+            if (!byte || byte->size() != 1)
+                return std::nullopt;
+            result += static_cast<char>(byte->front());
+        }
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
 std::string inQuotes(std::string_view text)
 {
     return '"' + escapedWith(text, "\"\\") + '"';

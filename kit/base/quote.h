@@ -1,6 +1,7 @@
 // Texts whose bytes may be anything, shown in ASCII.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,9 @@ namespace tarn::base
 
 // What is not printable ASCII as \xNN, and a backslash as two.
 std::string escaped(std::string_view text);
+
+// The text that was escaped so; none for a backslash that is followed by anything else.
+std::optional<std::string> unescaped(std::string_view text);
 
 // The same between quotation marks; one in the text has a backslash in front of it.
 std::string inQuotes(std::string_view text);

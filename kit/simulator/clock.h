@@ -9,6 +9,9 @@ namespace tarn::simulator
 
 using Milliseconds = std::uint64_t;
 
+// A time that does not come.
+constexpr Milliseconds kEndOfTime = Milliseconds{1} << 53;
+
 class Clock
 {
 public:

@@ -129,9 +129,8 @@ Record CommandRequest::record(std::string_view argument) const
     return Record(layoutOf(find(argument, Direction::kIn)), block(argument));
 }
 
-Changes CommandRequest::changes(std::string_view argument) const
+std::vector<std::string> CommandRequest::selectedFields(std::string_view argument) const
 {
-    const Record given = record(argument);
     const RecordLayout fields = layoutOf(find(argument, Direction::kIn));
     const layout::Selection* const selection = layout_.used().selectionOf(command_.function, argument);
     const std::uint32_t bits = selection == nullptr ? 0 : sentNumber(find(selection->argument, Direction::kIn));
@@ -149,7 +148,7 @@ Changes CommandRequest::changes(std::string_view argument) const
     }
     if (unknown != 0)
         throw Refused{ReplyStatus::kInvalidValue};
-    return given.changes(names);
+    return names;
 }
 
 Record CommandRequest::blank(std::string_view argument) const

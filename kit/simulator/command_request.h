@@ -4,8 +4,8 @@
 #pragma once
 
 #include "contract/contract.h"
+#include "fields.h"
 #include "mobility_domain.h"
-#include "record.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -40,7 +40,13 @@ public:
     Record record(std::string_view argument) const;
     // The record's fields as changes of settings: those that the layout says are selected, or all of them if it has no
     // selection. Throws Refused if a bit selects nothing.
-    Changes changes(std::string_view argument) const;
+    template <typename Settings>
+    Changes<Settings> changes(std::string_view argument) const
+    {
+        Changes<Settings> result;
+        result.take(record(argument), selectedFields(argument));
+        return result;
+    }
     // All zeros, for an output.
     Record blank(std::string_view argument) const;
 
@@ -52,6 +58,15 @@ public:
     void setMobilityDomain(std::string_view argument, const MobilityDomain& domain);
     void setRecord(std::string_view argument, const Record& record);
 
+    // The record that is filled from these objects, each of its fields from the last one that has it.
+    template <typename... Objects>
+    void answer(std::string_view argument, const Objects&... objects)
+    {
+        Record record = blank(argument);
+        (fill(record, objects), ...);
+        setRecord(argument, record);
+    }
+
     // For the one argument that the library never takes out of the reply: the address goes where `other` takes one in.
     void setAddressWhere(const char* other, std::string_view argument, const MacAddress& address);
 
@@ -59,6 +74,7 @@ public:
 
 private:
     const contract::Argument& find(std::string_view argument, contract::Direction direction) const;
+    std::vector<std::string> selectedFields(std::string_view argument) const;
     std::size_t room(const contract::Argument& argument) const; // bytes that its field has in the message
     RecordLayout layoutOf(const contract::Argument& argument) const;
     std::uint32_t sentNumber(const contract::Argument& place) const;

@@ -1,12 +1,14 @@
 #include "control_service.h"
 
 #include "kor_iil_service.h"
-#include "state.h"
+#include "scenario.h"
 #include "tarn_gateway_control.h"
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
+
+#include <nlohmann/json.hpp>
 
 namespace tarn::simulator
 {
@@ -45,7 +47,7 @@ std::uint32_t readState(Model& model, const Control&, TarnGatewayReadState& mess
     try
     {
         model.advance();
-        text = stateOf(model).at(pointer).dump();
+        text = scenarioOf(model).at(pointer).dump();
     }
     catch (const nlohmann::ordered_json::exception&)
     {

@@ -1,8 +1,6 @@
 // The traffic counters of a station, an interface or a radio.
 #pragma once
 
-#include "record.h"
-
 #include <cstdint>
 
 namespace tarn::simulator
@@ -27,18 +25,6 @@ struct Counters
         txErrors += other.txErrors;
         rxErrors += other.rxErrors;
         txRetries += other.txRetries;
-    }
-
-    // The record must have a field of the same name for every counter.
-    void fill(Record& record) const
-    {
-        record.setNumber("txPackets", txPackets);
-        record.setNumber("rxPackets", rxPackets);
-        record.setNumber("txBytes", txBytes);
-        record.setNumber("rxBytes", rxBytes);
-        record.setNumber("txErrors", txErrors);
-        record.setNumber("rxErrors", rxErrors);
-        record.setNumber("txRetries", txRetries);
     }
 };
 

@@ -65,7 +65,7 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
     }
     model.advance();
     if (notesFailures_)
-        model.errorMask |= errorMaskBit(status);
+        model.service.errorMask |= errorMaskBit(status);
     CommandRequest(*chosen.front().command, model.layout, message).setStatus(model.layout.status(service_, status));
     return KOR_IIL_OK;
 }

@@ -50,6 +50,15 @@ Radio& radioOf(Model& model, const CommandRequest& request);       // "radioId",
 Radio& moduleRadioOf(Model& model, const CommandRequest& request); // the same, and it is one of the Wi-Fi module's
 Interface& interfaceOf(Model& model, const CommandRequest& request);
 
+// Sets the value of a key in a table. Throws Refused for one that the table does not take.
+template <typename Object, typename Key, typename Value>
+void put(Object& object, std::map<Key, Value> Object::*table, const Key& key, Value value)
+{
+    std::map<Key, Value> changed = object.*table;
+    changed[key] = std::move(value);
+    assign(object, table, std::move(changed));
+}
+
 // Throws Refused if the key would be one more than a table has room for.
 template <typename Table>
 void requireRoom(const Table& table, const typename Table::key_type& key)

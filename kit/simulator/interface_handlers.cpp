@@ -1,7 +1,5 @@
 // The device service's SSID interfaces and the access points on them: configuration, security, WPS, roaming, block list.
-#include "base/hexadecimal.h"
 #include "handlers.h"
-#include "records.h"
 
 namespace tarn::simulator
 {
@@ -18,9 +16,7 @@ void getSsidIntfNum(Model& model, CommandRequest& request)
 
 void answerSsidIntf(const Interface& interface, CommandRequest& request)
 {
-    Record data = request.blank("data");
-    fillInterface(data, interface);
-    request.setRecord("data", data);
+    request.answer("data", interface);
 }
 
 void getSsidIntfAt(Model& model, CommandRequest& request)
@@ -35,17 +31,13 @@ void getSsidIntf(Model& model, CommandRequest& request)
 
 void setCfg(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, request);
-    Model::change(interface, request.changes("cfg"));
+    interfaceOf(model, request).change(request.changes<InterfaceSettings>("cfg"));
 }
 
 void getSsidIntfStats(Model& model, CommandRequest& request)
 {
     const Interface& interface = interfaceOf(model, request);
-    Record stats = request.blank("stats");
-    model.polled(interface).fill(stats);
-    stats.setNumber("stations", interface.stations.size());
-    request.setRecord("stats", stats);
+    request.answer("stats", model.polled(interface), interface);
 }
 
 void getIsPrimary(Model& model, CommandRequest& request)
@@ -58,17 +50,17 @@ void setRoamingEnable(Model& model, CommandRequest& request)
     Interface& interface = interfaceOf(model, request);
     if (request.number("enable") != 0 && !interface.radio->supportsRoaming)
         throw Refused{ReplyStatus::kSwitchedOff};
-    Model::change(interface, {{"roaming", request.number("enable")}});
+    assign(interface.settings, &InterfaceSettings::roaming, request.number("enable"));
 }
 
 void getRoamingMdid(Model& model, CommandRequest& request)
 {
-    request.setMobilityDomain("mdid", mobilityDomainOf(interfaceOf(model, request)));
+    request.setMobilityDomain("mdid", interfaceOf(model, request).settings.mobilityDomain);
 }
 
 void setRoamingMdid(Model& model, CommandRequest& request)
 {
-    Model::change(interfaceOf(model, request), {{"mobilityDomain", base::hexText(request.mobilityDomain("mdid"))}});
+    interfaceOf(model, request).settings.mobilityDomain = request.mobilityDomain("mdid");
 }
 
 void getBlockAddrNum(Model& model, CommandRequest& request)
@@ -97,22 +89,21 @@ void delBlockAddr(Model& model, CommandRequest& request)
 
 void getAccessPoint(Model& model, CommandRequest& request)
 {
-    Record data = request.blank("data");
-    fillAccessPoint(data, interfaceOf(model, request));
-    request.setRecord("data", data);
+    request.answer("data", interfaceOf(model, request));
 }
 
 void getSecurity(Model& model, CommandRequest& request)
 {
-    Record data = request.blank("data");
-    data.fill(interfaceOf(model, request).settings);
-    request.setRecord("data", data);
+    request.answer("data", interfaceOf(model, request));
 }
 
 void getWps(Model& model, CommandRequest& request)
 {
+    const Interface& interface = interfaceOf(model, request);
     Record data = request.blank("data");
-    fillWps(data, model, interfaceOf(model, request));
+    fill(data, interface);
+    if (interface.window.status == WpsStatus::kOpen)
+        data.setNumber("windowSecondsLeft", (interface.window.closes - model.time + 999) / 1000);
     request.setRecord("data", data);
 }
 

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 namespace
 {
@@ -98,6 +99,14 @@ int main(int argc, char** argv)
                        "Descriptor to write the line to instead of standard output; closed afterwards")
             ->type_name("N")
             ->check(CLI::NonNegativeNumber);
+        app.add_flag_callback(
+            "--scenario-schema",
+            []
+            {
+                std::puts(scenarioSchema().dump(1).c_str());
+                throw CLI::Success();
+            },
+            "Print the JSON Schema of scenario files");
         app.set_version_flag("--version", "tarn-gateway " TARN_VERSION);
         try
         {

@@ -3,7 +3,6 @@
 #include "lists.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace tarn::simulator
 {
@@ -12,20 +11,6 @@ namespace
 {
 
 constexpr std::uint64_t kPacketBytes = 1000;
-constexpr Milliseconds kNeverAgain = std::numeric_limits<Milliseconds>::max();
-
-std::vector<std::uint32_t> channelsWith(const Radio& radio, const Settings& settings)
-{
-    std::vector<std::uint32_t> channels = channelsFor(Model::channelCriteria(radio, settings));
-    const auto inactive = [&](std::uint32_t channel) { return radio.inactiveChannels.count(channel) != 0; };
-    channels.erase(std::remove_if(channels.begin(), channels.end(), inactive), channels.end());
-    return channels;
-}
-
-bool names(const Changes& changes, const char* property)
-{
-    return std::any_of(changes.begin(), changes.end(), [&](const auto& change) { return change.first == property; });
-}
 
 bool isInterfaceName(const std::string& name)
 {
@@ -35,27 +20,41 @@ bool isInterfaceName(const std::string& name)
 
 } // namespace
 
-Model::Model(const Clock& clock, GatewayLayout layoutInUse)
-    : layout(std::move(layoutInUse)), clock_(clock), started_(clock.now())
+Model::Model(const Clock& clock, GatewayLayout layoutInUse) : layout(std::move(layoutInUse)), clock_(clock)
 {
 }
 
 void Model::start()
 {
-    started_ = now();
+    started_ = clock_.now() - time;
+    std::uint32_t radioId = 0;
     for (Radio& radio : radios)
-        radio.checkedChannels.insert(radio.settings.number("channel")); // as if checked long ago
+    {
+        radio.id = ++radioId;
+        std::uint32_t interfaceId = 0;
+        for (Interface& interface : radio.interfaces)
+        {
+            interface.id = ++interfaceId;
+            interface.radio = &radio;
+            bringIn(interface);
+        }
+    }
     advance();
 }
 
-Milliseconds Model::now() const
+// The stations of a scenario that are not associated yet come now.
+void Model::bringIn(Interface& interface)
 {
-    return clock_.now();
+    std::vector<Station>& stations = interface.stations;
+    const auto isAssociated = [](const Station& station) { return station.since.has_value(); };
+    const auto first = std::stable_partition(stations.begin(), stations.end(), isAssociated);
+    interface.away.insert(interface.away.begin(), first, stations.end());
+    stations.erase(first, stations.end());
 }
 
 std::uint32_t Model::secondsSinceStart() const
 {
-    return static_cast<std::uint32_t>((now() - started_) / 1000);
+    return static_cast<std::uint32_t>(time / 1000);
 }
 
 // --- Finding -----------------------------------------------------------------------------------------------------------------
@@ -101,14 +100,6 @@ Radio& Model::moduleRadio()
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 
-Station& Model::station(Interface& interface, const MacAddress& address)
-{
-    for (Station& station : interface.stations)
-        if (station.address == address)
-            return station;
-    throw Refused{ReplyStatus::kNoSuchObject};
-}
-
 SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
 {
     for (SteeringDomain& domain : smartWiFi.domains)
@@ -119,65 +110,36 @@ SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
 
 // --- Changing ----------------------------------------------------------------------------------------------------------------
 
-void Model::change(Settings& settings, const Changes& changes)
+void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
 {
-    Settings changed = settings;
-    for (const auto& [name, value] : changes)
-        changed.set(name, value);
-    settings = std::move(changed);
-}
-
-void Model::change(Radio& radio, const Changes& changes)
-{
-    Settings changed = radio.settings;
-    change(changed, changes);
-    if (names(changes, "channel") && !names(changes, "autoChannel"))
-        changed.set("autoChannel", 0u);
-    if (changed.number("autoChannel") != 0)
-        changed.set("channel", quietestChannel(radio, changed));
-    if (!contains(channelsWith(radio, changed), changed.number("channel")))
+    RadioSettings changed = radio.settings;
+    changes.applyTo(changed);
+    if (changes.has(&RadioSettings::channel) && !changes.has(&RadioSettings::autoChannel))
+        changed.autoChannel = 0;
+    if (changed.autoChannel != 0)
+        changed.channel = radio.quietestChannel(changed);
+    if (!contains(radio.channelsWith(changed), changed.channel))
         throw Refused{ReplyStatus::kInvalidValue};
 
-    const Settings before = std::exchange(radio.settings, std::move(changed));
-    const auto differs = [&](const char* name) { return before.value(name) != radio.settings.value(name); };
-    const auto publishChange = [&](const char* event, const char* name)
+    const RadioSettings before = std::exchange(radio.settings, std::move(changed));
+    const auto publishChange = [&](const char* event)
     {
         Record data(layout.record(event));
-        data.setNumber("radioId", radio.id);
-        data.setNumber(name, radio.settings.number(name));
+        fill(data, radio);
         publishEvent(event, data);
     };
-    if (differs("channel"))
+    if (before.channel != radio.settings.channel)
     {
-        publishChange("EVT_RADIO_OPR_CHANNEL_CHANGED", "channel");
+        publishChange("EVT_RADIO_OPR_CHANNEL_CHANGED");
         beginRadarCheck(radio);
     }
-    if (differs("bandwidth"))
-        publishChange("EVT_RADIO_OPR_BANDWIDTH_CHANGED", "bandwidth");
-    if (differs("enabled"))
+    if (before.bandwidth != radio.settings.bandwidth)
+        publishChange("EVT_RADIO_OPR_BANDWIDTH_CHANGED");
+    if (before.enabled != radio.settings.enabled)
     {
-        publishChange("EVT_RADIO_STATUS_CHANGED", "enabled");
+        publishChange("EVT_RADIO_STATUS_CHANGED");
         beginRadarCheck(radio);
     }
-}
-
-void Model::change(Interface& interface, const Changes& changes)
-{
-    change(interface.settings, changes);
-}
-
-void Model::changeSecurity(Interface& interface, const Changes& changes)
-{
-    if (interface.settings.number("securityDeferMode") == 0)
-        return change(interface, changes);
-    Settings trial = interface.settings; // a value that cannot be applied later is refused now
-    change(trial, changes);
-    interface.deferredSecurity.insert(interface.deferredSecurity.end(), changes.begin(), changes.end());
-}
-
-void Model::applySecurity(Interface& interface)
-{
-    change(interface, std::exchange(interface.deferredSecurity, {}));
 }
 
 Interface& Model::createInterface(const std::string& name, bool enabled)
@@ -197,8 +159,8 @@ Interface& Model::createInterface(const std::string& name, bool enabled)
     interface.bssid = radio.interfaces.front().bssid;
     interface.bssid[0] = static_cast<std::uint8_t>(interface.bssid[0] | 2); // locally administered
     interface.bssid[5] = static_cast<std::uint8_t>(interface.bssid[5] + interface.id - 1);
-    interface.settings.set("enabled", enabled ? 1u : 0u);
-    if (stoppedPolling.count(Polling::kInterfaces) != 0)
+    interface.settings.enabled = enabled ? 1 : 0;
+    if (service.stoppedPolling.count(Polling::kInterfaces) != 0)
         interface.frozen = Counters{};
     return interface;
 }
@@ -217,7 +179,7 @@ void Model::stopPolling(Polling what, bool stop)
     {
         if (what != Polling::kAll && what != kind)
             continue;
-        const bool isStopped = stoppedPolling.count(kind) != 0;
+        const bool isStopped = service.stoppedPolling.count(kind) != 0;
         if (isStopped == stop)
             continue;
         const auto freeze = [&](auto& object)
@@ -236,9 +198,9 @@ void Model::stopPolling(Polling what, bool stop)
             }
         }
         if (stop)
-            stoppedPolling.insert(kind);
+            service.stoppedPolling.insert(kind);
         else
-            stoppedPolling.erase(kind);
+            service.stoppedPolling.erase(kind);
     }
 }
 
@@ -266,34 +228,27 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 // NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::startScan(Radio& radio, std::uint32_t flags)
 {
-    if (radio.settings.number("enabled") == 0)
+    if (radio.settings.enabled == 0)
         throw Refused{ReplyStatus::kSwitchedOff};
     if (radio.scan.status == ScanStatus::kRunning)
         throw Refused{ReplyStatus::kBusy};
     radio.scan.status = ScanStatus::kRunning;
-    radio.scan.ends = now() + timing.scan;
+    radio.scan.ends = time + timing.scan;
     radio.scan.flags = flags;
-}
-
-void Model::cancelScan(Radio& radio)
-{
-    if (radio.scan.status != ScanStatus::kRunning)
-        throw Refused{ReplyStatus::kNotThere};
-    radio.scan.status = ScanStatus::kCancelled;
 }
 
 void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::string& pin)
 {
     if (method == WpsMethod::kPin && !isWpsPin(pin))
         throw Refused{ReplyStatus::kInvalidValue};
-    if (interface.settings.number("wpsEnabled") == 0 || !isUp(interface))
+    if (interface.settings.wpsEnabled == 0 || !interface.isUp())
         throw Refused{ReplyStatus::kSwitchedOff};
     WpsWindow& window = interface.window;
     if (window.status == WpsStatus::kOpen)
         throw Refused{ReplyStatus::kBusy};
     window.method = method;
     window.pin = method == WpsMethod::kPin ? pin : "";
-    window.closes = now() + timing.wpsWindow;
+    window.closes = time + timing.wpsWindow;
     setWpsWindow(interface, WpsStatus::kOpen);
 }
 
@@ -311,49 +266,43 @@ void Model::startDownload(const std::string& path)
         throw Refused{ReplyStatus::kBusy};
     download.state = DownloadState::kRunning;
     download.path = path;
-    download.ends = now() + timing.download;
+    download.ends = time + timing.download;
 }
 
 void Model::startProduction()
 {
-    if (module.productionStarted && now() < module.productionDone)
+    if (module.productionStarted && time < module.productionDone)
         throw Refused{ReplyStatus::kBusy};
     module.productionStarted = true;
-    module.productionDone = now() + timing.production;
+    module.productionDone = time + timing.production;
 }
 
 // NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 {
-    if (radio.settings.number("enabled") == 0)
+    if (radio.settings.enabled == 0)
         throw Refused{ReplyStatus::kSwitchedOff};
     if (radio.dfsRadio.status == DfsRadioStatus::kChecking)
         throw Refused{ReplyStatus::kBusy};
-    std::vector<std::uint32_t> unchecked = allowedChannels(radio);
-    const auto needsNoCheck = [&](std::uint32_t candidate) { return !needsRadarCheck(radio, candidate); };
+    std::vector<std::uint32_t> unchecked = radio.allowedChannels();
+    const auto needsNoCheck = [&](std::uint32_t candidate) { return !radio.needsRadarCheck(candidate); };
     unchecked.erase(std::remove_if(unchecked.begin(), unchecked.end(), needsNoCheck), unchecked.end());
     if (channel == 0 && unchecked.empty())
         throw Refused{ReplyStatus::kNotThere};
-    if (channel != 0 && (!isRadarChannel(radio.band, channel) || !contains(allowedChannels(radio), channel)))
+    if (channel != 0 && (!isRadarChannel(radio.band, channel) || !contains(radio.allowedChannels(), channel)))
         throw Refused{ReplyStatus::kInvalidValue};
     radio.dfsRadio.status = DfsRadioStatus::kChecking;
     radio.dfsRadio.channel = channel != 0 ? channel : unchecked.front();
-    radio.dfsRadio.ends = now() + timing.radarCheck;
-}
-
-void Model::stopDfsRadio(Radio& radio)
-{
-    if (radio.dfsRadio.status == DfsRadioStatus::kStopped)
-        throw Refused{ReplyStatus::kNotThere};
-    radio.dfsRadio = {};
+    radio.dfsRadio.ends = time + timing.radarCheck;
 }
 
 void Model::advance()
 {
+    time = clock_.now() - started_;
     for (Radio& radio : radios)
         settle(radio);
     Download& download = module.download;
-    if (download.state == DownloadState::kRunning && now() >= download.ends)
+    if (download.state == DownloadState::kRunning && time >= download.ends)
     {
         const bool fails = contains(module.missingFiles, download.path);
         download.state = fails ? DownloadState::kFailed : DownloadState::kDone;
@@ -362,19 +311,19 @@ void Model::advance()
 
 void Model::settle(Radio& radio)
 {
-    if (radio.scan.status == ScanStatus::kRunning && radio.settings.number("enabled") == 0)
+    if (radio.scan.status == ScanStatus::kRunning && radio.settings.enabled == 0)
         radio.scan.status = ScanStatus::kCancelled;
-    if (radio.scan.status == ScanStatus::kRunning && now() >= radio.scan.ends)
+    if (radio.scan.status == ScanStatus::kRunning && time >= radio.scan.ends)
     {
         radio.scan.status = ScanStatus::kDone;
         radio.scan.results = radio.neighbours;
     }
-    if (radio.checking && now() >= radio.checkEnds)
+    if (radio.checking && time >= radio.checkEnds)
     {
         radio.checking = false;
-        radio.checkedChannels.insert(radio.settings.number("channel"));
+        radio.checkedChannels.insert(radio.settings.channel);
     }
-    if (radio.dfsRadio.status == DfsRadioStatus::kChecking && now() >= radio.dfsRadio.ends)
+    if (radio.dfsRadio.status == DfsRadioStatus::kChecking && time >= radio.dfsRadio.ends)
     {
         radio.dfsRadio.status = DfsRadioStatus::kReady;
         radio.checkedChannels.insert(radio.dfsRadio.channel);
@@ -387,19 +336,19 @@ void Model::settle(Interface& interface)
 {
     if (interface.window.status == WpsStatus::kOpen)
     {
-        if (interface.settings.number("wpsEnabled") == 0 || !isUp(interface))
+        if (interface.settings.wpsEnabled == 0 || !interface.isUp())
             setWpsWindow(interface, WpsStatus::kCancelled);
-        else if (now() >= interface.window.closes)
+        else if (time >= interface.window.closes)
             setWpsWindow(interface, WpsStatus::kExpired);
     }
 
     for (std::size_t i = 0; i < interface.stations.size();)
-        if (admits(interface, interface.stations[i], i))
+        if (interface.admits(interface.stations[i].address, i))
             ++i;
         else
             part(interface, i);
     for (std::size_t i = 0; i < interface.away.size();)
-        if (now() >= interface.away[i].due && admits(interface, interface.away[i], interface.stations.size()))
+        if (time >= interface.away[i].due && interface.admits(interface.away[i].address, interface.stations.size()))
         {
             const auto place = interface.away.begin() + static_cast<std::ptrdiff_t>(i);
             Station station = std::move(*place);
@@ -410,30 +359,10 @@ void Model::settle(Interface& interface)
             ++i;
 }
 
-bool Model::admits(const Interface& interface, const Station& station, std::size_t associated)
-{
-    if (!isUp(interface))
-        return false;
-    const std::uint32_t limit = interface.settings.number("assocLimit");
-    if (limit != 0 && associated >= limit)
-        return false;
-    const bool isListed = contains(interface.macFilter, station.address);
-    switch (static_cast<MacFilterMode>(interface.settings.number("macFilterMode")))
-    {
-    case MacFilterMode::kAllow:
-        return isListed;
-    case MacFilterMode::kDeny:
-        return !isListed;
-    case MacFilterMode::kOff:
-        break;
-    }
-    return true;
-}
-
 void Model::associate(Interface& interface, Station station)
 {
-    station.since = now();
-    if (stoppedPolling.count(Polling::kStations) != 0)
+    station.since = time;
+    if (service.stoppedPolling.count(Polling::kStations) != 0)
         station.frozen = Counters{};
     ++interface.associations;
     interface.stations.push_back(std::move(station));
@@ -447,7 +376,8 @@ void Model::part(Interface& interface, std::size_t index)
     interface.stations.erase(place);
     interface.departed.add(counters(station));
     ++interface.disassociations;
-    station.due = timing.reassociation == 0 ? kNeverAgain : now() + timing.reassociation;
+    station.since.reset();
+    station.due = timing.reassociation == 0 ? kEndOfTime : time + timing.reassociation;
     station.frozen.reset();
     reportAssociation(interface, station, false);
     interface.away.push_back(std::move(station));
@@ -457,8 +387,7 @@ void Model::setWpsWindow(Interface& interface, WpsStatus status)
 {
     interface.window.status = status;
     Record data(layout.record("EVT_AP_WPS_WIN_STATUS_CHANGED"));
-    data.setNumber("radioId", interface.radio->id);
-    data.setNumber("apId", interface.id);
+    fill(data, interface);
     data.setNumber("status", static_cast<std::uint32_t>(status));
     publishEvent("EVT_AP_WPS_WIN_STATUS_CHANGED", data);
 }
@@ -466,9 +395,8 @@ void Model::setWpsWindow(Interface& interface, WpsStatus status)
 // NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::beginRadarCheck(Radio& radio)
 {
-    radio.checking = radio.settings.number("enabled") != 0 && timing.radarCheck > 0 &&
-                     needsRadarCheck(radio, radio.settings.number("channel"));
-    radio.checkEnds = now() + timing.radarCheck;
+    radio.checking = radio.settings.enabled != 0 && timing.radarCheck > 0 && radio.needsRadarCheck(radio.settings.channel);
+    radio.checkEnds = time + timing.radarCheck;
 }
 
 void Model::publishEvent(const char* event, const Record& data) const
@@ -479,13 +407,13 @@ void Model::publishEvent(const char* event, const Record& data) const
 
 void Model::reportAssociation(const Interface& interface, const Station& station, bool associated)
 {
-    history.push_back({now() - started_, associated ? 1u : 0u,
+    std::vector<HistoryEntry>& history = smartWiFi.history;
+    if (history.size() == kHistoryRoom)
+        history.erase(history.begin());
+    history.push_back({secondsSinceStart(), associated ? 1u : 0u,
                        base::macText(station.address) + (associated ? " has come to " : " has left ") + interface.name});
-    if (history.size() > kHistoryRoom)
-        history.pop_front();
     Record data(layout.record("EVT_AP_ASSOCIATED_CHANGED"));
-    data.setNumber("radioId", interface.radio->id);
-    data.setNumber("apId", interface.id);
+    fill(data, interface);
     data.setAddress("macAddress", station.address);
     data.setNumber("associated", associated ? 1 : 0);
     publishEvent("EVT_AP_ASSOCIATED_CHANGED", data);
@@ -493,67 +421,15 @@ void Model::reportAssociation(const Interface& interface, const Station& station
 
 // --- What follows from the state ---------------------------------------------------------------------------------------------
 
-bool Model::isReady(const Radio& radio)
-{
-    return radio.settings.number("enabled") != 0 && !radio.checking;
-}
-
-bool Model::isUp(const Interface& interface)
-{
-    return interface.settings.number("enabled") != 0 && isReady(*interface.radio);
-}
-
-bool Model::needsRadarCheck(const Radio& radio, std::uint32_t channel)
-{
-    return isRadarChannel(radio.band, channel) && radio.checkedChannels.count(channel) == 0;
-}
-
-ChannelCriteria Model::channelCriteria(const Radio& radio, const Settings& settings)
-{
-    ChannelCriteria criteria;
-    criteria.band = radio.band;
-    criteria.country = settings.text("country");
-    criteria.bandwidth = settings.number("bandwidth");
-    criteria.withWeatherChannels = settings.number("tdwrChannels") != 0;
-    return criteria;
-}
-
-std::vector<std::uint32_t> Model::allowedChannels(const Radio& radio)
-{
-    return channelsWith(radio, radio.settings);
-}
-
-// The one with the fewest neighbours on it, the lowest of several.
-std::uint32_t Model::quietestChannel(const Radio& radio, const Settings& settings)
-{
-    const std::vector<std::uint32_t> channels = channelsWith(radio, settings);
-    if (channels.empty())
-        throw Refused{ReplyStatus::kInvalidValue};
-    const auto neighboursOn = [&](std::uint32_t channel)
-    {
-        const auto isThere = [&](const Neighbour& neighbour) { return neighbour.channel == channel; };
-        return std::count_if(radio.neighbours.begin(), radio.neighbours.end(), isThere);
-    };
-    return *std::min_element(channels.begin(), channels.end(),
-                             [&](std::uint32_t left, std::uint32_t right) { return neighboursOn(left) < neighboursOn(right); });
-}
-
-std::uint32_t Model::secondaryChannel(const Radio& radio, std::uint32_t channel)
-{
-    const auto found = radio.secondaryChannels.find(channel);
-    return found != radio.secondaryChannels.end() ? found->second : secondaryOf(radio.band, channel);
-}
-
 // A level is a percentage of the maximum power: half of it is 3 dB less.
 std::int32_t Model::chainPower(const Radio& radio, std::uint32_t chain) const
 {
-    if (chain >= radio.chains || radio.settings.number("enabled") == 0)
+    if (chain >= radio.chains || radio.settings.enabled == 0)
         return 0;
     constexpr std::int32_t kCap = 20; // dBm
-    const std::int32_t most = radio.onModule && module.settings.number("transmitPowerCap") != 0
-                                  ? std::min(radio.maximumPower, kCap)
-                                  : radio.maximumPower;
-    switch (radio.settings.number("transmitPower"))
+    const std::int32_t most =
+        radio.onModule && module.settings.transmitPowerCap != 0 ? std::min(radio.maximumPower, kCap) : radio.maximumPower;
+    switch (radio.settings.transmitPower)
     {
     case 75:
         return most - 1;
@@ -568,35 +444,14 @@ std::int32_t Model::chainPower(const Radio& radio, std::uint32_t chain) const
     }
 }
 
-// The strongest station's, and 1 dB less on every further chain.
-std::int32_t Model::chainRssi(const Radio& radio, std::uint32_t chain)
-{
-    std::int32_t strongest = radio.noise;
-    for (const Interface& interface : radio.interfaces)
-        for (const Station& station : interface.stations)
-            strongest = std::max(strongest, station.rssi);
-    return chain >= radio.chains ? radio.noise : std::max(radio.noise, strongest - static_cast<std::int32_t>(chain));
-}
-
-std::uint32_t Model::maximumRate(const Radio& radio)
-{
-    const std::string& mode = radio.settings.text("phyMode");
-    std::uint32_t perStream = 54; // at 20 MHz
-    if (mode == "11ax")
-        perStream = 150;
-    else if (mode == "11ac")
-        perStream = 108;
-    return perStream * radio.chains * radio.settings.number("bandwidth") / 20;
-}
-
 std::uint32_t Model::secondsAssociated(const Station& station) const
 {
-    return static_cast<std::uint32_t>((now() - station.since) / 1000);
+    return static_cast<std::uint32_t>((time - station.since.value_or(time)) / 1000);
 }
 
 Counters Model::counters(const Station& station) const
 {
-    const std::uint64_t packets = (now() - station.since) * station.packetRate / 1000;
+    const std::uint64_t packets = (time - station.since.value_or(time)) * station.packetRate / 1000;
     Counters result;
     result.txPackets = packets;
     result.rxPackets = packets;

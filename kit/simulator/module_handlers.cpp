@@ -66,10 +66,10 @@ void answerAssociation(const Model& model, const Association& association, Comma
     Record data = request.blank("data");
     data.setAddress("macAddress", station.address);
     data.setAddress("bssid", interface.bssid);
-    data.setText("ssid", interface.settings.text("ssid"));
+    data.setText("ssid", interface.settings.ssid);
     data.setText("name", interface.name);
     data.setText("band", toString(interface.radio->band));
-    data.setNumber("channel", interface.radio->settings.number("channel"));
+    data.setNumber("channel", interface.radio->settings.channel);
     data.setSigned("rssi", station.rssi);
     data.setNumber("txRate", station.txRate);
     data.setNumber("rxRate", station.rxRate);

@@ -1,12 +1,10 @@
 // The objects that the model of the gateway is made of.
 #pragma once
 
-#include "base/mac_address.h"
 #include "channels.h"
 #include "clock.h"
 #include "counters.h"
-#include "mobility_domain.h"
-#include "settings.h"
+#include "fields.h"
 
 #include <array>
 #include <cstdint>
@@ -20,12 +18,140 @@
 namespace tarn::simulator
 {
 
-using base::MacAddress;
-
 struct Radio;
 
-// Numbers stored under a number, without further effect: options, driver parameters ...
+// The room in lists and tables.
+constexpr std::size_t kRadioRoom = 8;
+constexpr std::size_t kInterfaceRoom = 8;   // of one radio
+constexpr std::size_t kStationRoom = 128;   // of one interface
+constexpr std::size_t kNeighbourRoom = 255; // of one radio
+constexpr std::size_t kMacFilterRoom = 32;
+constexpr std::size_t kBlockListRoom = 16;
+constexpr std::size_t kDomainRoom = 8;
+constexpr std::size_t kNonSteerRoom = 32;
+constexpr std::size_t kSlaveRoom = 32;
+constexpr std::size_t kHistoryRoom = 64;
+constexpr std::size_t kTableRoom = 64; // custom values, boot parameters, files, entries of the security agent ...
+
+// Eight digits, the last of which is the check digit.
+bool isWpsPin(const std::string& text);
+
+// Numbers stored under a number.
 using NumberTable = std::map<std::uint32_t, std::uint32_t>;
+
+// Settings are what commands change while the gateway runs. Switches are 0 or 1.
+
+struct ServiceSettings
+{
+    std::uint32_t logLevel = 3;
+};
+
+struct ModuleSettings
+{
+    std::uint32_t carrierId = 1;
+    std::uint32_t carrierIdKept = 0;
+    std::uint32_t debug = 0;
+    std::uint32_t powerMode = 0;
+    std::uint32_t atm = 0;
+    std::uint32_t atmActuate = 0;
+    std::uint32_t dfsDaemon = 1;
+    std::uint32_t mauiEnabled = 1;
+    std::uint32_t webServer = 1;
+    std::uint32_t mirror = 0;
+    std::uint32_t transmitPowerCap = 0;
+    std::uint32_t thermalLevel = 0;
+    std::uint32_t smartWiFiEnabled = 1;
+    std::string smartWiFiInterface; // empty if it is bound to none
+    std::uint32_t qslCfgSyncing = 0;
+    std::uint32_t qcommEnabled = 1;
+    std::uint32_t qcommRole = 0;
+    std::uint32_t qcommPort = 7777;
+    std::uint32_t qcommIntervalSeconds = 10;
+    std::string qcommKey;
+};
+
+struct RadioSettings
+{
+    std::uint32_t enabled = 1;
+    std::uint32_t channel = 36;
+    std::uint32_t autoChannel = 0;
+    std::uint32_t bandwidth = 80;      // MHz
+    std::uint32_t transmitPower = 100; // percent of the highest
+    std::string country = "eu";
+    std::string phyMode = "11ac";
+    std::uint32_t shortGuardInterval = 1;
+    std::uint32_t beamforming = 1;
+    std::uint32_t multiUser = 1;
+    std::uint32_t stbc = 1;
+    std::uint32_t ldpc = 1;
+    std::uint32_t legacyBaseband = 0;
+    std::uint32_t disable11b = 0;
+    std::uint32_t qhop = 0;
+    std::uint32_t tdwrChannels = 0; // those of terminal weather radars
+    std::uint32_t scs = 0;
+    std::uint32_t nacMonitor = 0;
+    std::uint32_t nacMonitorPeriod = 1000; // ms
+    std::uint32_t nacMonitorOnTime = 10;   // percent
+    std::uint32_t weatherCac = 1;
+};
+
+struct InterfaceSettings
+{
+    std::uint32_t enabled = 1;
+    std::string ssid = "tarn";
+    std::uint32_t hidden = 0;
+    std::uint32_t priority = 0;
+    std::uint32_t ssidGroupId = 0;
+    std::uint32_t assocLimit = 0; // 0: no limit
+    std::uint32_t intraBssIsolate = 0;
+    std::uint32_t bssIsolate = 0;
+    std::uint32_t beaconInterval = 100; // time units of 1024 us
+    std::uint32_t dtim = 2;
+    std::uint32_t rtsThreshold = 2347;
+    std::uint32_t txAmsdu = 1;
+    std::uint32_t airfair = 0;
+    std::string mcsRate = "auto";
+    std::uint32_t macFilterMode = 0; // MacFilterMode
+    std::string beaconType = "wpa2";
+    std::string authenticationMode = "psk";
+    std::string encryptionModes = "aes";
+    std::string passphrase = "passphrase";
+    std::uint32_t groupKeyInterval = 3600; // seconds
+    std::uint32_t pmf = 1;
+    std::uint32_t securityDeferMode = 0;
+    std::string radiusAddress;
+    std::uint32_t radiusPort = 1812;
+    std::string radiusSecret;
+    std::uint32_t wpsEnabled = 1;
+    std::uint32_t wpsConfigured = 2;
+    std::uint32_t wpsUpnp = 0;
+    std::uint32_t wpsApPinEnabled = 0;
+    std::string wpsApPin = "12345670";
+    std::uint32_t roaming = 0;
+    MobilityDomain mobilityDomain = {0xa1, 0xb2};
+    std::uint32_t vlanCommand = 0;
+    std::uint32_t vlanId = 0;
+    std::uint32_t thermalStart = 0; // degrees Celsius
+    std::uint32_t thermalStop = 0;
+};
+
+// Of one mobility domain of Smart WiFi.
+struct SteeringSettings
+{
+    std::uint32_t steering = 1;
+    std::uint32_t rssiThreshold = 75; // dBm below zero
+    std::uint32_t rssiHysteresis = 5;
+    std::uint32_t loadThreshold = 60;
+    std::uint32_t holdSeconds = 30;
+    std::string name = "home";
+    std::uint32_t bandSteering = 1;
+    std::uint32_t bandThreshold = 65; // dBm below zero
+    std::uint32_t kickSeconds = 10;
+    std::uint32_t retryLimit = 3;
+    std::string uplink;
+};
+
+// --- Stations and interfaces -------------------------------------------------------------------------------------------------
 
 struct Station
 {
@@ -39,8 +165,8 @@ struct Station
     std::string phyMode = "11ac";
     std::uint32_t packetRate = 20; // packets a second, each way
 
-    Milliseconds since = 0; // while associated
-    Milliseconds due = 0;   // while away: when it may return
+    std::optional<Milliseconds> since; // while associated
+    Milliseconds due = 0;              // while away: when it may return
     std::optional<Counters> frozen;
 };
 
@@ -52,12 +178,16 @@ enum class WpsStatus : std::uint32_t
     kCancelled
 };
 
+inline constexpr const char* kWpsStatusNames[] = {"never", "open", "expired", "cancelled"};
+
 enum class WpsMethod : std::uint32_t
 {
     kNone,
     kButton,
     kPin
 };
+
+inline constexpr const char* kWpsMethodNames[] = {"none", "button", "pin"};
 
 struct WpsWindow
 {
@@ -67,6 +197,7 @@ struct WpsWindow
     Milliseconds closes = 0;
 };
 
+// The access category, 0 to 3, of each of the 64 code points.
 struct DscpMap
 {
     std::array<std::uint8_t, 64> list{};
@@ -84,11 +215,11 @@ enum class MacFilterMode : std::uint32_t
 // An SSID interface and the access point on it: the interface's id is the access point's as well.
 struct Interface
 {
-    std::uint32_t id = 0; // from 1
-    std::string name;     // "wifi0"
+    std::uint32_t id = 0;   // from 1, in the order of the radio's list
+    Radio* radio = nullptr; // that it belongs to
+    std::string name;       // "wifi0"
     MacAddress bssid{};
-    Radio* radio = nullptr;
-    Settings settings{interfaceProperties()};
+    InterfaceSettings settings;
 
     std::vector<Station> stations; // associated, in the order of their association
     std::vector<Station> away;
@@ -98,16 +229,38 @@ struct Interface
     WpsWindow window;
     std::string savedApPin;
     std::map<std::uint32_t, std::string> wpsParameters;
-    Changes deferredSecurity; // set while security is deferred, and not yet applied
+    Changes<InterfaceSettings> deferredSecurity; // set while security is deferred, and not yet applied
 
-    std::map<std::string, NumberTable, std::less<>> tables;
+    // Stored without further effect.
+    NumberTable options;
+    NumberTable parameters;
+    NumberTable extenderParameters;
+    NumberTable aggregationHoldTimes;
     std::optional<DscpMap> dscpMap;
 
     Counters departed; // of the stations that are gone
     std::uint32_t associations = 0;
     std::uint32_t disassociations = 0;
     std::optional<Counters> frozen;
+
+    bool isUp() const;
+    bool isPrimary() const;
+    bool admits(const MacAddress& address, std::size_t associated) const; // with so many stations that are there already
+    std::uint32_t radioId() const;
+    std::uint32_t ssidId() const;
+    std::uint32_t stationNumber() const;
+    WpsStatus windowStatus() const;
+    WpsMethod windowMethod() const;
+    Station& station(const MacAddress& address); // throws Refused if it is not associated
+
+    // Makes all of the changes.
+    void change(const Changes<InterfaceSettings>& changes);
+    // Security settings made through the module: at once, or, while security is deferred, with the next applySecurity.
+    void changeSecurity(const Changes<InterfaceSettings>& changes);
+    void applySecurity();
 };
+
+// --- Radios ------------------------------------------------------------------------------------------------------------------
 
 struct Neighbour
 {
@@ -128,6 +281,8 @@ enum class ScanStatus : std::uint32_t
     kCancelled
 };
 
+inline constexpr const char* kScanStatusNames[] = {"never", "running", "done", "cancelled"};
+
 struct Scan
 {
     ScanStatus status = ScanStatus::kNever;
@@ -144,6 +299,8 @@ enum class DfsRadioStatus : std::uint32_t
     kReady
 };
 
+inline constexpr const char* kDfsRadioStatusNames[] = {"stopped", "checking", "ready"};
+
 struct DfsRadio
 {
     DfsRadioStatus status = DfsRadioStatus::kStopped;
@@ -151,9 +308,16 @@ struct DfsRadio
     Milliseconds ends = 0;
 };
 
+// A reduction of the power on a channel.
+struct PowerBackoff
+{
+    std::uint32_t decibels = 0;
+    std::uint32_t bandwidth = 0; // that it applies to: 0 all, 1 to 4 for 20 to 160 MHz
+};
+
 struct Radio
 {
-    std::uint32_t id = 0; // from 1
+    std::uint32_t id = 0; // from 1, in the order of the gateway's list
     std::string name;
     Band band = Band::k5;
     bool onModule = false; // of the Wi-Fi module, and so reached by the proxy
@@ -165,7 +329,7 @@ struct Radio
     std::int32_t maximumPower = 23; // dBm
     std::uint32_t channelLoad = 20; // percent
     std::string driverVersion;
-    Settings settings{radioProperties()};
+    RadioSettings settings;
 
     std::deque<Interface> interfaces; // whose addresses stay valid when one is added
     std::vector<Neighbour> neighbours;
@@ -176,9 +340,30 @@ struct Radio
     DfsRadio dfsRadio;
     std::set<std::uint32_t> inactiveChannels;
     std::map<std::uint32_t, std::uint32_t> secondaryChannels; // where they are not the default ones
-    std::map<std::uint32_t, std::array<std::uint32_t, 2>> powerBackoffs;
+    std::map<std::uint32_t, PowerBackoff> powerBackoffs;
     std::optional<Counters> frozen;
+
+    std::uint32_t radioId() const;
+    bool isReady() const;
+    bool needsRadarCheck(std::uint32_t channel) const; // before its first use
+    ChannelCriteria channelCriteria() const;
+    ChannelCriteria criteriaWith(const RadioSettings& other) const;
+    std::vector<std::uint32_t> allowedChannels() const;
+    // With other settings than it has.
+    std::vector<std::uint32_t> channelsWith(const RadioSettings& other) const;
+    std::uint32_t quietestChannel(const RadioSettings& other) const; // throws Refused if no channel is allowed
+    std::uint32_t secondaryChannelOf(std::uint32_t channel) const;
+    std::uint32_t secondaryChannel() const;
+    std::int32_t chainRssi(std::uint32_t chain) const; // dBm; the noise where there is no station or chain
+    std::uint32_t maximumRate() const;                 // Mbit/s
+    std::uint32_t interfaceNumber() const;
+    std::uint32_t stationNumber() const;
+    ScanStatus scanStatus() const;
+    void cancelScan();
+    void stopDfsRadio();
 };
+
+// --- The module and the services on it ---------------------------------------------------------------------------------------
 
 enum class DownloadState : std::uint32_t
 {
@@ -188,17 +373,13 @@ enum class DownloadState : std::uint32_t
     kFailed
 };
 
+inline constexpr const char* kDownloadStateNames[] = {"none", "running", "done", "failed"};
+
 struct Download
 {
     DownloadState state = DownloadState::kNone;
     std::string path; // empty for the password file
     Milliseconds ends = 0;
-};
-
-struct SecurityAgentEntry
-{
-    std::string action;
-    std::uint32_t value = 0;
 };
 
 // The Wi-Fi module.
@@ -214,8 +395,8 @@ struct Module
     std::map<std::string, std::string> bootParameters;
     std::vector<std::string> scripts;
     std::vector<std::string> missingFiles; // downloads of these fail
+    ModuleSettings settings;
 
-    Settings settings{moduleProperties()};
     bool initialised = false;
     std::map<std::string, std::string> customValues;
     std::string lastScript;
@@ -224,7 +405,7 @@ struct Module
     Download download;
     bool productionStarted = false;
     Milliseconds productionDone = 0;
-    std::map<std::string, SecurityAgentEntry> securityAgent;
+    std::map<std::string, std::uint32_t> securityAgent;
     std::map<std::uint32_t, DscpMap> dscpTables;
     NumberTable groupLimits; // stations of an SSID group
     bool thermalInitialised = false;
@@ -236,13 +417,39 @@ struct Module
 struct SteeringDomain
 {
     MobilityDomain id{};
-    Settings settings{steeringProperties()};
+    SteeringSettings settings;
     std::vector<MacAddress> nonSteer;
+};
+
+// What the Smart WiFi tables have of a network, of a station, and of an association that came or went.
+struct BssEntry
+{
+    MacAddress bssid{};
+    std::string ssid;
+    std::string name; // empty for a slave device's
+    Band band = Band::k5;
+    std::uint32_t channel = 0;
+    std::uint32_t bandwidth = 0;
+    std::uint32_t stations = 0;
+    bool own = true;
+    MobilityDomain mobilityDomain{};
+};
+
+struct StationEntry
+{
+    MacAddress macAddress{};
+    MacAddress bssid{};
+    std::string ssid;
+    Band band = Band::k5;
+    std::int32_t rssi = 0;
+    std::uint32_t txRate = 0;
+    std::uint32_t rxRate = 0;
+    std::uint32_t secondsAssociated = 0;
 };
 
 struct HistoryEntry
 {
-    Milliseconds time = 0;
+    std::uint32_t secondsSinceStart = 0;
     std::uint32_t status = 0; // 1 a station associated, 0 one left
     std::string text;
 };
@@ -250,9 +457,9 @@ struct HistoryEntry
 // Copies of the Smart WiFi tables, taken at the caller's request.
 struct Snapshots
 {
-    std::vector<Record> bssEntries;
-    std::vector<Record> stations;
-    std::vector<std::pair<std::uint32_t, Record>> history; // status, entry
+    std::vector<BssEntry> bssEntries;
+    std::vector<StationEntry> stations;
+    std::vector<HistoryEntry> history;
     std::vector<MacAddress> slaves;
 };
 
@@ -262,9 +469,29 @@ struct SmartWiFi
     std::vector<MacAddress> slaves;
     std::uint32_t propagations = 0;
     Snapshots snapshots;
+    std::vector<HistoryEntry> history; // the last ones
 };
 
-// Durations, in milliseconds.
+// --- The device service ------------------------------------------------------------------------------------------------------
+
+// The objects whose statistics the device service can stop polling.
+enum class Polling : std::uint32_t
+{
+    kAll,
+    kRadios,
+    kInterfaces,
+    kStations
+};
+
+inline constexpr const char* kPollingNames[] = {"all", "radios", "interfaces", "stations"};
+
+struct Service
+{
+    ServiceSettings settings;
+    std::uint32_t errorMask = 0;
+    std::set<Polling> stoppedPolling;
+};
+
 struct Timing
 {
     Milliseconds scan = 4000;
@@ -274,5 +501,58 @@ struct Timing
     Milliseconds production = 3000;
     Milliseconds reassociation = 10000; // 0: stations do not return
 };
+
+// --- Their descriptions ------------------------------------------------------------------------------------------------------
+
+template <>
+const Description<ServiceSettings>& descriptionOf();
+template <>
+const Description<ModuleSettings>& descriptionOf();
+template <>
+const Description<RadioSettings>& descriptionOf();
+template <>
+const Description<InterfaceSettings>& descriptionOf();
+template <>
+const Description<SteeringSettings>& descriptionOf();
+template <>
+const Description<Counters>& descriptionOf();
+template <>
+const Description<Station>& descriptionOf();
+template <>
+const Description<WpsWindow>& descriptionOf();
+template <>
+const Description<DscpMap>& descriptionOf();
+template <>
+const Description<Interface>& descriptionOf();
+template <>
+const Description<Neighbour>& descriptionOf();
+template <>
+const Description<Scan>& descriptionOf();
+template <>
+const Description<DfsRadio>& descriptionOf();
+template <>
+const Description<PowerBackoff>& descriptionOf();
+template <>
+const Description<Radio>& descriptionOf();
+template <>
+const Description<Download>& descriptionOf();
+template <>
+const Description<Module>& descriptionOf();
+template <>
+const Description<SteeringDomain>& descriptionOf();
+template <>
+const Description<BssEntry>& descriptionOf();
+template <>
+const Description<StationEntry>& descriptionOf();
+template <>
+const Description<HistoryEntry>& descriptionOf();
+template <>
+const Description<Snapshots>& descriptionOf();
+template <>
+const Description<SmartWiFi>& descriptionOf();
+template <>
+const Description<Service>& descriptionOf();
+template <>
+const Description<Timing>& descriptionOf();
 
 } // namespace tarn::simulator

@@ -1,6 +1,6 @@
 // The proxy's calls about channels, radar checks, transmit power and scans of a radio of the Wi-Fi module.
+#include "base/join.h"
 #include "handlers.h"
-#include "records.h"
 
 namespace tarn::simulator
 {
@@ -11,7 +11,7 @@ namespace
 // The 20 MHz channels of the radio's band in its country, the inactive ones included.
 std::vector<std::uint32_t> channelsOf(const Radio& radio)
 {
-    ChannelCriteria criteria = Model::channelCriteria(radio, radio.settings);
+    ChannelCriteria criteria = radio.channelCriteria();
     criteria.bandwidth = 20;
     return channelsFor(criteria);
 }
@@ -22,6 +22,12 @@ void requireChannel(const Radio& radio, std::uint32_t channel)
         throw Refused{ReplyStatus::kInvalidValue};
 }
 
+// "36,40,44".
+std::string channelText(const std::vector<std::uint32_t>& channels)
+{
+    return base::join(channels, ",");
+}
+
 // --- Channels ----------------------------------------------------------------------------------------------------------------
 
 void getSecondaryChannel(Model& model, CommandRequest& request)
@@ -29,7 +35,7 @@ void getSecondaryChannel(Model& model, CommandRequest& request)
     const Radio& radio = radioOf(model, request);
     const std::uint32_t channel = request.number("channel");
     requireChannel(radio, channel);
-    request.setNumber("secondary_channel", Model::secondaryChannel(radio, channel));
+    request.setNumber("secondary_channel", radio.secondaryChannelOf(channel));
 }
 
 // A second value of 0 restores the default.
@@ -58,7 +64,7 @@ void setChannelInactive(Model& model, CommandRequest& request)
     requireChannel(radio, channel);
     if (!request.flag("value2"))
         radio.inactiveChannels.erase(channel);
-    else if (channel == radio.settings.number("channel"))
+    else if (channel == radio.settings.channel)
         throw Refused{ReplyStatus::kBusy};
     else
         radio.inactiveChannels.insert(channel);
@@ -66,7 +72,7 @@ void setChannelInactive(Model& model, CommandRequest& request)
 
 void getListChannels(Model& model, CommandRequest& request)
 {
-    request.setText("list_of_channels", channelText(Model::allowedChannels(radioOf(model, request))));
+    request.setText("list_of_channels", channelText(radioOf(model, request).allowedChannels()));
 }
 
 void answerRegulatory(const ChannelCriteria& criteria, CommandRequest& request)
@@ -105,9 +111,9 @@ void getRegulatoryOfInterface(Model& model, CommandRequest& request)
 void overwriteCountryCode(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
-    if (request.text("curr_country_name") != radio.settings.text("country"))
+    if (request.text("curr_country_name") != radio.settings.country)
         throw Refused{ReplyStatus::kInvalidValue};
-    model.change(radio, {{"country", request.text("new_country_name")}});
+    model.change(radio, Changes<RadioSettings>().set(&RadioSettings::country, request.text("new_country_name")));
 }
 
 // --- Radar checks ------------------------------------------------------------------------------------------------------------
@@ -124,7 +130,7 @@ void startDfsRadio(Model& model, CommandRequest& request)
 
 void stopDfsRadio(Model& model, CommandRequest& request)
 {
-    Model::stopDfsRadio(radioOf(model, request));
+    radioOf(model, request).stopDfsRadio();
 }
 
 void getCacStatus(Model& model, CommandRequest& request)
@@ -148,9 +154,9 @@ void getAvailability(Model& model, CommandRequest& request)
     const Radio& radio = radioOf(model, request);
     const auto availabilityOf = [&](std::uint32_t channel)
     {
-        if (!Model::needsRadarCheck(radio, channel))
+        if (!radio.needsRadarCheck(channel))
             return kAvailable;
-        const bool isBeingChecked = (radio.checking && channel == radio.settings.number("channel")) ||
+        const bool isBeingChecked = (radio.checking && channel == radio.settings.channel) ||
                                     (radio.dfsRadio.status == DfsRadioStatus::kChecking && channel == radio.dfsRadio.channel);
         return isBeingChecked ? kBeingChecked : kNotChecked;
     };
@@ -177,15 +183,13 @@ void getPowerLevels(Model& model, CommandRequest& request)
 // The channel, the reduction in dB, and the bandwidth it applies to: 0 all, 1 to 4 for 20 to 160 MHz.
 void setPowerBackoff(Model& model, CommandRequest& request)
 {
-    constexpr std::uint32_t kMostBackoff = 20;
     Radio& radio = radioOf(model, request);
     const std::uint32_t channel = request.number("value1");
-    const std::uint32_t backoff = request.number("value2");
-    const std::uint32_t bandwidth = request.number("value3");
     requireChannel(radio, channel);
-    if (backoff > kMostBackoff || bandwidth > 4)
-        throw Refused{ReplyStatus::kInvalidValue};
-    radio.powerBackoffs[channel] = {backoff, bandwidth};
+    PowerBackoff backoff;
+    assign(backoff, &PowerBackoff::decibels, request.number("value2"));
+    assign(backoff, &PowerBackoff::bandwidth, request.number("value3"));
+    radio.powerBackoffs[channel] = backoff;
 }
 
 void getTransmitPower(Model& model, CommandRequest& request)
@@ -220,9 +224,7 @@ void getScanResults(Model& model, CommandRequest& request)
 
 void getScanResult(Model& model, CommandRequest& request)
 {
-    Record properties = request.blank("ap_property");
-    fillNeighbour(properties, elementAt(radioOf(model, request).scan.results, request.number("index")));
-    request.setRecord("ap_property", properties);
+    request.answer("ap_property", elementAt(radioOf(model, request).scan.results, request.number("index")));
 }
 
 } // namespace

@@ -13,7 +13,7 @@ void getWpsState(Model& model, CommandRequest& request)
 {
     static const char* const kStates[] = {"idle", "open", "expired", "cancelled"};
     const Interface& interface = interfaceOf(model, request);
-    const bool isEnabled = interface.settings.number("wpsEnabled") != 0;
+    const bool isEnabled = interface.settings.wpsEnabled != 0;
     request.setText("wps_state", isEnabled ? kStates[static_cast<std::uint32_t>(interface.window.status)] : "disabled");
 }
 
@@ -34,34 +34,24 @@ void cancelWps(Model& model, CommandRequest& request)
 
 void disableWps(Model& model, CommandRequest& request)
 {
-    Model::change(interfaceOf(model, request), {{"wpsEnabled", request.number("disable") != 0 ? 0u : 1u}});
+    interfaceOf(model, request).settings.wpsEnabled = request.number("disable") != 0 ? 0 : 1;
 }
 
 void saveApPin(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    interface.savedApPin = interface.settings.text("wpsApPin");
-}
-
-std::uint32_t wpsParameterId(const CommandRequest& request)
-{
-    constexpr std::uint32_t kMostId = 32;
-    const std::uint32_t id = request.number("param_id");
-    if (id == 0 || id > kMostId)
-        throw Refused{ReplyStatus::kInvalidValue};
-    return id;
+    interface.savedApPin = interface.settings.wpsApPin;
 }
 
 void setWpsParameter(Model& model, CommandRequest& request)
 {
-    Interface& interface = interfaceOf(model, request);
-    interface.wpsParameters[wpsParameterId(request)] = request.text("param_value");
+    put(interfaceOf(model, request), &Interface::wpsParameters, request.number("param_id"), request.text("param_value"));
 }
 
 void getWpsParameter(Model& model, CommandRequest& request)
 {
     const std::map<std::uint32_t, std::string>& parameters = interfaceOf(model, request).wpsParameters;
-    const auto found = parameters.find(wpsParameterId(request));
+    const auto found = parameters.find(request.number("param_id"));
     if (found == parameters.end())
         throw Refused{ReplyStatus::kNotThere};
     request.setText("param_value", found->second);
@@ -69,7 +59,6 @@ void getWpsParameter(Model& model, CommandRequest& request)
 
 // --- DSCP maps ---------------------------------------------------------------------------------------------------------------
 
-// The access category, 0 to 3, of each of the 64 code points.
 DscpMap dscpMap(const CommandRequest& request)
 {
     const Record list = request.record("dscp_list");
@@ -77,10 +66,10 @@ DscpMap dscpMap(const CommandRequest& request)
     for (std::size_t i = 0; i < map.list.size(); ++i)
     {
         const std::uint32_t category = list.number("categories[" + std::to_string(i) + "]");
-        if (category > 3)
-            throw Refused{ReplyStatus::kInvalidValue};
         map.list.at(i) = static_cast<std::uint8_t>(category);
     }
+    if (!descriptionOf<DscpMap>().accepts(map))
+        throw Refused{ReplyStatus::kInvalidValue};
     map.valueA = request.number("value_a");
     map.valueB = request.number("value_b");
     return map;
@@ -88,11 +77,7 @@ DscpMap dscpMap(const CommandRequest& request)
 
 void setDscpTable(Model& model, CommandRequest& request)
 {
-    constexpr std::uint32_t kMostTableId = 7;
-    const std::uint32_t id = request.number("table_id");
-    if (id > kMostTableId)
-        throw Refused{ReplyStatus::kInvalidValue};
-    model.module.dscpTables[id] = dscpMap(request);
+    put(model.module, &Module::dscpTables, request.number("table_id"), dscpMap(request));
 }
 
 void setDscpMap(Model& model, CommandRequest& request)
@@ -110,18 +95,14 @@ void disassociate(Model& model, CommandRequest& request)
 
 void setGroupLimit(Model& model, CommandRequest& request)
 {
-    constexpr std::uint32_t kMostGroup = 15;
-    constexpr std::uint32_t kMostStations = 128;
-    if (request.number("value1") > kMostGroup || request.number("value2") > kMostStations)
-        throw Refused{ReplyStatus::kInvalidValue};
-    model.module.groupLimits[request.number("value1")] = request.number("value2");
+    put(model.module, &Module::groupLimits, request.number("value1"), request.number("value2"));
 }
 
 // While only listed addresses are admitted, to authorise is to add and to deny is to remove; while listed addresses are
 // excluded, the reverse.
 void authorize(Interface& interface, const MacAddress& address, bool authorized)
 {
-    const auto mode = static_cast<MacFilterMode>(interface.settings.number("macFilterMode"));
+    const auto mode = static_cast<MacFilterMode>(interface.settings.macFilterMode);
     if (mode == MacFilterMode::kOff)
         throw Refused{ReplyStatus::kSwitchedOff};
     if ((mode == MacFilterMode::kAllow) == authorized)
@@ -147,9 +128,18 @@ void clearFilter(Model& model, CommandRequest& request)
 
 // --- The interface as a whole ------------------------------------------------------------------------------------------------
 
+void setMobilityDomain(Model& model, CommandRequest& request)
+{
+    const std::optional<MobilityDomain> domain = parseMobilityDomain(request.text("value"));
+    Interface& interface = interfaceOf(model, request);
+    if (!domain)
+        throw Refused{ReplyStatus::kInvalidValue};
+    interface.settings.mobilityDomain = *domain;
+}
+
 void applySecurity(Model& model, CommandRequest& request)
 {
-    Model::applySecurity(interfaceOf(model, request));
+    interfaceOf(model, request).applySecurity();
 }
 
 void createBss(Model& model, CommandRequest& request)
@@ -176,6 +166,7 @@ void addProxyInterfaceHandlers(HandlerTable& table)
     table.add("tarn_qcsapi_wifi_authorize_mac_address", authorizeAddress);
     table.add("tarn_qcsapi_wifi_deny_mac_address", denyAddress);
     table.add("tarn_qcsapi_wifi_clear_mac_address_filters", clearFilter);
+    table.add("tarn_qcsapi_wifi_set_ieee80211r_mobility_domain", setMobilityDomain);
     table.add("tarn_qcsapi_wifi_apply_security_config", applySecurity);
     table.add("tarn_qcsapi_wifi_create_bss_with_ifstate", createBss);
 }

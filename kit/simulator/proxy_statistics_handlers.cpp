@@ -16,10 +16,7 @@ Station& stationOf(Model& model, const CommandRequest& request)
 void getInterfaceStats(Model& model, CommandRequest& request)
 {
     const Interface& interface = interfaceOf(model, request);
-    Record stats = request.blank("stats");
-    model.counters(interface).fill(stats);
-    stats.setNumber("stations", interface.stations.size());
-    request.setRecord("stats", stats);
+    request.answer("stats", model.counters(interface), interface);
 }
 
 void getRssiByChain(Model& model, CommandRequest& request)
@@ -27,7 +24,7 @@ void getRssiByChain(Model& model, CommandRequest& request)
     const Radio& radio = radioOf(model, request);
     std::uint32_t chain = 0;
     for (const char* name : {"rssi0", "rssi1", "rssi2", "rssi3"})
-        request.setSigned(name, Model::chainRssi(radio, chain++));
+        request.setSigned(name, radio.chainRssi(chain++));
 }
 
 void getConnectionMode(Model& model, CommandRequest& request)
@@ -58,19 +55,12 @@ void getTimeAssociated(Model& model, CommandRequest& request)
 void getNodeStats(Model& model, CommandRequest& request)
 {
     const Station& station = stationOf(model, request);
-    const Counters counters = model.counters(station);
     request.setSigned("out0", station.rssi);
     request.setNumber("out1", station.txRate);
     request.setNumber("out2", station.rxRate);
     request.setNumber("out3", station.txMcs);
     request.setNumber("out4", station.rxMcs);
-    Record stats = request.blank("node_stats");
-    stats.setNumber("txPackets", counters.txPackets);
-    stats.setNumber("rxPackets", counters.rxPackets);
-    stats.setNumber("txBytes", counters.txBytes);
-    stats.setNumber("rxBytes", counters.rxBytes);
-    stats.setNumber("txErrors", counters.txErrors);
-    request.setRecord("node_stats", stats);
+    request.answer("node_stats", model.counters(station));
 }
 
 void getDeviceAddress(Model& model, CommandRequest& request)
@@ -84,10 +74,10 @@ void getNodeInfoset(Model& model, CommandRequest& request)
     Interface& interface = interfaceOf(model, request);
     const MacAddress address = request.address("mac_addr");
     const Station& station =
-        address == MacAddress{} ? elementAt(interface.stations, request.number("index")) : Model::station(interface, address);
+        address == MacAddress{} ? elementAt(interface.stations, request.number("index")) : interface.station(address);
     Record nis = request.blank("nis");
     fillStation(nis, model, interface, station);
-    model.counters(station).fill(nis);
+    fill(nis, model.counters(station));
     request.setRecord("nis", nis);
 }
 
@@ -102,20 +92,12 @@ void getRates(Model& model, CommandRequest& request)
 void getVapExtStats(Model& model, CommandRequest& request)
 {
     const Interface& interface = interfaceOf(model, request);
-    const Counters counters = model.counters(interface);
-    Record stats = request.blank("stats");
-    stats.setNumber("stations", interface.stations.size());
-    stats.setNumber("associations", interface.associations);
-    stats.setNumber("disassociations", interface.disassociations);
-    stats.setNumber("txErrors", counters.txErrors);
-    stats.setNumber("rxErrors", counters.rxErrors);
-    stats.setNumber("txRetries", counters.txRetries);
-    request.setRecord("stats", stats);
+    request.answer("stats", model.counters(interface), interface);
 }
 
 void getMaxBitrate(Model& model, CommandRequest& request)
 {
-    request.setText("max_bitrate", std::to_string(Model::maximumRate(radioOf(model, request))));
+    request.setText("max_bitrate", std::to_string(radioOf(model, request).maximumRate()));
 }
 
 void getCcaStats(Model& model, CommandRequest& request)
@@ -124,11 +106,10 @@ void getCcaStats(Model& model, CommandRequest& request)
     const std::uint32_t transmitting = radio.channelLoad / 2;
     const std::uint32_t receiving = radio.channelLoad / 4;
     Record stats = request.blank("stats");
-    stats.setNumber("channelLoad", radio.channelLoad);
+    fill(stats, radio);
     stats.setNumber("transmitting", transmitting);
     stats.setNumber("receiving", receiving);
     stats.setNumber("others", radio.channelLoad - transmitting - receiving);
-    stats.setSigned("noise", radio.noise);
     request.setRecord("stats", stats);
 }
 

@@ -39,7 +39,7 @@ void getTemperatureInfo(Model& model, CommandRequest& request)
 void getStatus(Model& model, CommandRequest& request)
 {
     const Interface& interface = interfaceOf(model, request);
-    request.setText("status", Model::isUp(interface) ? "up" : "down");
+    request.setText("status", interface.isUp() ? "up" : "down");
 }
 
 void startProduction(Model& model, CommandRequest&)
@@ -49,7 +49,7 @@ void startProduction(Model& model, CommandRequest&)
 
 void isProductionDone(Model& model, CommandRequest& request)
 {
-    const bool isDone = model.module.productionStarted && model.now() >= model.module.productionDone;
+    const bool isDone = model.module.productionStarted && model.time >= model.module.productionDone;
     request.setNumber("is_start_prod_done", isDone ? 1 : 0);
 }
 
@@ -58,7 +58,7 @@ void enableRadios(Model& model, CommandRequest& request)
 {
     for (Radio& radio : model.radios)
         if (radio.onModule)
-            model.change(radio, {{"enabled", request.number("value")}});
+            model.change(radio, Changes<RadioSettings>().set(&RadioSettings::enabled, request.number("value")));
 }
 
 void setCustomValue(Model& model, CommandRequest& request)
@@ -136,7 +136,9 @@ void enableTelnet(Model& model, CommandRequest& request)
 
 void controlService(Model& model, CommandRequest& request)
 {
-    static const char* const kSettings[] = {"mauiEnabled", "smartWiFiEnabled", "dfsDaemon", "webServer"};
+    static constexpr std::uint32_t ModuleSettings::*kSwitches[] = {&ModuleSettings::mauiEnabled,
+                                                                   &ModuleSettings::smartWiFiEnabled,
+                                                                   &ModuleSettings::dfsDaemon, &ModuleSettings::webServer};
     enum Action : std::uint32_t
     {
         kStop,
@@ -145,15 +147,14 @@ void controlService(Model& model, CommandRequest& request)
     };
     const std::uint32_t service = request.number("service");
     const std::uint32_t action = request.number("action");
-    if (service == 0 || service > std::size(kSettings))
+    if (service == 0 || service > std::size(kSwitches))
         throw Refused{ReplyStatus::kNoSuchObject};
     if (action > kRestart)
         throw Refused{ReplyStatus::kInvalidValue};
-    Settings& settings = model.module.settings;
-    const char* setting = kSettings[service - 1];
+    std::uint32_t& isOn = model.module.settings.*kSwitches[service - 1];
     if (action != kRestart)
-        settings.set(setting, action == kStart ? 1u : 0u);
-    else if (settings.number(setting) == 0)
+        isOn = action == kStart ? 1 : 0;
+    else if (isOn == 0)
         throw Refused{ReplyStatus::kSwitchedOff};
 }
 
@@ -177,7 +178,7 @@ void getStatusMessage(Model& model, CommandRequest& request)
 
 void setSecurityAgent(Model& model, CommandRequest& request)
 {
-    std::map<std::string, SecurityAgentEntry>& entries = model.module.securityAgent;
+    std::map<std::string, std::uint32_t>& entries = model.module.securityAgent;
     const std::string action = request.text("action");
     const std::string key = request.text("key");
     if ((action != "set" && action != "clear") || key.empty())
@@ -187,7 +188,7 @@ void setSecurityAgent(Model& model, CommandRequest& request)
     if (action == "clear")
         return;
     requireRoom(entries, key);
-    entries[key] = {action, request.number("value")};
+    entries[key] = request.number("value");
 }
 
 // --- Thermal mitigation ------------------------------------------------------------------------------------------------------
@@ -202,7 +203,7 @@ void initThermalMitigation(Model& model, CommandRequest& request)
 {
     if (model.module.thermalInitialised)
         throw Refused{ReplyStatus::kAlreadyThere};
-    Model::change(model.module.settings, {{"thermalLevel", request.number("value")}});
+    assign(model.module.settings, &ModuleSettings::thermalLevel, request.number("value"));
     model.module.thermalInitialised = true;
 }
 
@@ -212,7 +213,9 @@ void startThermalMitigation(Model& model, CommandRequest& request)
     requireThermalMitigation(model);
     if (model.module.thermalInterfaces.count(interface.name) != 0)
         throw Refused{ReplyStatus::kAlreadyThere};
-    Model::change(interface, {{"thermalStart", request.number("value1")}, {"thermalStop", request.number("value2")}});
+    interface.change(Changes<InterfaceSettings>()
+                         .set(&InterfaceSettings::thermalStart, request.number("value1"))
+                         .set(&InterfaceSettings::thermalStop, request.number("value2")));
     model.module.thermalInterfaces.insert(interface.name);
 }
 

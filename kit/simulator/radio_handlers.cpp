@@ -1,6 +1,5 @@
 // The device service's own settings, its radios and the scan of their neighbourhood.
 #include "handlers.h"
-#include "records.h"
 
 namespace tarn::simulator
 {
@@ -10,7 +9,7 @@ namespace
 
 void getLastErrorMask(Model& model, CommandRequest& request)
 {
-    request.setNumber("mask", std::exchange(model.errorMask, 0));
+    request.setNumber("mask", std::exchange(model.service.errorMask, 0));
 }
 
 void setStopPollingEnable(Model& model, CommandRequest& request)
@@ -33,9 +32,7 @@ void getNum(Model& model, CommandRequest& request)
 
 void answerRadio(const Radio& radio, CommandRequest& request)
 {
-    Record data = request.blank("data");
-    fillRadio(data, radio);
-    request.setRecord("data", data);
+    request.answer("data", radio);
 }
 
 void getAt(Model& model, CommandRequest& request)
@@ -50,28 +47,20 @@ void get(Model& model, CommandRequest& request)
 
 void getIsReady(Model& model, CommandRequest& request)
 {
-    request.setNumber("isReady", Model::isReady(radioOf(model, request)) ? 1 : 0);
+    request.setNumber("isReady", radioOf(model, request).isReady() ? 1 : 0);
 }
 
 // Both configurations come with a selection of the fields to take.
 void setCfg(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
-    model.change(radio, request.changes("cfg"));
+    model.change(radio, request.changes<RadioSettings>("cfg"));
 }
 
 void getStats(Model& model, CommandRequest& request)
 {
     const Radio& radio = radioOf(model, request);
-    Record stats = request.blank("stats");
-    model.polled(radio).fill(stats);
-    std::size_t stations = 0;
-    for (const Interface& interface : radio.interfaces)
-        stations += interface.stations.size();
-    stats.setNumber("stations", stations);
-    stats.setSigned("noise", radio.noise);
-    stats.setNumber("channelLoad", radio.channelLoad);
-    request.setRecord("stats", stats);
+    request.answer("stats", model.polled(radio), radio);
 }
 
 void getDriverVersion(Model& model, CommandRequest& request)
@@ -88,7 +77,7 @@ void getPossibleChannels(Model& model, CommandRequest& request)
 {
     const Radio& radio = radioOf(model, request);
     const Record query = request.record("query");
-    ChannelCriteria criteria = Model::channelCriteria(radio, radio.settings);
+    ChannelCriteria criteria = radio.channelCriteria();
     if (query.number("bandwidth") != 0)
         criteria.bandwidth = query.number("bandwidth");
     if (!query.text("country").empty())
@@ -113,7 +102,7 @@ void getChainRssiAt(Model& model, CommandRequest& request)
     const std::uint32_t chain = request.number("chainIndex");
     if (chain >= radio.chains)
         throw Refused{ReplyStatus::kNoSuchObject};
-    request.setSigned("rssi", Model::chainRssi(radio, chain));
+    request.setSigned("rssi", radio.chainRssi(chain));
 }
 
 void getChipTemperature(Model& model, CommandRequest& request)
@@ -138,7 +127,7 @@ void scanNeighborhood(Model& model, CommandRequest& request)
 
 void cancelNeighborhoodScanning(Model& model, CommandRequest& request)
 {
-    Model::cancelScan(radioOf(model, request));
+    radioOf(model, request).cancelScan();
 }
 
 void getNeighboringResultNum(Model& model, CommandRequest& request)
@@ -148,9 +137,7 @@ void getNeighboringResultNum(Model& model, CommandRequest& request)
 
 void getNeighboringResultAt(Model& model, CommandRequest& request)
 {
-    Record bss = request.blank("bss");
-    fillNeighbour(bss, elementAt(radioOf(model, request).scan.results, request.number("index")));
-    request.setRecord("bss", bss);
+    request.answer("bss", elementAt(radioOf(model, request).scan.results, request.number("index")));
 }
 
 void getIsSupportedOpxRoaming(Model& model, CommandRequest& request)

@@ -37,6 +37,12 @@ Record::Record(const RecordLayout& layout, base::Bytes bytes) : layout_(layout),
         throw std::logic_error(layout.own->name + " is not of " + std::to_string(bytes_.size()) + " bytes");
 }
 
+bool Record::has(std::string_view name) const
+{
+    const layout::Field* const field = layout_.own->field(name);
+    return field != nullptr && place(name, field->type).used != nullptr;
+}
+
 Record::Place Record::place(std::string_view name, FieldType type) const
 {
     const std::optional<layout::FieldPlace> own = layout_.own->place(name);
@@ -46,12 +52,6 @@ Record::Place Record::place(std::string_view name, FieldType type) const
     if (!used || !isAlike(*own->field, *used->field))
         return {own->field, nullptr, 0};
     return {own->field, used->field, used->offset};
-}
-
-Record::Place Record::touch(std::string_view name, FieldType type)
-{
-    touched_.emplace(name.substr(0, name.find('[')));
-    return place(name, type);
 }
 
 std::uint64_t Record::load(const Place& place) const
@@ -109,17 +109,17 @@ MacAddress Record::address(std::string_view name) const
 
 void Record::setNumber(std::string_view name, std::uint64_t value)
 {
-    store(touch(name, FieldType::kNumber), value);
+    store(place(name, FieldType::kNumber), value);
 }
 
 void Record::setSigned(std::string_view name, std::int32_t value)
 {
-    store(touch(name, FieldType::kSigned), static_cast<std::uint64_t>(std::int64_t{value}));
+    store(place(name, FieldType::kSigned), static_cast<std::uint64_t>(std::int64_t{value}));
 }
 
 void Record::setText(std::string_view name, std::string_view value)
 {
-    const Place field = touch(name, FieldType::kText);
+    const Place field = place(name, FieldType::kText);
     if (field.used == nullptr)
         return;
     std::uint8_t* to = bytes_.data() + field.offset;
@@ -129,7 +129,7 @@ void Record::setText(std::string_view name, std::string_view value)
 
 void Record::setBlock(std::string_view name, const std::uint8_t* data, std::size_t length)
 {
-    const Place field = touch(name, FieldType::kBytes);
+    const Place field = place(name, FieldType::kBytes);
     const std::size_t room = field.used == nullptr ? 0 : field.used->size;
     if (const std::size_t count = std::min(length, room); count > 0)
         std::memcpy(bytes_.data() + field.offset, data, count);
@@ -137,7 +137,7 @@ void Record::setBlock(std::string_view name, const std::uint8_t* data, std::size
 
 void Record::setAddress(std::string_view name, const MacAddress& address)
 {
-    const Place field = touch(name, FieldType::kMacAddress);
+    const Place field = place(name, FieldType::kMacAddress);
     if (field.used != nullptr)
         std::memcpy(bytes_.data() + field.offset, address.data(), address.size());
 }
@@ -151,55 +151,14 @@ std::uint32_t Record::roomOf(std::string_view array) const
 
 void Record::setNumbers(std::string_view name, const std::vector<std::uint32_t>& numbers)
 {
-    touch(name, FieldType::kArray);
     for (std::size_t i = 0; i < std::min<std::size_t>(numbers.size(), roomOf(name)); ++i)
         setNumber(elementName(name, i), numbers[i]);
 }
 
 void Record::setAddresses(std::string_view name, const std::vector<MacAddress>& addresses)
 {
-    touch(name, FieldType::kArray);
     for (std::size_t i = 0; i < std::min<std::size_t>(addresses.size(), roomOf(name)); ++i)
         setAddress(elementName(name, i), addresses[i]);
-}
-
-void Record::fill(const Settings& settings)
-{
-    for (const layout::Field& each : layout_.own->fields)
-    {
-        const Property* property = settings.property(each.name);
-        if (property == nullptr)
-            continue;
-        if (property->isText() && each.type == FieldType::kText)
-            setText(each.name, settings.text(each.name));
-        else if (!property->isText() && each.isNumber())
-            setNumber(each.name, settings.number(each.name));
-    }
-}
-
-Changes Record::changes(const std::vector<std::string>& names) const
-{
-    Changes result;
-    for (const std::string& name : names)
-    {
-        const layout::Field* const own = layout_.own->field(name);
-        if (own == nullptr || place(name, own->type).used == nullptr)
-            continue;
-        if (own->type == FieldType::kText)
-            result.emplace_back(name, text(name));
-        else
-            result.emplace_back(name, number(name));
-    }
-    return result;
-}
-
-std::vector<std::string> Record::untouched() const
-{
-    std::vector<std::string> names;
-    for (const layout::Field& each : layout_.own->fields)
-        if (touched_.find(each.name) == touched_.end())
-            names.push_back(each.name);
-    return names;
 }
 
 } // namespace tarn::simulator

@@ -4,11 +4,9 @@
 #include "base/bytes.h"
 #include "base/mac_address.h"
 #include "gateway_layout.h"
-#include "settings.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +31,15 @@ public:
         return bytes_;
     }
 
+    // As the model knows it.
+    const layout::Structure& own() const
+    {
+        return *layout_.own;
+    }
+
+    // Whether the layout in use has a field of this name that is alike.
+    bool has(std::string_view name) const;
+
     std::uint32_t number(std::string_view name) const; // throws Refused for a named value that the model does not know
     std::int32_t signedNumber(std::string_view name) const;
     std::string text(std::string_view name) const;
@@ -49,15 +56,6 @@ public:
     void setNumbers(std::string_view name, const std::vector<std::uint32_t>& numbers);
     void setAddresses(std::string_view name, const std::vector<MacAddress>& addresses);
 
-    // Fills each field that the settings have a value of the same name and kind for.
-    void fill(const Settings& settings);
-
-    // The fields, by their names, as changes of settings.
-    Changes changes(const std::vector<std::string>& names) const;
-
-    // Names of fields that have not been set yet.
-    std::vector<std::string> untouched() const;
-
 private:
     // The field as the model knows it, and where it is; null and nothing if the layout in use does not have it.
     struct Place
@@ -68,14 +66,12 @@ private:
     };
 
     Place place(std::string_view name, layout::FieldType type) const;
-    Place touch(std::string_view name, layout::FieldType type);
     std::uint64_t load(const Place& place) const;
     void store(const Place& place, std::uint64_t value);
     std::uint32_t roomOf(std::string_view array) const;
 
     RecordLayout layout_;
     base::Bytes bytes_;
-    std::set<std::string, std::less<>> touched_;
 };
 
 } // namespace tarn::simulator

@@ -1,4 +1,5 @@
-// Scenario files: what a simulated gateway consists of when it starts.
+// Scenarios: JSON that says what a gateway consists of. Its state is one, too, and a gateway that plays it goes on where that
+// one was. README.md describes the keys.
 #pragma once
 
 #include "model.h"
@@ -9,15 +10,17 @@
 namespace tarn::simulator
 {
 
-// All of these throw base::JsonError for a scenario that is not sound.
-
-// Fills a model that is still empty. `fileName` is only for the text of errors.
+// Fills a model that nothing has been put into. They throw base::JsonError for what is not a scenario or cannot be;
+// `fileName` is only for the text of errors.
 void readScenario(std::string_view text, const std::string& fileName, Model& model);
-
-// Reads the file at that path.
 void readScenarioFile(const std::string& path, Model& model);
-
-// The scenario compiled in, scenarios/default.json.
+// The one that is compiled in.
 void readDefaultScenario(Model& model);
+
+// The state of the gateway.
+Json scenarioOf(const Model& model);
+
+// The JSON Schema of scenarios.
+Json scenarioSchema();
 
 } // namespace tarn::simulator

@@ -1,7 +1,7 @@
 // The device service's control of the Smart WiFi steering daemon.
 #include "base/hexadecimal.h"
+#include "description.h"
 #include "handlers.h"
-#include "records.h"
 
 namespace tarn::simulator
 {
@@ -11,7 +11,7 @@ namespace
 
 void requireDaemon(const Model& model)
 {
-    if (model.module.settings.number("smartWiFiEnabled") == 0)
+    if (model.module.settings.smartWiFiEnabled == 0)
         throw Refused{ReplyStatus::kSwitchedOff};
 }
 
@@ -38,15 +38,15 @@ void setBindingInterface(Model& model, CommandRequest& request)
     const std::string name = request.text("intf_name");
     if (!name.empty() && !model.hasInterface(name))
         throw Refused{ReplyStatus::kNoSuchObject};
-    model.module.settings.set("smartWiFiInterface", name);
+    assign(model.module.settings, &ModuleSettings::smartWiFiInterface, name);
 }
 
 void getQcomm(Model& model, CommandRequest& request)
 {
     const SmartWiFi& smartWiFi = model.smartWiFi;
     Record data = request.blank("data");
-    data.fill(model.module.settings);
-    data.setNumber("propagations", smartWiFi.propagations);
+    fill(data, model.module);
+    fill(data, smartWiFi);
     data.setNumber("slaveDevices", smartWiFi.slaves.size());
     data.setAddresses("slaveAddresses", smartWiFi.slaves);
     request.setRecord("data", data);
@@ -54,7 +54,7 @@ void getQcomm(Model& model, CommandRequest& request)
 
 void setQcommCfg(Model& model, CommandRequest& request)
 {
-    Model::change(model.module.settings, request.changes("cfg"));
+    request.changes<ModuleSettings>("cfg").applyTo(model.module.settings);
 }
 
 // --- Mobility domains --------------------------------------------------------------------------------------------------------
@@ -76,9 +76,7 @@ void getMdidAt(Model& model, CommandRequest& request)
 
 void getQsl(Model& model, CommandRequest& request)
 {
-    Record data = request.blank("data");
-    data.fill(domainOf(model, request).settings);
-    request.setRecord("data", data);
+    request.answer("data", domainOf(model, request));
 }
 
 // The first part creates a domain that does not exist yet.
@@ -86,22 +84,22 @@ void setQslPart1(Model& model, CommandRequest& request)
 {
     std::vector<SteeringDomain>& domains = model.smartWiFi.domains;
     const MobilityDomain id = request.mobilityDomain("mdid");
-    const Changes changes = request.changes("cfg");
+    const auto changes = request.changes<SteeringSettings>("cfg");
     for (SteeringDomain& domain : domains)
         if (domain.id == id)
-            return Model::change(domain.settings, changes);
+            return changes.applyTo(domain.settings);
     if (domains.size() >= kDomainRoom)
         throw Refused{ReplyStatus::kFull};
     SteeringDomain created;
     created.id = id;
-    Model::change(created.settings, changes);
+    changes.applyTo(created.settings);
     domains.push_back(std::move(created));
 }
 
 void setQslPart2(Model& model, CommandRequest& request)
 {
     SteeringDomain& domain = domainOf(model, request);
-    Model::change(domain.settings, request.changes("cfg"));
+    request.changes<SteeringSettings>("cfg").applyTo(domain.settings);
 }
 
 void getNonSteerNumber(Model& model, CommandRequest& request)
@@ -126,63 +124,62 @@ void delNonSteer(Model& model, CommandRequest& request)
 
 // --- Tables, read from copies ------------------------------------------------------------------------------------------------
 
-Record ownBss(const Model& model, const Interface& interface)
+BssEntry ownBss(const Interface& interface)
 {
-    Record entry(model.layout.record("TarnQuantennaSmartWiFiBSSEntryData"));
-    const MobilityDomain domain = mobilityDomainOf(interface);
-    entry.setAddress("bssid", interface.bssid);
-    entry.setText("ssid", interface.settings.text("ssid"));
-    entry.setText("name", interface.name);
-    entry.setText("band", toString(interface.radio->band));
-    entry.setNumber("channel", interface.radio->settings.number("channel"));
-    entry.setNumber("bandwidth", interface.radio->settings.number("bandwidth"));
-    entry.setNumber("stations", interface.stations.size());
-    entry.setNumber("own", 1);
-    entry.setBlock("mobilityDomain", domain.data(), domain.size());
+    const Radio& radio = *interface.radio;
+    BssEntry entry;
+    entry.bssid = interface.bssid;
+    entry.ssid = interface.settings.ssid;
+    entry.name = interface.name;
+    entry.band = radio.band;
+    entry.channel = radio.settings.channel;
+    entry.bandwidth = radio.settings.bandwidth;
+    entry.stations = interface.stationNumber();
+    entry.mobilityDomain = interface.settings.mobilityDomain;
     return entry;
 }
 
 // A slave device repeats the first network of the module's radio.
-Record slaveBss(const Model& model, const MacAddress& slave, const Interface& repeated)
+BssEntry slaveBss(const MacAddress& slave, const Interface& repeated)
 {
-    Record entry = ownBss(model, repeated);
-    entry.setAddress("bssid", slave);
-    entry.setText("name", "");
-    entry.setNumber("stations", 0);
-    entry.setNumber("own", 0);
+    BssEntry entry = ownBss(repeated);
+    entry.bssid = slave;
+    entry.name = "";
+    entry.stations = 0;
+    entry.own = false;
     return entry;
 }
 
-Record stationEntry(const Model& model, const Interface& interface, const Station& station)
+StationEntry stationEntry(const Model& model, const Interface& interface, const Station& station)
 {
-    Record entry(model.layout.record("TarnQuantennaSmartWiFiAssoiatedData"));
-    entry.setAddress("macAddress", station.address);
-    entry.setAddress("bssid", interface.bssid);
-    entry.setText("ssid", interface.settings.text("ssid"));
-    entry.setText("band", toString(interface.radio->band));
-    entry.setSigned("rssi", station.rssi);
-    entry.setNumber("txRate", station.txRate);
-    entry.setNumber("rxRate", station.rxRate);
-    entry.setNumber("secondsAssociated", model.secondsAssociated(station));
+    StationEntry entry;
+    entry.macAddress = station.address;
+    entry.bssid = interface.bssid;
+    entry.ssid = interface.settings.ssid;
+    entry.band = interface.radio->band;
+    entry.rssi = station.rssi;
+    entry.txRate = station.txRate;
+    entry.rxRate = station.rxRate;
+    entry.secondsAssociated = model.secondsAssociated(station);
     return entry;
 }
 
 void syncBssTable(Model& model, CommandRequest&)
 {
     requireDaemon(model);
-    std::vector<Record>& entries = model.smartWiFi.snapshots.bssEntries;
+    std::vector<BssEntry>& entries = model.smartWiFi.snapshots.bssEntries;
     entries.clear();
     for (const Radio& radio : model.radios)
         for (const Interface& interface : radio.interfaces)
-            entries.push_back(ownBss(model, interface));
+            entries.push_back(ownBss(interface));
     for (const MacAddress& slave : model.smartWiFi.slaves)
-        entries.push_back(slaveBss(model, slave, model.moduleRadio().interfaces.front()));
+        entries.push_back(slaveBss(slave, model.moduleRadio().interfaces.front()));
 }
 
 void syncStations(Model& model, CommandRequest&)
 {
     requireDaemon(model);
-    std::vector<Record>& entries = model.smartWiFi.snapshots.stations;
+    std::vector<StationEntry>& entries = model.smartWiFi.snapshots.stations;
     entries.clear();
     for (const Radio& radio : model.radios)
         for (const Interface& interface : radio.interfaces)
@@ -193,15 +190,7 @@ void syncStations(Model& model, CommandRequest&)
 void syncRecordInfo(Model& model, CommandRequest&)
 {
     requireDaemon(model);
-    auto& entries = model.smartWiFi.snapshots.history;
-    entries.clear();
-    for (const HistoryEntry& event : model.history)
-    {
-        Record entry(model.layout.record("TarnQuantennaSmartWiFiRecordInfoData"));
-        entry.setNumber("secondsSinceStart", event.time / 1000);
-        entry.setText("text", event.text);
-        entries.emplace_back(event.status, std::move(entry));
-    }
+    model.smartWiFi.snapshots.history = model.smartWiFi.history;
 }
 
 void syncSlaveDevice(Model& model, CommandRequest&)
@@ -217,7 +206,7 @@ void getBssEntryNumber(Model& model, CommandRequest& request)
 
 void getBssEntryAt(Model& model, CommandRequest& request)
 {
-    request.setRecord("data", elementAt(model.smartWiFi.snapshots.bssEntries, request.number("index")));
+    request.answer("data", elementAt(model.smartWiFi.snapshots.bssEntries, request.number("index")));
 }
 
 void getStationNumber(Model& model, CommandRequest& request)
@@ -227,7 +216,7 @@ void getStationNumber(Model& model, CommandRequest& request)
 
 void getStationAt(Model& model, CommandRequest& request)
 {
-    request.setRecord("data", elementAt(model.smartWiFi.snapshots.stations, request.number("index")));
+    request.answer("data", elementAt(model.smartWiFi.snapshots.stations, request.number("index")));
 }
 
 void getRecordInfoNumber(Model& model, CommandRequest& request)
@@ -237,9 +226,9 @@ void getRecordInfoNumber(Model& model, CommandRequest& request)
 
 void getRecordInfoAt(Model& model, CommandRequest& request)
 {
-    const auto& [status, entry] = elementAt(model.smartWiFi.snapshots.history, request.number("index"));
-    request.setNumber("status", status);
-    request.setRecord("data", entry);
+    const HistoryEntry& entry = elementAt(model.smartWiFi.snapshots.history, request.number("index"));
+    request.setNumber("status", entry.status);
+    request.answer("data", entry);
 }
 
 void getSlaveDeviceNumber(Model& model, CommandRequest& request)
@@ -260,16 +249,6 @@ void doCfgPropagation(Model& model, CommandRequest&)
     ++model.smartWiFi.propagations;
 }
 
-void appendLines(std::string& text, const Settings& settings)
-{
-    for (const Property& property : settings.properties())
-    {
-        const std::string value =
-            property.isText() ? settings.text(property.name) : std::to_string(settings.number(property.name));
-        text += property.name + "=" + value + "\n";
-    }
-}
-
 // A file of the simulated gateway, not of the machine that runs it.
 void getCfgToFile(Model& model, CommandRequest& request)
 {
@@ -282,7 +261,9 @@ void getCfgToFile(Model& model, CommandRequest& request)
     for (const SteeringDomain& domain : model.smartWiFi.domains)
     {
         text += "[" + base::hexText(domain.id) + "]\n";
-        appendLines(text, domain.settings);
+        const Json settings = object<SteeringSettings>()->write(domain.settings);
+        for (const auto& [name, value] : settings.items())
+            text += name + "=" + (value.is_string() ? value.get<std::string>() : value.dump()) + "\n";
     }
     files[path] = text;
 }

@@ -30,15 +30,15 @@ void getAssociatedAt(Model& model, CommandRequest& request)
 void getAssociated(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
-    answerStation(model, interface, Model::station(interface, request.address("macAddress")), request);
+    answerStation(model, interface, interface.station(request.address("macAddress")), request);
 }
 
 void getAssociatedStats(Model& model, CommandRequest& request)
 {
-    const Station& station = Model::station(interfaceOf(model, request), request.address("macAddress"));
+    const Station& station = interfaceOf(model, request).station(request.address("macAddress"));
     Record stats = request.blank("stats");
-    model.polled(station).fill(stats);
-    stats.setSigned("rssi", station.rssi);
+    fill(stats, station);
+    fill(stats, model.polled(station));
     stats.setNumber("secondsAssociated", model.secondsAssociated(station));
     request.setRecord("stats", stats);
 }

@@ -25,6 +25,14 @@ TEST(Quote, ShowsUnprintableBytesAsHexadecimal)
     EXPECT_EQ(base::inQuotes(kOdd), R"("a\"b\\c\x0a\x7f\xe4 z\x00")");
 }
 
+TEST(Quote, EscapedTextIsReadBack)
+{
+    EXPECT_EQ(base::unescaped(base::escaped(kOdd)), kOdd);
+    EXPECT_EQ(base::unescaped("caf\xc3\xa9"), "caf\xc3\xa9"); // what is not escaped is as it is
+    for (const char* broken : {"\\", "\\x", "\\x1", "\\xg0", "\\n"})
+        EXPECT_EQ(base::unescaped(broken), std::nullopt) << broken;
+}
+
 TEST(Quote, LeavesPrintableTextAsItIs)
 {
     EXPECT_EQ(base::escaped("Wi-Fi ~!"), "Wi-Fi ~!");

@@ -16,28 +16,48 @@
 namespace simulator_test
 {
 
+using namespace tarn::simulator; // NOLINT(google-build-using-namespace): the names of its objects
+
+template <typename Settings>
+void takesAll(const char* configuration)
+{
+    Settings settings;
+    Record record = blank(configuration);
+    fill(record, settings); // with values that are good
+    Changes<Settings> changes;
+    for (const tarn::layout::Field& field : record.own().fields)
+        ASSERT_NO_THROW(changes.take(record, {field.name})) << configuration << ' ' << field.name;
+}
+
+// Every byte of every field is written: what was there before makes no difference.
+template <typename Fill>
+void expectAllFilled(const char* name, Fill fillIt)
+{
+    Record zeros = blank(name);
+    Record ones(layoutNamed(name), std::vector<std::uint8_t>(zeros.bytes().size(), 0xff));
+    fillIt(zeros);
+    fillIt(ones);
+    for (const tarn::layout::Field& field : zeros.own().fields)
+    {
+        if (field.type == tarn::layout::FieldType::kArray)
+            continue; // has as many elements as there are
+        for (std::uint32_t i = 0; i < field.size; ++i)
+            EXPECT_EQ(zeros.bytes().at(field.offset + i), ones.bytes().at(field.offset + i)) << name << ' ' << field.name;
+    }
+}
+
 // A configuration can only be taken into settings that its fields name.
 TEST(OwnLayout, EveryFieldOfAConfigurationIsASetting)
 {
-    const std::pair<const char*, const tarn::simulator::Properties&> kOwners[] = {
-        {"TarnRadioCfg", tarn::simulator::radioProperties()},
-        {"TarnRadioExCfg", tarn::simulator::radioProperties()},
-        {"TarnSsidIntfCfg", tarn::simulator::interfaceProperties()},
-        {"TarnAccessPointCfg", tarn::simulator::interfaceProperties()},
-        {"TarnAccessPointSecurityCfg", tarn::simulator::interfaceProperties()},
-        {"TarnAccessPointWpsCfg", tarn::simulator::interfaceProperties()},
-        {"TarnQuantennaSmartWiFiQcommCfg", tarn::simulator::moduleProperties()},
-        {"TarnQuantennaSmartWiFiQslPart1Cfg", tarn::simulator::steeringProperties()},
-        {"TarnQuantennaSmartWiFiQslPart2Cfg", tarn::simulator::steeringProperties()}};
-    for (const auto& [name, properties] : kOwners)
-    {
-        const tarn::simulator::Settings settings(properties);
-        for (const tarn::layout::Field& field : layoutNamed(name).own->fields)
-        {
-            ASSERT_NE(settings.property(field.name), nullptr) << name << ' ' << field.name;
-            EXPECT_EQ(field.type == tarn::layout::FieldType::kText, settings.property(field.name)->isText()) << field.name;
-        }
-    }
+    takesAll<RadioSettings>("TarnRadioCfg");
+    takesAll<RadioSettings>("TarnRadioExCfg");
+    takesAll<InterfaceSettings>("TarnSsidIntfCfg");
+    takesAll<InterfaceSettings>("TarnAccessPointCfg");
+    takesAll<InterfaceSettings>("TarnAccessPointSecurityCfg");
+    takesAll<InterfaceSettings>("TarnAccessPointWpsCfg");
+    takesAll<ModuleSettings>("TarnQuantennaSmartWiFiQcommCfg");
+    takesAll<SteeringSettings>("TarnQuantennaSmartWiFiQslPart1Cfg");
+    takesAll<SteeringSettings>("TarnQuantennaSmartWiFiQslPart2Cfg");
 }
 
 // No field is left unwritten: the layout documents each of them.
@@ -47,35 +67,24 @@ TEST(OwnLayout, EveryFieldOfADescriptionIsFilled)
     tarn::simulator::Model model(clock);
     tarn::simulator::readDefaultScenario(model);
     model.start();
-    tarn::simulator::Radio& radio = model.radio(1);
-    tarn::simulator::Interface& interface = model.interfaceOf(1, 1);
-    const std::vector<std::string> none;
-
-    Record record = blank("TarnRadioData");
-    fillRadio(record, radio);
-    EXPECT_EQ(record.untouched(), none);
-    record = blank("TarnNeighborBss");
-    fillNeighbour(record, radio.neighbours.front());
-    EXPECT_EQ(record.untouched(), none);
-    record = blank("TarnSsidIntfData");
-    fillInterface(record, interface);
-    EXPECT_EQ(record.untouched(), none);
-    record = blank("TarnAccessPointData");
-    fillAccessPoint(record, interface);
-    EXPECT_EQ(record.untouched(), none);
-    record = blank("TarnAccessPointWpsData");
-    fillWps(record, model, interface);
-    EXPECT_EQ(record.untouched(), none);
-    record = blank("TarnAccessPointAssociatedData");
-    fillStation(record, model, interface, interface.stations.front());
-    EXPECT_EQ(record.untouched(), std::vector<std::string>{"name"});
-    for (const char* name : {"TarnAccessPointSecurityData", "TarnQuantennaSmartWiFiQslData"})
-    {
-        record = blank(name);
-        record.fill(interface.settings);
-        record.fill(model.smartWiFi.domains.front().settings);
-        EXPECT_EQ(record.untouched(), none) << name;
-    }
+    const Radio& radio = model.radio(1);
+    const Interface& interface = model.interfaceOf(1, 1);
+    const auto with = [](const auto& object) { return [&](Record& record) { fill(record, object); }; };
+    expectAllFilled("TarnRadioData", with(radio));
+    expectAllFilled("TarnNeighborBss", with(radio.neighbours.front()));
+    expectAllFilled("TarnSsidIntfData", with(interface));
+    expectAllFilled("TarnAccessPointData", with(interface));
+    expectAllFilled("TarnAccessPointSecurityData", with(interface));
+    expectAllFilled("TarnQuantennaSmartWiFiQslData", with(model.smartWiFi.domains.front()));
+    expectAllFilled("TarnQuantennaSmartWiFiBSSEntryData", with(BssEntry{}));
+    expectAllFilled("TarnQuantennaSmartWiFiAssoiatedData", with(StationEntry{}));
+    expectAllFilled("TarnQuantennaSmartWiFiRecordInfoData", with(HistoryEntry{}));
+    expectAllFilled("TarnAccessPointAssociatedData",
+                    [&](Record& record)
+                    {
+                        fillStation(record, model, interface, interface.stations.front());
+                        record.setText("name", interface.name);
+                    });
 }
 
 TEST(RecordTest, KeepsWhatItIsGiven)

@@ -54,7 +54,7 @@ TEST_F(RadioTest, StoppedPollingFreezesTheStatisticsOfTheDeviceServiceAlone)
     passSeconds(10);
     EXPECT_EQ(radioPackets(), radioBefore);
     EXPECT_EQ(stationPackets(), 2 * stationBefore);
-    EXPECT_EQ(state("/service/stoppedPolling"), Json({1}));
+    EXPECT_EQ(state("/service/stoppedPolling"), Json({"radios"}));
 
     EXPECT_EQ(CALL(TarnSetStopPollingEnable)(0, 1), kDone); // everything
     passSeconds(10);

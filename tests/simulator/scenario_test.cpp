@@ -42,7 +42,7 @@ TEST(ScenarioTest, SmallestOneIsSound)
     readScenario(scenario(), "f", model);
     model.start();
     EXPECT_EQ(model.radios.size(), 1u);
-    EXPECT_EQ(model.radio(1).settings.number("channel"), 36u);
+    EXPECT_EQ(model.radio(1).settings.channel, 36u);
     EXPECT_EQ(model.interfaceOf(1, 1).name, "wifi0");
     EXPECT_TRUE(model.interfaceOf(1, 1).stations.empty());
 }
@@ -81,13 +81,12 @@ TEST(ScenarioTest, ErrorsSayWhereAndWhatWasExpected)
               "f: /radios/0/interfaces/0/macFilter: 7; expected a list of at most 32 elements");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "timing": { "scanSeconds": -1 })")),
               "f: /timing/scanSeconds: -1; expected a number of seconds from 0 to 86400");
-    EXPECT_EQ(
-        errorOf(scenario("", "", R"(, "smartWiFi": { "domains": [{ "id": "xyz" }] })")),
-        "f: /smartWiFi/domains/0/id: \"xyz\"; expected a mobility domain, four hexadecimal digits, that no other domain has");
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "smartWiFi": { "domains": [{ "id": "xyz" }] })")),
+              "f: /smartWiFi/domains/0/id: \"xyz\"; expected a mobility domain, four hexadecimal digits");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "module": { "scripts": [1] })")),
               "f: /module/scripts/0: 1; expected a text of at most 32 characters");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "module": { "bootParameters": { "a": 1 } })")),
-              "f: /module/bootParameters/a: 1; expected a text of at most 128 characters");
+              "f: /module/bootParameters/a: 1; expected a text of at most 1024 characters");
 }
 
 TEST(ScenarioTest, UnknownKeysAreErrors)
@@ -97,8 +96,8 @@ TEST(ScenarioTest, UnknownKeysAreErrors)
         << error;
     EXPECT_NE(error.find(", channel, "), std::string::npos) << error;
     EXPECT_EQ(errorOf(scenario("", "", R"(, "smartWifi": {})")),
-              "f: /smartWifi: unknown key (did you mean smartWiFi?); expected one of scenario, description, "
-              "supportsWfaAlliance, timing, service, "
+              "f: /smartWifi: unknown key (did you mean smartWiFi?); expected one of $schema, scenario, description, "
+              "time, supportsWfaAlliance, timing, service, "
               "module, radios, "
               "smartWiFi");
 }
@@ -131,6 +130,13 @@ TEST(ScenarioTest, NamesAndAddressesStandForOneThing)
     twice.replace(twice.rfind(" ] } ] }"), std::string::npos, second);
     EXPECT_EQ(errorOf(twice),
               "f: /radios/0/interfaces/1/name: \"wifi0\"; expected a name that no other interface of the gateway has");
+}
+
+// It is written by tarn-gateway --scenario-schema.
+TEST(ScenarioTest, SchemaIsThatOfTheDescriptions)
+{
+    std::ifstream file(SCENARIO_SCHEMA);
+    EXPECT_EQ(Json::parse(file), tarn::simulator::scenarioSchema());
 }
 
 TEST(ScenarioTest, FileThatCannotBeReadIsToldSo)
