@@ -46,7 +46,6 @@ std::uint32_t readState(Model& model, const Control&, TarnGatewayReadState& mess
     std::string text;
     try
     {
-        model.advance();
         text = scenarioOf(model).at(pointer).dump();
     }
     catch (const nlohmann::ordered_json::exception&)
@@ -66,6 +65,40 @@ std::uint32_t readLayout(Model& model, const Control&, TarnGatewayReadLayout& me
     message.total = static_cast<std::uint32_t>(text.size());
     message.length =
         static_cast<std::uint32_t>(text.copy(message.text, sizeof message.text, std::min(message.offset, message.total)));
+    return TARN_GATEWAY_OK;
+}
+
+// The clock is set with the model, which it leads.
+void passTo(Model& model, Clock& clock, Milliseconds time)
+{
+    clock.set(time);
+    model.advance(time);
+}
+
+std::uint32_t controlTime(Model& model, const Control& control, TarnGatewayTime& message)
+{
+    Clock& clock = control.clock;
+    switch (message.action)
+    {
+    case TARN_GATEWAY_TIME_READ:
+        break;
+    case TARN_GATEWAY_TIME_SET_SPEED:
+        clock.setSpeed(message.value / 1000.0);
+        break;
+    case TARN_GATEWAY_TIME_STEP:
+        passTo(model, clock, model.time + message.value);
+        break;
+    case TARN_GATEWAY_TIME_STEP_TO_NEXT:
+        if (!model.agenda.next())
+            return TARN_GATEWAY_NOT_THERE;
+        passTo(model, clock, *model.agenda.next());
+        break;
+    default:
+        return TARN_GATEWAY_INVALID_VALUE;
+    }
+    message.speed = static_cast<std::uint32_t>(clock.speed() * 1000 + 0.5);
+    message.seconds = model.secondsSinceStart();
+    message.milliseconds = static_cast<std::uint32_t>(model.time % 1000);
     return TARN_GATEWAY_OK;
 }
 
@@ -97,6 +130,8 @@ std::uint32_t serveControl(Model& model, const Control& control, std::uint32_t c
         return serve(readState, model, control, length, message);
     case TARN_GATEWAY_READ_LAYOUT:
         return serve(readLayout, model, control, length, message);
+    case TARN_GATEWAY_TIME:
+        return serve(controlTime, model, control, length, message);
     default:
         return KOR_IIL_UNKNOWN_CMD;
     }

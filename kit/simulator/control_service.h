@@ -16,6 +16,7 @@ struct Control
     std::function<std::uint32_t(std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t& subscribers)>
         publish;
     std::function<void()> shutDown;
+    Clock& clock;
 };
 
 // Turns a request into its reply. Returns the IPC status: KOR_IIL_OK, or what is wrong with the request.

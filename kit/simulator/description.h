@@ -220,8 +220,8 @@ template <typename Object>
 class Fields
 {
 public:
-    template <typename Value>
-    Fields& field(const char* name, Value Object::*member, KindOf<Value> kind)
+    template <typename Value, typename Kind>
+    Fields& field(const char* name, Value Object::*member, std::shared_ptr<Kind> kind)
     {
         return add(std::make_shared<MemberField<Object, Value>>(name, member, std::move(kind), false));
     }

@@ -231,7 +231,7 @@ const Description<Station>& descriptionOf()
                                                     .field("phyMode", &It::phyMode, text(0, 7))
                                                     .field("packetRate", &It::packetRate, number(0, 100000))
                                                     .field("since", &It::since, maybe(counter()))
-                                                    .field("due", &It::due, counter())
+                                                    .field("staysAway", &It::staysAway, boolean())
                                                     .field("frozen", &It::frozen, maybe(object<Counters>()));
     return kDescription;
 }
@@ -243,8 +243,7 @@ const Description<WpsWindow>& descriptionOf()
     static const Description<It> kDescription = Fields<It>()
                                                     .field("status", &It::status, word<WpsStatus>(kWpsStatusNames))
                                                     .field("method", &It::method, word<WpsMethod>(kWpsMethodNames))
-                                                    .field("pin", &It::pin, text(0, 8))
-                                                    .field("closes", &It::closes, counter());
+                                                    .field("pin", &It::pin, text(0, 8));
     return kDescription;
 }
 
@@ -318,7 +317,6 @@ const Description<Scan>& descriptionOf()
     using It = Scan;
     static const Description<It> kDescription = Fields<It>()
                                                     .field("status", &It::status, word<ScanStatus>(kScanStatusNames))
-                                                    .field("ends", &It::ends, counter())
                                                     .field("flags", &It::flags, number(0, 255))
                                                     .field("results", &It::results, objects<Neighbour>());
     return kDescription;
@@ -330,8 +328,7 @@ const Description<DfsRadio>& descriptionOf()
     using It = DfsRadio;
     static const Description<It> kDescription = Fields<It>()
                                                     .field("status", &It::status, word<DfsRadioStatus>(kDfsRadioStatusNames))
-                                                    .field("channel", &It::channel, number(0, 233))
-                                                    .field("ends", &It::ends, counter());
+                                                    .field("channel", &It::channel, number(0, 233));
     return kDescription;
 }
 
@@ -366,7 +363,6 @@ const Description<Radio>& descriptionOf()
             .field("neighbours", &It::neighbours, objects<Neighbour>(kNeighbourRoom))
             .field("scan", &It::scan, object<Scan>())
             .field("checking", &It::checking, boolean())
-            .field("checkEnds", &It::checkEnds, counter())
             .field("checkedChannels", &It::checkedChannels, channels())
             .field("dfsRadio", &It::dfsRadio, object<DfsRadio>())
             .field("inactiveChannels", &It::inactiveChannels, channels())
@@ -391,8 +387,7 @@ const Description<Download>& descriptionOf()
     using It = Download;
     static const Description<It> kDescription = Fields<It>()
                                                     .field("state", &It::state, word<DownloadState>(kDownloadStateNames))
-                                                    .field("path", &It::path, text(0, kPathLength))
-                                                    .field("ends", &It::ends, counter());
+                                                    .field("path", &It::path, text(0, kPathLength));
     return kDescription;
 }
 
@@ -420,7 +415,6 @@ const Description<Module>& descriptionOf()
             .field("telnetHolders", &It::telnetHolders, list<std::set<std::uint32_t>>(anyNumber(), kTableRoom + 1))
             .field("download", &It::download, object<Download>())
             .field("productionStarted", &It::productionStarted, boolean())
-            .field("productionDone", &It::productionDone, counter())
             .field("securityAgent", &It::securityAgent, table(text(1, kPathLength), anyNumber(), kTableRoom))
             .field("dscpTables", &It::dscpTables, table(number(0, 7), object<DscpMap>()))
             .field("groupLimits", &It::groupLimits, table(number(0, 15), number(0, 128)))
@@ -534,9 +528,87 @@ const Description<Timing>& descriptionOf()
                                                     .field("downloadSeconds", &It::download, seconds())
                                                     .field("radarCheckSeconds", &It::radarCheck, seconds())
                                                     .field("productionSeconds", &It::production, seconds())
-                                                    .field("reassociationSeconds", &It::reassociation, seconds());
+                                                    .field("reassociationSeconds", &It::reassociation, seconds())
+                                                    .field("reassociationSpreadSeconds", &It::reassociationSpread, seconds());
     return kDescription;
 }
+
+template <>
+const Description<Random>& descriptionOf()
+{
+    using It = Random;
+    static const Description<It> kDescription = Fields<It>().field("state", &It::state, number(1, Random::kModulus - 1));
+    return kDescription;
+}
+
+namespace
+{
+
+struct DueEntry
+{
+    Milliseconds at = 0;
+    Due due;
+};
+
+} // namespace
+
+template <>
+const Description<Due>& descriptionOf()
+{
+    using It = Due;
+    static const Description<It> kDescription = Fields<It>()
+                                                    .required("what", &It::what, word<Occurrence>(kOccurrenceNames))
+                                                    .field("radio", &It::radioId, number(0, kRadioRoom))
+                                                    .field("interface", &It::interfaceId, number(0, kInterfaceRoom))
+                                                    .field("address", &It::address, anyAddress());
+    return kDescription;
+}
+
+template <>
+const Description<DueEntry>& descriptionOf()
+{
+    using It = DueEntry;
+    static const Description<It> kDescription = Fields<It>().required("at", &It::at, counter()).part(&It::due);
+    return kDescription;
+}
+
+namespace
+{
+
+class AgendaKind : public Kind<Agenda>
+{
+public:
+    void read(const base::JsonValue& from, Agenda& to) const override
+    {
+        std::vector<DueEntry> entries;
+        entries_->read(from, entries);
+        for (const DueEntry& entry : entries)
+            to.set(entry.due, entry.at);
+    }
+
+    Json write(const Agenda& from) const override
+    {
+        std::vector<DueEntry> entries;
+        for (const auto& [time, due] : from.all())
+            entries.push_back({time, due});
+        return entries_->write(entries);
+    }
+
+    Json schema() const override
+    {
+        return entries_->schema();
+    }
+
+    bool accepts(const Agenda& /*value*/) const override
+    {
+        return true;
+    }
+
+private:
+    KindOf<std::vector<DueEntry>> entries_ = objects<DueEntry>();
+};
+
+} // namespace
 
 template <>
 const Description<Model>& descriptionOf()
@@ -548,6 +620,8 @@ const Description<Model>& descriptionOf()
             .required("scenario", &It::version, number(1, 1))
             .field("description", &It::description, text(0, 1000))
             .field("time", &It::time, counter())
+            .field("random", &It::random, object<Random>())
+            .field("due", &It::agenda, std::make_shared<AgendaKind>())
             .field("supportsWfaAlliance", &It::supportsWfaAlliance, boolean())
             .field("timing", &It::timing, object<Timing>())
             .field("service", &It::service, object<Service>())

@@ -49,7 +49,6 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
         return KOR_IIL_MISMATCH_CMD_LEN;
 
     ReplyStatus status = ReplyStatus::kDone;
-    model.advance();
     const std::vector<HandledFunction> chosen = choose(found->second, model.layout, message);
     try
     {
@@ -63,7 +62,6 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
     {
         status = refused.status;
     }
-    model.advance();
     if (notesFailures_)
         model.service.errorMask |= errorMaskBit(status);
     CommandRequest(*chosen.front().command, model.layout, message).setStatus(model.layout.status(service_, status));

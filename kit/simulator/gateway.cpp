@@ -4,7 +4,6 @@
 #include "kor_iil_service.h"
 #include "tarn_gateway_control.h"
 
-#include <chrono>
 #include <cstdio>
 
 namespace tarn::simulator
@@ -12,9 +11,6 @@ namespace tarn::simulator
 
 namespace
 {
-
-// How often the model is advanced while no request comes.
-constexpr std::chrono::milliseconds kTick{100};
 
 std::string whyNot(const std::string& serviceId, std::uint32_t status)
 {
@@ -40,7 +36,8 @@ std::uint32_t eventNumber(const std::string& name)
 
 } // namespace
 
-Gateway::Gateway(Model& model, std::function<void()> shutDown) : model_(model), shutDown_(std::move(shutDown))
+Gateway::Gateway(Model& model, std::function<void()> shutDown, double speed)
+    : model_(model), shutDown_(std::move(shutDown)), clock_(speed)
 {
 }
 
@@ -67,6 +64,7 @@ void Gateway::start()
     }
     model_.publish = [this](const std::string& event, const Record& data) { publish(event, data); };
     model_.start();
+    clock_.set(model_.time);
 
     stopping_ = false;
     for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
@@ -85,10 +83,10 @@ void Gateway::run(KorIilService* service)
 void Gateway::stop()
 {
     {
-        const std::lock_guard<std::mutex> guard(stopMutex_);
+        const std::lock_guard<std::mutex> guard(mutex_);
         stopping_ = true;
     }
-    stopped_.notify_all();
+    wakeUp_.notify_all();
     if (timekeeper_.joinable())
         timekeeper_.join();
     for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
@@ -102,17 +100,35 @@ void Gateway::stop()
     endpoints_.clear();
 }
 
-void Gateway::tick()
+// With the mutex held.
+void Gateway::advance()
+{
+    model_.advance(clock_.now());
+}
+
+void Gateway::step(Milliseconds duration)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
-    model_.advance();
+    advance();
+    clock_.set(model_.time + duration);
+    advance();
+    wakeUp_.notify_all();
 }
 
 void Gateway::keepTime()
 {
-    std::unique_lock<std::mutex> lock(stopMutex_);
-    while (!stopped_.wait_for(lock, kTick, [this] { return stopping_; }))
-        tick();
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (!stopping_)
+    {
+        advance();
+        expected_ = model_.agenda.next();
+        expectedSpeed_ = clock_.speed();
+        const auto until = expected_ ? clock_.until(*expected_) : std::nullopt;
+        if (until)
+            wakeUp_.wait_for(lock, *until);
+        else
+            wakeUp_.wait(lock);
+    }
 }
 
 void Gateway::open(const char* serviceId, std::uint32_t eventCount, Answer answer)
@@ -140,8 +156,13 @@ std::uint32_t Gateway::handle(void* context, const KorIilRequest* request, void*
     auto& endpoint = *static_cast<Endpoint*>(context);
     try
     {
-        const std::lock_guard<std::mutex> guard(endpoint.gateway->mutex_);
-        return endpoint.answer(*request, message);
+        Gateway& gateway = *endpoint.gateway;
+        const std::lock_guard<std::mutex> guard(gateway.mutex_);
+        gateway.advance();
+        const std::uint32_t status = endpoint.answer(*request, message);
+        if (gateway.model_.agenda.next() != gateway.expected_ || gateway.clock_.speed() != gateway.expectedSpeed_)
+            gateway.wakeUp_.notify_all();
+        return status;
     }
     catch (const std::exception& error)
     {
@@ -158,10 +179,9 @@ void Gateway::publish(const std::string& event, const Record& data)
 
 std::uint32_t Gateway::answerControl(const KorIilRequest& request, void* message)
 {
-    Control control;
+    Control control{nullptr, shutDown_, clock_};
     control.publish = [this](std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t& subscribers)
     { return KorIilServicePublish(deviceService_, event, data, length, &subscribers); };
-    control.shutDown = shutDown_;
     return serveControl(model_, control, request.command, request.length, message);
 }
 

@@ -1,6 +1,7 @@
 // The running gateway: its services, with a thread for each, over one model.
 #pragma once
 
+#include "clock.h"
 #include "dispatcher.h"
 #include "model.h"
 
@@ -9,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -31,8 +33,8 @@ class Gateway
 {
 public:
     // `model` has been filled by a scenario, and outlives the gateway. `shutDown` is called, from any thread, when a caller
-    // asks for it, or when a service fails.
-    Gateway(Model& model, std::function<void()> shutDown);
+    // asks for it, or when a service fails. `speed` is how fast the gateway's time goes: 1 as real time, 0 only by steps.
+    Gateway(Model& model, std::function<void()> shutDown, double speed = 1);
     ~Gateway(); // stops
     Gateway(const Gateway&) = delete;
     Gateway& operator=(const Gateway&) = delete;
@@ -42,8 +44,8 @@ public:
     // Unregisters the services. No request is served after that.
     void stop();
 
-    // Advances the model now; it also happens at short intervals.
-    void tick();
+    // Lets so much time pass at once.
+    void step(Milliseconds duration);
 
     // Runs `body` while no request is served.
     template <typename Body>
@@ -78,18 +80,21 @@ private:
     void run(KorIilService* service);
     void publish(const std::string& event, const Record& data);
     std::uint32_t answerControl(const KorIilRequest& request, void* message);
+    void advance();
     void keepTime();
 
     Model& model_;
     std::function<void()> shutDown_;
-    std::mutex mutex_; // of the model
+    std::mutex mutex_; // of the model, the clock and what belongs to the timekeeper
+    Clock clock_;
     std::vector<std::unique_ptr<Endpoint>> endpoints_;
     KorIilService* deviceService_ = nullptr; // the one that publishes events
     std::atomic<bool> failed_{false};
 
     std::thread timekeeper_;
-    std::mutex stopMutex_;
-    std::condition_variable stopped_;
+    std::condition_variable wakeUp_;       // there is something to do for the timekeeper
+    std::optional<Milliseconds> expected_; // what it waits for,
+    double expectedSpeed_ = 0;             // at this speed
     bool stopping_ = false;
 };
 

@@ -39,6 +39,12 @@ void HandlerTable::add(const char* function, Handler handler)
         throw std::logic_error(std::string(function) + " has a handler already");
 }
 
+void HandlerTable::add(std::initializer_list<std::pair<const char*, Handler>> handlers)
+{
+    for (const auto& [function, handler] : handlers)
+        add(function, handler);
+}
+
 const Handler* HandlerTable::find(const std::string& function) const
 {
     const auto found = handlers_.find(function);

@@ -6,8 +6,10 @@
 #include "model.h"
 
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <string>
+#include <utility>
 
 namespace tarn::simulator
 {
@@ -21,6 +23,7 @@ class HandlerTable
 public:
     // Throws std::logic_error if the contract does not know the function, or if it has a handler already.
     void add(const char* function, Handler handler);
+    void add(std::initializer_list<std::pair<const char*, Handler>> handlers);
 
     // Null if there is none.
     const Handler* find(const std::string& function) const;

@@ -237,6 +237,12 @@ KindOf<MacAddress> address()
         Json{{"type", "string"}, {"pattern", "^[0-9A-Fa-f][02468ACEace](:[0-9A-Fa-f]{2}){5}$"}});
 }
 
+KindOf<MacAddress> anyAddress()
+{
+    return std::make_shared<Scalar<MacAddress>>([](const MacAddress&) { return true; }, "a MAC address",
+                                                Json{{"type", "string"}, {"pattern", "^[0-9A-Fa-f]{2}(:[0-9A-Fa-f]{2}){5}$"}});
+}
+
 KindOf<MobilityDomain> mobilityDomain()
 {
     return std::make_shared<Scalar<MobilityDomain>>([](const MobilityDomain&) { return true; },

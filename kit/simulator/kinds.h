@@ -59,7 +59,8 @@ KindOf<std::uint64_t> counter(); // from 0 to 2^53, which every reader of JSON c
 KindOf<Milliseconds> seconds();  // in JSON: seconds, which may have a fraction
 KindOf<std::uint8_t> smallNumber(std::uint8_t most);
 KindOf<bool> boolean();
-KindOf<MacAddress> address();
+KindOf<MacAddress> address();    // of one device
+KindOf<MacAddress> anyAddress(); // all zeros too
 KindOf<MobilityDomain> mobilityDomain();
 
 // Lengths are in bytes. In JSON a byte that is not ASCII may be escaped, \xe4, and a backslash is.

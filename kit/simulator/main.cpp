@@ -52,22 +52,33 @@ GatewayLayout layoutFrom(const std::string& path)
     return layout;
 }
 
-void run(const std::string& scenario, const std::string& layout, int readyDescriptor)
+struct Options
+{
+    std::string scenario;
+    std::string layout;
+    double speed = 1;
+    std::uint32_t seed = 0; // 0: the scenario's
+    int readyDescriptor = STDOUT_FILENO;
+};
+
+void run(const Options& options)
 {
     const sigset_t signals = endingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
 
-    const SystemClock clock;
-    Model model(clock, layoutFrom(layout));
-    if (scenario.empty())
+    Model model(layoutFrom(options.layout));
+    if (options.scenario.empty())
         readDefaultScenario(model);
     else
-        readScenarioFile(scenario, model);
+        readScenarioFile(options.scenario, model);
+    if (options.seed != 0)
+        model.random.state = options.seed;
 
-    Gateway gateway(model, [] { kill(getpid(), SIGTERM); });
+    Gateway gateway(
+        model, [] { kill(getpid(), SIGTERM); }, options.speed);
     gateway.start();
-    sayReady(readyDescriptor);
+    sayReady(options.readyDescriptor);
     int signal = 0;
     sigwait(&signals, &signal);
     gateway.stop();
@@ -85,20 +96,26 @@ int main(int argc, char** argv)
                      "It prints one line, ready, once all of them can be called, and ends on SIGTERM or SIGINT.\n"
                      "Exit status: 0 ended as asked, 1 could not start or go on, 2 wrong usage.");
         app.name("tarn-gateway");
-        std::string scenario;
-        std::string layout;
+        Options options;
         std::string directory;
-        int readyDescriptor = STDOUT_FILENO;
-        app.add_option("--scenario", scenario, "Scenario file, JSON; a gateway with two radios if left out")->type_name("FILE");
-        app.add_option("--layout", layout,
+        app.add_option("--scenario", options.scenario, "Scenario file, JSON; a gateway with two radios if left out")
+            ->type_name("FILE");
+        app.add_option("--layout", options.layout,
                        "Layout file, JSON, that says what is inside records; the simulator's own if left out")
             ->type_name("FILE");
         app.add_option("--directory", directory, "Runtime directory of the IPC, absolute; sets KORIIL_DIR")
             ->type_name("DIRECTORY");
-        app.add_option("--ready-fd", readyDescriptor,
+        app.add_option("--ready-fd", options.readyDescriptor,
                        "Descriptor to write the line to instead of standard output; closed afterwards")
             ->type_name("N")
             ->check(CLI::NonNegativeNumber);
+        app.add_option("--speed", options.speed,
+                       "Gateway seconds for each second of real time; 0 for a time that stands until stepped")
+            ->type_name("FACTOR")
+            ->check(CLI::Range(0.0, 1e6));
+        app.add_option("--seed", options.seed, "Where random numbers start, in place of the scenario's")
+            ->type_name("N")
+            ->check(CLI::Range(1u, Random::kModulus - 1));
         app.add_flag_callback(
             "--scenario-schema",
             []
@@ -118,7 +135,7 @@ int main(int argc, char** argv)
         }
         if (!directory.empty())
             setenv("KORIIL_DIR", directory.c_str(), 1);
-        run(scenario, layout, readyDescriptor);
+        run(options);
         return 0;
     }
     catch (const std::exception& error)

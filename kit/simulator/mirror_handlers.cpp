@@ -4,40 +4,35 @@
 namespace tarn::simulator
 {
 
-namespace
-{
-
-void getTelnetStatus(Model& model, CommandRequest& request)
-{
-    request.setNumber("ref_cnt", count(model.module.telnetHolders));
-    request.setNumber("status", model.module.telnetHolders.empty() ? 0 : 1);
-}
-
-// A process counts once, however often it asks.
-void setTelnetEnable(Model& model, CommandRequest& request)
-{
-    std::set<std::uint32_t>& holders = model.module.telnetHolders;
-    const std::uint32_t process = request.number("pid");
-    const bool isEnabled = request.flag("enable");
-    if (process == 0)
-        throw Refused{ReplyStatus::kInvalidValue};
-    if (isEnabled)
-    {
-        requireRoom(holders, process);
-        holders.insert(process);
-    }
-    else if (holders.erase(process) == 0)
-    {
-        throw Refused{ReplyStatus::kNotThere};
-    }
-}
-
-} // namespace
-
 void addMirrorHandlers(HandlerTable& table)
 {
-    table.add("tarn_qtn_mirror_get_telnet_status", getTelnetStatus);
-    table.add("tarn_qtn_mirror_set_telnet_enable", setTelnetEnable);
+    table.add({
+        {"tarn_qtn_mirror_get_telnet_status",
+         [](Model& model, CommandRequest& request)
+         {
+             request.setNumber("ref_cnt", count(model.module.telnetHolders));
+             request.setNumber("status", model.module.telnetHolders.empty() ? 0 : 1);
+         }},
+        // A process counts once, however often it asks.
+        {"tarn_qtn_mirror_set_telnet_enable",
+         [](Model& model, CommandRequest& request)
+         {
+             std::set<std::uint32_t>& holders = model.module.telnetHolders;
+             const std::uint32_t process = request.number("pid");
+             const bool isEnabled = request.flag("enable");
+             if (process == 0)
+                 throw Refused{ReplyStatus::kInvalidValue};
+             if (isEnabled)
+             {
+                 requireRoom(holders, process);
+                 holders.insert(process);
+             }
+             else if (holders.erase(process) == 0)
+             {
+                 throw Refused{ReplyStatus::kNotThere};
+             }
+         }},
+    });
 }
 
 } // namespace tarn::simulator

@@ -20,13 +20,12 @@ bool isInterfaceName(const std::string& name)
 
 } // namespace
 
-Model::Model(const Clock& clock, GatewayLayout layoutInUse) : layout(std::move(layoutInUse)), clock_(clock)
+Model::Model(GatewayLayout layoutInUse) : layout(std::move(layoutInUse))
 {
 }
 
 void Model::start()
 {
-    started_ = clock_.now() - time;
     std::uint32_t radioId = 0;
     for (Radio& radio : radios)
     {
@@ -38,8 +37,8 @@ void Model::start()
             interface.radio = &radio;
             bringIn(interface);
         }
+        settle(radio);
     }
-    advance();
 }
 
 // The stations of a scenario that are not associated yet come now.
@@ -50,6 +49,44 @@ void Model::bringIn(Interface& interface)
     const auto first = std::stable_partition(stations.begin(), stations.end(), isAssociated);
     interface.away.insert(interface.away.begin(), first, stations.end());
     stations.erase(first, stations.end());
+}
+
+void Model::advance(Milliseconds to)
+{
+    for (std::optional<Milliseconds> next = agenda.next(); next && *next <= to; next = agenda.next())
+    {
+        time = std::max(time, *next);
+        happen(agenda.take());
+    }
+    time = std::max(time, to);
+}
+
+void Model::happen(const Due& due)
+{
+    switch (due.what)
+    {
+    case Occurrence::kDownloadEnds:
+        module.download.state =
+            contains(module.missingFiles, module.download.path) ? DownloadState::kFailed : DownloadState::kDone;
+        break;
+    case Occurrence::kProductionEnds:
+        break; // that it is not due any more is what is asked for
+    case Occurrence::kScanEnds:
+        endScan(radio(due.radioId));
+        break;
+    case Occurrence::kRadarCheckEnds:
+        endRadarCheck(radio(due.radioId));
+        break;
+    case Occurrence::kDfsRadioEnds:
+        endDfsRadioCheck(radio(due.radioId));
+        break;
+    case Occurrence::kWpsWindowCloses:
+        setWpsWindow(interfaceOf(due.radioId, due.interfaceId), WpsStatus::kExpired);
+        break;
+    case Occurrence::kStationReturns:
+        settle(interfaceOf(due.radioId, due.interfaceId));
+        break;
+    }
 }
 
 std::uint32_t Model::secondsSinceStart() const
@@ -140,6 +177,26 @@ void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
         publishChange("EVT_RADIO_STATUS_CHANGED");
         beginRadarCheck(radio);
     }
+    settle(radio);
+}
+
+void Model::change(Interface& interface, const Changes<InterfaceSettings>& changes)
+{
+    changes.applyTo(interface.settings);
+    settle(interface);
+}
+
+void Model::changeSecurity(Interface& interface, const Changes<InterfaceSettings>& changes)
+{
+    if (interface.settings.securityDeferMode == 0)
+        change(interface, changes);
+    else
+        interface.deferredSecurity.add(changes);
+}
+
+void Model::applySecurity(Interface& interface)
+{
+    change(interface, std::exchange(interface.deferredSecurity, {}));
 }
 
 Interface& Model::createInterface(const std::string& name, bool enabled)
@@ -169,7 +226,10 @@ void Model::kickOut(Interface& interface, const MacAddress& address)
 {
     for (std::size_t i = 0; i < interface.stations.size(); ++i)
         if (interface.stations[i].address == address)
-            return part(interface, i);
+        {
+            part(interface, i);
+            return settle(interface); // somebody else may take the place
+        }
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 
@@ -204,6 +264,18 @@ void Model::stopPolling(Polling what, bool stop)
     }
 }
 
+void Model::add(Interface& interface, std::vector<MacAddress> Interface::*list, const MacAddress& address, std::size_t room)
+{
+    addAddress(interface.*list, address, room);
+    settle(interface);
+}
+
+void Model::remove(Interface& interface, std::vector<MacAddress> Interface::*list, const MacAddress& address)
+{
+    removeAddress(interface.*list, address);
+    settle(interface);
+}
+
 void Model::addAddress(std::vector<MacAddress>& list, const MacAddress& address, std::size_t room)
 {
     if (!base::isIndividual(address))
@@ -225,7 +297,6 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 
 // --- What takes time ---------------------------------------------------------------------------------------------------------
 
-// NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::startScan(Radio& radio, std::uint32_t flags)
 {
     if (radio.settings.enabled == 0)
@@ -233,7 +304,7 @@ void Model::startScan(Radio& radio, std::uint32_t flags)
     if (radio.scan.status == ScanStatus::kRunning)
         throw Refused{ReplyStatus::kBusy};
     radio.scan.status = ScanStatus::kRunning;
-    radio.scan.ends = time + timing.scan;
+    agenda.set({Occurrence::kScanEnds, radio.id}, time + timing.scan);
     radio.scan.flags = flags;
 }
 
@@ -248,7 +319,7 @@ void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::str
         throw Refused{ReplyStatus::kBusy};
     window.method = method;
     window.pin = method == WpsMethod::kPin ? pin : "";
-    window.closes = time + timing.wpsWindow;
+    agenda.set({Occurrence::kWpsWindowCloses, interface.radio->id, interface.id}, time + timing.wpsWindow);
     setWpsWindow(interface, WpsStatus::kOpen);
 }
 
@@ -266,18 +337,17 @@ void Model::startDownload(const std::string& path)
         throw Refused{ReplyStatus::kBusy};
     download.state = DownloadState::kRunning;
     download.path = path;
-    download.ends = time + timing.download;
+    agenda.set({Occurrence::kDownloadEnds}, time + timing.download);
 }
 
 void Model::startProduction()
 {
-    if (module.productionStarted && time < module.productionDone)
+    if (agenda.has({Occurrence::kProductionEnds}))
         throw Refused{ReplyStatus::kBusy};
     module.productionStarted = true;
-    module.productionDone = time + timing.production;
+    agenda.set({Occurrence::kProductionEnds}, time + timing.production);
 }
 
-// NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 {
     if (radio.settings.enabled == 0)
@@ -293,62 +363,74 @@ void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
         throw Refused{ReplyStatus::kInvalidValue};
     radio.dfsRadio.status = DfsRadioStatus::kChecking;
     radio.dfsRadio.channel = channel != 0 ? channel : unchecked.front();
-    radio.dfsRadio.ends = time + timing.radarCheck;
+    agenda.set({Occurrence::kDfsRadioEnds, radio.id}, time + timing.radarCheck);
 }
 
-void Model::advance()
+bool Model::isProductionDone() const
 {
-    time = clock_.now() - started_;
-    for (Radio& radio : radios)
-        settle(radio);
-    Download& download = module.download;
-    if (download.state == DownloadState::kRunning && time >= download.ends)
-    {
-        const bool fails = contains(module.missingFiles, download.path);
-        download.state = fails ? DownloadState::kFailed : DownloadState::kDone;
-    }
+    return module.productionStarted && !agenda.has({Occurrence::kProductionEnds});
+}
+
+void Model::cancelScan(Radio& radio)
+{
+    if (radio.scan.status != ScanStatus::kRunning)
+        throw Refused{ReplyStatus::kNotThere};
+    radio.scan.status = ScanStatus::kCancelled;
+    agenda.cancel({Occurrence::kScanEnds, radio.id});
+}
+
+void Model::endScan(Radio& radio)
+{
+    radio.scan.status = ScanStatus::kDone;
+    radio.scan.results = radio.neighbours;
+}
+
+void Model::stopDfsRadio(Radio& radio)
+{
+    if (radio.dfsRadio.status == DfsRadioStatus::kStopped)
+        throw Refused{ReplyStatus::kNotThere};
+    radio.dfsRadio = {};
+    agenda.cancel({Occurrence::kDfsRadioEnds, radio.id});
+}
+
+void Model::endDfsRadioCheck(Radio& radio)
+{
+    radio.dfsRadio.status = DfsRadioStatus::kReady;
+    radio.checkedChannels.insert(radio.dfsRadio.channel);
+}
+
+void Model::endRadarCheck(Radio& radio)
+{
+    radio.checking = false;
+    radio.checkedChannels.insert(radio.settings.channel);
+    settle(radio);
+}
+
+std::uint32_t Model::wpsSecondsLeft(const Interface& interface) const
+{
+    const std::optional<Milliseconds> closes = agenda.time({Occurrence::kWpsWindowCloses, interface.radio->id, interface.id});
+    return closes ? static_cast<std::uint32_t>((*closes - time + 999) / 1000) : 0;
 }
 
 void Model::settle(Radio& radio)
 {
     if (radio.scan.status == ScanStatus::kRunning && radio.settings.enabled == 0)
-        radio.scan.status = ScanStatus::kCancelled;
-    if (radio.scan.status == ScanStatus::kRunning && time >= radio.scan.ends)
-    {
-        radio.scan.status = ScanStatus::kDone;
-        radio.scan.results = radio.neighbours;
-    }
-    if (radio.checking && time >= radio.checkEnds)
-    {
-        radio.checking = false;
-        radio.checkedChannels.insert(radio.settings.channel);
-    }
-    if (radio.dfsRadio.status == DfsRadioStatus::kChecking && time >= radio.dfsRadio.ends)
-    {
-        radio.dfsRadio.status = DfsRadioStatus::kReady;
-        radio.checkedChannels.insert(radio.dfsRadio.channel);
-    }
+        cancelScan(radio);
     for (Interface& interface : radio.interfaces)
         settle(interface);
 }
 
 void Model::settle(Interface& interface)
 {
-    if (interface.window.status == WpsStatus::kOpen)
-    {
-        if (interface.settings.wpsEnabled == 0 || !interface.isUp())
-            setWpsWindow(interface, WpsStatus::kCancelled);
-        else if (time >= interface.window.closes)
-            setWpsWindow(interface, WpsStatus::kExpired);
-    }
-
+    if (interface.window.status == WpsStatus::kOpen && (interface.settings.wpsEnabled == 0 || !interface.isUp()))
+        setWpsWindow(interface, WpsStatus::kCancelled);
     for (std::size_t i = 0; i < interface.stations.size();)
         if (interface.admits(interface.stations[i].address, i))
             ++i;
         else
             part(interface, i);
     for (std::size_t i = 0; i < interface.away.size();)
-        if (time >= interface.away[i].due && interface.admits(interface.away[i].address, interface.stations.size()))
+        if (isWaiting(interface, interface.away[i]) && interface.admits(interface.away[i].address, interface.stations.size()))
         {
             const auto place = interface.away.begin() + static_cast<std::ptrdiff_t>(i);
             Station station = std::move(*place);
@@ -357,6 +439,12 @@ void Model::settle(Interface& interface)
         }
         else
             ++i;
+}
+
+// Whether the station would come if it were admitted.
+bool Model::isWaiting(const Interface& interface, const Station& station) const
+{
+    return !station.staysAway && !agenda.has({Occurrence::kStationReturns, interface.radio->id, interface.id, station.address});
 }
 
 void Model::associate(Interface& interface, Station station)
@@ -377,7 +465,10 @@ void Model::part(Interface& interface, std::size_t index)
     interface.departed.add(counters(station));
     ++interface.disassociations;
     station.since.reset();
-    station.due = timing.reassociation == 0 ? kEndOfTime : time + timing.reassociation;
+    station.staysAway = timing.reassociation == 0;
+    if (!station.staysAway)
+        agenda.set({Occurrence::kStationReturns, interface.radio->id, interface.id, station.address},
+                   time + timing.reassociation + random.upTo(static_cast<std::uint32_t>(timing.reassociationSpread)));
     station.frozen.reset();
     reportAssociation(interface, station, false);
     interface.away.push_back(std::move(station));
@@ -386,17 +477,21 @@ void Model::part(Interface& interface, std::size_t index)
 void Model::setWpsWindow(Interface& interface, WpsStatus status)
 {
     interface.window.status = status;
+    if (status != WpsStatus::kOpen)
+        agenda.cancel({Occurrence::kWpsWindowCloses, interface.radio->id, interface.id});
     Record data(layout.record("EVT_AP_WPS_WIN_STATUS_CHANGED"));
     fill(data, interface);
     data.setNumber("status", static_cast<std::uint32_t>(status));
     publishEvent("EVT_AP_WPS_WIN_STATUS_CHANGED", data);
 }
 
-// NOLINTNEXTLINE(readability-make-member-function-const): it changes a radio of this model
 void Model::beginRadarCheck(Radio& radio)
 {
     radio.checking = radio.settings.enabled != 0 && timing.radarCheck > 0 && radio.needsRadarCheck(radio.settings.channel);
-    radio.checkEnds = time + timing.radarCheck;
+    if (radio.checking)
+        agenda.set({Occurrence::kRadarCheckEnds, radio.id}, time + timing.radarCheck);
+    else
+        agenda.cancel({Occurrence::kRadarCheckEnds, radio.id});
 }
 
 void Model::publishEvent(const char* event, const Record& data) const

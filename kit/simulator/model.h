@@ -3,7 +3,9 @@
 // Its functions throw Refused for what cannot be granted. They do not lock the model; their callers do.
 #pragma once
 
+#include "agenda.h"
 #include "objects.h"
+#include "random.h"
 #include "reply_status.h"
 
 #include <functional>
@@ -17,7 +19,7 @@ class Model
 public:
     using Publish = std::function<void(const std::string& event, const Record& data)>;
 
-    explicit Model(const Clock& clock, GatewayLayout layoutInUse = GatewayLayout());
+    explicit Model(GatewayLayout layoutInUse = GatewayLayout());
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
 
@@ -28,6 +30,8 @@ public:
     std::uint32_t version = 1; // of the scenario's format
     std::string description;
     Milliseconds time = 0; // since the gateway was started, up to which it has advanced
+    Random random;
+    Agenda agenda;
     bool supportsWfaAlliance = true;
     Timing timing;
     Service service;
@@ -37,11 +41,14 @@ public:
 
     Publish publish; // called with every event; may be empty
 
-    // Stations associate, and time starts to count.
+    // Stations associate.
     void start();
 
-    // Carries out what is due by now. To be called before the model is read and after it has been changed.
-    void advance();
+    // Lets what is due until that time happen, each at its own time and in the order of the agenda.
+    void advance(Milliseconds to);
+
+    // To be called when something has changed that decides who may be associated.
+    void settle(Interface& interface);
 
     std::uint32_t secondsSinceStart() const;
 
@@ -58,16 +65,28 @@ public:
 
     // Makes all of the changes, or none, and publishes their events.
     void change(Radio& radio, const Changes<RadioSettings>& changes);
+    void change(Interface& interface, const Changes<InterfaceSettings>& changes);
+    // Security settings made through the module: at once, or, while security is deferred, with the next applySecurity.
+    void changeSecurity(Interface& interface, const Changes<InterfaceSettings>& changes);
+    void applySecurity(Interface& interface);
 
     Interface& createInterface(const std::string& name, bool enabled);
     void kickOut(Interface& interface, const MacAddress& address);
     void stopPolling(Polling what, bool stop);
+
+    // An address of one of the interface's lists.
+    void add(Interface& interface, std::vector<MacAddress> Interface::*list, const MacAddress& address, std::size_t room);
+    void remove(Interface& interface, std::vector<MacAddress> Interface::*list, const MacAddress& address);
 
     static void addAddress(std::vector<MacAddress>& list, const MacAddress& address, std::size_t room);
     static void removeAddress(std::vector<MacAddress>& list, const MacAddress& address);
 
     // --- What takes time -----------------------------------------------------------------------------------------------------
 
+    void cancelScan(Radio& radio);
+    void stopDfsRadio(Radio& radio);
+    bool isProductionDone() const;
+    std::uint32_t wpsSecondsLeft(const Interface& interface) const;
     void startScan(Radio& radio, std::uint32_t flags);
     void openWpsWindow(Interface& interface, WpsMethod method, const std::string& pin);
     void cancelWpsWindow(Interface& interface);
@@ -95,7 +114,11 @@ public:
 private:
     static void bringIn(Interface& interface);
     void settle(Radio& radio);
-    void settle(Interface& interface);
+    void happen(const Due& due);
+    static void endScan(Radio& radio);
+    static void endDfsRadioCheck(Radio& radio);
+    void endRadarCheck(Radio& radio);
+    bool isWaiting(const Interface& interface, const Station& station) const;
     void associate(Interface& interface, Station station);
     void part(Interface& interface, std::size_t index);
     void setWpsWindow(Interface& interface, WpsStatus status);
@@ -103,11 +126,12 @@ private:
     void publishEvent(const char* event, const Record& data) const;
     // Adds it to the history and publishes its event.
     void reportAssociation(const Interface& interface, const Station& station, bool associated);
-
-    const Clock& clock_;
-    Milliseconds started_ = 0; // when the time was 0, by the clock
 };
 
+template <>
+const Description<Random>& descriptionOf();
+template <>
+const Description<Due>& descriptionOf();
 template <>
 const Description<Model>& descriptionOf();
 

@@ -8,41 +8,6 @@ namespace tarn::simulator
 namespace
 {
 
-void getCurrentTransmitPower(Model& model, CommandRequest& request)
-{
-    const Radio& radio = moduleRadioOf(model, request);
-    Record power = request.blank("power");
-    std::uint32_t chain = 0;
-    for (const char* name : {"chain0", "chain1", "chain2", "chain3"})
-        power.setSigned(name, model.chainPower(radio, chain++));
-    request.setRecord("power", power);
-}
-
-void getMauiVersion(Model& model, CommandRequest& request)
-{
-    request.setText("version", model.module.mauiVersion);
-}
-
-void downloadWirelessConf(Model& model, CommandRequest& request)
-{
-    const std::string path = request.text("path");
-    if (path.empty() || path[0] != '/')
-        throw Refused{ReplyStatus::kInvalidValue};
-    model.startDownload(path);
-}
-
-void updatePasswordFile(Model& model, CommandRequest&)
-{
-    model.startDownload("");
-}
-
-void getDownloadState(Model& model, CommandRequest& request)
-{
-    request.setNumber("state", static_cast<std::uint32_t>(model.module.download.state));
-}
-
-// --- Current associations: the stations of all radios, in the order of the radios and their interfaces -----------------------
-
 struct Association
 {
     const Interface* interface;
@@ -77,38 +42,54 @@ void answerAssociation(const Model& model, const Association& association, Comma
     request.setRecord("data", data);
 }
 
-void getCurrentAssociationNumber(Model& model, CommandRequest& request)
-{
-    request.setNumber("number", count(associations(model)));
-}
-
-void getCurrentAssociationAt(Model& model, CommandRequest& request)
-{
-    const std::vector<Association> all = associations(model);
-    answerAssociation(model, elementAt(all, request.number("index")), request);
-}
-
-void getCurrentAssociation(Model& model, CommandRequest& request)
-{
-    const MacAddress address = request.address("mac_addr");
-    for (const Association& association : associations(model))
-        if (association.station->address == address)
-            return answerAssociation(model, association, request);
-    throw Refused{ReplyStatus::kNoSuchObject};
-}
-
 } // namespace
 
 void addModuleHandlers(HandlerTable& table)
 {
-    table.add("TarnGetRadioQuantennaCurrentTransmitPower", getCurrentTransmitPower);
-    table.add("TarnGetQuantennaMauiVersion", getMauiVersion);
-    table.add("TarnDownloadQuantennaWirelessConf", downloadWirelessConf);
-    table.add("TarnUpdateQuantennaPasswordFile", updatePasswordFile);
-    table.add("TarnGetQuantennaDownloadState", getDownloadState);
-    table.add("TarnGetQuantennaSoniqCurrentAssociationNumber", getCurrentAssociationNumber);
-    table.add("TarnGetQuantennaSoniqCurrentAssociationAt", getCurrentAssociationAt);
-    table.add("TarnGetQuantennaSoniqCurrentAssociation", getCurrentAssociation);
+    table.add({
+        {"TarnGetRadioQuantennaCurrentTransmitPower",
+         [](Model& model, CommandRequest& request)
+         {
+             const Radio& radio = moduleRadioOf(model, request);
+             Record power = request.blank("power");
+             std::uint32_t chain = 0;
+             for (const char* name : {"chain0", "chain1", "chain2", "chain3"})
+                 power.setSigned(name, model.chainPower(radio, chain++));
+             request.setRecord("power", power);
+         }},
+        {"TarnGetQuantennaMauiVersion",
+         [](Model& model, CommandRequest& request) { request.setText("version", model.module.mauiVersion); }},
+        {"TarnDownloadQuantennaWirelessConf",
+         [](Model& model, CommandRequest& request)
+         {
+             const std::string path = request.text("path");
+             if (path.empty() || path[0] != '/')
+                 throw Refused{ReplyStatus::kInvalidValue};
+             model.startDownload(path);
+         }},
+        {"TarnUpdateQuantennaPasswordFile", [](Model& model, CommandRequest&) { model.startDownload(""); }},
+        {"TarnGetQuantennaDownloadState", [](Model& model, CommandRequest& request)
+         { request.setNumber("state", static_cast<std::uint32_t>(model.module.download.state)); }},
+
+        // Current associations: the stations of all radios, in the order of the radios and their interfaces.
+        {"TarnGetQuantennaSoniqCurrentAssociationNumber",
+         [](Model& model, CommandRequest& request) { request.setNumber("number", count(associations(model))); }},
+        {"TarnGetQuantennaSoniqCurrentAssociationAt",
+         [](Model& model, CommandRequest& request)
+         {
+             const std::vector<Association> all = associations(model);
+             answerAssociation(model, elementAt(all, request.number("index")), request);
+         }},
+        {"TarnGetQuantennaSoniqCurrentAssociation",
+         [](Model& model, CommandRequest& request)
+         {
+             const MacAddress address = request.address("mac_addr");
+             for (const Association& association : associations(model))
+                 if (association.station->address == address)
+                     return answerAssociation(model, association, request);
+             throw Refused{ReplyStatus::kNoSuchObject};
+         }},
+    });
 }
 
 } // namespace tarn::simulator

@@ -81,24 +81,6 @@ Station& Interface::station(const MacAddress& address)
     throw Refused{ReplyStatus::kNoSuchObject};
 }
 
-void Interface::change(const Changes<InterfaceSettings>& changes)
-{
-    changes.applyTo(settings);
-}
-
-void Interface::changeSecurity(const Changes<InterfaceSettings>& changes)
-{
-    if (settings.securityDeferMode == 0)
-        change(changes);
-    else
-        deferredSecurity.add(changes);
-}
-
-void Interface::applySecurity()
-{
-    change(std::exchange(deferredSecurity, {}));
-}
-
 // --- Radios ------------------------------------------------------------------------------------------------------------------
 
 std::uint32_t Radio::radioId() const
@@ -206,20 +188,6 @@ std::uint32_t Radio::stationNumber() const
 ScanStatus Radio::scanStatus() const
 {
     return scan.status;
-}
-
-void Radio::cancelScan()
-{
-    if (scan.status != ScanStatus::kRunning)
-        throw Refused{ReplyStatus::kNotThere};
-    scan.status = ScanStatus::kCancelled;
-}
-
-void Radio::stopDfsRadio()
-{
-    if (dfsRadio.status == DfsRadioStatus::kStopped)
-        throw Refused{ReplyStatus::kNotThere};
-    dfsRadio = {};
 }
 
 } // namespace tarn::simulator

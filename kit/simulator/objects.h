@@ -166,7 +166,7 @@ struct Station
     std::uint32_t packetRate = 20; // packets a second, each way
 
     std::optional<Milliseconds> since; // while associated
-    Milliseconds due = 0;              // while away: when it may return
+    bool staysAway = false;            // it does not return
     std::optional<Counters> frozen;
 };
 
@@ -194,7 +194,6 @@ struct WpsWindow
     WpsStatus status = WpsStatus::kNever;
     WpsMethod method = WpsMethod::kNone;
     std::string pin;
-    Milliseconds closes = 0;
 };
 
 // The access category, 0 to 3, of each of the 64 code points.
@@ -252,12 +251,6 @@ struct Interface
     WpsStatus windowStatus() const;
     WpsMethod windowMethod() const;
     Station& station(const MacAddress& address); // throws Refused if it is not associated
-
-    // Makes all of the changes.
-    void change(const Changes<InterfaceSettings>& changes);
-    // Security settings made through the module: at once, or, while security is deferred, with the next applySecurity.
-    void changeSecurity(const Changes<InterfaceSettings>& changes);
-    void applySecurity();
 };
 
 // --- Radios ------------------------------------------------------------------------------------------------------------------
@@ -286,7 +279,6 @@ inline constexpr const char* kScanStatusNames[] = {"never", "running", "done", "
 struct Scan
 {
     ScanStatus status = ScanStatus::kNever;
-    Milliseconds ends = 0;
     std::uint32_t flags = 0;        // as the caller of the proxy gave them
     std::vector<Neighbour> results; // of the last completed scan
 };
@@ -305,7 +297,6 @@ struct DfsRadio
 {
     DfsRadioStatus status = DfsRadioStatus::kStopped;
     std::uint32_t channel = 0;
-    Milliseconds ends = 0;
 };
 
 // A reduction of the power on a channel.
@@ -335,7 +326,6 @@ struct Radio
     std::vector<Neighbour> neighbours;
     Scan scan;
     bool checking = false; // its channel for radar, before it is used
-    Milliseconds checkEnds = 0;
     std::set<std::uint32_t> checkedChannels;
     DfsRadio dfsRadio;
     std::set<std::uint32_t> inactiveChannels;
@@ -359,8 +349,6 @@ struct Radio
     std::uint32_t interfaceNumber() const;
     std::uint32_t stationNumber() const;
     ScanStatus scanStatus() const;
-    void cancelScan();
-    void stopDfsRadio();
 };
 
 // --- The module and the services on it ---------------------------------------------------------------------------------------
@@ -379,7 +367,6 @@ struct Download
 {
     DownloadState state = DownloadState::kNone;
     std::string path; // empty for the password file
-    Milliseconds ends = 0;
 };
 
 // The Wi-Fi module.
@@ -404,7 +391,6 @@ struct Module
     std::set<std::uint32_t> telnetHolders; // process ids; 0 for the proxy's own switch
     Download download;
     bool productionStarted = false;
-    Milliseconds productionDone = 0;
     std::map<std::string, std::uint32_t> securityAgent;
     std::map<std::uint32_t, DscpMap> dscpTables;
     NumberTable groupLimits; // stations of an SSID group
@@ -499,7 +485,8 @@ struct Timing
     Milliseconds download = 5000;
     Milliseconds radarCheck = 60000;
     Milliseconds production = 3000;
-    Milliseconds reassociation = 10000; // 0: stations do not return
+    Milliseconds reassociation = 10000;   // 0: stations do not return
+    Milliseconds reassociationSpread = 0; // at random, up to so much later
 };
 
 // --- Their descriptions ------------------------------------------------------------------------------------------------------

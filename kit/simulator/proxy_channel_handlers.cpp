@@ -28,53 +28,6 @@ std::string channelText(const std::vector<std::uint32_t>& channels)
     return base::join(channels, ",");
 }
 
-// --- Channels ----------------------------------------------------------------------------------------------------------------
-
-void getSecondaryChannel(Model& model, CommandRequest& request)
-{
-    const Radio& radio = radioOf(model, request);
-    const std::uint32_t channel = request.number("channel");
-    requireChannel(radio, channel);
-    request.setNumber("secondary_channel", radio.secondaryChannelOf(channel));
-}
-
-// A second value of 0 restores the default.
-void setSecondaryChannel(Model& model, CommandRequest& request)
-{
-    Radio& radio = radioOf(model, request);
-    const std::uint32_t channel = request.number("value1");
-    const std::uint32_t secondary = request.number("value2");
-    requireChannel(radio, channel);
-    if (secondary == 0)
-    {
-        radio.secondaryChannels.erase(channel);
-        return;
-    }
-    requireChannel(radio, secondary);
-    if (secondary + 4 != channel && channel + 4 != secondary)
-        throw Refused{ReplyStatus::kInvalidValue};
-    radio.secondaryChannels[channel] = secondary;
-}
-
-// The radio's own channel cannot be made inactive.
-void setChannelInactive(Model& model, CommandRequest& request)
-{
-    Radio& radio = radioOf(model, request);
-    const std::uint32_t channel = request.number("value1");
-    requireChannel(radio, channel);
-    if (!request.flag("value2"))
-        radio.inactiveChannels.erase(channel);
-    else if (channel == radio.settings.channel)
-        throw Refused{ReplyStatus::kBusy};
-    else
-        radio.inactiveChannels.insert(channel);
-}
-
-void getListChannels(Model& model, CommandRequest& request)
-{
-    request.setText("list_of_channels", channelText(radioOf(model, request).allowedChannels()));
-}
-
 void answerRegulatory(const ChannelCriteria& criteria, CommandRequest& request)
 {
     ChannelCriteria narrow = criteria;
@@ -87,170 +40,173 @@ void answerRegulatory(const ChannelCriteria& criteria, CommandRequest& request)
     request.setText("list_of_channels", channelText(channels));
 }
 
-void getRegulatory(Model& model, CommandRequest& request)
-{
-    ChannelCriteria criteria;
-    criteria.band = model.moduleRadio().band;
-    criteria.country = request.text("region_by_name");
-    criteria.bandwidth = request.number("bandwidth");
-    answerRegulatory(criteria, request);
-}
-
-// The value: 0 all channels, 1 those without radar protection.
-void getRegulatoryOfInterface(Model& model, CommandRequest& request)
-{
-    const bool withoutRadarChannels = request.flag("value");
-    ChannelCriteria criteria;
-    criteria.band = radioOf(model, request).band;
-    criteria.country = request.text("region_name");
-    criteria.bandwidth = request.number("bandwidth");
-    criteria.withRadarChannels = !withoutRadarChannels;
-    answerRegulatory(criteria, request);
-}
-
-void overwriteCountryCode(Model& model, CommandRequest& request)
-{
-    Radio& radio = radioOf(model, request);
-    if (request.text("curr_country_name") != radio.settings.country)
-        throw Refused{ReplyStatus::kInvalidValue};
-    model.change(radio, Changes<RadioSettings>().set(&RadioSettings::country, request.text("new_country_name")));
-}
-
-// --- Radar checks ------------------------------------------------------------------------------------------------------------
-
-void getDfsRadioStatus(Model& model, CommandRequest& request)
-{
-    request.setNumber("status", static_cast<std::uint32_t>(radioOf(model, request).dfsRadio.status));
-}
-
-void startDfsRadio(Model& model, CommandRequest& request)
-{
-    model.startDfsRadio(radioOf(model, request), request.number("value"));
-}
-
-void stopDfsRadio(Model& model, CommandRequest& request)
-{
-    radioOf(model, request).stopDfsRadio();
-}
-
-void getCacStatus(Model& model, CommandRequest& request)
-{
-    request.setNumber("cacstatus", radioOf(model, request).checking ? 1 : 0);
-}
-
-void getIcacStatus(Model& model, CommandRequest& request)
-{
-    request.setNumber("status", radioOf(model, request).dfsRadio.status == DfsRadioStatus::kChecking ? 1 : 0);
-}
-
-void getAvailability(Model& model, CommandRequest& request)
-{
-    enum Availability : std::uint32_t
-    {
-        kAvailable = 1,
-        kNotChecked = 2,
-        kBeingChecked = 3
-    };
-    const Radio& radio = radioOf(model, request);
-    const auto availabilityOf = [&](std::uint32_t channel)
-    {
-        if (!radio.needsRadarCheck(channel))
-            return kAvailable;
-        const bool isBeingChecked = (radio.checking && channel == radio.settings.channel) ||
-                                    (radio.dfsRadio.status == DfsRadioStatus::kChecking && channel == radio.dfsRadio.channel);
-        return isBeingChecked ? kBeingChecked : kNotChecked;
-    };
-    const std::vector<std::uint32_t> channels = channelsOf(radio);
-    Record table = request.blank("chan_avail_status");
-    table.setNumber("number", channels.size());
-    for (std::size_t i = 0; i < channels.size(); ++i)
-    {
-        const std::string entry = "channels[" + std::to_string(i) + "].";
-        table.setNumber(entry + "channel", channels[i]);
-        table.setNumber(entry + "availability", availabilityOf(channels[i]));
-    }
-    request.setRecord("chan_avail_status", table);
-}
-
-// --- Transmit power ----------------------------------------------------------------------------------------------------------
-
-void getPowerLevels(Model& model, CommandRequest& request)
-{
-    radioOf(model, request);
-    request.setText("available_percentages", "100,75,50,25,12");
-}
-
-// The channel, the reduction in dB, and the bandwidth it applies to: 0 all, 1 to 4 for 20 to 160 MHz.
-void setPowerBackoff(Model& model, CommandRequest& request)
-{
-    Radio& radio = radioOf(model, request);
-    const std::uint32_t channel = request.number("value1");
-    requireChannel(radio, channel);
-    PowerBackoff backoff;
-    assign(backoff, &PowerBackoff::decibels, request.number("value2"));
-    assign(backoff, &PowerBackoff::bandwidth, request.number("value3"));
-    radio.powerBackoffs[channel] = backoff;
-}
-
-void getTransmitPower(Model& model, CommandRequest& request)
-{
-    const Radio& radio = model.moduleRadio();
-    std::uint32_t chain = 0;
-    for (const char* name : {"pwr0", "pwr1", "pwr2", "pwr3"})
-        request.setSigned(name, model.chainPower(radio, chain++));
-}
-
-// --- Scans -------------------------------------------------------------------------------------------------------------------
-
-void startScan(Model& model, CommandRequest& request)
-{
-    constexpr std::uint32_t kMostFlags = 0xff;
-    Radio& radio = radioOf(model, request);
-    const std::uint32_t flags = request.number("value");
-    if (flags > kMostFlags)
-        throw Refused{ReplyStatus::kInvalidValue};
-    model.startScan(radio, flags);
-}
-
-void getScanStatus(Model& model, CommandRequest& request)
-{
-    request.setNumber("scanstatus", radioOf(model, request).scan.status == ScanStatus::kRunning ? 1 : 0);
-}
-
-void getScanResults(Model& model, CommandRequest& request)
-{
-    request.setNumber("count_APs", count(radioOf(model, request).scan.results));
-}
-
-void getScanResult(Model& model, CommandRequest& request)
-{
-    request.answer("ap_property", elementAt(radioOf(model, request).scan.results, request.number("index")));
-}
-
 } // namespace
 
 void addProxyChannelHandlers(HandlerTable& table)
 {
-    table.add("tarn_qcsapi_wifi_get_sec_chan", getSecondaryChannel);
-    table.add("tarn_qcsapi_wifi_set_sec_chan", setSecondaryChannel);
-    table.add("tarn_qcsapi_wifi_set_chan_pri_inactive", setChannelInactive);
-    table.add("tarn_qcsapi_wifi_get_list_channels", getListChannels);
-    table.add("tarn_qcsapi_regulatory_get_list_regulatory_channels", getRegulatory);
-    table.add("tarn_qcsapi_regulatory_get_list_regulatory_channels_if", getRegulatoryOfInterface);
-    table.add("tarn_qcsapi_regulatory_overwrite_country_code", overwriteCountryCode);
-    table.add("tarn_qcsapi_wifi_get_dfs_s_radio_status", getDfsRadioStatus);
-    table.add("tarn_qcsapi_wifi_start_dfs_s_radio", startDfsRadio);
-    table.add("tarn_qcsapi_wifi_stop_dfs_s_radio", stopDfsRadio);
-    table.add("tarn_qcsapi_wifi_get_cac_status", getCacStatus);
-    table.add("tarn_qcsapi_wifi_get_icac_status", getIcacStatus);
-    table.add("tarn_qcsapi_wifi_get_chan_avail_status", getAvailability);
-    table.add("tarn_qcsapi_wifi_get_supported_tx_power_levels", getPowerLevels);
-    table.add("tarn_qcsapi_reg_chan_txpower_backoff_set", setPowerBackoff);
-    table.add("tarn_qcsapi_calcmd_get_tx_power", getTransmitPower);
-    table.add("tarn_qcsapi_wifi_start_scan_ext", startScan);
-    table.add("tarn_qcsapi_wifi_get_scan_status", getScanStatus);
-    table.add("tarn_qcsapi_wifi_get_results_AP_scan", getScanResults);
-    table.add("tarn_qcsapi_wifi_get_properties_AP", getScanResult);
+    table.add({
+
+        // Channels.
+        {"tarn_qcsapi_wifi_get_sec_chan",
+         [](Model& model, CommandRequest& request)
+         {
+             const Radio& radio = radioOf(model, request);
+             const std::uint32_t channel = request.number("channel");
+             requireChannel(radio, channel);
+             request.setNumber("secondary_channel", radio.secondaryChannelOf(channel));
+         }},
+        // A second value of 0 restores the default.
+        {"tarn_qcsapi_wifi_set_sec_chan",
+         [](Model& model, CommandRequest& request)
+         {
+             Radio& radio = radioOf(model, request);
+             const std::uint32_t channel = request.number("value1");
+             const std::uint32_t secondary = request.number("value2");
+             requireChannel(radio, channel);
+             if (secondary == 0)
+             {
+                 radio.secondaryChannels.erase(channel);
+                 return;
+             }
+             requireChannel(radio, secondary);
+             if (secondary + 4 != channel && channel + 4 != secondary)
+                 throw Refused{ReplyStatus::kInvalidValue};
+             radio.secondaryChannels[channel] = secondary;
+         }},
+        // The radio's own channel cannot be made inactive.
+        {"tarn_qcsapi_wifi_set_chan_pri_inactive",
+         [](Model& model, CommandRequest& request)
+         {
+             Radio& radio = radioOf(model, request);
+             const std::uint32_t channel = request.number("value1");
+             requireChannel(radio, channel);
+             if (!request.flag("value2"))
+                 radio.inactiveChannels.erase(channel);
+             else if (channel == radio.settings.channel)
+                 throw Refused{ReplyStatus::kBusy};
+             else
+                 radio.inactiveChannels.insert(channel);
+         }},
+        {"tarn_qcsapi_wifi_get_list_channels", [](Model& model, CommandRequest& request)
+         { request.setText("list_of_channels", channelText(radioOf(model, request).allowedChannels())); }},
+        {"tarn_qcsapi_regulatory_get_list_regulatory_channels",
+         [](Model& model, CommandRequest& request)
+         {
+             ChannelCriteria criteria;
+             criteria.band = model.moduleRadio().band;
+             criteria.country = request.text("region_by_name");
+             criteria.bandwidth = request.number("bandwidth");
+             answerRegulatory(criteria, request);
+         }},
+        // The value: 0 all channels, 1 those without radar protection.
+        {"tarn_qcsapi_regulatory_get_list_regulatory_channels_if",
+         [](Model& model, CommandRequest& request)
+         {
+             const bool withoutRadarChannels = request.flag("value");
+             ChannelCriteria criteria;
+             criteria.band = radioOf(model, request).band;
+             criteria.country = request.text("region_name");
+             criteria.bandwidth = request.number("bandwidth");
+             criteria.withRadarChannels = !withoutRadarChannels;
+             answerRegulatory(criteria, request);
+         }},
+        {"tarn_qcsapi_regulatory_overwrite_country_code",
+         [](Model& model, CommandRequest& request)
+         {
+             Radio& radio = radioOf(model, request);
+             if (request.text("curr_country_name") != radio.settings.country)
+                 throw Refused{ReplyStatus::kInvalidValue};
+             model.change(radio, Changes<RadioSettings>().set(&RadioSettings::country, request.text("new_country_name")));
+         }},
+
+        // Radar checks.
+        {"tarn_qcsapi_wifi_get_dfs_s_radio_status", [](Model& model, CommandRequest& request)
+         { request.setNumber("status", static_cast<std::uint32_t>(radioOf(model, request).dfsRadio.status)); }},
+        {"tarn_qcsapi_wifi_start_dfs_s_radio",
+         [](Model& model, CommandRequest& request) { model.startDfsRadio(radioOf(model, request), request.number("value")); }},
+        {"tarn_qcsapi_wifi_stop_dfs_s_radio",
+         [](Model& model, CommandRequest& request) { model.stopDfsRadio(radioOf(model, request)); }},
+        {"tarn_qcsapi_wifi_get_cac_status", [](Model& model, CommandRequest& request)
+         { request.setNumber("cacstatus", radioOf(model, request).checking ? 1 : 0); }},
+        {"tarn_qcsapi_wifi_get_icac_status", [](Model& model, CommandRequest& request)
+         { request.setNumber("status", radioOf(model, request).dfsRadio.status == DfsRadioStatus::kChecking ? 1 : 0); }},
+        {"tarn_qcsapi_wifi_get_chan_avail_status",
+         [](Model& model, CommandRequest& request)
+         {
+             enum Availability : std::uint32_t
+             {
+                 kAvailable = 1,
+                 kNotChecked = 2,
+                 kBeingChecked = 3
+             };
+             const Radio& radio = radioOf(model, request);
+             const auto availabilityOf = [&](std::uint32_t channel)
+             {
+                 if (!radio.needsRadarCheck(channel))
+                     return kAvailable;
+                 const bool isBeingChecked =
+                     (radio.checking && channel == radio.settings.channel) ||
+                     (radio.dfsRadio.status == DfsRadioStatus::kChecking && channel == radio.dfsRadio.channel);
+                 return isBeingChecked ? kBeingChecked : kNotChecked;
+             };
+             const std::vector<std::uint32_t> channels = channelsOf(radio);
+             Record list = request.blank("chan_avail_status");
+             list.setNumber("number", channels.size());
+             for (std::size_t i = 0; i < channels.size(); ++i)
+             {
+                 const std::string entry = "channels[" + std::to_string(i) + "].";
+                 list.setNumber(entry + "channel", channels[i]);
+                 list.setNumber(entry + "availability", availabilityOf(channels[i]));
+             }
+             request.setRecord("chan_avail_status", list);
+         }},
+
+        // Transmit power.
+        {"tarn_qcsapi_wifi_get_supported_tx_power_levels",
+         [](Model& model, CommandRequest& request)
+         {
+             radioOf(model, request);
+             request.setText("available_percentages", "100,75,50,25,12");
+         }},
+        // The channel, the reduction in dB, and the bandwidth it applies to: 0 all, 1 to 4 for 20 to 160 MHz.
+        {"tarn_qcsapi_reg_chan_txpower_backoff_set",
+         [](Model& model, CommandRequest& request)
+         {
+             Radio& radio = radioOf(model, request);
+             const std::uint32_t channel = request.number("value1");
+             requireChannel(radio, channel);
+             PowerBackoff backoff;
+             assign(backoff, &PowerBackoff::decibels, request.number("value2"));
+             assign(backoff, &PowerBackoff::bandwidth, request.number("value3"));
+             radio.powerBackoffs[channel] = backoff;
+         }},
+        {"tarn_qcsapi_calcmd_get_tx_power",
+         [](Model& model, CommandRequest& request)
+         {
+             const Radio& radio = model.moduleRadio();
+             std::uint32_t chain = 0;
+             for (const char* name : {"pwr0", "pwr1", "pwr2", "pwr3"})
+                 request.setSigned(name, model.chainPower(radio, chain++));
+         }},
+
+        // Scans.
+        {"tarn_qcsapi_wifi_start_scan_ext",
+         [](Model& model, CommandRequest& request)
+         {
+             constexpr std::uint32_t kMostFlags = 0xff;
+             Radio& radio = radioOf(model, request);
+             const std::uint32_t flags = request.number("value");
+             if (flags > kMostFlags)
+                 throw Refused{ReplyStatus::kInvalidValue};
+             model.startScan(radio, flags);
+         }},
+        {"tarn_qcsapi_wifi_get_scan_status", [](Model& model, CommandRequest& request)
+         { request.setNumber("scanstatus", radioOf(model, request).scan.status == ScanStatus::kRunning ? 1 : 0); }},
+        {"tarn_qcsapi_wifi_get_results_AP_scan", [](Model& model, CommandRequest& request)
+         { request.setNumber("count_APs", count(radioOf(model, request).scan.results)); }},
+        {"tarn_qcsapi_wifi_get_properties_AP", [](Model& model, CommandRequest& request)
+         { request.answer("ap_property", elementAt(radioOf(model, request).scan.results, request.number("index"))); }},
+    });
 }
 
 } // namespace tarn::simulator

@@ -13,135 +13,104 @@ Station& stationOf(Model& model, const CommandRequest& request)
     return elementAt(interfaceOf(model, request).stations, request.number("association_index"));
 }
 
-void getInterfaceStats(Model& model, CommandRequest& request)
-{
-    const Interface& interface = interfaceOf(model, request);
-    request.answer("stats", model.counters(interface), interface);
-}
-
-void getRssiByChain(Model& model, CommandRequest& request)
-{
-    const Radio& radio = radioOf(model, request);
-    std::uint32_t chain = 0;
-    for (const char* name : {"rssi0", "rssi1", "rssi2", "rssi3"})
-        request.setSigned(name, radio.chainRssi(chain++));
-}
-
-void getConnectionMode(Model& model, CommandRequest& request)
-{
-    request.setText("p_wifi_phy_mode", elementAt(interfaceOf(model, request).stations, request.number("value")).phyMode);
-}
-
-void getRssi(Model& model, CommandRequest& request)
-{
-    request.setSigned("rssi", stationOf(model, request).rssi);
-}
-
-void getTxMcs(Model& model, CommandRequest& request)
-{
-    request.setNumber("tx_mcs", stationOf(model, request).txMcs);
-}
-
-void getRxMcs(Model& model, CommandRequest& request)
-{
-    request.setNumber("rx_mcs", stationOf(model, request).rxMcs);
-}
-
-void getTimeAssociated(Model& model, CommandRequest& request)
-{
-    request.setNumber("time_in_second", model.secondsAssociated(stationOf(model, request)));
-}
-
-void getNodeStats(Model& model, CommandRequest& request)
-{
-    const Station& station = stationOf(model, request);
-    request.setSigned("out0", station.rssi);
-    request.setNumber("out1", station.txRate);
-    request.setNumber("out2", station.rxRate);
-    request.setNumber("out3", station.txMcs);
-    request.setNumber("out4", station.rxMcs);
-    request.answer("node_stats", model.counters(station));
-}
-
-void getDeviceAddress(Model& model, CommandRequest& request)
-{
-    request.setAddress("mac_addr", stationOf(model, request).address);
-}
-
-// By the address, or by the index if the address is all zeros.
-void getNodeInfoset(Model& model, CommandRequest& request)
-{
-    Interface& interface = interfaceOf(model, request);
-    const MacAddress address = request.address("mac_addr");
-    const Station& station =
-        address == MacAddress{} ? elementAt(interface.stations, request.number("index")) : interface.station(address);
-    Record nis = request.blank("nis");
-    fillStation(nis, model, interface, station);
-    fill(nis, model.counters(station));
-    request.setRecord("nis", nis);
-}
-
-void getRates(Model& model, CommandRequest& request)
-{
-    static const char* const kRates[] = {"6,12,24", "6,9,12,18,24,36,48,54", "1,2,5.5,6,9,11,12,18,24,36,48,54"};
-    interfaceOf(model, request);
-    const std::string rates = elementAt(kRates, request.number("rate_type"));
-    request.setBlock("rates", {rates.begin(), rates.end()});
-}
-
-void getVapExtStats(Model& model, CommandRequest& request)
-{
-    const Interface& interface = interfaceOf(model, request);
-    request.answer("stats", model.counters(interface), interface);
-}
-
-void getMaxBitrate(Model& model, CommandRequest& request)
-{
-    request.setText("max_bitrate", std::to_string(radioOf(model, request).maximumRate()));
-}
-
-void getCcaStats(Model& model, CommandRequest& request)
-{
-    const Radio& radio = radioOf(model, request);
-    const std::uint32_t transmitting = radio.channelLoad / 2;
-    const std::uint32_t receiving = radio.channelLoad / 4;
-    Record stats = request.blank("stats");
-    fill(stats, radio);
-    stats.setNumber("transmitting", transmitting);
-    stats.setNumber("receiving", receiving);
-    stats.setNumber("others", radio.channelLoad - transmitting - receiving);
-    request.setRecord("stats", stats);
-}
-
-// Errors of short and of long preambles: in the simulation one every 10 and one every 60 seconds.
-void getPreambleError(Model& model, CommandRequest& request)
-{
-    radioOf(model, request);
-    Record errors = request.blank("preamble_error");
-    errors.setNumber("shortPreambles", model.secondsSinceStart() / 10);
-    errors.setNumber("longPreambles", model.secondsSinceStart() / 60);
-    request.setRecord("preamble_error", errors);
-}
-
 } // namespace
 
 void addProxyStatisticsHandlers(HandlerTable& table)
 {
-    table.add("tarn_qcsapi_get_interface_stats", getInterfaceStats);
-    table.add("tarn_qcsapi_wifi_get_rssi_by_chain", getRssiByChain);
-    table.add("tarn_qcsapi_wifi_get_connection_mode", getConnectionMode);
-    table.add("tarn_qcsapi_wifi_get_rssi_in_dbm_per_association", getRssi);
-    table.add("tarn_qcsapi_wifi_get_tx_mcs_per_association", getTxMcs);
-    table.add("tarn_qcsapi_wifi_get_rx_mcs_per_association", getRxMcs);
-    table.add("tarn_qcsapi_wifi_get_time_associated_per_association", getTimeAssociated);
-    table.add("tarn_qcsapi_wifi_get_node_stats", getNodeStats);
-    table.add("tarn_qcsapi_wifi_get_associated_device_mac_addr", getDeviceAddress);
-    table.add("tarn_qcsapi_wifi_get_node_infoset", getNodeInfoset);
-    table.add("tarn_qcsapi_wifi_get_rates", getRates);
-    table.add("tarn_qcsapi_get_vap_extstats", getVapExtStats);
-    table.add("tarn_qcsapi_get_max_bitrate", getMaxBitrate);
-    table.add("tarn_qcsapi_get_cca_stats", getCcaStats);
-    table.add("tarn_qcsapi_get_preamble_error", getPreambleError);
+    table.add({
+        {"tarn_qcsapi_get_interface_stats",
+         [](Model& model, CommandRequest& request)
+         {
+             const Interface& interface = interfaceOf(model, request);
+             request.answer("stats", model.counters(interface), interface);
+         }},
+        {"tarn_qcsapi_wifi_get_rssi_by_chain",
+         [](Model& model, CommandRequest& request)
+         {
+             const Radio& radio = radioOf(model, request);
+             std::uint32_t chain = 0;
+             for (const char* name : {"rssi0", "rssi1", "rssi2", "rssi3"})
+                 request.setSigned(name, radio.chainRssi(chain++));
+         }},
+        {"tarn_qcsapi_wifi_get_connection_mode",
+         [](Model& model, CommandRequest& request) {
+             request.setText("p_wifi_phy_mode",
+                             elementAt(interfaceOf(model, request).stations, request.number("value")).phyMode);
+         }},
+        {"tarn_qcsapi_wifi_get_rssi_in_dbm_per_association",
+         [](Model& model, CommandRequest& request) { request.setSigned("rssi", stationOf(model, request).rssi); }},
+        {"tarn_qcsapi_wifi_get_tx_mcs_per_association",
+         [](Model& model, CommandRequest& request) { request.setNumber("tx_mcs", stationOf(model, request).txMcs); }},
+        {"tarn_qcsapi_wifi_get_rx_mcs_per_association",
+         [](Model& model, CommandRequest& request) { request.setNumber("rx_mcs", stationOf(model, request).rxMcs); }},
+        {"tarn_qcsapi_wifi_get_time_associated_per_association", [](Model& model, CommandRequest& request)
+         { request.setNumber("time_in_second", model.secondsAssociated(stationOf(model, request))); }},
+        {"tarn_qcsapi_wifi_get_node_stats",
+         [](Model& model, CommandRequest& request)
+         {
+             const Station& station = stationOf(model, request);
+             request.setSigned("out0", station.rssi);
+             request.setNumber("out1", station.txRate);
+             request.setNumber("out2", station.rxRate);
+             request.setNumber("out3", station.txMcs);
+             request.setNumber("out4", station.rxMcs);
+             request.answer("node_stats", model.counters(station));
+         }},
+        {"tarn_qcsapi_wifi_get_associated_device_mac_addr",
+         [](Model& model, CommandRequest& request) { request.setAddress("mac_addr", stationOf(model, request).address); }},
+        // By the address, or by the index if the address is all zeros.
+        {"tarn_qcsapi_wifi_get_node_infoset",
+         [](Model& model, CommandRequest& request)
+         {
+             Interface& interface = interfaceOf(model, request);
+             const MacAddress address = request.address("mac_addr");
+             const Station& station =
+                 address == MacAddress{} ? elementAt(interface.stations, request.number("index")) : interface.station(address);
+             Record nis = request.blank("nis");
+             fillStation(nis, model, interface, station);
+             fill(nis, model.counters(station));
+             request.setRecord("nis", nis);
+         }},
+        {"tarn_qcsapi_wifi_get_rates",
+         [](Model& model, CommandRequest& request)
+         {
+             static const char* const kRates[] = {"6,12,24", "6,9,12,18,24,36,48,54", "1,2,5.5,6,9,11,12,18,24,36,48,54"};
+             interfaceOf(model, request);
+             const std::string rates = elementAt(kRates, request.number("rate_type"));
+             request.setBlock("rates", {rates.begin(), rates.end()});
+         }},
+        {"tarn_qcsapi_get_vap_extstats",
+         [](Model& model, CommandRequest& request)
+         {
+             const Interface& interface = interfaceOf(model, request);
+             request.answer("stats", model.counters(interface), interface);
+         }},
+        {"tarn_qcsapi_get_max_bitrate", [](Model& model, CommandRequest& request)
+         { request.setText("max_bitrate", std::to_string(radioOf(model, request).maximumRate())); }},
+        {"tarn_qcsapi_get_cca_stats",
+         [](Model& model, CommandRequest& request)
+         {
+             const Radio& radio = radioOf(model, request);
+             const std::uint32_t transmitting = radio.channelLoad / 2;
+             const std::uint32_t receiving = radio.channelLoad / 4;
+             Record stats = request.blank("stats");
+             fill(stats, radio);
+             stats.setNumber("transmitting", transmitting);
+             stats.setNumber("receiving", receiving);
+             stats.setNumber("others", radio.channelLoad - transmitting - receiving);
+             request.setRecord("stats", stats);
+         }},
+        // Errors of short and of long preambles: in the simulation one every 10 and one every 60 seconds.
+        {"tarn_qcsapi_get_preamble_error",
+         [](Model& model, CommandRequest& request)
+         {
+             radioOf(model, request);
+             Record errors = request.blank("preamble_error");
+             errors.setNumber("shortPreambles", model.secondsSinceStart() / 10);
+             errors.setNumber("longPreambles", model.secondsSinceStart() / 60);
+             request.setRecord("preamble_error", errors);
+         }},
+    });
 }
 
 } // namespace tarn::simulator

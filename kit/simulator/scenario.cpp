@@ -81,6 +81,28 @@ void checkRadios(const JsonValue& radios, Model& model)
         radios.fail("at least one with \"onModule\": true");
 }
 
+// Each of them is due to an object that there is.
+void checkDue(const JsonValue& list, const Model& model)
+{
+    const auto numberIn = [](const JsonValue& value, std::size_t most, const std::string& expected)
+    {
+        const std::int64_t number = value.integerOrNull().value_or(0);
+        if (number < 1 || number > static_cast<std::int64_t>(most))
+            value.fail(expected + ", from 1 to " + std::to_string(most));
+        return static_cast<std::size_t>(number);
+    };
+    for (JsonObject& object : list.objects())
+    {
+        const Occurrence what = object["what"].oneOf<Occurrence>(kOccurrenceNames);
+        if (what == Occurrence::kDownloadEnds || what == Occurrence::kProductionEnds)
+            continue;
+        const std::size_t radioId = numberIn(object["radio"], model.radios.size(), "the number of a radio");
+        if (what == Occurrence::kWpsWindowCloses || what == Occurrence::kStationReturns)
+            numberIn(object["interface"], model.radios[radioId - 1].interfaces.size(),
+                     "the number of an interface of radio " + std::to_string(radioId));
+    }
+}
+
 void checkDomains(const JsonValue& domains)
 {
     std::set<std::string> ids;
@@ -94,6 +116,8 @@ void read(const base::JsonDocument& document, Model& model)
     JsonObject file = document.root().object();
     object<Model>()->read(document.root(), model);
     checkRadios(file["radios"], model);
+    if (const JsonValue due = file["due"])
+        checkDue(due, model);
     if (const JsonValue smartWiFi = file["smartWiFi"])
         if (const JsonValue domains = smartWiFi.object()["domains"])
             checkDomains(domains);

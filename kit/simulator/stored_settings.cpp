@@ -214,15 +214,17 @@ void addStoredSettings(HandlerTable& table)
     const auto store = [](Model&, auto& object, const auto& changes) { changes.applyTo(object.settings); };
     const auto changeRadio = [](Model& model, Radio& radio, const Changes<RadioSettings>& changes)
     { model.change(radio, changes); };
-    const auto changeSecurity = [](Model&, Interface& interface, const Changes<InterfaceSettings>& changes)
-    { interface.changeSecurity(changes); };
+    const auto changeInterface = [](Model& model, Interface& interface, const Changes<InterfaceSettings>& changes)
+    { model.change(interface, changes); };
+    const auto changeSecurity = [](Model& model, Interface& interface, const Changes<InterfaceSettings>& changes)
+    { model.changeSecurity(interface, changes); };
     add(
         table, kServiceSettings, [](Model& model, const CommandRequest&) -> Service& { return model.service; }, store);
     add(
         table, kModuleSettings, [](Model& model, const CommandRequest&) -> Module& { return model.module; }, store);
     add(table, kRadioSettings, radioOf, changeRadio);
     add(table, kModuleRadioSettings, moduleRadioOf, changeRadio);
-    add(table, kInterfaceSettings, interfaceOf, store);
+    add(table, kInterfaceSettings, interfaceOf, changeInterface);
     add(table, kSecuritySettings, interfaceOf, changeSecurity);
     for (const StoredEntry& row : kStoredEntries)
         table.add(row.function, [&row](Model& model, CommandRequest& request) { handle(model, request, row); });

@@ -20,7 +20,8 @@ enum TarnGatewayStatus
     TARN_GATEWAY_OK = 0,
     TARN_GATEWAY_NO_SUCH_OBJECT = 16, /* no such event; no such entry in the state */
     TARN_GATEWAY_INVALID_VALUE = 17,  /* a length over the message's room; a path that is no JSON pointer */
-    TARN_GATEWAY_FULL = 19            /* the answer does not fit into the message */
+    TARN_GATEWAY_FULL = 19,           /* the answer does not fit into the message */
+    TARN_GATEWAY_NOT_THERE = 21       /* nothing is due */
 };
 
 /* Publishes an event of the device service, whatever the state of the gateway is. */
@@ -66,6 +67,25 @@ typedef struct TarnGatewayReadLayout
     char text[TARN_GATEWAY_LAYOUT_SIZE]; /* out: the piece, without a NUL behind it */
     uint32_t status;                     /* out */
 } TarnGatewayReadLayout;
+
+/* Reads the gateway's time, and changes how it goes. */
+#define TARN_GATEWAY_TIME 4u
+enum TarnGatewayTimeAction
+{
+    TARN_GATEWAY_TIME_READ = 0,
+    TARN_GATEWAY_TIME_SET_SPEED = 1,   /* `value`: thousandths of real time's speed; 0 stops it */
+    TARN_GATEWAY_TIME_STEP = 2,        /* `value`: milliseconds that pass at once */
+    TARN_GATEWAY_TIME_STEP_TO_NEXT = 3 /* until the next thing that is due has happened, with all others of the same instant */
+};
+typedef struct TarnGatewayTime
+{
+    uint32_t action;
+    uint32_t value;
+    uint32_t speed;        /* out: thousandths of real time's */
+    uint32_t seconds;      /* out: since the gateway was started */
+    uint32_t milliseconds; /* out: of the second, 0 to 999 */
+    uint32_t status;       /* out */
+} TarnGatewayTime;
 
 #ifdef __cplusplus
 }

@@ -108,7 +108,7 @@ TEST_F(ControlTest, LayoutIsReadPieceByPiece)
 TEST_F(ControlTest, OddRequestsAreToldSo)
 {
     std::uint8_t message[8] = {};
-    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 4, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 5, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
     EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 0, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
     EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 1, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
 }
@@ -119,8 +119,7 @@ TEST_F(ControlTest, ShutDownIsAskedForOnce)
     ASSERT_NE(mkdtemp(path.data()), nullptr);
     const std::string before = std::getenv("KORIIL_DIR");
     ASSERT_EQ(setenv("KORIIL_DIR", path.c_str(), 1), 0);
-    const ManualClock clock;
-    tarn::simulator::Model model(clock);
+    tarn::simulator::Model model;
     tarn::simulator::readDefaultScenario(model);
     std::atomic<int> asked{0};
     tarn::simulator::Gateway other(model, [&] { ++asked; });
@@ -137,8 +136,7 @@ TEST_F(ControlTest, ShutDownIsAskedForOnce)
 
 TEST_F(ControlTest, SecondGatewayIsTurnedAway)
 {
-    const ManualClock clock;
-    tarn::simulator::Model model(clock);
+    tarn::simulator::Model model;
     tarn::simulator::readDefaultScenario(model);
     tarn::simulator::Gateway second(model, [] {});
     try

@@ -93,8 +93,7 @@ TEST_F(DispatcherTest, MirrorAnswersAllThreeWordsAtOnce)
 // Requests of arbitrary bytes are answered with a documented status, and the gateway goes on.
 TEST_F(DispatcherTest, AnyBytesGetAnAnswer)
 {
-    const ManualClock clock;
-    tarn::simulator::Model model(clock);
+    tarn::simulator::Model model;
     tarn::simulator::readDefaultScenario(model);
     model.start();
     std::mt19937 random(1);

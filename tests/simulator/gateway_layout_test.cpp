@@ -63,8 +63,7 @@ TEST(OwnLayout, EveryFieldOfAConfigurationIsASetting)
 // No field is left unwritten: the layout documents each of them.
 TEST(OwnLayout, EveryFieldOfADescriptionIsFilled)
 {
-    const ManualClock clock;
-    tarn::simulator::Model model(clock);
+    tarn::simulator::Model model;
     tarn::simulator::readDefaultScenario(model);
     model.start();
     const Radio& radio = model.radio(1);

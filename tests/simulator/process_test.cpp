@@ -219,8 +219,8 @@ TEST_F(ProcessTest, SecondOneSaysThatTheNameIsTaken)
 
 TEST_F(ProcessTest, WrongUsageIsToldSo)
 {
-    Program unknown({"--seed", "1"});
-    EXPECT_NE(unknown.rest().find("--seed"), std::string::npos);
+    Program unknown({"--sead", "1"});
+    EXPECT_NE(unknown.rest().find("--sead"), std::string::npos);
     EXPECT_EQ(unknown.wait(), 2);
     Program negative({"--ready-fd", "-1"});
     EXPECT_NE(negative.rest().find("ready-fd"), std::string::npos);

@@ -39,7 +39,7 @@ Message arbitraryRequest(const contract::Command& command, std::mt19937& random)
 class SavedStateTest : public ::testing::Test
 {
 protected:
-    SavedStateTest() : model_(clock_)
+    SavedStateTest()
     {
         for (const contract::Contract& service : contract::all())
             dispatchers_.emplace_back(service, true);
@@ -68,7 +68,6 @@ protected:
                 }
     }
 
-    ManualClock clock_;
     Model model_;
     std::vector<Dispatcher> dispatchers_;
 };
@@ -76,12 +75,11 @@ protected:
 TEST_F(SavedStateTest, GoesOnAsTheFirstOneWouldHave)
 {
     send({&model_}, 4, 1);
-    clock_.advance(2500);
+    model_.advance(2500);
     send({&model_}, 1, 2);
     const std::string saved = tarn::simulator::scenarioOf(model_).dump();
 
-    ManualClock otherClock;
-    Model other(otherClock);
+    Model other;
     readScenario(saved, "saved", other);
     other.start();
     EXPECT_EQ(tarn::simulator::scenarioOf(other), Json::parse(saved));
@@ -89,13 +87,11 @@ TEST_F(SavedStateTest, GoesOnAsTheFirstOneWouldHave)
 
     send({&model_, &other}, 2, 3);
     EXPECT_EQ(tarn::simulator::scenarioOf(other), tarn::simulator::scenarioOf(model_));
-    for (const int milliseconds : {1, 1499, 60000})
+    for (const tarn::simulator::Milliseconds time : {2501, 4000, 64000})
     {
-        clock_.advance(static_cast<tarn::simulator::Milliseconds>(milliseconds));
-        otherClock.advance(static_cast<tarn::simulator::Milliseconds>(milliseconds));
-        model_.advance();
-        other.advance();
-        EXPECT_EQ(tarn::simulator::scenarioOf(other), tarn::simulator::scenarioOf(model_)) << milliseconds;
+        model_.advance(time);
+        other.advance(time);
+        EXPECT_EQ(tarn::simulator::scenarioOf(other), tarn::simulator::scenarioOf(model_)) << time;
     }
     send({&model_, &other}, 1, 4);
 }
@@ -104,8 +100,7 @@ TEST_F(SavedStateTest, GoesOnAsTheFirstOneWouldHave)
 TEST_F(SavedStateTest, IsTheSameTextWhenItIsSavedAgain)
 {
     const std::string saved = tarn::simulator::scenarioOf(model_).dump(1);
-    const ManualClock otherClock;
-    Model other(otherClock);
+    Model other;
     readScenario(saved, "saved", other);
     EXPECT_EQ(tarn::simulator::scenarioOf(other).dump(1), saved);
 }

@@ -81,13 +81,14 @@ void SimulatorTest::SetUp()
     directory_ = path;
     ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
 
-    model_ = std::make_unique<tarn::simulator::Model>(clock_, layout_.empty() ? tarn::simulator::GatewayLayout()
-                                                                              : tarn::simulator::GatewayLayout(layout_));
+    model_ = std::make_unique<tarn::simulator::Model>(layout_.empty() ? tarn::simulator::GatewayLayout()
+                                                                      : tarn::simulator::GatewayLayout(layout_));
     if (scenario_.empty())
         tarn::simulator::readDefaultScenario(*model_);
     else
         tarn::simulator::readScenario(scenario_, "test", *model_);
-    gateway_ = std::make_unique<tarn::simulator::Gateway>(*model_, [] {});
+    gateway_ = std::make_unique<tarn::simulator::Gateway>(
+        *model_, [] {}, 0);
     gateway_->start();
 }
 
@@ -104,8 +105,7 @@ void SimulatorTest::TearDown()
 
 void SimulatorTest::passSeconds(double seconds)
 {
-    clock_.advance(static_cast<tarn::simulator::Milliseconds>(seconds * 1000));
-    gateway_->tick();
+    gateway_->step(static_cast<tarn::simulator::Milliseconds>(seconds * 1000));
 }
 
 Json SimulatorTest::state(const std::string& path)

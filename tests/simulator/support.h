@@ -2,7 +2,6 @@
 // functions that are counted, the state of the gateway, and the events that it publishes.
 #pragma once
 
-#include "simulator/clock.h"
 #include "simulator/gateway.h"
 #include "simulator/model.h"
 #include "simulator/record.h"
@@ -57,26 +56,6 @@ constexpr MacAddress kStranger = {0x02, 0, 0, 0, 9, 9};
 extern const char kWifi0[65];
 extern const char kWifi1[65];
 extern const char kNobody[65];
-
-class ManualClock : public tarn::simulator::Clock
-{
-public:
-    tarn::simulator::Milliseconds now() const override
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        return now_;
-    }
-
-    void advance(tarn::simulator::Milliseconds milliseconds)
-    {
-        const std::lock_guard<std::mutex> guard(mutex_);
-        now_ += milliseconds;
-    }
-
-private:
-    mutable std::mutex mutex_; // a number of 64 bits is not atomic on every processor
-    tarn::simulator::Milliseconds now_ = 1000000;
-};
 
 // One function of the library, by its name, which is noted when it is called.
 template <typename Result, typename... Parameters>
@@ -160,7 +139,6 @@ private:
     std::string directory_;
     std::string scenario_;
     std::string layout_;
-    ManualClock clock_;
     std::unique_ptr<tarn::simulator::Model> model_;
     std::unique_ptr<tarn::simulator::Gateway> gateway_;
 };
