@@ -15,7 +15,7 @@ namespace tarn::simulator
 {
 
 // What can be due. At the same instant things happen in this order, and those of one kind in the order of their radios,
-// interfaces and addresses.
+// interfaces, addresses and channels.
 enum class Occurrence : std::uint32_t
 {
     kDownloadEnds,
@@ -24,11 +24,14 @@ enum class Occurrence : std::uint32_t
     kRadarCheckEnds,
     kDfsRadioEnds,
     kWpsWindowCloses,
-    kStationReturns
+    kNonOccupancyEnds, // a channel may be used again after radar
+    kRadarAppears,
+    kClientReturns // to an access point that it kept away from
 };
 
-inline constexpr const char* kOccurrenceNames[] = {"downloadEnds", "productionEnds",  "scanEnds",      "radarCheckEnds",
-                                                   "dfsRadioEnds", "wpsWindowCloses", "stationReturns"};
+inline constexpr const char* kOccurrenceNames[] = {"downloadEnds",     "productionEnds", "scanEnds",
+                                                   "radarCheckEnds",   "dfsRadioEnds",   "wpsWindowCloses",
+                                                   "nonOccupancyEnds", "radarAppears",   "clientReturns"};
 
 // Something that is due, and to which object: 0, or an address of zeros, where it is to none.
 struct Due
@@ -37,11 +40,12 @@ struct Due
     std::uint32_t radioId = 0;
     std::uint32_t interfaceId = 0;
     base::MacAddress address{};
+    std::uint32_t channel = 0;
 
     bool operator<(const Due& other) const
     {
-        return std::tie(what, radioId, interfaceId, address) <
-               std::tie(other.what, other.radioId, other.interfaceId, other.address);
+        return std::tie(what, radioId, interfaceId, address, channel) <
+               std::tie(other.what, other.radioId, other.interfaceId, other.address, other.channel);
     }
 };
 

@@ -95,10 +95,42 @@ std::vector<std::uint32_t> channelsFor(const ChannelCriteria& criteria)
     if (!criteria.withRadarChannels)
         without([&](std::uint32_t channel) { return isRadarChannel(criteria.band, channel); });
     if (!criteria.withWeatherChannels && criteria.band == Band::k5)
-        without([](std::uint32_t channel) { return channel >= 120 && channel <= 128; });
+        without([](std::uint32_t channel) { return isWeatherChannel(Band::k5, channel); });
     const Channels all = channels;
     without([&](std::uint32_t channel) { return !widens(criteria.band, channel, criteria.bandwidth, all); });
     return channels;
+}
+
+std::vector<std::uint32_t> blockOf(Band band, std::uint32_t channel, std::uint32_t bandwidth)
+{
+    const Run* const run = band == Band::k2 ? nullptr : runOf(band, channel);
+    if (band == Band::k2 && bandwidth == 40 && secondaryOf(band, channel) != 0)
+        return {channel, secondaryOf(band, channel)};
+    if (run == nullptr || bandwidth <= 20)
+        return {channel};
+    const std::uint32_t width = bandwidth / 20;
+    const std::uint32_t first = (channel - run->first) / 4 / width * width;
+    std::vector<std::uint32_t> block;
+    for (std::uint32_t i = first; i < std::min(first + width, run->count); ++i)
+        block.push_back(run->first + i * 4);
+    return block;
+}
+
+bool overlap(Band band, std::uint32_t channel, std::uint32_t bandwidth, std::uint32_t otherChannel,
+             std::uint32_t otherBandwidth)
+{
+    const std::vector<std::uint32_t> other = blockOf(band, otherChannel, otherBandwidth);
+    const std::uint32_t reach = band == Band::k2 ? 4 : 0;
+    for (const std::uint32_t each : blockOf(band, channel, bandwidth))
+        for (const std::uint32_t heard : other)
+            if (std::max(each, heard) - std::min(each, heard) <= reach)
+                return true;
+    return false;
+}
+
+bool isWeatherChannel(Band band, std::uint32_t channel)
+{
+    return band == Band::k5 && channel >= 120 && channel <= 128;
 }
 
 bool isRadarChannel(Band band, std::uint32_t channel)

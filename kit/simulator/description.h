@@ -128,20 +128,20 @@ private:
 };
 
 // What follows from the others, in records only.
-template <typename Object, typename Value>
+template <typename Object, typename Get>
 class DerivedField : public Field<Object>
 {
 public:
-    DerivedField(std::string name, Value (Object::*get)() const) : Field<Object>(std::move(name)), get_(get)
+    DerivedField(std::string name, Get get) : Field<Object>(std::move(name)), get_(get)
     {
     }
 
     void fill(Record& record, const layout::Field& field, const Object& from) const override
     {
-        if constexpr (std::is_enum_v<Value>)
-            record.setNumber(this->name(), static_cast<std::uint64_t>((from.*get_)()));
+        if constexpr (std::is_enum_v<std::decay_t<std::invoke_result_t<Get, const Object&>>>)
+            record.setNumber(this->name(), static_cast<std::uint64_t>(std::invoke(get_, from)));
         else
-            simulator::fill(record, field, (from.*get_)());
+            simulator::fill(record, field, std::invoke(get_, from));
     }
 
     void read(base::JsonObject& /*from*/, Object& /*to*/) const override
@@ -166,7 +166,7 @@ public:
     }
 
 private:
-    Value (Object::*get_)() const;
+    Get get_; // a member, or a function of the object
 };
 
 // A field of a member, as if it were the object's own.
@@ -233,10 +233,10 @@ public:
         return add(std::make_shared<MemberField<Object, Value>>(name, member, std::move(kind), true));
     }
 
-    template <typename Value>
-    Fields& derived(const char* name, Value (Object::*get)() const)
+    template <typename Get>
+    Fields& derived(const char* name, Get get)
     {
-        return add(std::make_shared<DerivedField<Object, Value>>(name, get));
+        return add(std::make_shared<DerivedField<Object, Get>>(name, get));
     }
 
     // The fields of a member.

@@ -153,7 +153,7 @@ const Description<InterfaceSettings>& descriptionOf()
             .field("rtsThreshold", &It::rtsThreshold, number(0, 2347))
             .field("txAmsdu", &It::txAmsdu, flag())
             .field("airfair", &It::airfair, flag())
-            .field("mcsRate", &It::mcsRate, text(1, 8))
+            .field("mcsRate", &It::mcsRate, textThat(isMcsRate, "auto, or MCS0 to MCS11", "^(auto|MCS([0-9]|1[01]))$"))
             .field("macFilterMode", &It::macFilterMode, number(0, 2))
             .field("beaconType", &It::beaconType, oneOf(std::vector<std::string>{"open", "wpa", "wpa2", "wpa-wpa2", "wpa3"}))
             .field("authenticationMode", &It::authenticationMode, oneOf(std::vector<std::string>{"open", "psk", "sae", "eap"}))
@@ -199,6 +199,56 @@ const Description<SteeringSettings>& descriptionOf()
     return kDescription;
 }
 
+// --- The environment ---------------------------------------------------------------------------------------------------------
+
+template <>
+const Description<Neighbour>& descriptionOf()
+{
+    using It = Neighbour;
+    static const Description<It> kDescription =
+        Fields<It>()
+            .required("bssid", &It::bssid, address())
+            .field("ssid", &It::ssid, text(0, kSsidLength))
+            .required("band", &It::band, word<Band>(kBandNames))
+            .required("channel", &It::channel, channel())
+            .field("bandwidth", &It::bandwidth, oneOf(std::vector<std::uint32_t>{20, 40, 80, 160}))
+            .field("rssi", &It::rssi, signedNumber(-100, 0))
+            .field("security", &It::security, oneOf(std::vector<std::string>{"open", "wpa", "wpa2", "wpa-wpa2", "wpa3"}))
+            .field("load", &It::load, percent());
+    return kDescription;
+}
+
+template <>
+const Description<Air>& descriptionOf()
+{
+    using It = Air;
+    static const Description<It> kDescription = Fields<It>()
+                                                    .field("noise2GHz", &It::noise2GHz, signedNumber(-110, -50))
+                                                    .field("noise5GHz", &It::noise5GHz, signedNumber(-110, -50))
+                                                    .field("noise6GHz", &It::noise6GHz, signedNumber(-110, -50))
+                                                    .field("neighbours", &It::neighbours, objects<Neighbour>(kNeighbourRoom));
+    return kDescription;
+}
+
+template <>
+const Description<Client>& descriptionOf()
+{
+    using It = Client;
+    static const Description<It> kDescription =
+        Fields<It>()
+            .required("address", &It::address, address())
+            .field("bands", &It::bands, list<std::set<Band>>(word<Band>(kBandNames), 3, 1))
+            .field("phyMode", &It::phyMode, word<PhyMode>(kPhyModeNames))
+            .field("streams", &It::streams, number(1, 4))
+            .field("pathLoss", &It::pathLoss, number(30, 130))
+            .field("ssid", &It::ssid, text(1, kSsidLength))
+            .field("passphrase", &It::passphrase, text(0, 63))
+            .field("packetRate", &It::packetRate, number(0, 100000))
+            .field("patienceSeconds", &It::patience, seconds())
+            .field("gone", &It::gone, boolean());
+    return kDescription;
+}
+
 // --- Stations and interfaces -------------------------------------------------------------------------------------------------
 
 template <>
@@ -222,17 +272,16 @@ const Description<Station>& descriptionOf()
     using It = Station;
     static const Description<It> kDescription = Fields<It>()
                                                     .required("address", &It::address, address())
-                                                    .field("rssi", &It::rssi, signedNumber(-100, 0))
-                                                    .field("txMcs", &It::txMcs, number(0, 11))
-                                                    .field("rxMcs", &It::rxMcs, number(0, 11))
-                                                    .field("txRate", &It::txRate, number(1, 10000))
-                                                    .field("rxRate", &It::rxRate, number(1, 10000))
-                                                    .field("chains", &It::chains, number(1, 4))
-                                                    .field("phyMode", &It::phyMode, text(0, 7))
-                                                    .field("packetRate", &It::packetRate, number(0, 100000))
-                                                    .field("since", &It::since, maybe(counter()))
-                                                    .field("staysAway", &It::staysAway, boolean())
-                                                    .field("frozen", &It::frozen, maybe(object<Counters>()));
+                                                    .required("since", &It::since, counter())
+                                                    .field("frozen", &It::frozen, maybe(object<Counters>()))
+                                                    .derived("macAddress", &It::address)
+                                                    .derived("rssi", &It::rssi)
+                                                    .derived("txMcs", &It::txMcs)
+                                                    .derived("rxMcs", &It::rxMcs)
+                                                    .derived("txRate", &It::txRate)
+                                                    .derived("rxRate", &It::rxRate)
+                                                    .derived("chains", &It::chains)
+                                                    .derived("phyMode", &It::phyModeName);
     return kDescription;
 }
 
@@ -268,7 +317,6 @@ const Description<Interface>& descriptionOf()
             .required("bssid", &It::bssid, address())
             .part(&It::settings)
             .field("stations", &It::stations, objects<Station>(kStationRoom))
-            .field("away", &It::away, objects<Station>(kStationRoom))
             .field("macFilter", &It::macFilter, addresses(kMacFilterRoom))
             .field("blocked", &It::blocked, addresses(kBlockListRoom))
             .field("wpsWindow", &It::window, object<WpsWindow>())
@@ -295,21 +343,6 @@ const Description<Interface>& descriptionOf()
 }
 
 // --- Radios ------------------------------------------------------------------------------------------------------------------
-
-template <>
-const Description<Neighbour>& descriptionOf()
-{
-    using It = Neighbour;
-    static const Description<It> kDescription = Fields<It>()
-                                                    .required("bssid", &It::bssid, address())
-                                                    .field("ssid", &It::ssid, text(0, kSsidLength))
-                                                    .field("band", &It::band, word<Band>(kBandNames))
-                                                    .required("channel", &It::channel, channel())
-                                                    .field("bandwidth", &It::bandwidth, number(20, 160))
-                                                    .field("rssi", &It::rssi, signedNumber(-100, 0))
-                                                    .field("security", &It::security, text(0, 15));
-    return kDescription;
-}
 
 template <>
 const Description<Scan>& descriptionOf()
@@ -354,16 +387,15 @@ const Description<Radio>& descriptionOf()
             .field("supportsRoaming", &It::supportsRoaming, boolean())
             .field("chains", &It::chains, number(1, 4))
             .field("temperature", &It::temperature, celsius())
-            .field("noise", &It::noise, signedNumber(-110, -50))
             .field("maximumPower", &It::maximumPower, signedNumber(10, 36))
-            .field("channelLoad", &It::channelLoad, percent())
             .field("driverVersion", &It::driverVersion, text(0, kVersionLength))
             .part(&It::settings)
             .required("interfaces", &It::interfaces, list<std::deque<Interface>>(object<Interface>(), kInterfaceRoom, 1))
-            .field("neighbours", &It::neighbours, objects<Neighbour>(kNeighbourRoom))
             .field("scan", &It::scan, object<Scan>())
             .field("checking", &It::checking, boolean())
             .field("checkedChannels", &It::checkedChannels, channels())
+            .field("occupiedChannels", &It::occupiedChannels, channels())
+            .field("silenced", &It::silenced, boolean())
             .field("dfsRadio", &It::dfsRadio, object<DfsRadio>())
             .field("inactiveChannels", &It::inactiveChannels, channels())
             .field("secondaryChannels", &It::secondaryChannels, table(channel(), channel()))
@@ -375,6 +407,8 @@ const Description<Radio>& descriptionOf()
             .derived("stations", &It::stationNumber)
             .derived("ssidNumber", &It::interfaceNumber)
             .derived("neighboringStatus", &It::scanStatus)
+            .derived("noise", &It::noise)
+            .derived("channelLoad", &It::channelLoad)
             .derived("possibleChannels", &It::allowedChannels);
     return kDescription;
 }
@@ -528,8 +562,9 @@ const Description<Timing>& descriptionOf()
                                                     .field("downloadSeconds", &It::download, seconds())
                                                     .field("radarCheckSeconds", &It::radarCheck, seconds())
                                                     .field("productionSeconds", &It::production, seconds())
-                                                    .field("reassociationSeconds", &It::reassociation, seconds())
-                                                    .field("reassociationSpreadSeconds", &It::reassociationSpread, seconds());
+                                                    .field("weatherRadarCheckSeconds", &It::weatherRadarCheck, seconds())
+                                                    .field("nonOccupancySeconds", &It::nonOccupancy, seconds())
+                                                    .field("returnSpreadSeconds", &It::returnSpread, seconds());
     return kDescription;
 }
 
@@ -560,7 +595,8 @@ const Description<Due>& descriptionOf()
                                                     .required("what", &It::what, word<Occurrence>(kOccurrenceNames))
                                                     .field("radio", &It::radioId, number(0, kRadioRoom))
                                                     .field("interface", &It::interfaceId, number(0, kInterfaceRoom))
-                                                    .field("address", &It::address, anyAddress());
+                                                    .field("address", &It::address, anyAddress())
+                                                    .field("channel", &It::channel, number(0, 233));
     return kDescription;
 }
 
@@ -623,6 +659,8 @@ const Description<Model>& descriptionOf()
             .field("random", &It::random, object<Random>())
             .field("due", &It::agenda, std::make_shared<AgendaKind>())
             .field("supportsWfaAlliance", &It::supportsWfaAlliance, boolean())
+            .field("air", &It::air, object<Air>())
+            .field("clients", &It::clients, objects<Client>(kClientRoom))
             .field("timing", &It::timing, object<Timing>())
             .field("service", &It::service, object<Service>())
             .field("module", &It::module, object<Module>())

@@ -1,4 +1,4 @@
-// The fields of the gateway's objects, as whoever reads and changes objects sees them: by name, for records, or by member, where
+// The fields of the gateway's objects, as whoever reads and changes these sees them: by name, for records, or by member, where
 // a misspelt one is a compile error. description.h says what a description is.
 #pragma once
 

@@ -86,6 +86,18 @@ void run(const Options& options)
         throw std::runtime_error("a service could not go on");
 }
 
+int printGenerated(const std::vector<std::size_t>& sizes)
+{
+    const std::size_t room[] = {kRadioRoom, kInterfaceRoom, kStationRoom};
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+        if (sizes[i] > room[i] || (sizes[i] == 0 && i < 2))
+            throw CLI::ValidationError("--generate",
+                                       std::to_string(sizes[i]) +
+                                           "; expected 1 to 8 radios, 1 to 8 interfaces and at most 128 stations");
+    std::puts(generatedScenario(sizes[0], sizes[1], sizes[2]).dump(1).c_str());
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -124,10 +136,17 @@ int main(int argc, char** argv)
                 throw CLI::Success();
             },
             "Print the JSON Schema of scenario files");
+        std::vector<std::size_t> generated;
+        app.add_option("--generate", generated,
+                       "Print a scenario with so many radios, interfaces of each, and stations of each of these")
+            ->type_name("RADIOS INTERFACES STATIONS")
+            ->expected(3);
         app.set_version_flag("--version", "tarn-gateway " TARN_VERSION);
         try
         {
             app.parse(argc, argv);
+            if (!generated.empty())
+                return printGenerated(generated);
         }
         catch (const CLI::ParseError& error)
         {

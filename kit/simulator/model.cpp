@@ -3,22 +3,10 @@
 #include "lists.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace tarn::simulator
 {
-
-namespace
-{
-
-constexpr std::uint64_t kPacketBytes = 1000;
-
-bool isInterfaceName(const std::string& name)
-{
-    const auto isOdd = [](char character) { return character <= ' ' || character > '~' || character == '/'; };
-    return !name.empty() && name.size() <= 15 && std::none_of(name.begin(), name.end(), isOdd);
-}
-
-} // namespace
 
 Model::Model(GatewayLayout layoutInUse) : layout(std::move(layoutInUse))
 {
@@ -35,20 +23,22 @@ void Model::start()
         {
             interface.id = ++interfaceId;
             interface.radio = &radio;
-            bringIn(interface);
         }
-        settle(radio);
+        ready_.push_back(radio.isReady());
     }
-}
-
-// The stations of a scenario that are not associated yet come now.
-void Model::bringIn(Interface& interface)
-{
-    std::vector<Station>& stations = interface.stations;
-    const auto isAssociated = [](const Station& station) { return station.since.has_value(); };
-    const auto first = std::stable_partition(stations.begin(), stations.end(), isAssociated);
-    interface.away.insert(interface.away.begin(), first, stations.end());
-    stations.erase(first, stations.end());
+    std::size_t index = 0;
+    for (const Client& client : clients)
+    {
+        idle_.insert(index);
+        clientIndex_.emplace(client.address, index++);
+    }
+    for (Radio& radio : radios)
+        for (Interface& interface : radio.interfaces)
+            for (const Station& station : interface.stations)
+                idle_.erase(clientIndex_.at(station.address));
+    seekAll();
+    for (Radio& radio : radios)
+        refresh(radio);
 }
 
 void Model::advance(Milliseconds to)
@@ -83,8 +73,15 @@ void Model::happen(const Due& due)
     case Occurrence::kWpsWindowCloses:
         setWpsWindow(interfaceOf(due.radioId, due.interfaceId), WpsStatus::kExpired);
         break;
-    case Occurrence::kStationReturns:
-        settle(interfaceOf(due.radioId, due.interfaceId));
+    case Occurrence::kNonOccupancyEnds:
+        endNonOccupancy(radio(due.radioId), due.channel);
+        break;
+    case Occurrence::kRadarAppears:
+        radarAppears(due.channel);
+        break;
+    case Occurrence::kClientReturns:
+        if (Radio* const changed = seek(clients[clientIndex_.at(due.address)]))
+            refresh(*changed);
         break;
     }
 }
@@ -147,42 +144,19 @@ SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
 
 // --- Changing ----------------------------------------------------------------------------------------------------------------
 
-void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
-{
-    RadioSettings changed = radio.settings;
-    changes.applyTo(changed);
-    if (changes.has(&RadioSettings::channel) && !changes.has(&RadioSettings::autoChannel))
-        changed.autoChannel = 0;
-    if (changed.autoChannel != 0)
-        changed.channel = radio.quietestChannel(changed);
-    if (!contains(radio.channelsWith(changed), changed.channel))
-        throw Refused{ReplyStatus::kInvalidValue};
-
-    const RadioSettings before = std::exchange(radio.settings, std::move(changed));
-    const auto publishChange = [&](const char* event)
-    {
-        Record data(layout.record(event));
-        fill(data, radio);
-        publishEvent(event, data);
-    };
-    if (before.channel != radio.settings.channel)
-    {
-        publishChange("EVT_RADIO_OPR_CHANNEL_CHANGED");
-        beginRadarCheck(radio);
-    }
-    if (before.bandwidth != radio.settings.bandwidth)
-        publishChange("EVT_RADIO_OPR_BANDWIDTH_CHANGED");
-    if (before.enabled != radio.settings.enabled)
-    {
-        publishChange("EVT_RADIO_STATUS_CHANGED");
-        beginRadarCheck(radio);
-    }
-    settle(radio);
-}
-
 void Model::change(Interface& interface, const Changes<InterfaceSettings>& changes)
 {
+    const InterfaceSettings before = interface.settings;
     changes.applyTo(interface.settings);
+    const InterfaceSettings& now = interface.settings;
+    const auto network = [](const InterfaceSettings& settings)
+    {
+        return std::tie(settings.ssid, settings.beaconType, settings.authenticationMode, settings.encryptionModes,
+                        settings.passphrase);
+    };
+    if (network(before) != network(now))
+        while (!interface.stations.empty()) // it is another network to them
+            part(interface, 0);
     settle(interface);
 }
 
@@ -213,24 +187,32 @@ Interface& Model::createInterface(const std::string& name, bool enabled)
     interface.id = static_cast<std::uint32_t>(radio.interfaces.size());
     interface.name = name;
     interface.radio = &radio;
-    interface.bssid = radio.interfaces.front().bssid;
-    interface.bssid[0] = static_cast<std::uint8_t>(interface.bssid[0] | 2); // locally administered
-    interface.bssid[5] = static_cast<std::uint8_t>(interface.bssid[5] + interface.id - 1);
+    interface.bssid = freeAddress(radio.interfaces.front().bssid);
     interface.settings.enabled = enabled ? 1 : 0;
     if (service.stoppedPolling.count(Polling::kInterfaces) != 0)
         interface.frozen = Counters{};
+    settle(interface);
     return interface;
 }
 
-void Model::kickOut(Interface& interface, const MacAddress& address)
+// The next one, locally administered, that nothing in the gateway or around it has.
+MacAddress Model::freeAddress(MacAddress address) const
 {
-    for (std::size_t i = 0; i < interface.stations.size(); ++i)
-        if (interface.stations[i].address == address)
+    const auto isTaken = [&]
+    {
+        for (const Radio& radio : radios)
+            for (const Interface& interface : radio.interfaces)
+                if (interface.bssid == address)
+                    return true;
+        const auto isIts = [&](const Neighbour& neighbour) { return neighbour.bssid == address; };
+        return clientIndex_.count(address) != 0 || std::any_of(air.neighbours.begin(), air.neighbours.end(), isIts);
+    };
+    address[0] = static_cast<std::uint8_t>(address[0] | 2);
+    while (isTaken())
+        for (std::size_t i = address.size() - 1; i > 0 && ++address.at(i) == 0; --i)
         {
-            part(interface, i);
-            return settle(interface); // somebody else may take the place
         }
-    throw Refused{ReplyStatus::kNoSuchObject};
+    return address;
 }
 
 void Model::stopPolling(Polling what, bool stop)
@@ -348,24 +330,6 @@ void Model::startProduction()
     agenda.set({Occurrence::kProductionEnds}, time + timing.production);
 }
 
-void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
-{
-    if (radio.settings.enabled == 0)
-        throw Refused{ReplyStatus::kSwitchedOff};
-    if (radio.dfsRadio.status == DfsRadioStatus::kChecking)
-        throw Refused{ReplyStatus::kBusy};
-    std::vector<std::uint32_t> unchecked = radio.allowedChannels();
-    const auto needsNoCheck = [&](std::uint32_t candidate) { return !radio.needsRadarCheck(candidate); };
-    unchecked.erase(std::remove_if(unchecked.begin(), unchecked.end(), needsNoCheck), unchecked.end());
-    if (channel == 0 && unchecked.empty())
-        throw Refused{ReplyStatus::kNotThere};
-    if (channel != 0 && (!isRadarChannel(radio.band, channel) || !contains(radio.allowedChannels(), channel)))
-        throw Refused{ReplyStatus::kInvalidValue};
-    radio.dfsRadio.status = DfsRadioStatus::kChecking;
-    radio.dfsRadio.channel = channel != 0 ? channel : unchecked.front();
-    agenda.set({Occurrence::kDfsRadioEnds, radio.id}, time + timing.radarCheck);
-}
-
 bool Model::isProductionDone() const
 {
     return module.productionStarted && !agenda.has({Occurrence::kProductionEnds});
@@ -379,99 +343,16 @@ void Model::cancelScan(Radio& radio)
     agenda.cancel({Occurrence::kScanEnds, radio.id});
 }
 
-void Model::endScan(Radio& radio)
+void Model::endScan(Radio& radio) const
 {
     radio.scan.status = ScanStatus::kDone;
-    radio.scan.results = radio.neighbours;
-}
-
-void Model::stopDfsRadio(Radio& radio)
-{
-    if (radio.dfsRadio.status == DfsRadioStatus::kStopped)
-        throw Refused{ReplyStatus::kNotThere};
-    radio.dfsRadio = {};
-    agenda.cancel({Occurrence::kDfsRadioEnds, radio.id});
-}
-
-void Model::endDfsRadioCheck(Radio& radio)
-{
-    radio.dfsRadio.status = DfsRadioStatus::kReady;
-    radio.checkedChannels.insert(radio.dfsRadio.channel);
-}
-
-void Model::endRadarCheck(Radio& radio)
-{
-    radio.checking = false;
-    radio.checkedChannels.insert(radio.settings.channel);
-    settle(radio);
+    radio.scan.results = air.neighboursIn(radio.band);
 }
 
 std::uint32_t Model::wpsSecondsLeft(const Interface& interface) const
 {
     const std::optional<Milliseconds> closes = agenda.time({Occurrence::kWpsWindowCloses, interface.radio->id, interface.id});
     return closes ? static_cast<std::uint32_t>((*closes - time + 999) / 1000) : 0;
-}
-
-void Model::settle(Radio& radio)
-{
-    if (radio.scan.status == ScanStatus::kRunning && radio.settings.enabled == 0)
-        cancelScan(radio);
-    for (Interface& interface : radio.interfaces)
-        settle(interface);
-}
-
-void Model::settle(Interface& interface)
-{
-    if (interface.window.status == WpsStatus::kOpen && (interface.settings.wpsEnabled == 0 || !interface.isUp()))
-        setWpsWindow(interface, WpsStatus::kCancelled);
-    for (std::size_t i = 0; i < interface.stations.size();)
-        if (interface.admits(interface.stations[i].address, i))
-            ++i;
-        else
-            part(interface, i);
-    for (std::size_t i = 0; i < interface.away.size();)
-        if (isWaiting(interface, interface.away[i]) && interface.admits(interface.away[i].address, interface.stations.size()))
-        {
-            const auto place = interface.away.begin() + static_cast<std::ptrdiff_t>(i);
-            Station station = std::move(*place);
-            interface.away.erase(place);
-            associate(interface, std::move(station));
-        }
-        else
-            ++i;
-}
-
-// Whether the station would come if it were admitted.
-bool Model::isWaiting(const Interface& interface, const Station& station) const
-{
-    return !station.staysAway && !agenda.has({Occurrence::kStationReturns, interface.radio->id, interface.id, station.address});
-}
-
-void Model::associate(Interface& interface, Station station)
-{
-    station.since = time;
-    if (service.stoppedPolling.count(Polling::kStations) != 0)
-        station.frozen = Counters{};
-    ++interface.associations;
-    interface.stations.push_back(std::move(station));
-    reportAssociation(interface, interface.stations.back(), true);
-}
-
-void Model::part(Interface& interface, std::size_t index)
-{
-    const auto place = interface.stations.begin() + static_cast<std::ptrdiff_t>(index);
-    Station station = std::move(*place);
-    interface.stations.erase(place);
-    interface.departed.add(counters(station));
-    ++interface.disassociations;
-    station.since.reset();
-    station.staysAway = timing.reassociation == 0;
-    if (!station.staysAway)
-        agenda.set({Occurrence::kStationReturns, interface.radio->id, interface.id, station.address},
-                   time + timing.reassociation + random.upTo(static_cast<std::uint32_t>(timing.reassociationSpread)));
-    station.frozen.reset();
-    reportAssociation(interface, station, false);
-    interface.away.push_back(std::move(station));
 }
 
 void Model::setWpsWindow(Interface& interface, WpsStatus status)
@@ -485,93 +366,12 @@ void Model::setWpsWindow(Interface& interface, WpsStatus status)
     publishEvent("EVT_AP_WPS_WIN_STATUS_CHANGED", data);
 }
 
-void Model::beginRadarCheck(Radio& radio)
-{
-    radio.checking = radio.settings.enabled != 0 && timing.radarCheck > 0 && radio.needsRadarCheck(radio.settings.channel);
-    if (radio.checking)
-        agenda.set({Occurrence::kRadarCheckEnds, radio.id}, time + timing.radarCheck);
-    else
-        agenda.cancel({Occurrence::kRadarCheckEnds, radio.id});
-}
-
 void Model::publishEvent(const char* event, const Record& data) const
 {
     if (publish)
         publish(event, data);
 }
 
-void Model::reportAssociation(const Interface& interface, const Station& station, bool associated)
-{
-    std::vector<HistoryEntry>& history = smartWiFi.history;
-    if (history.size() == kHistoryRoom)
-        history.erase(history.begin());
-    history.push_back({secondsSinceStart(), associated ? 1u : 0u,
-                       base::macText(station.address) + (associated ? " has come to " : " has left ") + interface.name});
-    Record data(layout.record("EVT_AP_ASSOCIATED_CHANGED"));
-    fill(data, interface);
-    data.setAddress("macAddress", station.address);
-    data.setNumber("associated", associated ? 1 : 0);
-    publishEvent("EVT_AP_ASSOCIATED_CHANGED", data);
-}
-
 // --- What follows from the state ---------------------------------------------------------------------------------------------
-
-// A level is a percentage of the maximum power: half of it is 3 dB less.
-std::int32_t Model::chainPower(const Radio& radio, std::uint32_t chain) const
-{
-    if (chain >= radio.chains || radio.settings.enabled == 0)
-        return 0;
-    constexpr std::int32_t kCap = 20; // dBm
-    const std::int32_t most =
-        radio.onModule && module.settings.transmitPowerCap != 0 ? std::min(radio.maximumPower, kCap) : radio.maximumPower;
-    switch (radio.settings.transmitPower)
-    {
-    case 75:
-        return most - 1;
-    case 50:
-        return most - 3;
-    case 25:
-        return most - 6;
-    case 12:
-        return most - 9;
-    default:
-        return most;
-    }
-}
-
-std::uint32_t Model::secondsAssociated(const Station& station) const
-{
-    return static_cast<std::uint32_t>((time - station.since.value_or(time)) / 1000);
-}
-
-Counters Model::counters(const Station& station) const
-{
-    const std::uint64_t packets = (time - station.since.value_or(time)) * station.packetRate / 1000;
-    Counters result;
-    result.txPackets = packets;
-    result.rxPackets = packets;
-    result.txBytes = packets * kPacketBytes;
-    result.rxBytes = packets * kPacketBytes;
-    result.txErrors = packets / 1000;
-    result.rxErrors = packets / 2000;
-    result.txRetries = packets / 50;
-    return result;
-}
-
-Counters Model::counters(const Interface& interface) const
-{
-    Counters result = interface.departed;
-    for (const Station& station : interface.stations)
-        result.add(counters(station));
-    return result;
-}
-
-Counters Model::counters(const Radio& radio) const
-{
-    Counters result;
-    for (const Interface& interface : radio.interfaces)
-        result.add(counters(interface));
-    return result;
-}
 
 } // namespace tarn::simulator

@@ -32,6 +32,8 @@ public:
     Milliseconds time = 0; // since the gateway was started, up to which it has advanced
     Random random;
     Agenda agenda;
+    Air air;
+    std::vector<Client> clients;
     bool supportsWfaAlliance = true;
     Timing timing;
     Service service;
@@ -49,6 +51,8 @@ public:
 
     // To be called when something has changed that decides who may be associated.
     void settle(Interface& interface);
+    void settle(Radio& radio);
+    void settle();
 
     std::uint32_t secondsSinceStart() const;
 
@@ -92,6 +96,7 @@ public:
     void cancelWpsWindow(Interface& interface);
     void startDownload(const std::string& path);
     void startProduction();
+    void radarAppears(std::uint32_t channel); // one of 20 MHz, at 5 GHz
     void startDfsRadio(Radio& radio, std::uint32_t channel);
 
     // --- What follows from the state -----------------------------------------------------------------------------------------
@@ -112,20 +117,42 @@ public:
     Counters counters(const Station& station) const;
 
 private:
-    static void bringIn(Interface& interface);
-    void settle(Radio& radio);
     void happen(const Due& due);
-    static void endScan(Radio& radio);
+
+    // Radios.
+    void apply(Radio& radio, RadioSettings changed);
+    std::uint32_t quietestChannel(const Radio& radio, const RadioSettings& settings) const;
+    void publishRadio(const char* event, const Radio& radio) const;
+    void reportReadiness(Radio& radio, bool isSwitched);
+    Milliseconds checkDuration(const Radio& radio, std::uint32_t channel, std::uint32_t bandwidth) const;
+    void leaveChannel(Radio& radio);
+    void endNonOccupancy(Radio& radio, std::uint32_t channel);
+    void endScan(Radio& radio) const;
     static void endDfsRadioCheck(Radio& radio);
     void endRadarCheck(Radio& radio);
-    bool isWaiting(const Interface& interface, const Station& station) const;
-    void associate(Interface& interface, Station station);
+
+    // Clients.
+    bool suits(const Interface& interface, const Client& client) const;
+    std::int32_t signalAt(const Radio& radio, const Client& client) const; // dBm
+    bool admits(const Interface& interface, const MacAddress& address, std::size_t associated) const;
+    bool isGroupFull(const Interface& interface, const MacAddress& address) const;
+    Radio* seek(const Client& client);
+    void seekAll();
+    void dismiss(Interface& interface);
+    void refresh(Radio& radio);
+    void refresh(const Interface& interface, Station& station) const;
+    MacAddress freeAddress(MacAddress address) const;
+    void associate(Interface& interface, const Client& client);
     void part(Interface& interface, std::size_t index);
     void setWpsWindow(Interface& interface, WpsStatus status);
     void beginRadarCheck(Radio& radio);
     void publishEvent(const char* event, const Record& data) const;
     // Adds it to the history and publishes its event.
-    void reportAssociation(const Interface& interface, const Station& station, bool associated);
+    void reportAssociation(const Interface& interface, const MacAddress& address, bool associated);
+
+    std::map<MacAddress, std::size_t> clientIndex_; // in `clients`
+    std::set<std::size_t> idle_;                    // clients that are not associated
+    std::vector<bool> ready_;                       // the radios, as last reported
 };
 
 template <>

@@ -17,7 +17,26 @@ bool isWpsPin(const std::string& text)
     return sum % 10 == 0;
 }
 
+bool isInterfaceName(const std::string& name)
+{
+    const auto isOdd = [](char character) { return character <= ' ' || character > '~' || character == '/'; };
+    return !name.empty() && name.size() <= 15 && std::none_of(name.begin(), name.end(), isOdd);
+}
+
+bool isMcsRate(const std::string& text)
+{
+    if (text == "auto")
+        return true;
+    const std::string digits = text.rfind("MCS", 0) == 0 ? text.substr(3) : "";
+    return digits == "10" || digits == "11" || (digits.size() == 1 && digits[0] >= '0' && digits[0] <= '9');
+}
+
 // --- Interfaces --------------------------------------------------------------------------------------------------------------
+
+std::string Station::phyModeName() const
+{
+    return toString(phyMode);
+}
 
 bool Interface::isUp() const
 {
@@ -31,7 +50,7 @@ bool Interface::isPrimary() const
 
 bool Interface::admits(const MacAddress& address, std::size_t associated) const
 {
-    if (!isUp())
+    if (!isUp() || contains(blocked, address))
         return false;
     if (settings.assocLimit != 0 && associated >= settings.assocLimit)
         return false;
@@ -90,12 +109,21 @@ std::uint32_t Radio::radioId() const
 
 bool Radio::isReady() const
 {
-    return settings.enabled != 0 && !checking;
+    return settings.enabled != 0 && !checking && !silenced;
 }
 
 bool Radio::needsRadarCheck(std::uint32_t channel) const
 {
     return isRadarChannel(band, channel) && checkedChannels.count(channel) == 0;
+}
+
+// While the check of weather channels is switched off, these are used without one.
+bool Radio::needsRadarCheckWith(const RadioSettings& other) const
+{
+    const std::vector<std::uint32_t> block = blockOf(band, other.channel, other.bandwidth);
+    return std::any_of(block.begin(), block.end(),
+                       [&](std::uint32_t channel)
+                       { return needsRadarCheck(channel) && (other.weatherCac != 0 || !isWeatherChannel(band, channel)); });
 }
 
 ChannelCriteria Radio::channelCriteria() const
@@ -121,24 +149,14 @@ std::vector<std::uint32_t> Radio::allowedChannels() const
 std::vector<std::uint32_t> Radio::channelsWith(const RadioSettings& other) const
 {
     std::vector<std::uint32_t> channels = channelsFor(criteriaWith(other));
-    const auto isInactive = [&](std::uint32_t channel) { return inactiveChannels.count(channel) != 0; };
-    channels.erase(std::remove_if(channels.begin(), channels.end(), isInactive), channels.end());
-    return channels;
-}
-
-// The one with the fewest neighbours on it, the lowest of several.
-std::uint32_t Radio::quietestChannel(const RadioSettings& other) const
-{
-    const std::vector<std::uint32_t> channels = channelsWith(other);
-    if (channels.empty())
-        throw Refused{ReplyStatus::kInvalidValue};
-    const auto neighboursOn = [&](std::uint32_t channel)
+    const auto cannotBeUsed = [&](std::uint32_t channel)
     {
-        const auto isThere = [&](const Neighbour& neighbour) { return neighbour.channel == channel; };
-        return std::count_if(neighbours.begin(), neighbours.end(), isThere);
+        const std::vector<std::uint32_t> block = blockOf(band, channel, other.bandwidth);
+        const auto isOccupied = [&](std::uint32_t each) { return occupiedChannels.count(each) != 0; };
+        return inactiveChannels.count(channel) != 0 || std::any_of(block.begin(), block.end(), isOccupied);
     };
-    return *std::min_element(channels.begin(), channels.end(),
-                             [&](std::uint32_t left, std::uint32_t right) { return neighboursOn(left) < neighboursOn(right); });
+    channels.erase(std::remove_if(channels.begin(), channels.end(), cannotBeUsed), channels.end());
+    return channels;
 }
 
 std::uint32_t Radio::secondaryChannelOf(std::uint32_t channel) const
@@ -164,12 +182,13 @@ std::int32_t Radio::chainRssi(std::uint32_t chain) const
 
 std::uint32_t Radio::maximumRate() const
 {
-    std::uint32_t perStream = 54; // at 20 MHz
-    if (settings.phyMode == "11ax")
-        perStream = 150;
-    else if (settings.phyMode == "11ac")
-        perStream = 108;
-    return perStream * chains * settings.bandwidth / 20;
+    LinkConditions best;
+    best.mode = phyModeOf(settings.phyMode);
+    best.bandwidth = settings.bandwidth;
+    best.streams = chains;
+    best.hasShortGuardInterval = settings.shortGuardInterval != 0;
+    best.signalToNoise = 100;
+    return rateOf(best).rate;
 }
 
 std::uint32_t Radio::interfaceNumber() const

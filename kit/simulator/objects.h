@@ -1,10 +1,8 @@
 // The objects that the model of the gateway is made of.
 #pragma once
 
-#include "channels.h"
-#include "clock.h"
 #include "counters.h"
-#include "fields.h"
+#include "environment.h"
 
 #include <array>
 #include <cstdint>
@@ -22,9 +20,10 @@ struct Radio;
 
 // The room in lists and tables.
 constexpr std::size_t kRadioRoom = 8;
-constexpr std::size_t kInterfaceRoom = 8;   // of one radio
-constexpr std::size_t kStationRoom = 128;   // of one interface
-constexpr std::size_t kNeighbourRoom = 255; // of one radio
+constexpr std::size_t kInterfaceRoom = 8; // of one radio
+constexpr std::size_t kStationRoom = 128; // of one interface
+constexpr std::size_t kNeighbourRoom = 255;
+constexpr std::size_t kClientRoom = kRadioRoom * kInterfaceRoom * kStationRoom;
 constexpr std::size_t kMacFilterRoom = 32;
 constexpr std::size_t kBlockListRoom = 16;
 constexpr std::size_t kDomainRoom = 8;
@@ -35,6 +34,12 @@ constexpr std::size_t kTableRoom = 64; // custom values, boot parameters, files,
 
 // Eight digits, the last of which is the check digit.
 bool isWpsPin(const std::string& text);
+
+// Printable ASCII without spaces and slashes, at most 15 characters.
+bool isInterfaceName(const std::string& name);
+
+// "auto", or "MCS0" to "MCS11".
+bool isMcsRate(const std::string& text);
 
 // Numbers stored under a number.
 using NumberTable = std::map<std::uint32_t, std::uint32_t>;
@@ -153,21 +158,23 @@ struct SteeringSettings
 
 // --- Stations and interfaces -------------------------------------------------------------------------------------------------
 
+// A client that is associated. What follows from the link is kept up to date by the model.
 struct Station
 {
     MacAddress address{};
-    std::int32_t rssi = -60; // dBm
-    std::uint32_t txMcs = 7;
-    std::uint32_t rxMcs = 7;
-    std::uint32_t txRate = 300; // Mbit/s
-    std::uint32_t rxRate = 300;
-    std::uint32_t chains = 2;
-    std::string phyMode = "11ac";
-    std::uint32_t packetRate = 20; // packets a second, each way
-
-    std::optional<Milliseconds> since; // while associated
-    bool staysAway = false;            // it does not return
+    Milliseconds since = 0;
     std::optional<Counters> frozen;
+
+    std::int32_t rssi = 0; // dBm
+    std::uint32_t txMcs = 0;
+    std::uint32_t rxMcs = 0;
+    std::uint32_t txRate = 0; // Mbit/s
+    std::uint32_t rxRate = 0;
+    std::uint32_t chains = 1;
+    PhyMode phyMode = PhyMode::k11ac;
+    std::uint32_t packetRate = 0; // packets a second, each way
+
+    std::string phyModeName() const;
 };
 
 enum class WpsStatus : std::uint32_t
@@ -220,8 +227,7 @@ struct Interface
     MacAddress bssid{};
     InterfaceSettings settings;
 
-    std::vector<Station> stations; // associated, in the order of their association
-    std::vector<Station> away;
+    std::vector<Station> stations; // in the order of their association
     std::vector<MacAddress> macFilter;
     std::vector<MacAddress> blocked; // the block list of the SSID interface
 
@@ -254,17 +260,6 @@ struct Interface
 };
 
 // --- Radios ------------------------------------------------------------------------------------------------------------------
-
-struct Neighbour
-{
-    MacAddress bssid{};
-    std::string ssid;
-    Band band = Band::k5;
-    std::uint32_t channel = 0;
-    std::uint32_t bandwidth = 20;
-    std::int32_t rssi = -80;
-    std::string security = "wpa2";
-};
 
 enum class ScanStatus : std::uint32_t
 {
@@ -316,32 +311,36 @@ struct Radio
     bool supportsRoaming = true;
     std::uint32_t chains = 4;
     std::uint32_t temperature = 55; // degrees Celsius
-    std::int32_t noise = -95;       // dBm
     std::int32_t maximumPower = 23; // dBm
-    std::uint32_t channelLoad = 20; // percent
     std::string driverVersion;
     RadioSettings settings;
 
     std::deque<Interface> interfaces; // whose addresses stay valid when one is added
-    std::vector<Neighbour> neighbours;
     Scan scan;
-    bool checking = false; // its channel for radar, before it is used
-    std::set<std::uint32_t> checkedChannels;
+    bool checking = false;                    // its channel for radar, before it is used
+    std::set<std::uint32_t> checkedChannels;  // those of 20 MHz that were found free of radar
+    std::set<std::uint32_t> occupiedChannels; // by radar, until their non-occupancy period ends
+    bool silenced = false;                    // by radar, with no channel left to go to
     DfsRadio dfsRadio;
     std::set<std::uint32_t> inactiveChannels;
     std::map<std::uint32_t, std::uint32_t> secondaryChannels; // where they are not the default ones
     std::map<std::uint32_t, PowerBackoff> powerBackoffs;
     std::optional<Counters> frozen;
 
+    // What follows from the air and the stations, kept up to date by the model.
+    std::int32_t noise = 0;        // dBm
+    std::uint32_t channelLoad = 0; // percent of the time in which the channel is busy
+    std::uint32_t ownLoad = 0;     // of that, percent for its own stations
+
     std::uint32_t radioId() const;
     bool isReady() const;
-    bool needsRadarCheck(std::uint32_t channel) const; // before its first use
+    bool needsRadarCheck(std::uint32_t channel) const; // one of 20 MHz, before its first use
+    bool needsRadarCheckWith(const RadioSettings& other) const;
     ChannelCriteria channelCriteria() const;
     ChannelCriteria criteriaWith(const RadioSettings& other) const;
     std::vector<std::uint32_t> allowedChannels() const;
     // With other settings than it has.
     std::vector<std::uint32_t> channelsWith(const RadioSettings& other) const;
-    std::uint32_t quietestChannel(const RadioSettings& other) const; // throws Refused if no channel is allowed
     std::uint32_t secondaryChannelOf(std::uint32_t channel) const;
     std::uint32_t secondaryChannel() const;
     std::int32_t chainRssi(std::uint32_t chain) const; // dBm; the noise where there is no station or chain
@@ -485,8 +484,9 @@ struct Timing
     Milliseconds download = 5000;
     Milliseconds radarCheck = 60000;
     Milliseconds production = 3000;
-    Milliseconds reassociation = 10000;   // 0: stations do not return
-    Milliseconds reassociationSpread = 0; // at random, up to so much later
+    Milliseconds weatherRadarCheck = 600000;
+    Milliseconds nonOccupancy = 1800000;
+    Milliseconds returnSpread = 0; // clients return up to so much later than they would, at random
 };
 
 // --- Their descriptions ------------------------------------------------------------------------------------------------------
@@ -511,8 +511,6 @@ template <>
 const Description<DscpMap>& descriptionOf();
 template <>
 const Description<Interface>& descriptionOf();
-template <>
-const Description<Neighbour>& descriptionOf();
 template <>
 const Description<Scan>& descriptionOf();
 template <>

@@ -145,8 +145,10 @@ void addProxyChannelHandlers(HandlerTable& table)
                  if (!radio.needsRadarCheck(channel))
                      return kAvailable;
                  const bool isBeingChecked =
-                     (radio.checking && channel == radio.settings.channel) ||
-                     (radio.dfsRadio.status == DfsRadioStatus::kChecking && channel == radio.dfsRadio.channel);
+                     (radio.checking &&
+                      contains(blockOf(radio.band, radio.settings.channel, radio.settings.bandwidth), channel)) ||
+                     (radio.dfsRadio.status == DfsRadioStatus::kChecking &&
+                      contains(blockOf(radio.band, radio.dfsRadio.channel, radio.settings.bandwidth), channel));
                  return isBeingChecked ? kBeingChecked : kNotChecked;
              };
              const std::vector<std::uint32_t> channels = channelsOf(radio);
@@ -179,6 +181,7 @@ void addProxyChannelHandlers(HandlerTable& table)
              assign(backoff, &PowerBackoff::decibels, request.number("value2"));
              assign(backoff, &PowerBackoff::bandwidth, request.number("value3"));
              radio.powerBackoffs[channel] = backoff;
+             model.settle(radio);
          }},
         {"tarn_qcsapi_calcmd_get_tx_power",
          [](Model& model, CommandRequest& request)

@@ -99,8 +99,12 @@ void addProxyInterfaceHandlers(HandlerTable& table)
         // Stations and their filter.
         {"tarn_qcsapi_wifi_disassociate_sta",
          [](Model& model, CommandRequest& request) { model.kickOut(interfaceOf(model, request), request.address("mac")); }},
-        {"tarn_qcsapi_wifi_set_bss_assoc_limit", [](Model& model, CommandRequest& request)
-         { put(model.module, &Module::groupLimits, request.number("value1"), request.number("value2")); }},
+        {"tarn_qcsapi_wifi_set_bss_assoc_limit",
+         [](Model& model, CommandRequest& request)
+         {
+             put(model.module, &Module::groupLimits, request.number("value1"), request.number("value2"));
+             model.settle();
+         }},
         {"tarn_qcsapi_wifi_authorize_mac_address", [](Model& model, CommandRequest& request)
          { authorize(model, interfaceOf(model, request), request.address("address_to_authorize"), true); }},
         {"tarn_qcsapi_wifi_deny_mac_address", [](Model& model, CommandRequest& request)

@@ -33,9 +33,10 @@ void addProxyStatisticsHandlers(HandlerTable& table)
                  request.setSigned(name, radio.chainRssi(chain++));
          }},
         {"tarn_qcsapi_wifi_get_connection_mode",
-         [](Model& model, CommandRequest& request) {
+         [](Model& model, CommandRequest& request)
+         {
              request.setText("p_wifi_phy_mode",
-                             elementAt(interfaceOf(model, request).stations, request.number("value")).phyMode);
+                             elementAt(interfaceOf(model, request).stations, request.number("value")).phyModeName());
          }},
         {"tarn_qcsapi_wifi_get_rssi_in_dbm_per_association",
          [](Model& model, CommandRequest& request) { request.setSigned("rssi", stationOf(model, request).rssi); }},
@@ -74,9 +75,12 @@ void addProxyStatisticsHandlers(HandlerTable& table)
         {"tarn_qcsapi_wifi_get_rates",
          [](Model& model, CommandRequest& request)
          {
-             static const char* const kRates[] = {"6,12,24", "6,9,12,18,24,36,48,54", "1,2,5.5,6,9,11,12,18,24,36,48,54"};
-             interfaceOf(model, request);
-             const std::string rates = elementAt(kRates, request.number("rate_type"));
+             const Radio& radio = radioOf(model, request);
+             const bool hasDsss = radio.band == Band::k2 && radio.settings.disable11b == 0;
+             const std::string ofdm = "6,9,12,18,24,36,48,54";
+             const std::string all = hasDsss ? "1,2,5.5,6,9,11,12,18,24,36,48,54" : ofdm;
+             const std::string kinds[] = {"6,12,24", ofdm, all};
+             const std::string& rates = elementAt(kinds, request.number("rate_type"));
              request.setBlock("rates", {rates.begin(), rates.end()});
          }},
         {"tarn_qcsapi_get_vap_extstats",
@@ -91,8 +95,8 @@ void addProxyStatisticsHandlers(HandlerTable& table)
          [](Model& model, CommandRequest& request)
          {
              const Radio& radio = radioOf(model, request);
-             const std::uint32_t transmitting = radio.channelLoad / 2;
-             const std::uint32_t receiving = radio.channelLoad / 4;
+             const std::uint32_t transmitting = radio.ownLoad - radio.ownLoad / 2;
+             const std::uint32_t receiving = radio.ownLoad / 2;
              Record stats = request.blank("stats");
              fill(stats, radio);
              stats.setNumber("transmitting", transmitting);

@@ -50,11 +50,8 @@ void addProxySystemHandlers(HandlerTable& table)
              request.setText("status", interface.isUp() ? "up" : "down");
          }},
         {"tarn_qcsapi_wifi_startprod", [](Model& model, CommandRequest&) { model.startProduction(); }},
-        {"tarn_qcsapi_is_startprod_done",
-         [](Model& model, CommandRequest& request)
-         {
-             request.setNumber("is_start_prod_done", model.isProductionDone() ? 1 : 0);
-         }},
+        {"tarn_qcsapi_is_startprod_done", [](Model& model, CommandRequest& request)
+         { request.setNumber("is_start_prod_done", model.isProductionDone() ? 1 : 0); }},
         // All radios of the module.
         {"tarn_qcsapi_wifi_rfenable",
          [](Model& model, CommandRequest& request)
@@ -196,8 +193,8 @@ void addProxySystemHandlers(HandlerTable& table)
              if (model.module.thermalInterfaces.count(interface.name) != 0)
                  throw Refused{ReplyStatus::kAlreadyThere};
              model.change(interface, Changes<InterfaceSettings>()
-                                  .set(&InterfaceSettings::thermalStart, request.number("value1"))
-                                  .set(&InterfaceSettings::thermalStop, request.number("value2")));
+                                         .set(&InterfaceSettings::thermalStart, request.number("value1"))
+                                         .set(&InterfaceSettings::thermalStop, request.number("value2")));
              model.module.thermalInterfaces.insert(interface.name);
          }},
         {"tarn_qcsapi_thermal_mitig_stop",

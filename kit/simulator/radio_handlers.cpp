@@ -66,7 +66,9 @@ void addRadioHandlers(HandlerTable& table)
              if (!query.text("country").empty())
                  criteria.country = query.text("country");
              criteria.withRadarChannels = query.number("withoutRadarChannels") == 0;
-             const std::vector<std::uint32_t> channels = channelsFor(criteria);
+             std::vector<std::uint32_t> channels = channelsFor(criteria);
+             const auto isInactive = [&](std::uint32_t channel) { return radio.inactiveChannels.count(channel) != 0; };
+             channels.erase(std::remove_if(channels.begin(), channels.end(), isInactive), channels.end());
              if (channels.empty())
                  throw Refused{ReplyStatus::kInvalidValue};
              Record list = request.blank("channels");

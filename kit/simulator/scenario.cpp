@@ -6,6 +6,7 @@
 #include "embedded_files.h"
 #include "lists.h"
 
+#include <algorithm>
 #include <set>
 
 namespace tarn::simulator
@@ -19,66 +20,133 @@ using base::JsonValue;
 
 // --- What must hold between values -------------------------------------------------------------------------------------------
 
-// A radio whose channel is not given takes the lowest it may have. The one that it starts with counts as checked for radar.
-void checkChannel(JsonObject& object, Radio& radio)
+// What a radio has where its scenario does not say it: what is usual in its band, and the lowest channel. The channel that it
+// starts with counts as checked for radar.
+void checkRadio(JsonObject& object, Radio& radio)
 {
+    RadioSettings& settings = radio.settings;
+    const JsonValue mode = object["phyMode"];
+    if (!mode && radio.band != Band::k5)
+        settings.phyMode = radio.band == Band::k2 ? "11n" : "11ax";
+    if (!isModeOf(radio.band, phyModeOf(settings.phyMode)))
+        mode.fail(std::string("a PHY mode of the ") + toString(radio.band) + " band");
+    const JsonValue bandwidth = object["bandwidth"];
+    if (!bandwidth && radio.band == Band::k2)
+        settings.bandwidth = 20;
     const std::vector<std::uint32_t> channels = radio.allowedChannels();
     const JsonValue channel = object["channel"];
     if (channels.empty())
-        object["bandwidth"].fail(std::string("a bandwidth that the ") + toString(radio.band) + " band has channels of");
-    if (!contains(channels, radio.settings.channel) && channel)
+        bandwidth.fail(std::string("a bandwidth that the ") + toString(radio.band) + " band has channels of");
+    if (!contains(channels, settings.channel) && channel)
         channel.fail("one of " + base::join(channels, " ") + ", the channels of the " + toString(radio.band) + " band at " +
-                     std::to_string(radio.settings.bandwidth) + " MHz in country " + radio.settings.country);
-    if (!contains(channels, radio.settings.channel))
-        radio.settings.channel = channels.front();
+                     std::to_string(settings.bandwidth) + " MHz in country " + settings.country);
+    if (!contains(channels, settings.channel))
+        settings.channel = channels.front();
     if (!object["checkedChannels"])
-        radio.checkedChannels.insert(radio.settings.channel);
+        for (const std::uint32_t each : blockOf(radio.band, settings.channel, settings.bandwidth))
+            radio.checkedChannels.insert(each);
 }
 
-// A name or an address belongs to one thing in the whole gateway.
+// What is broadcast of the security, and how stations authenticate, have to belong together.
+void checkSecurity(JsonObject& object, InterfaceSettings& settings)
+{
+    const JsonValue mode = object["authenticationMode"];
+    const JsonValue encryption = object["encryptionModes"];
+    const bool isOpen = settings.beaconType == "open";
+    const bool isWpa3 = settings.beaconType == "wpa3";
+    if (!mode)
+        settings.authenticationMode = isOpen ? "open" : isWpa3 ? "sae" : "psk";
+    if (!encryption)
+        settings.encryptionModes = isOpen ? "none" : "aes";
+    const std::string& authentication = settings.authenticationMode;
+    const std::string with = " with beaconType " + settings.beaconType;
+    if (isOpen   ? authentication != "open"
+        : isWpa3 ? authentication != "sae" && authentication != "eap"
+                 : authentication != "psk" && authentication != "eap")
+        mode.fail((isOpen ? "open" : isWpa3 ? "sae or eap" : "psk or eap") + with);
+    if (isOpen != (settings.encryptionModes == "none") || (isWpa3 && settings.encryptionModes != "aes"))
+        encryption.fail((isOpen ? "none" : isWpa3 ? "aes" : "tkip, aes or tkip-aes") + with);
+}
+
+// A name or an address belongs to one thing in the whole gateway and around it.
 class UniqueThings
 {
 public:
     void checkInterface(JsonObject& object)
     {
         const JsonValue name = object["name"];
+        if (!isInterfaceName(name.text()))
+            name.fail("a name of printable ASCII without spaces or slashes");
         if (!names_.insert(name.text()).second)
             name.fail("a name that no other interface of the gateway has");
         checkAddress(object["bssid"]);
-        for (const char* list : {"stations", "away"})
-            if (const JsonValue stations = object[list])
-                for (JsonObject& station : stations.objects())
-                    checkAddress(station["address"]);
+    }
+
+    void checkAddress(const JsonValue& value)
+    {
+        if (!addresses_.insert(addressIn(value)).second)
+            value.fail("an address that nothing else in the scenario has");
+    }
+
+    static MacAddress addressIn(const JsonValue& value)
+    {
+        return value.parsed([](const std::string& text) { return base::parseMacAddress(text); }, "a MAC address");
     }
 
 private:
-    void checkAddress(const JsonValue& value)
-    {
-        if (!addresses_.insert(value.parsed([](const std::string& text) { return base::parseMacAddress(text); }, "")).second)
-            value.fail("an address that nothing else in the gateway has");
-    }
-
     std::set<std::string> names_;
     std::set<MacAddress> addresses_;
 };
 
-void checkRadios(const JsonValue& radios, Model& model)
+void checkRadios(const JsonValue& radios, Model& model, UniqueThings& things)
 {
-    UniqueThings things;
     bool hasModule = false;
     std::size_t index = 0;
     for (JsonObject& object : radios.objects())
     {
         Radio& radio = model.radios[index++];
+        std::size_t interfaceIndex = 0;
         for (JsonObject& interface : object["interfaces"].objects())
+        {
             things.checkInterface(interface);
-        for (Neighbour& neighbour : radio.neighbours)
-            neighbour.band = radio.band;
-        checkChannel(object, radio);
+            checkSecurity(interface, radio.interfaces[interfaceIndex++].settings);
+        }
+        checkRadio(object, radio);
         hasModule = hasModule || radio.onModule;
     }
     if (!hasModule)
         radios.fail("at least one with \"onModule\": true");
+}
+
+// Its channel has to be one of its band, wherever it comes from.
+void checkNeighbours(const JsonValue& list, const Model& model, UniqueThings& things)
+{
+    std::size_t index = 0;
+    for (JsonObject& object : list.objects())
+    {
+        const Neighbour& neighbour = model.air.neighbours[index++];
+        things.checkAddress(object["bssid"]);
+        const auto has = [&](const char* country) {
+            return contains(channelsFor({neighbour.band, country, neighbour.bandwidth, true, true}), neighbour.channel);
+        };
+        if (!has("us") && !has("eu") && !has("jp"))
+            object["channel"].fail("a channel of the " + std::string(toString(neighbour.band)) + " band at " +
+                                   std::to_string(neighbour.bandwidth) + " MHz");
+    }
+}
+
+// A station is a client, and associated once.
+void checkStations(const JsonValue& radios, const Model& model)
+{
+    std::set<MacAddress> clients;
+    for (const Client& client : model.clients)
+        clients.insert(client.address);
+    for (JsonObject& radio : radios.objects())
+        for (JsonObject& interface : radio["interfaces"].objects())
+            if (const JsonValue stations = interface["stations"])
+                for (JsonObject& station : stations.objects())
+                    if (const JsonValue address = station["address"]; clients.erase(UniqueThings::addressIn(address)) == 0)
+                        address.fail("the address of one of the clients, which is not associated yet");
 }
 
 // Each of them is due to an object that there is.
@@ -94,12 +162,22 @@ void checkDue(const JsonValue& list, const Model& model)
     for (JsonObject& object : list.objects())
     {
         const Occurrence what = object["what"].oneOf<Occurrence>(kOccurrenceNames);
-        if (what == Occurrence::kDownloadEnds || what == Occurrence::kProductionEnds)
+        if (what == Occurrence::kRadarAppears &&
+            !isRadarChannel(Band::k5, static_cast<std::uint32_t>(object["channel"].integerOrNull().value_or(0))))
+            object["channel"].fail("a channel of the 5GHz band on which there can be radar, from 52 to 144");
+        if (what == Occurrence::kDownloadEnds || what == Occurrence::kProductionEnds || what == Occurrence::kRadarAppears)
             continue;
         const std::size_t radioId = numberIn(object["radio"], model.radios.size(), "the number of a radio");
-        if (what == Occurrence::kWpsWindowCloses || what == Occurrence::kStationReturns)
+        if (what == Occurrence::kWpsWindowCloses || what == Occurrence::kClientReturns)
             numberIn(object["interface"], model.radios[radioId - 1].interfaces.size(),
                      "the number of an interface of radio " + std::to_string(radioId));
+        if (what == Occurrence::kClientReturns)
+        {
+            const MacAddress address = UniqueThings::addressIn(object["address"]);
+            const auto isIt = [&](const Client& client) { return client.address == address; };
+            if (std::none_of(model.clients.begin(), model.clients.end(), isIt))
+                object["address"].fail("the address of one of the clients");
+        }
     }
 }
 
@@ -115,7 +193,15 @@ void read(const base::JsonDocument& document, Model& model)
 {
     JsonObject file = document.root().object();
     object<Model>()->read(document.root(), model);
-    checkRadios(file["radios"], model);
+    UniqueThings things;
+    checkRadios(file["radios"], model, things);
+    if (const JsonValue air = file["air"])
+        if (const JsonValue neighbours = air.object()["neighbours"])
+            checkNeighbours(neighbours, model, things);
+    if (const JsonValue clients = file["clients"])
+        for (JsonObject& client : clients.objects())
+            things.checkAddress(client["address"]);
+    checkStations(file["radios"], model);
     if (const JsonValue due = file["due"])
         checkDue(due, model);
     if (const JsonValue smartWiFi = file["smartWiFi"])

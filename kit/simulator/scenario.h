@@ -20,6 +20,9 @@ void readDefaultScenario(Model& model);
 // The state of the gateway.
 Json scenarioOf(const Model& model);
 
+// A large one: so many radios, interfaces of each, and stations of each of these, at most as many as there is room for.
+Json generatedScenario(std::size_t radios, std::size_t interfaces, std::size_t stations);
+
 // The JSON Schema of scenarios.
 Json scenarioSchema();
 

@@ -19,9 +19,9 @@ TEST(AgendaTest, KeepsTheOrderOfTime)
     Agenda agenda;
     EXPECT_EQ(agenda.next(), std::nullopt);
     agenda.set({Occurrence::kScanEnds, 1}, 110);
-    agenda.set({Occurrence::kStationReturns, 1, 1, kFirstStation}, 100);
+    agenda.set({Occurrence::kClientReturns, 1, 1, kFirstStation}, 100);
     EXPECT_EQ(agenda.next(), 100u);
-    EXPECT_EQ(agenda.take().what, Occurrence::kStationReturns); // 10 ms before the other
+    EXPECT_EQ(agenda.take().what, Occurrence::kClientReturns); // 10 ms before the other
     EXPECT_EQ(agenda.take().what, Occurrence::kScanEnds);
     EXPECT_EQ(agenda.next(), std::nullopt);
 }
@@ -36,8 +36,10 @@ TEST(AgendaTest, HasAStatedOrderForTheSameInstant)
                                       {Occurrence::kDfsRadioEnds, 1},
                                       {Occurrence::kWpsWindowCloses, 1, 2},
                                       {Occurrence::kWpsWindowCloses, 2, 1},
-                                      {Occurrence::kStationReturns, 1, 1, kFirstStation},
-                                      {Occurrence::kStationReturns, 1, 1, kSecondStation}};
+                                      {Occurrence::kNonOccupancyEnds, 1},
+                                      {Occurrence::kRadarAppears},
+                                      {Occurrence::kClientReturns, 1, 1, kFirstStation},
+                                      {Occurrence::kClientReturns, 1, 1, kSecondStation}};
     Agenda agenda;
     for (auto due = inOrder.rbegin(); due != inOrder.rend(); ++due)
         agenda.set(*due, 100);
@@ -122,7 +124,7 @@ std::vector<std::string> playedWith(std::uint32_t seed)
     Model model;
     tarn::simulator::readDefaultScenario(model);
     model.random.state = seed;
-    model.timing.reassociationSpread = 5000;
+    model.timing.returnSpread = 5000;
     std::vector<std::string> events;
     model.publish = [&](const std::string& event, const Record& data)
     { events.push_back(std::to_string(model.time) + event + std::string(data.bytes().begin(), data.bytes().end())); };

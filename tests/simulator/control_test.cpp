@@ -2,6 +2,7 @@
 
 #include "kor_iil.h"
 #include "kor_iil_service.h"
+#include "simulator/gateway.h"
 #include "simulator/scenario.h"
 
 #include <atomic>

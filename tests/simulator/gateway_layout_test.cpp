@@ -70,7 +70,7 @@ TEST(OwnLayout, EveryFieldOfADescriptionIsFilled)
     const Interface& interface = model.interfaceOf(1, 1);
     const auto with = [](const auto& object) { return [&](Record& record) { fill(record, object); }; };
     expectAllFilled("TarnRadioData", with(radio));
-    expectAllFilled("TarnNeighborBss", with(radio.neighbours.front()));
+    expectAllFilled("TarnNeighborBss", with(model.air.neighbours.front()));
     expectAllFilled("TarnSsidIntfData", with(interface));
     expectAllFilled("TarnAccessPointData", with(interface));
     expectAllFilled("TarnAccessPointSecurityData", with(interface));

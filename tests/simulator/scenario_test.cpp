@@ -57,17 +57,17 @@ TEST(ScenarioTest, ErrorsSayWhereAndWhatWasExpected)
     EXPECT_EQ(errorOf(scenario(R"(, "chains": 5)")), "f: /radios/0/chains: 5; expected an integer from 1 to 4");
     EXPECT_EQ(errorOf(scenario(R"(, "chains": "4")")), "f: /radios/0/chains: \"4\"; expected an integer from 1 to 4");
     EXPECT_EQ(errorOf(scenario(R"(, "chains": -1)")), "f: /radios/0/chains: -1; expected an integer from 1 to 4");
-    EXPECT_EQ(errorOf(scenario(R"(, "noise": 5)")), "f: /radios/0/noise: 5; expected an integer from -110 to -50");
+    EXPECT_EQ(errorOf(scenario(R"(, "maximumPower": 5)")), "f: /radios/0/maximumPower: 5; expected an integer from 10 to 36");
     EXPECT_EQ(errorOf(scenario(R"(, "supportsWds": 1)")), "f: /radios/0/supportsWds: 1; expected true or false");
     EXPECT_EQ(errorOf(scenario("", R"(, "ssid": "")")),
               "f: /radios/0/interfaces/0/ssid: \"\"; expected a text of 1 to 32 characters");
     EXPECT_EQ(errorOf(scenario("", R"(, "ssid": 7)")),
               "f: /radios/0/interfaces/0/ssid: 7; expected a text of 1 to 32 characters");
-    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{}])")),
-              "f: /radios/0/interfaces/0/stations/0/address: missing; expected a MAC address such as 02:00:00:00:01:05, no "
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "clients": [{}])")),
+              "f: /clients/0/address: missing; expected a MAC address such as 02:00:00:00:01:05, no "
               "group address");
-    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02-00" }])")),
-              "f: /radios/0/interfaces/0/stations/0/address: \"02-00\"; expected a MAC address such as 02:00:00:00:01:05, no "
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "clients": [{ "address": "02-00" }])")),
+              "f: /clients/0/address: \"02-00\"; expected a MAC address such as 02:00:00:00:01:05, no "
               "group address");
     EXPECT_EQ(errorOf(scenario("", R"(, "stations": 3)")),
               "f: /radios/0/interfaces/0/stations: 3; expected a list of at most 128 objects");
@@ -118,9 +118,9 @@ TEST(ScenarioTest, TextThatIsNoScenarioIsRefused)
 
 TEST(ScenarioTest, NamesAndAddressesStandForOneThing)
 {
-    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02:00:00:00:00:10" }])")),
-              "f: /radios/0/interfaces/0/stations/0/address: \"02:00:00:00:00:10\"; expected an address that nothing else in "
-              "the gateway has");
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "clients": [{ "address": "02:00:00:00:00:10" }])")),
+              "f: /clients/0/address: \"02:00:00:00:00:10\"; expected an address that nothing else in "
+              "the scenario has");
     const std::string second = R"(, { "name": "wifi0", "bssid": "02:00:00:00:00:11" } ] } ] })";
     std::string twice = scenario();
     twice.replace(twice.rfind(" ] } ] }"), std::string::npos, second);
@@ -138,6 +138,40 @@ TEST(ScenarioTest, WhatIsDueIsDueToSomethingThatIsThere)
     EXPECT_EQ(due(R"("what": "wpsWindowCloses", "radio": 1, "interface": 3)"),
               "f: /due/0/interface: 3; expected the number of an interface of radio 1, from 1 to 1");
     EXPECT_EQ(due(R"("what": "downloadEnds")"), "");
+}
+
+TEST(ScenarioTest, WhatCannotBeIsRefused)
+{
+    EXPECT_EQ(errorOf(scenario("", R"(, "beaconType": "wpa3", "authenticationMode": "psk")")),
+              "f: /radios/0/interfaces/0/authenticationMode: \"psk\"; expected sae or eap with beaconType wpa3");
+    EXPECT_EQ(errorOf(scenario("", R"(, "beaconType": "wpa3", "encryptionModes": "tkip")")),
+              "f: /radios/0/interfaces/0/encryptionModes: \"tkip\"; expected aes with beaconType wpa3");
+    EXPECT_EQ(errorOf(scenario("", R"(, "beaconType": "open", "encryptionModes": "aes")")),
+              "f: /radios/0/interfaces/0/encryptionModes: \"aes\"; expected none with beaconType open");
+    EXPECT_EQ(errorOf(scenario("", R"(, "authenticationMode": "sae")")),
+              "f: /radios/0/interfaces/0/authenticationMode: \"sae\"; expected psk or eap with beaconType wpa2");
+    for (const char* kind : {"open", "wpa", "wpa2", "wpa-wpa2", "wpa3"}) // what is not said is what belongs to it
+        EXPECT_EQ(errorOf(scenario("", std::string(R"(, "beaconType": ")") + kind + '"')), "") << kind;
+
+    EXPECT_EQ(errorOf(scenario(R"(, "phyMode": "11g")")),
+              "f: /radios/0/phyMode: \"11g\"; expected a PHY mode of the 5GHz band");
+    const auto neighbour = [](const std::string& place)
+    { return errorOf(scenario("", "", R"(, "air": { "neighbours": [{ "bssid": "02:00:00:00:02:01", )" + place + "}] }")); };
+    EXPECT_EQ(neighbour(R"("band": "5GHz", "channel": 6)"),
+              "f: /air/neighbours/0/channel: 6; expected a channel of the 5GHz band at 20 MHz");
+    EXPECT_EQ(neighbour(R"("band": "2.4GHz", "channel": 6, "bandwidth": 80)"),
+              "f: /air/neighbours/0/channel: 6; expected a channel of the 2.4GHz band at 80 MHz");
+    EXPECT_EQ(neighbour(R"("band": "2.4GHz", "channel": 6)"), "");
+
+    std::string named = scenario();
+    named.replace(named.find("wifi0"), 5, "wi fi");
+    EXPECT_EQ(errorOf(named),
+              "f: /radios/0/interfaces/0/name: \"wi fi\"; expected a name of printable ASCII without spaces or slashes");
+    EXPECT_EQ(errorOf(scenario("", R"(, "stations": [{ "address": "02:00:00:00:01:01", "since": 0 }])")),
+              "f: /radios/0/interfaces/0/stations/0/address: \"02:00:00:00:01:01\"; expected the address of one of the "
+              "clients, which is not associated yet");
+    EXPECT_EQ(errorOf(scenario("", "", R"(, "due": [{ "at": 5, "what": "radarAppears", "channel": 36 }])")),
+              "f: /due/0/channel: 36; expected a channel of the 5GHz band on which there can be radar, from 52 to 144");
 }
 
 // It is written by tarn-gateway --scenario-schema.

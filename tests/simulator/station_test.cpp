@@ -37,7 +37,7 @@ TEST_F(StationTest, StationTellsOfItself)
     ASSERT_EQ(CALL(TarnGetAccessPointAssociated)(1, 1, kSecondStation.data(), &raw), kDone);
     const Record data = recordOf("TarnAccessPointAssociatedData", raw);
     EXPECT_EQ(data.signedNumber("rssi"), -63);
-    EXPECT_EQ(data.number("txRate"), 585u);
+    EXPECT_EQ(data.number("txRate"), 866u);
     EXPECT_EQ(data.number("secondsAssociated"), 42u);
     EXPECT_EQ(data.text("phyMode"), "11ac");
     EXPECT_EQ(data.text("name"), "wifi0");

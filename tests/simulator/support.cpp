@@ -2,6 +2,7 @@
 
 #include "contract/contract.h"
 #include "kor_iil.h"
+#include "simulator/gateway.h"
 #include "simulator/scenario.h"
 
 #include <chrono>
@@ -74,6 +75,9 @@ std::vector<std::string> neverDone()
     return names;
 }
 
+SimulatorTest::SimulatorTest() = default;
+SimulatorTest::~SimulatorTest() = default;
+
 void SimulatorTest::SetUp()
 {
     std::string path = ::testing::TempDir() + "simulator-XXXXXX";
@@ -106,6 +110,11 @@ void SimulatorTest::TearDown()
 void SimulatorTest::passSeconds(double seconds)
 {
     gateway_->step(static_cast<tarn::simulator::Milliseconds>(seconds * 1000));
+}
+
+void SimulatorTest::appearRadar(std::uint32_t channel)
+{
+    gateway_->withModel([&](tarn::simulator::Model& model) { model.radarAppears(channel); });
 }
 
 Json SimulatorTest::state(const std::string& path)

@@ -2,8 +2,6 @@
 // functions that are counted, the state of the gateway, and the events that it publishes.
 #pragma once
 
-#include "simulator/gateway.h"
-#include "simulator/model.h"
 #include "simulator/record.h"
 #include "tarn_api.h"
 #include "tarn_gateway_control.h"
@@ -18,6 +16,12 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+namespace tarn::simulator
+{
+class Gateway;
+class Model;
+} // namespace tarn::simulator
 
 namespace simulator_test
 {
@@ -100,6 +104,9 @@ struct ReceivedEvent
 class SimulatorTest : public ::testing::Test
 {
 protected:
+    SimulatorTest();
+    ~SimulatorTest() override;
+
     void SetUp() override;
     void TearDown() override;
 
@@ -115,6 +122,7 @@ protected:
     }
 
     void passSeconds(double seconds);
+    void appearRadar(std::uint32_t channel);
 
     // A part of the gateway's state, by its JSON pointer.
     static Json state(const std::string& path);
@@ -127,11 +135,6 @@ protected:
     static Record nextEvent(std::uint32_t event, const char* layoutName);
     // True if no event published so far is still to arrive.
     bool noMoreEvents();
-
-    tarn::simulator::Gateway& gateway()
-    {
-        return *gateway_;
-    }
 
     std::size_t stationCount(std::uint32_t radioId = 1, std::uint32_t apId = 1);
 
