@@ -11,12 +11,13 @@ namespace
 {
 
 constexpr std::uint64_t kPacketBytes = 1000;
-constexpr std::uint32_t kPacketOverhead = 100; // us: preamble, spaces between frames, acknowledgement
+constexpr std::uint64_t kPacketOverhead = 100; // us: preamble, spaces between frames, acknowledgement
 
 // Clients commonly prefer the bands in which less is sent.
 std::int32_t preference(Band band)
 {
-    return band == Band::k2 ? 0 : 10; // dB
+    constexpr std::int32_t kPreference[] = {0, 10, 12}; // dB
+    return kPreference[static_cast<std::size_t>(band)];
 }
 
 bool isOpen(const InterfaceSettings& settings)
@@ -40,7 +41,7 @@ bool Model::suits(const Interface& interface, const Client& client) const
     const InterfaceSettings& settings = interface.settings;
     return interface.isUp() && client.bands.count(radio.band) != 0 && settings.ssid == client.ssid &&
            (isOpen(settings) || settings.passphrase == client.passphrase) &&
-           !(client.phyMode == PhyMode::k11b && radio.settings.disable11b != 0) && signalAt(radio, client) >= kWeakestSignal;
+           (client.phyMode != PhyMode::k11b || radio.settings.disable11b == 0) && signalAt(radio, client) >= kWeakestSignal;
 }
 
 std::int32_t Model::signalAt(const Radio& radio, const Client& client) const

@@ -48,7 +48,10 @@ std::uint32_t widthIndex(const LinkConditions& conditions)
 {
     const std::uint32_t widest = conditions.mode == PhyMode::k11n ? 40 : 160;
     const std::uint32_t width = std::min(conditions.bandwidth, widest);
-    return width >= 160 ? 3 : width >= 80 ? 2 : width >= 40 ? 1 : 0;
+    std::uint32_t index = 0;
+    while (index < 3 && 40u << index <= width)
+        ++index;
+    return index;
 }
 
 // Data subcarriers (802.11-2020, 19.3.6 and 21.3.7; 802.11ax, 27.3.10) by width.
@@ -113,7 +116,8 @@ LinkRate rateOf(const LinkConditions& conditions)
 
     const std::uint32_t width = widthIndex(conditions);
     const std::int32_t widthLoss = static_cast<std::int32_t>(width) * 3; // the noise of twice the width is 3 dB more
-    const std::uint32_t modesHighest = conditions.mode == PhyMode::k11n ? 7 : conditions.mode == PhyMode::k11ac ? 9 : 11;
+    constexpr std::uint32_t kHighestMcs[] = {0, 0, 0, 7, 9, 11};         // of the modes, in their order
+    const std::uint32_t modesHighest = kHighestMcs[static_cast<std::size_t>(conditions.mode)];
     LinkRate result;
     for (std::uint32_t mcs = 0; mcs <= std::min(modesHighest, conditions.highestMcs); ++mcs)
         if (conditions.signalToNoise - widthLoss >= kSchemes[mcs].signalToNoise)

@@ -113,6 +113,13 @@ private:
     int output_ = -1;
 };
 
+std::uint32_t stationCountOf(std::uint32_t radioId, std::uint32_t apId)
+{
+    std::uint32_t number = 0;
+    EXPECT_EQ(CALL(TarnGetAccessPointAssociatedNum)(radioId, apId, &number), kDone);
+    return number;
+}
+
 class ProcessTest : public ::testing::Test
 {
 protected:
@@ -159,6 +166,20 @@ TEST_F(ProcessTest, PlaysTheScenarioItIsGiven)
     char version[65];
     EXPECT_EQ(CALL(tarn_qcsapi_firmware_get_version)(version, sizeof version), kDone);
     EXPECT_STREQ(version, "5.3.9-crowded");
+}
+
+TEST_F(ProcessTest, PrintsAScenarioThatItPlays)
+{
+    Program generator({"--generate", "2", "3", "4"});
+    const std::string path = directory_ + "/generated.json";
+    std::ofstream(path) << generator.rest();
+    EXPECT_EQ(generator.wait(), 0);
+    Program gateway({"--scenario", path, "--speed", "0", "--seed", "9"});
+    ASSERT_EQ(gateway.line(), "ready");
+    EXPECT_EQ(stationCountOf(2, 3), 4u);
+    Program tooMany({"--generate", "9", "8", "60"});
+    EXPECT_NE(tooMany.rest().find("9; expected 1 to 8 radios"), std::string::npos);
+    EXPECT_EQ(tooMany.wait(), 2);
 }
 
 TEST_F(ProcessTest, SaysWhatTheLayoutItIsGivenLacks)
