@@ -73,39 +73,52 @@ bool Model::isGroupFull(const Interface& interface, const MacAddress& address) c
     return before >= limit->second;
 }
 
+std::vector<Interface*> Model::allInterfaces()
+{
+    std::vector<Interface*> all;
+    for (Radio& radio : radios)
+        for (Interface& interface : radio.interfaces)
+            all.push_back(&interface);
+    return all;
+}
+
 // Lets the client come to the access point that it hears best of those that take it and that it does not keep away from, unless
 // it is associated already. Returns the radio that has another station, or null.
-Radio* Model::seek(const Client& client)
+Radio* Model::seek(const Client& client, const std::vector<Interface*>& candidates)
 {
     if (client.gone || idle_.count(clientIndex_.at(client.address)) == 0)
         return nullptr;
     Interface* best = nullptr;
     std::int32_t bestSignal = 0;
-    for (Radio& radio : radios)
-        for (Interface& interface : radio.interfaces)
-        {
-            if (!suits(interface, client) || agenda.has(returnOf(interface, client.address)) ||
-                !admits(interface, client.address, interface.stations.size()))
-                continue;
-            const std::int32_t signal = signalAt(radio, client) + preference(radio.band);
-            if (best != nullptr && signal <= bestSignal)
-                continue;
-            best = &interface;
-            bestSignal = signal;
-        }
+    for (Interface* const interface : candidates)
+    {
+        const Radio& radio = *interface->radio;
+        if (!suits(*interface, client) || agenda.has(returnOf(*interface, client.address)) ||
+            !admits(*interface, client.address, interface->stations.size()))
+            continue;
+        const std::int32_t signal = signalAt(radio, client) + preference(radio.band);
+        if (best != nullptr && signal <= bestSignal)
+            continue;
+        best = interface;
+        bestSignal = signal;
+    }
     if (best == nullptr)
         return nullptr;
     associate(*best, client);
     return best->radio;
 }
 
-// In the order of the scenario.
+// In the order of the scenario. Each looks at the access points of its network only, as there may be thousands.
 void Model::seekAll()
 {
+    std::map<std::string, std::vector<Interface*>> byName;
+    for (Interface* const interface : allInterfaces())
+        byName[interface->settings.ssid].push_back(interface);
     std::set<Radio*> changed;
     for (const std::size_t index : std::vector<std::size_t>(idle_.begin(), idle_.end()))
-        changed.insert(seek(clients[index]));
-    for (Radio* radio : changed)
+        if (const auto found = byName.find(clients[index].ssid); found != byName.end())
+            changed.insert(seek(clients[index], found->second));
+    for (Radio* const radio : changed)
         if (radio != nullptr)
             refresh(*radio);
 }

@@ -5,6 +5,7 @@
 #include "tarn_gateway_control.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <memory>
 
@@ -89,14 +90,15 @@ std::uint32_t controlTime(Model& model, const Control& control, TarnGatewayTime&
         passTo(model, clock, model.time + message.value);
         break;
     case TARN_GATEWAY_TIME_STEP_TO_NEXT:
-        if (!model.agenda.next())
+        if (const std::optional<Milliseconds> next = model.agenda.next())
+            passTo(model, clock, *next);
+        else
             return TARN_GATEWAY_NOT_THERE;
-        passTo(model, clock, *model.agenda.next());
         break;
     default:
         return TARN_GATEWAY_INVALID_VALUE;
     }
-    message.speed = static_cast<std::uint32_t>(clock.speed() * 1000 + 0.5);
+    message.speed = static_cast<std::uint32_t>(std::lround(clock.speed() * 1000));
     message.seconds = model.secondsSinceStart();
     message.milliseconds = static_cast<std::uint32_t>(model.time % 1000);
     return TARN_GATEWAY_OK;

@@ -32,8 +32,8 @@ void Model::start()
         idle_.insert(index);
         clientIndex_.emplace(client.address, index++);
     }
-    for (Radio& radio : radios)
-        for (Interface& interface : radio.interfaces)
+    for (const Radio& radio : radios)
+        for (const Interface& interface : radio.interfaces)
             for (const Station& station : interface.stations)
                 idle_.erase(clientIndex_.at(station.address));
     seekAll();
@@ -80,7 +80,7 @@ void Model::happen(const Due& due)
         radarAppears(due.channel);
         break;
     case Occurrence::kClientReturns:
-        if (Radio* const changed = seek(clients[clientIndex_.at(due.address)]))
+        if (Radio* const changed = seek(clients[clientIndex_.at(due.address)], allInterfaces()))
             refresh(*changed);
         break;
     }

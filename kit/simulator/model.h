@@ -136,7 +136,8 @@ private:
     std::int32_t signalAt(const Radio& radio, const Client& client) const; // dBm
     bool admits(const Interface& interface, const MacAddress& address, std::size_t associated) const;
     bool isGroupFull(const Interface& interface, const MacAddress& address) const;
-    Radio* seek(const Client& client);
+    std::vector<Interface*> allInterfaces();
+    Radio* seek(const Client& client, const std::vector<Interface*>& candidates);
     void seekAll();
     void dismiss(Interface& interface);
     void refresh(Radio& radio);

@@ -47,25 +47,37 @@ void checkRadio(JsonObject& object, Radio& radio)
             radio.checkedChannels.insert(each);
 }
 
-// What is broadcast of the security, and how stations authenticate, have to belong together.
+// What belongs to one kind of beacons: how stations authenticate, and what is sent encrypted with.
+struct SecurityKind
+{
+    const char* beaconType;
+    std::vector<std::string> authentication; // the first is the usual one
+    std::vector<std::string> encryption;
+};
+
+const SecurityKind& securityKind(const std::string& beaconType)
+{
+    static const SecurityKind kKinds[] = {{"open", {"open"}, {"none"}},
+                                          {"wpa3", {"sae", "eap"}, {"aes"}},
+                                          {"", {"psk", "eap"}, {"aes", "tkip", "tkip-aes"}}}; // all others
+    return *std::find_if(std::begin(kKinds), std::end(kKinds) - 1,
+                         [&](const SecurityKind& kind) { return kind.beaconType == beaconType; });
+}
+
+// Where a scenario does not say these, they are the usual ones.
 void checkSecurity(JsonObject& object, InterfaceSettings& settings)
 {
-    const JsonValue mode = object["authenticationMode"];
-    const JsonValue encryption = object["encryptionModes"];
-    const bool isOpen = settings.beaconType == "open";
-    const bool isWpa3 = settings.beaconType == "wpa3";
-    if (!mode)
-        settings.authenticationMode = isOpen ? "open" : isWpa3 ? "sae" : "psk";
-    if (!encryption)
-        settings.encryptionModes = isOpen ? "none" : "aes";
-    const std::string& authentication = settings.authenticationMode;
-    const std::string with = " with beaconType " + settings.beaconType;
-    if (isOpen   ? authentication != "open"
-        : isWpa3 ? authentication != "sae" && authentication != "eap"
-                 : authentication != "psk" && authentication != "eap")
-        mode.fail((isOpen ? "open" : isWpa3 ? "sae or eap" : "psk or eap") + with);
-    if (isOpen != (settings.encryptionModes == "none") || (isWpa3 && settings.encryptionModes != "aes"))
-        encryption.fail((isOpen ? "none" : isWpa3 ? "aes" : "tkip, aes or tkip-aes") + with);
+    const SecurityKind& kind = securityKind(settings.beaconType);
+    const auto check = [&](const char* key, std::string& value, const std::vector<std::string>& choices)
+    {
+        const JsonValue given = object[key];
+        if (!given)
+            value = choices.front();
+        else if (!contains(choices, value))
+            given.fail("one of " + base::join(choices) + ", with beaconType " + settings.beaconType);
+    };
+    check("authenticationMode", settings.authenticationMode, kind.authentication);
+    check("encryptionModes", settings.encryptionModes, kind.encryption);
 }
 
 // A name or an address belongs to one thing in the whole gateway and around it.

@@ -143,13 +143,13 @@ TEST(ScenarioTest, WhatIsDueIsDueToSomethingThatIsThere)
 TEST(ScenarioTest, WhatCannotBeIsRefused)
 {
     EXPECT_EQ(errorOf(scenario("", R"(, "beaconType": "wpa3", "authenticationMode": "psk")")),
-              "f: /radios/0/interfaces/0/authenticationMode: \"psk\"; expected sae or eap with beaconType wpa3");
+              "f: /radios/0/interfaces/0/authenticationMode: \"psk\"; expected one of sae, eap, with beaconType wpa3");
     EXPECT_EQ(errorOf(scenario("", R"(, "beaconType": "wpa3", "encryptionModes": "tkip")")),
-              "f: /radios/0/interfaces/0/encryptionModes: \"tkip\"; expected aes with beaconType wpa3");
+              "f: /radios/0/interfaces/0/encryptionModes: \"tkip\"; expected one of aes, with beaconType wpa3");
     EXPECT_EQ(errorOf(scenario("", R"(, "beaconType": "open", "encryptionModes": "aes")")),
-              "f: /radios/0/interfaces/0/encryptionModes: \"aes\"; expected none with beaconType open");
+              "f: /radios/0/interfaces/0/encryptionModes: \"aes\"; expected one of none, with beaconType open");
     EXPECT_EQ(errorOf(scenario("", R"(, "authenticationMode": "sae")")),
-              "f: /radios/0/interfaces/0/authenticationMode: \"sae\"; expected psk or eap with beaconType wpa2");
+              "f: /radios/0/interfaces/0/authenticationMode: \"sae\"; expected one of psk, eap, with beaconType wpa2");
     for (const char* kind : {"open", "wpa", "wpa2", "wpa-wpa2", "wpa3"}) // what is not said is what belongs to it
         EXPECT_EQ(errorOf(scenario("", std::string(R"(, "beaconType": ")") + kind + '"')), "") << kind;
 
