@@ -4,6 +4,8 @@
 #include "simulator/model.h"
 #include "simulator/rates.h"
 
+#include <sstream>
+
 namespace simulator_test
 {
 
@@ -247,6 +249,43 @@ TEST_F(EnvironmentTest, RadarMakesTheRadioLeaveTheWholeBlockForHalfAnHour)
     passSeconds(1);
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_channel)("wifi0", 52), kDone);
     EXPECT_EQ(isReady(), 0u); // and is checked again
+}
+
+TEST_F(EnvironmentTest, RadarSilencesARadioThatHasNoChannelLeft)
+{
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_channel)("wifi0", 52), kDone);
+    passSeconds(70);
+    EXPECT_EQ(stationCount(1, 2), 1u);
+    char list[256];
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_list_channels)("wifi0", list, sizeof list), kDone);
+    std::istringstream channels(list);
+    for (std::string channel; std::getline(channels, channel, ',');)
+        if (channel != "52")
+        {
+            const auto number = static_cast<std::uint32_t>(std::stoul(channel));
+            EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_chan_pri_inactive)("wifi0", number, 1), kDone);
+        }
+    appearRadar(52);
+    EXPECT_EQ(isReady(), 0u);
+    EXPECT_EQ(stationCount(1, 2), 0u);
+    passSeconds(1800);
+    EXPECT_EQ(isReady(), 0u); // it may listen again
+    passSeconds(60);
+    EXPECT_EQ(isReady(), 1u);
+    EXPECT_EQ(stationCount(1, 2), 1u);
+}
+
+TEST_F(EnvironmentTest, RadarIsHeardByTheSecondReceiverToo)
+{
+    std::uint32_t status = 99;
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_bw)("wifi0", 80), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_start_dfs_s_radio)("wifi0", 100), kDone);
+    appearRadar(108); // of the same block
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_dfs_s_radio_status)("wifi0", &status), kDone);
+    EXPECT_EQ(status, 0u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_channel)("wifi0", 100), kModuleInvalidValue);
+    EXPECT_EQ(isReady(), 1u); // where the radio works there was none
+    EXPECT_EQ(state("/radios/0/channel"), 36);
 }
 
 TEST_F(EnvironmentTest, RadarWhereTheRadioIsNotChangesNothing)
