@@ -113,8 +113,14 @@ bool Connection::isOwn() const
 
 bool Connection::isAlive() const
 {
+    if (!isStillOurSocket())
+        return false;
     pollfd socket = {socket_.get(), POLLRDHUP, 0};
-    return isStillOurSocket() && poll(&socket, 1, 0) <= 0; // where a signal interrupts it, nothing is known to be wrong
+    int ended = 0;
+    do
+        ended = poll(&socket, 1, 0);
+    while (ended < 0 && errno == EINTR);
+    return ended <= 0; // where poll fails, nothing is known to be wrong
 }
 
 void Connection::hangUp()
