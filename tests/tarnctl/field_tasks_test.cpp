@@ -41,7 +41,7 @@ std::vector<Task> tasks(const std::string& directory)
         {"set a power", {"power", "1", "50"}, {"radio 1 (radio0): power 100 % -> 50 %"}},
         {"scan sorted by signal", {"scan", "--wait", "--sort", "signal"}, {"upstairs", "(hidden)", "-66 dBm", "wpa3"}},
         {"the channels in a picture", {"scan", "--last", "--chart"}, {"2.4 GHz", "5 GHz", "::::::::", "====", "own"}},
-        {"stations with signal and rate", {"stations", "--sort", "signal"}, {"02:00:00:00:01:01  -48 dBm  1300 Mbit/s"}},
+        {"stations with signal and rate", {"stations", "--sort", "signal"}, {"02:00:00:00:01:01  -48 dBm  600 Mbit/s"}},
         {"send a station away", {"kick", "02:00:00:00:01:04"}, {"wifi1: 02:00:00:00:01:04 removed from the stations"}},
         {"add to a filter",
          {"filter", "add", "wifi1", "02:00:00:00:01:04"},

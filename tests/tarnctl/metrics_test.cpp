@@ -95,7 +95,7 @@ TEST_F(MetricsOfAGatewayTest, HaveTheNamesAndUnitsThatOtherExportersUse)
          "wifi_station_transmit_bits_per_second device=\"wifi0\" station=\"0\" 1300000000.0",
          "wifi_interface_stations device=\"wifi0\" 3.0", "wifi_interface_enabled device=\"wifi0\" 1.0",
          "wifi_interface_info bssid=\"02:00:00:00:00:10\" device=\"wifi0\" radio=\"1\" ssid=\"home\" 1.0",
-         "wifi_radio_bandwidth_hertz radio=\"1\" 80000000.0", "wifi_radio_channel_load_ratio radio=\"1\" 0.18",
+         "wifi_radio_bandwidth_hertz radio=\"1\" 80000000.0", "wifi_radio_channel_load_ratio radio=\"1\" 0.12",
          "wifi_radio_info band=\"5GHz\" country=\"eu\" driver=\"5.3.1-sim\" mode=\"11ac\" name=\"radio0\" radio=\"1\" 1.0",
          "wifi_radio_temperature_celsius radio=\"1\" 58.0", "wifi_module_temperature_celsius sensor=\"baseband\" 63.0",
          "family wifi_module_uptime_seconds gauge seconds",
