@@ -50,7 +50,7 @@ struct PreparedArguments
 
 // The name of an interface may be given as ifname or intf_name. Throws UsageError for a name that is unknown, repeated, or an
 // output's, for one that is missing, and for a value that does not fit.
-PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& assignments);
+PreparedArguments prepare(const LibraryFunction& function, const std::vector<Assignment>& given);
 
 // What `describe`, and an error, say about how an input is written.
 std::string expectedValue(const FunctionParameter& parameter);
