@@ -1,5 +1,6 @@
 #include "command_request.h"
 
+#include "contract/message.h"
 #include "reply_status.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace tarn::simulator
 
 using contract::Argument;
 using contract::Direction;
-using contract::Encoding;
 
 CommandRequest::CommandRequest(const contract::Command& command, const GatewayLayout& layout, void* message)
     : command_(command), layout_(layout), message_(static_cast<std::uint8_t*>(message))
@@ -28,20 +28,7 @@ const Argument& CommandRequest::find(std::string_view argument, Direction direct
 
 std::size_t CommandRequest::room(const Argument& argument) const
 {
-    return argument.size != 0 ? argument.size : command_.statusOffset() - argument.offset;
-}
-
-// Words are at multiples of 4 within the message, but the message itself need not be aligned.
-std::uint32_t CommandRequest::word(std::uint32_t offset) const
-{
-    std::uint32_t value;
-    std::memcpy(&value, message_ + offset, sizeof value);
-    return value;
-}
-
-void CommandRequest::setWord(std::uint32_t offset, std::uint32_t value)
-{
-    std::memcpy(message_ + offset, &value, sizeof value);
+    return contract::roomOf(command_, argument);
 }
 
 void CommandRequest::copyIn(const Argument& argument, void* to, std::size_t length) const
@@ -69,19 +56,7 @@ std::uint32_t CommandRequest::number(std::string_view argument) const
 
 std::uint32_t CommandRequest::sentNumber(const Argument& place) const
 {
-    switch (place.encoding)
-    {
-    case Encoding::kId:
-        return word(place.offset) + 1;
-    case Encoding::kWord:
-        return word(place.offset);
-    case Encoding::kByte:
-        return message_[place.offset];
-    case Encoding::kInverted:
-        return word(place.offset) != 0 ? 0 : 1;
-    default:
-        throw std::logic_error(command_.function + ": " + place.name + " is no number");
-    }
+    return contract::loadNumber(place, message_ + place.offset);
 }
 
 bool CommandRequest::flag(std::string_view argument) const
@@ -161,13 +136,7 @@ Record CommandRequest::blank(std::string_view argument) const
 void CommandRequest::setNumber(std::string_view argument, std::uint32_t value)
 {
     const Argument& place = find(argument, Direction::kOut);
-    const std::uint32_t number = layout_.numberToWire(command_.function, argument, value);
-    if (place.encoding == Encoding::kWord)
-        setWord(place.offset, number);
-    else if (place.encoding == Encoding::kByte)
-        message_[place.offset] = static_cast<std::uint8_t>(number);
-    else
-        throw std::logic_error(command_.function + ": " + place.name + " is no number");
+    contract::storeNumber(place, layout_.numberToWire(command_.function, argument, value), message_ + place.offset);
 }
 
 void CommandRequest::setSigned(std::string_view argument, std::int32_t value)
@@ -214,7 +183,7 @@ void CommandRequest::setAddressWhere(const char* other, std::string_view argumen
 
 void CommandRequest::setStatus(std::uint32_t status)
 {
-    setWord(command_.statusOffset(), status);
+    std::memcpy(message_ + command_.statusOffset(), &status, sizeof status);
 }
 
 } // namespace tarn::simulator

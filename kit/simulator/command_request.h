@@ -78,8 +78,6 @@ private:
     std::size_t room(const contract::Argument& argument) const; // bytes that its field has in the message
     RecordLayout layoutOf(const contract::Argument& argument) const;
     std::uint32_t sentNumber(const contract::Argument& place) const;
-    std::uint32_t word(std::uint32_t offset) const;
-    void setWord(std::uint32_t offset, std::uint32_t value);
     void copyIn(const contract::Argument& argument, void* to, std::size_t length) const;
     void copyOut(const contract::Argument& argument, const void* from, std::size_t length);
 
