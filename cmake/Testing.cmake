@@ -26,10 +26,10 @@ target_link_libraries(tarn_test_headers INTERFACE tarn_rooms)
 # test's compilation, are compiled once for all programs.
 set(tarn_test_options -O0 -g1)
 add_library(tarn_test_precompiled OBJECT ${PROJECT_SOURCE_DIR}/tests/support/precompiled.cpp)
-target_link_libraries(tarn_test_precompiled PRIVATE tarn_gtest)
+target_link_libraries(tarn_test_precompiled PRIVATE tarn_gtest tarn_json)
 target_compile_options(tarn_test_precompiled PRIVATE ${tarn_test_options})
 tarn_warnings(tarn_test_precompiled)
-target_precompile_headers(tarn_test_precompiled PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+target_precompile_headers(tarn_test_precompiled PRIVATE <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>)
 
 string(JOIN " " TARN_EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR})
 

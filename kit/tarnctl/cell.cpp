@@ -30,9 +30,21 @@ std::string withUnit(const std::string& number, std::string_view unit)
     return unit.empty() ? number : number + " " + std::string(unit);
 }
 
-std::string plainText(const Json& value)
+std::string plainText(const Datum& value)
 {
-    return value.is_string() ? printable(value.get<std::string>()) : value.dump();
+    return printable(value.plain());
+}
+
+Cell decodedCell(const layout::Decoded& decoded);
+
+// Of an array of structures, none.
+Datum::List plainElements(const layout::Decoded& array)
+{
+    Datum::List list;
+    for (const std::vector<layout::Decoded>& element : array.elements)
+        if (array.field->hasPlainElements() && !element.empty())
+            list.push_back(decodedCell(element.front()).value);
+    return list;
 }
 
 Cell decodedCell(const layout::Decoded& decoded)
@@ -54,21 +66,13 @@ Cell decodedCell(const layout::Decoded& decoded)
         cell.value = base::hexText(decoded.bytes);
         break;
     case layout::FieldType::kArray:
-        cell.value = Json::array();
-        for (const std::vector<layout::Decoded>& element : decoded.elements)
-            if (field.hasPlainElements() && !element.empty())
-                cell.value.push_back(decodedCell(element.front()).value);
+        cell.value = plainElements(decoded);
         break;
     }
     return cell;
 }
 
 } // namespace
-
-std::int64_t Cell::number() const
-{
-    return isNumber() ? value.get<std::int64_t>() : 0;
-}
 
 std::string Cell::text() const
 {
@@ -78,8 +82,8 @@ std::string Cell::text() const
         return kUnknown;
     if (!name.empty())
         return name;
-    if (value.is_array())
-        return value.empty() ? kUnknown : base::join(value, " ", plainText);
+    if (const Datum::List* list = value.list())
+        return list->empty() ? kUnknown : base::join(*list, " ", plainText);
     return withUnit(plainText(value), unit);
 }
 
@@ -95,6 +99,13 @@ Cell textCell(std::string text)
 {
     Cell cell;
     cell.value = std::move(text);
+    return cell;
+}
+
+Cell listCell(Datum::List list)
+{
+    Cell cell;
+    cell.value = std::move(list);
     return cell;
 }
 

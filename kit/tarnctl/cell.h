@@ -1,7 +1,7 @@
 // One value of the gateway: what a program gets of it, and what a person reads.
 #pragma once
 
-#include "console.h"
+#include "datum.h"
 #include "layout/decode.h"
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace tarn::ctl
 
 struct Cell
 {
-    Json value;             // a number, a text, or a list of these; null if the gateway does not tell
+    Datum value;            // nothing if the gateway does not tell
     std::string name;       // of the number, by the layout; empty if it has none
     bool hasNames = false;  // the layout names numbers of this kind, so that programs get the name beside the number
     std::string unit;       // by the layout
@@ -24,22 +24,27 @@ struct Cell
 
     bool isKnown() const
     {
-        return !value.is_null();
+        return !value.isNothing();
     }
 
     bool isNumber() const
     {
-        return value.is_number();
+        return value.isNumber();
     }
 
     // 0 if it is no number.
-    std::int64_t number() const;
+    std::int64_t number() const
+    {
+        return value.number();
+    }
+
     // As a person reads it: "running", "-48 dBm", "36 40 44"; "-" if it is not known.
     std::string text() const;
 };
 
 Cell numberCell(std::int64_t number, std::string unit = "");
 Cell textCell(std::string text);
+Cell listCell(Datum::List list);
 // A number of seconds shown as "1 h 02 min"; any other cell as it is.
 Cell withDuration(Cell cell);
 // The number by a meaning of the layout; null for none.

@@ -9,6 +9,7 @@
 #include "verbs/verbs.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,12 +1,11 @@
 // The two streams that are written to: results to one, remarks for a person to the other.
 #pragma once
 
+#include "datum.h"
 #include "exit_code.h"
 #include "table.h"
 #include "terminal.h"
 #include "usage_error.h"
-
-#include <nlohmann/json.hpp>
 
 #include <ostream>
 #include <string>
@@ -14,9 +13,6 @@
 
 namespace tarn::ctl
 {
-
-// Keys stay in the order in which they are put in.
-using Json = nlohmann::ordered_json;
 
 // Version of the documents: another one when a key changes its meaning or is dropped.
 inline constexpr char kSchema[] = "tarnctl/1";

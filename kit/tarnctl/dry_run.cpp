@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 
@@ -58,7 +60,7 @@ Json rowDocument(const Listing& list, const Fields& row)
     for (const Column& column : list.columns)
     {
         const Cell& cell = row[column.field];
-        document[column.key] = cell.value;
+        document[column.key] = cell.value.json();
         if (column.isNamed)
             document[nameKey(column.key)] = nameOf(cell);
     }
@@ -218,7 +220,7 @@ void Page::writeDocument(const Console& console, const std::vector<std::string>&
     Json units = Json::object();
     for (const auto& [key, title, cell] : values_)
     {
-        document[key] = cell.value;
+        document[key] = cell.value.json();
         if (cell.hasNames)
             document[nameKey(key)] = nameOf(cell);
         if (!cell.unit.empty())

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 
@@ -40,7 +42,7 @@ std::string labelsText(const Labels& labels)
            "}";
 }
 
-bool Metrics::add(const Metric& metric, Labels labels, Json value)
+bool Metrics::add(const Metric& metric, Labels labels, Datum value)
 {
     std::vector<Sample>& samples = family(metric).samples;
     if (std::any_of(samples.begin(), samples.end(), [&](const Sample& sample) { return sample.labels == labels; }))
@@ -62,7 +64,7 @@ std::string Metrics::text() const
         text += "# HELP " + name + " " + metric.help + "\n";
         for (const Sample& sample : family.samples)
             text += name + (metric.type == MetricType::kCounter ? "_total" : "") + labelsText(sample.labels) + " " +
-                    sample.value.dump() + "\n";
+                    sample.value.plain() + "\n";
     }
     return text + "# EOF\n";
 }
@@ -79,7 +81,7 @@ Json Metrics::document() const
             Json labels = Json::object();
             for (const auto& [name, value] : sample.labels)
                 labels[name] = printable(value);
-            samples.push_back({{"labels", labels}, {"value", sample.value}});
+            samples.push_back({{"labels", labels}, {"value", sample.value.json()}});
         }
         families.push_back({{"name", metric.name},
                             {"type", toString(metric.type)},

@@ -8,7 +8,7 @@
 // type `info` here: what describes an object by its labels is a gauge with the value 1, and its name ends in _info.
 #pragma once
 
-#include "console.h"
+#include "datum.h"
 
 #include <string>
 #include <utility>
@@ -41,7 +41,7 @@ class Metrics
 {
 public:
     // False if there is a sample with these labels already, which stays: with two, no collector would take any.
-    bool add(const Metric& metric, Labels labels, Json value);
+    bool add(const Metric& metric, Labels labels, Datum value);
 
     std::string text() const;
 
@@ -52,7 +52,7 @@ private:
     struct Sample
     {
         Labels labels;
-        Json value;
+        Datum value;
     };
 
     struct Family

@@ -8,6 +8,8 @@
 #include <array>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -166,8 +166,8 @@ try
         {
             std::int64_t index = 0;
             for (const Fields& station : survey.stations(interface))
-                if (const Cell& address = station["macAddress"]; address.value.is_string())
-                    stations_.push_back({&interface, address.value.get<std::string>(), index++});
+                if (const std::string* address = station["macAddress"].value.text())
+                    stations_.push_back({&interface, *address, index++});
         }
 }
 catch (const CallFailure& failure)

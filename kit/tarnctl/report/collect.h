@@ -6,6 +6,8 @@
 
 #include <optional>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -2,9 +2,12 @@
 
 #include "base/join.h"
 #include "base/json_reader.h"
+#include "tarnctl/console.h"
 #include "tarnctl/terminal_text.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
+
+#include <nlohmann/json.hpp>
 
 namespace tarn::ctl
 {
@@ -104,14 +107,14 @@ Cell fieldCell(const Json& field)
         cell.shown = field.contains("bytes") ? "(" + field["bytes"].dump() + " bytes, left out)" : "(hidden)";
         return cell;
     }
-    cell.value = field["value"];
+    cell.value = datumOf(field["value"]);
     cell.hasNames = field.contains("name") || field.contains("flags");
     cell.name = field.value("name", "");
     if (field.contains("flags"))
         cell.name = base::join(field["flags"], ", ", plainText);
     cell.unit = field.value("unit", "");
     if (field.contains("hex"))
-        cell.shown = plainText(cell.value) + " (" + field["hex"].get<std::string>() + ")";
+        cell.shown = plainText(field["value"]) + " (" + field["hex"].get<std::string>() + ")";
     return cell;
 }
 

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

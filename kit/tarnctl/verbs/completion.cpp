@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <array>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -71,9 +71,10 @@ Cell rateOf(const Counter& counter, const Cell& before, const Cell& after, doubl
         return rate;
     const double perSecond =
         growth(before.number(), after.number(), after.size) * (counter.isBytes ? kBitsOfAByte : 1) / seconds;
-    rate.value = std::round(perSecond * 10) / 10;
+    const double rounded = std::round(perSecond * 10) / 10;
+    rate.value = rounded;
     rate.unit = counter.isBytes ? "bit/s" : "1/s";
-    rate.shown = shortened(rate.value.get<double>(), counter.isBytes ? "bit/s" : "/s");
+    rate.shown = shortened(rounded, counter.isBytes ? "bit/s" : "/s");
     return rate;
 }
 

@@ -5,6 +5,8 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -12,6 +12,8 @@
 #include <filesystem>
 #include <future>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -14,6 +14,8 @@
 #include <set>
 #include <variant>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -36,14 +36,13 @@ void declare(Syntax& syntax, FilterOptions& options)
 Fields filterOf(Survey& survey, const Interface& interface)
 {
     Fields filter = survey.ask("TarnGetAccessPointMacFilterMode", interface.asAccessPoint());
-    Cell addresses;
-    addresses.value = Json::array();
+    Datum::List addresses;
     for (const Fields& entry :
          survey.list("TarnGetAccessPointMacFilterNum", "TarnGetAccessPointMacFilterAt", interface.asAccessPoint()))
-        addresses.value.push_back(entry["macAddress"].value);
+        addresses.push_back(entry["macAddress"].value);
     filter.set("interface", textCell(interface.name));
     filter.set("ssid", interface.data["ssid"]);
-    filter.set("addresses", std::move(addresses));
+    filter.set("addresses", listCell(std::move(addresses)));
     return filter;
 }
 

@@ -1,6 +1,8 @@
 // `tarnctl help`: what the program, or a command, takes.
 #include "tarnctl/verbs/verbs.h"
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

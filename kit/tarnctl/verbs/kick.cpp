@@ -28,7 +28,7 @@ std::optional<Interface> interfaceOf(Survey& survey, const std::string& address)
 {
     for (const Interface& interface : survey.interfaces())
         for (const Fields& station : survey.stations(interface))
-            if (station["macAddress"].value == address)
+            if (station["macAddress"].text() == address)
                 return interface;
     return std::nullopt;
 }

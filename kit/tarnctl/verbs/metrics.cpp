@@ -14,6 +14,8 @@
 #include <array>
 #include <cmath>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 
@@ -148,7 +150,7 @@ constexpr std::array<Conversion, 13> kConversions = {{
 }};
 
 // Whole numbers without a point.
-Json numberOf(double value)
+Datum numberOf(double value)
 {
     constexpr double kMostExact = 9007199254740992.0; // 2 to the power 53
     if (value == std::floor(value) && std::abs(value) <= kMostExact)
@@ -156,28 +158,28 @@ Json numberOf(double value)
     return value;
 }
 
-// Null if the metric cannot be told.
-Json valueOf(const Metric& metric, const Cell& cell)
+// Nothing if the metric cannot be told.
+Datum valueOf(const Metric& metric, const Cell& cell)
 {
     if (!cell.isNumber() || (metric.type == kCounter && cell.number() < 0))
-        return nullptr;
+        return {};
     if (*metric.unit == '\0')
         return cell.value;
     for (const Conversion& conversion : kConversions)
         if (cell.unit == conversion.unit && metric.unit == conversion.base)
             return numberOf(static_cast<double>(cell.number()) * conversion.factor / conversion.divisor);
-    return nullptr;
+    return {};
 }
 
 // Whichever numbers the layout gives these names.
-Json switchValueOf(const Cell& cell)
+Datum switchValueOf(const Cell& cell)
 {
     if (cell.name == "yes" || cell.name == "on")
         return 1;
     if (cell.name == "no" || cell.name == "off")
         return 0;
     const bool isPlain = cell.isNumber() && cell.name.empty() && (cell.number() == 0 || cell.number() == 1);
-    return isPlain ? cell.value : Json(nullptr);
+    return isPlain ? cell.value : Datum();
 }
 
 // --- Collecting ------------------------------------------------------------------------------------------------------------
@@ -212,9 +214,9 @@ public:
     }
 
 private:
-    void add(const Metric& metric, const Labels& labels, const Json& value)
+    void add(const Metric& metric, const Labels& labels, const Datum& value)
     {
-        if (!value.is_null() && !metrics_.add(metric, labels, value))
+        if (!value.isNothing() && !metrics_.add(metric, labels, value))
             notes_.push_back("the gateway tells twice of " + std::string(metric.name) + labelsText(labels) +
                              "; the first is taken");
     }
@@ -298,8 +300,8 @@ private:
     // Of a text, the bytes as they came.
     static std::string wordOf(const Cell& cell)
     {
-        if (cell.value.is_string())
-            return cell.value.get<std::string>();
+        if (const std::string* text = cell.value.text())
+            return *text;
         return cell.isKnown() ? cell.text() : "";
     }
 

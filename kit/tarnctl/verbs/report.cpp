@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <nlohmann/json.hpp>
+
 namespace tarn::ctl
 {
 

@@ -56,7 +56,7 @@ Cell historyOf(const Fields& station, Histories& histories, bool hasUtf8)
     if (history.size() > kLongest)
         history.pop_front();
     Cell cell;
-    cell.value = history;
+    cell.value = Datum::List(history.begin(), history.end());
     cell.unit = signal.unit;
     cell.shown = sparkline(history, kWeakest, kStrongest, hasUtf8);
     return cell;
