@@ -197,9 +197,10 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     CLI::App parser("Shows and sets what a gateway's Wi-Fi does, and calls every function of its client library by its name.",
                     "tarnctl");
     parser.fallthrough(); // these options are also allowed after a verb
-    addText(parser, "--layout", options.layout,
-            "Layout file that says what is inside records; else TARN_LAYOUT, the simulated gateway's, /etc/tarn/layout.json")
-        ->type_name("FILE");
+    Syntax(parser).text(
+        "--layout", options.layout,
+        "Layout file that says what is inside records; else TARN_LAYOUT, the simulated gateway's, /etc/tarn/layout.json",
+        "FILE");
     CLI::Option* const json =
         parser.add_flag("--json", console.json, "Write JSON documents (schema tarnctl/1), as --format json does");
     addChoice(parser, "--format", {"table", "csv", "json"}, "How results are written",

@@ -5,8 +5,6 @@
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 namespace tarn::ctl
 {
 
@@ -39,18 +37,16 @@ struct CallOptions
     bool isDryRun = false;
 };
 
-void declare(CLI::App& verb, CallOptions& options)
+void declare(Syntax& syntax, CallOptions& options)
 {
-    verb.add_option("NAME", options.name, "The function's name")->required();
-    addTexts(verb, "ARGUMENT=VALUE", options.arguments, "The function's arguments, in any order");
-    addTexts(verb, "--text", options.texts, "ARGUMENT=VALUE, a text as given, even the word null")->expected(1)->take_all();
-    addCaller(verb, options.callerId);
-    CLI::Option* const dryRun = verb.add_flag("--dry-run", options.isDryRun, "Show the message instead of sending it");
-    addTexts(verb, "--save", options.savings, "ARGUMENT=FILE, write an output's bytes into a file")
-        ->expected(1)
-        ->take_all()
-        ->excludes(dryRun);
-    verb.footer(kHelp);
+    syntax.text("NAME", options.name, "The function's name");
+    syntax.texts("ARGUMENT=VALUE", options.arguments, "The function's arguments, in any order");
+    syntax.each("--text", options.texts, "ARGUMENT=VALUE, a text as given, even the word null");
+    syntax.caller(options.callerId);
+    syntax.flag("--dry-run", options.isDryRun, "Show the message instead of sending it");
+    syntax.each("--save", options.savings, "ARGUMENT=FILE, write an output's bytes into a file");
+    syntax.exclude("--save", "--dry-run");
+    syntax.footer(kHelp);
 }
 
 PreparedArguments argumentsOf(const LibraryFunction& function, const CallOptions& options)

@@ -29,9 +29,9 @@ struct CompleteOptions
     std::vector<std::string> words; // those behind "tarnctl", the last as far as it is typed
 };
 
-void declare(CLI::App& verb, CompleteOptions& options)
+void declare(Syntax& syntax, CompleteOptions& options)
 {
-    addTexts(verb, "WORD", options.words, "The words of the command line");
+    syntax.texts("WORD", options.words, "The words of the command line");
 }
 
 // A gateway that does not answer must not hold up the shell: the program ends with what it has offered.

@@ -7,8 +7,6 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -31,17 +29,17 @@ struct EventsOptions
     CallerId callerId = kOwnCallerId;
 };
 
-void declare(CLI::App& verb, EventsOptions& options)
+void declare(Syntax& syntax, EventsOptions& options)
 {
-    addTexts(verb, "EVENT", options.events, "Names or numbers of events; all five if none is given");
-    verb.add_option("--count", options.count, "End after so many events")
-        ->check(CLI::Range(1u, 0xFFFFFFFFu, "1 to 4294967295"));
-    verb.add_option("--timeout", options.seconds, "End after so many seconds")->check(CLI::Range(0.0, 1e9, "0 to 1e9 seconds"));
-    verb.add_flag("!--no-reconnect,--reconnect", options.reconnects,
-                  "Go on when the service has been restarted, and say so: the default. Otherwise end with it");
-    addCaller(verb, options.callerId);
-    verb.footer("One line an event, until the count is reached, the time is up, or SIGINT or SIGTERM comes (exit code 0).\n"
-                "Fewer events than --count when the time is up: exit code 5. No service at the end: exit code 6.");
+    constexpr double kLongest = 1e9;
+    syntax.texts("EVENT", options.events, "Names or numbers of events; all five if none is given");
+    syntax.count("--count", options.count, "End after so many events");
+    syntax.seconds("--timeout", options.seconds, 0, kLongest, "End after so many seconds");
+    syntax.flag("!--no-reconnect,--reconnect", options.reconnects,
+                "Go on when the service has been restarted, and say so: the default. Otherwise end with it");
+    syntax.caller(options.callerId);
+    syntax.footer("One line an event, until the count is reached, the time is up, or SIGINT or SIGTERM comes (exit code 0).\n"
+                  "Fewer events than --count when the time is up: exit code 5. No service at the end: exit code 6.");
 }
 
 std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)

@@ -8,8 +8,6 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include <nlohmann/json.hpp>
@@ -34,7 +32,7 @@ Examples:
 struct LayoutOptions
 {
     std::string action;
-    std::string name;
+    std::optional<std::string> name;
 };
 
 std::vector<std::string> actions()
@@ -42,11 +40,11 @@ std::vector<std::string> actions()
     return {"show", "check", "header"};
 }
 
-void declare(CLI::App& verb, LayoutOptions& options)
+void declare(Syntax& syntax, LayoutOptions& options)
 {
-    verb.add_option("ACTION", options.action, "show, check or header")->required();
-    verb.add_option("NAME", options.name, "What to show; the file to check");
-    verb.footer(kHelp);
+    syntax.text("ACTION", options.action, "show, check or header");
+    syntax.text("NAME", options.name, "What to show; the file to check");
+    syntax.footer(kHelp);
 }
 
 const LayoutInUse& neededLayout()
@@ -203,13 +201,13 @@ ExitCode header(const Console& console)
 ExitCode layoutAction(const Console& console, const LayoutOptions& options)
 {
     if (options.action == "show")
-        return show(console, options.name);
+        return show(console, options.name.value_or(""));
     if (options.action == "check")
-        return check(console, options.name);
-    if (options.action == "header" && options.name.empty())
+        return check(console, options.name.value_or(""));
+    if (options.action == "header" && !options.name)
         return header(console);
     if (options.action == "header")
-        throw UsageError("layout header: expected no name, and the file by --layout; got " + inQuotes(options.name));
+        throw UsageError("layout header: expected no name, and the file by --layout; got " + inQuotes(*options.name));
     throw UsageError("layout: expected one of " + base::join(actions()) + "; got " + inQuotes(options.action),
                      base::suggestions(options.action, actions()));
 }

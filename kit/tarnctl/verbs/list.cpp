@@ -7,8 +7,6 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include <nlohmann/json.hpp>
@@ -19,46 +17,47 @@ namespace tarn::ctl
 namespace
 {
 
-// Empty texts select everything.
+// What is not given selects everything.
 struct ListOptions
 {
-    std::string service;
-    std::string group;
-    std::string text; // in the name, group or description, in letters of either case
+    std::optional<std::string> service;
+    std::optional<std::string> group;
+    std::optional<std::string> text; // in the name, group or description, in letters of either case
 };
 
-void declare(CLI::App& verb, ListOptions& options)
+void declare(Syntax& syntax, ListOptions& options)
 {
-    verb.add_option("--service", options.service, "Only those of a service: TARN, QTN_RPC_PROXY, QTN_MIRROR")
-        ->type_name("SERVICE");
-    verb.add_option("--group", options.group, "Only those of a group");
-    verb.add_option("TEXT", options.text, "Only those with this text in name, group or description");
-    verb.footer("Columns: service, command, group, function, description.");
+    syntax.text("--service", options.service, "Only those of a service: TARN, QTN_RPC_PROXY, QTN_MIRROR", "SERVICE");
+    syntax.text("--group", options.group, "Only those of a group");
+    syntax.text("TEXT", options.text, "Only those with this text in name, group or description");
+    syntax.footer("Columns: service, command, group, function, description.");
 }
 
 // A service or group that does not exist is a usage error, and not a search without a result.
-void checkKnown(const char* option, const std::string& wanted, std::string LibraryFunction::*member)
+void checkKnown(const char* option, const std::optional<std::string>& wanted, std::string LibraryFunction::*member)
 {
+    if (!wanted)
+        return;
     std::vector<std::string> known;
     for (const LibraryFunction& function : catalogue())
     {
         const std::string& name = function.*member;
-        if (wanted.empty() || base::lowerCase(name) == base::lowerCase(wanted))
+        if (base::lowerCase(name) == base::lowerCase(*wanted))
             return;
         if (!name.empty() && std::find(known.begin(), known.end(), name) == known.end())
             known.push_back(name);
     }
     throw UsageError(std::string(option) + ": expected one of " + base::join(known, ", ", inQuotes) + "; got " +
-                         inQuotes(wanted),
-                     base::suggestions(wanted, known));
+                         inQuotes(*wanted),
+                     base::suggestions(*wanted, known));
 }
 
 bool isSelected(const LibraryFunction& function, const ListOptions& options)
 {
     const std::string text = base::lowerCase(function.name + '\n' + function.group + '\n' + function.description);
-    return (options.service.empty() || base::lowerCase(function.service) == base::lowerCase(options.service)) &&
-           (options.group.empty() || base::lowerCase(function.group) == base::lowerCase(options.group)) &&
-           text.find(base::lowerCase(options.text)) != std::string::npos;
+    return (!options.service || base::lowerCase(function.service) == base::lowerCase(*options.service)) &&
+           (!options.group || base::lowerCase(function.group) == base::lowerCase(*options.group)) &&
+           text.find(base::lowerCase(options.text.value_or(""))) != std::string::npos;
 }
 
 std::string commandText(const LibraryFunction& function)

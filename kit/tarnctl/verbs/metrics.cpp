@@ -9,8 +9,6 @@
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <array>
 #include <cmath>
 
@@ -28,12 +26,11 @@ struct MetricsOptions
     bool hasAddresses = false;
 };
 
-void declare(CLI::App& verb, MetricsOptions& options)
+void declare(Syntax& syntax, MetricsOptions& options)
 {
-    addText(verb, "--textfile", options.textFile, "Replace this file in one step, instead of writing to standard output")
-        ->type_name("FILE");
-    verb.add_flag("--addresses", options.hasAddresses, "Name stations by their MAC addresses, and add what they have counted");
-    verb.footer(
+    syntax.text("--textfile", options.textFile, "Replace this file in one step, instead of writing to standard output", "FILE");
+    syntax.flag("--addresses", options.hasAddresses, "Name stations by their MAC addresses, and add what they have counted");
+    syntax.footer(
         "The text is in the OpenMetrics format. Without --addresses stations have the numbers of their places in the lists,\n"
         "from 0, which are others when one of them leaves.\n"
         "Example:\n  tarnctl metrics --textfile /var/lib/prometheus/node-exporter/wifi.prom");

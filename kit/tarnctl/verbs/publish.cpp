@@ -7,8 +7,6 @@
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 #include <nlohmann/json.hpp>
@@ -24,13 +22,13 @@ constexpr std::uint32_t kWait = 3; // seconds
 struct PublishOptions
 {
     std::string event;
-    std::string data;
+    std::optional<std::string> data;
 };
 
-void declare(CLI::App& verb, PublishOptions& options)
+void declare(Syntax& syntax, PublishOptions& options)
 {
-    verb.add_option("EVENT", options.event, "Name or number of the event")->required();
-    verb.add_option("--data", options.data, "The event's data, two hexadecimal digits a byte");
+    syntax.text("EVENT", options.event, "Name or number of the event");
+    syntax.text("--data", options.data, "The event's data, two hexadecimal digits a byte");
 }
 
 TarnGatewayPublish messageFor(const contract::Event& event, const Bytes& data)
@@ -55,7 +53,7 @@ ExitCode ipcFailure(const Console& console, std::uint32_t status)
 ExitCode publish(const Console& console, const PublishOptions& options)
 {
     const contract::Event& event = eventNamed(options.event);
-    const Bytes data = parseHex("--data", options.data);
+    const Bytes data = parseHex("--data", options.data.value_or(""));
     if (data.size() > TARN_GATEWAY_PUBLISH_DATA_SIZE)
         throw UsageError("--data: expected at most " + std::to_string(TARN_GATEWAY_PUBLISH_DATA_SIZE) + " bytes; got " +
                          std::to_string(data.size()));

@@ -5,8 +5,6 @@
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <nlohmann/json.hpp>
 
 namespace tarn::ctl
@@ -23,29 +21,16 @@ struct ReportOptions
     CollectOptions collect;
 };
 
-void declare(CLI::App& verb, ReportOptions& options)
+void declare(Syntax& syntax, ReportOptions& options)
 {
     constexpr double kLongest = 3600;
-    addText(verb, "--html", options.page, "Write a page that needs nothing else")->type_name("FILE");
-    verb.add_option(
-            "--json",
-            [&options](const CLI::results_t& given)
-            {
-                options.isDocumentWanted = true;
-                if (!given.front().empty())
-                    options.document = given.front();
-                return true;
-            },
-            "Write a JSON document, to standard output without a file")
-        ->expected(0, 1)
-        ->type_name("[FILE]");
-    verb.add_flag("--secrets", options.collect.hasSecrets,
-                  "Include passphrases, PINs and keys, and bytes that no layout describes, in which there may be some");
-    verb.add_option("--seconds", options.collect.seconds, "How long the counters are watched; 0 for not at all")
-        ->check(CLI::Range(0.0, kLongest, "0 to 3600"))
-        ->capture_default_str()
-        ->type_name("SECONDS");
-    verb.footer(
+    syntax.text("--html", options.page, "Write a page that needs nothing else", "FILE");
+    syntax.text("--json", options.isDocumentWanted, options.document,
+                "Write a JSON document, to standard output without a file", "[FILE]");
+    syntax.flag("--secrets", options.collect.hasSecrets,
+                "Include passphrases, PINs and keys, and bytes that no layout describes, in which there may be some");
+    syntax.seconds("--seconds", options.collect.seconds, 0, kLongest, "How long the counters are watched; 0 for not at all");
+    syntax.footer(
         "Reads only: nothing of the gateway is set, and no scan is begun; tarnctl scan --wait before it fills in the "
         "neighbours.\nFiles are replaced in one step; with --secrets they are for their owner alone.\n"
         "A gateway that does not answer in full gets a report too; the exit code is then that of the first call without "

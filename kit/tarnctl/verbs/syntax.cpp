@@ -1,37 +1,81 @@
 #include "tarnctl/verbs/syntax.h"
 
 #include "base/join.h"
-#include "tarnctl/verbs/verbs.h"
 
 #include <CLI/CLI.hpp>
 
+#include <iomanip>
 #include <sstream>
 
 namespace tarn::ctl
 {
 
-void Syntax::text(const char* name, std::string& text, const char* description)
+namespace
 {
-    verb_
-        .add_option_function<std::string>(
-            name, [&text](const std::string& given) { text = given; }, description)
-        ->required();
+
+// Texts as they are given: the parser's own conversion takes an empty one for none, and braces for an empty list.
+template <typename Text>
+auto storeText(Text& text)
+{
+    return [&text](const std::string& given) { text = given; };
 }
 
-void Syntax::text(const char* name, std::optional<std::string>& text, const char* description)
+CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description)
 {
-    addText(verb_, name, text, description);
+    const auto store = [&texts](const CLI::results_t& given)
+    {
+        texts = given;
+        return true;
+    };
+    return verb.add_option(name, store, description)->type_name("TEXT");
+}
+
+CLI::Range range(double least, double most)
+{
+    constexpr int kDigits = 10;
+    std::ostringstream text;
+    text << std::setprecision(kDigits) << least << " to " << most;
+    return {least, most, text.str()};
+}
+
+} // namespace
+
+void Syntax::text(const char* name, std::string& text, const char* description)
+{
+    verb_.add_option_function<std::string>(name, storeText(text), description)->required();
+}
+
+void Syntax::text(const char* name, std::optional<std::string>& text, const char* description, const char* value)
+{
+    verb_.add_option_function<std::string>(name, storeText(text), description)->type_name(value);
+}
+
+void Syntax::text(const char* name, bool& isGiven, std::optional<std::string>& text, const char* description, const char* value)
+{
+    const auto store = [&isGiven, &text](const CLI::results_t& given)
+    {
+        isGiven = true;
+        if (!given.front().empty())
+            text = given.front();
+        return true;
+    };
+    verb_.add_option(name, store, description)->expected(0, 1)->type_name(value);
 }
 
 void Syntax::word(const char* name, std::optional<std::string>& word, const std::vector<std::string>& words,
                   const char* description)
 {
-    addText(verb_, name, word, description)->type_name(words.empty() ? "WHICH" : "WHICH:{" + base::join(words, ",") + "}");
+    text(name, word, description, (words.empty() ? "WHICH" : "WHICH:{" + base::join(words, ",") + "}").c_str());
 }
 
 void Syntax::texts(const char* name, std::vector<std::string>& texts, const char* description)
 {
-    addTexts(verb_, name, texts, description);
+    addTexts(verb_, name, texts, description)->expected(CLI::detail::expected_max_vector_size);
+}
+
+void Syntax::each(const char* name, std::vector<std::string>& texts, const char* description)
+{
+    addTexts(verb_, name, texts, description)->expected(1)->take_all();
 }
 
 void Syntax::flag(const char* name, bool& isGiven, const char* description)
@@ -39,17 +83,35 @@ void Syntax::flag(const char* name, bool& isGiven, const char* description)
     verb_.add_flag(name, isGiven, description);
 }
 
-void Syntax::seconds(const char* name, std::optional<double>& seconds, double least, const char* description)
+void Syntax::seconds(const char* name, std::optional<double>& seconds, double least, double most, const char* description)
 {
-    constexpr double kMost = 1e6;
-    std::ostringstream range;
-    range << least << " to 1e6";
-    verb_.add_option(name, seconds, description)->check(CLI::Range(least, kMost, range.str()))->type_name("SECONDS");
+    verb_.add_option(name, seconds, description)->check(range(least, most))->type_name("SECONDS");
+}
+
+void Syntax::seconds(const char* name, double& seconds, double least, double most, const char* description)
+{
+    verb_.add_option(name, seconds, description)->check(range(least, most))->capture_default_str()->type_name("SECONDS");
 }
 
 void Syntax::count(const char* name, std::optional<std::uint32_t>& number, const char* description)
 {
     verb_.add_option(name, number, description)->check(CLI::Range(1u, 0xFFFFFFFFu, "1 to 4294967295"))->type_name("NUMBER");
+}
+
+void Syntax::caller(CallerId& callerId)
+{
+    const auto store = [&callerId](const std::string& given) { callerId = given; };
+    CLI::Option* const caller = verb_.add_option_function<std::string>("--caller", store, "The caller id, passed on as given")
+                                    ->default_str(kOwnCallerId);
+    verb_
+        .add_flag_callback(
+            "--null-caller", [&callerId] { callerId = std::nullopt; }, "A null pointer for the caller id")
+        ->excludes(caller);
+}
+
+void Syntax::exclude(const char* name, const char* other)
+{
+    verb_.get_option(name)->excludes(verb_.get_option(other));
 }
 
 void Syntax::footer(const char* text)

@@ -54,7 +54,8 @@ void declareTargets(Syntax& syntax, std::vector<std::string>& targets)
 void declareWatch(Syntax& syntax, WatchOptions& options)
 {
     constexpr double kShortest = 0.1;
-    syntax.seconds("--watch", options.seconds, kShortest, "Show it again so many seconds later, until interrupted");
+    constexpr double kLongest = 1e6;
+    syntax.seconds("--watch", options.seconds, kShortest, kLongest, "Show it again so many seconds later, until interrupted");
     syntax.count("--count", options.count, "With --watch: show it so many times");
 }
 
@@ -98,32 +99,6 @@ std::vector<std::string> optionNames(const CLI::App& parser)
     for (const CLI::Option* option : namedOptions(parser))
         names.push_back("--" + option->get_lnames().front());
     return names;
-}
-
-CLI::Option* addText(CLI::App& verb, const char* name, std::optional<std::string>& text, const char* description)
-{
-    return verb.add_option_function<std::string>(
-        name, [&text](const std::string& given) { text = given; }, description);
-}
-
-CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description)
-{
-    const auto store = [&texts](const CLI::results_t& given)
-    {
-        texts = given;
-        return true;
-    };
-    return verb.add_option(name, store, description)->type_name("TEXT")->expected(CLI::detail::expected_max_vector_size);
-}
-
-void addCaller(CLI::App& verb, CallerId& callerId)
-{
-    const auto store = [&callerId](const std::string& given) { callerId = given; };
-    CLI::Option* const caller = verb.add_option_function<std::string>("--caller", store, "The caller id, passed on as given")
-                                    ->default_str(kOwnCallerId);
-    verb.add_flag_callback(
-            "--null-caller", [&callerId] { callerId = std::nullopt; }, "A null pointer for the caller id")
-        ->excludes(caller);
 }
 
 std::string switchAssignment(const char* function, const char* argument, const std::string& state)

@@ -66,14 +66,6 @@ public:
         verbs_[name] = {[this, options, act] { return act(console_, *options); }, nullptr};
     }
 
-    // The same for one that needs more of the parser than a Syntax has; its file includes CLI/CLI.hpp.
-    template <typename Options, typename Action>
-    void add(const char* name, const char* description, void (*declare)(CLI::App& verb, Options& options), Action act,
-             CompletionWords words = nullptr)
-    {
-        add(name, newVerb(name, description), declare, act, words);
-    }
-
     // Adds a verb without options.
     void add(const char* name, const char* description, ExitCode (*act)(const Console& console))
     {
@@ -132,10 +124,6 @@ void declareSort(Syntax& syntax, std::optional<std::string>& column, const std::
 // Throws UsageError if the word is none of the actions of that verb.
 void requireAction(const char* verb, const std::string& word, const std::vector<std::string>& actions);
 
-// Texts as they are given: the parser's own conversion takes an empty one for none, and braces for an empty list.
-CLI::Option* addText(CLI::App& verb, const char* name, std::optional<std::string>& text, const char* description);
-CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description);
-
 // Those that the help shows.
 std::vector<const CLI::App*> subcommands(const CLI::App& parser);
 std::vector<std::string> verbNames(const CLI::App& parser);
@@ -148,9 +136,6 @@ std::vector<std::string> optionNames(const CLI::App& parser);
 // neither on nor off.
 std::string switchAssignment(const char* function, const char* argument, const std::string& state);
 std::vector<std::string> switchStates();
-
-// --caller and --null-caller.
-void addCaller(CLI::App& verb, CallerId& callerId);
 
 void addList(Verbs& verbs);
 void addDescribe(Verbs& verbs);
