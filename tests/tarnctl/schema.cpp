@@ -35,14 +35,23 @@ void shortenHex(Json& document)
 
 } // namespace
 
-std::vector<std::string> schemaViolations(Json document, const Json& schema)
+struct Schema::Parsed
 {
-    valijson::Schema parsed;
-    valijson::SchemaParser().populateSchema(Adapter(schema), parsed);
+    valijson::Schema schema;
+};
 
+Schema::Schema(const Json& schema) : parsed_(std::make_unique<Parsed>())
+{
+    valijson::SchemaParser().populateSchema(Adapter(schema), parsed_->schema);
+}
+
+Schema::~Schema() = default;
+
+std::vector<std::string> Schema::violations(Json document) const
+{
     shortenHex(document);
     valijson::ValidationResults results;
-    valijson::Validator().validate(parsed, Adapter(document), &results);
+    valijson::Validator().validate(parsed_->schema, Adapter(document), &results);
     std::vector<std::string> violations;
     for (valijson::ValidationResults::Error error; results.popError(error);)
     {

@@ -25,7 +25,7 @@ const Json kGood = {{"schema", "tarnctl/1"}, {"kind", "log-level"}, {"level", 4}
 
 bool isAllowed(const Json& document)
 {
-    return schemaViolations(document, publishedSchema()).empty();
+    return Schema(publishedSchema()).violations(document).empty();
 }
 
 Json with(const char* key, const Json& value)
@@ -95,7 +95,7 @@ const std::map<std::string, Violated> kViolated = {
 TEST(SchemaTest, EveryKeywordIsChecked)
 {
     for (const auto& [keyword, violated] : kViolated)
-        EXPECT_FALSE(schemaViolations(violated.document, violated.schema).empty()) << keyword;
+        EXPECT_FALSE(Schema(violated.schema).violations(violated.document).empty()) << keyword;
 }
 
 void collectKeywords(const Json& schema, std::set<std::string>& keywords)
