@@ -279,7 +279,6 @@ protected:
     {
         EXPECT_EQ(callSum(), KOR_IIL_OK);
         service_.reset();
-        CampaignTest::TearDown();
     }
 
     // Clients of this process look there from now on. Only while no thread is about to connect.

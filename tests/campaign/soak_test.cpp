@@ -32,7 +32,6 @@ protected:
     void TearDown() override
     {
         setrlimit(RLIMIT_NOFILE, &before_);
-        CampaignTest::TearDown();
     }
 
 private:

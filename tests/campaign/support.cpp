@@ -73,18 +73,8 @@ std::uint32_t callSum(std::uint32_t wait, std::uint32_t* number)
 
 void CampaignTest::SetUp()
 {
-    char path[] = "/tmp/campaign-XXXXXX";
-    ASSERT_NE(mkdtemp(path), nullptr);
-    directory_ = path;
-    ASSERT_EQ(setenv("KORIIL_DIR", path, 1), 0);
     ASSERT_EQ(setenv("KORIIL_TRACE_FILE", "/dev/null", 1), 0); // traces are written, and nobody reads them
     KorIilTrace(1, "campaign", 1, "the trace file is open from now on");
-}
-
-void CampaignTest::TearDown()
-{
-    unsetenv("KORIIL_DIR");
-    std::filesystem::remove_all(directory_);
 }
 
 HangGuard::HangGuard(std::chrono::seconds limit, std::function<std::string()> what)
@@ -108,21 +98,6 @@ HangGuard::~HangGuard()
     }
     changed_.notify_all();
     thread_.join();
-}
-
-RunningService::RunningService(KorIilRequestHandler handler, void* context)
-{
-    const std::uint32_t status = KorIilServiceOpen(kService, 5, handler, context, &service_);
-    if (status != KOR_IIL_OK)
-        throw std::runtime_error("the service cannot be opened: status " + std::to_string(status));
-    thread_ = std::thread([this] { EXPECT_EQ(KorIilServiceRun(service_), KOR_IIL_OK); });
-}
-
-RunningService::~RunningService()
-{
-    KorIilServiceStop(service_);
-    thread_.join();
-    KorIilServiceClose(service_);
 }
 
 std::size_t openDescriptors()

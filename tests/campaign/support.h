@@ -4,8 +4,7 @@
 
 #include "peer.h"
 
-#include "kor_iil.h"
-#include "kor_iil_service.h"
+#include "support/services.h"
 
 #include <atomic>
 #include <chrono>
@@ -51,15 +50,14 @@ class CampaignTest : public ::testing::Test
 {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     const std::string& directory() const
     {
-        return directory_;
+        return directory_.path();
     }
 
 private:
-    std::string directory_;
+    tarn::test::TemporaryRuntimeDirectory directory_;
     ::testing::ScopedTrace seedTrace_{__FILE__, __LINE__, "TARN_CAMPAIGN_SEED=" + std::to_string(seed())};
 };
 
@@ -80,22 +78,13 @@ private:
 };
 
 // A service of this process, and the thread that runs it.
-class RunningService
+class RunningService : public tarn::test::ServiceThread
 {
 public:
-    explicit RunningService(KorIilRequestHandler handler = answerSum, void* context = nullptr);
-    ~RunningService();
-    RunningService(const RunningService&) = delete;
-    RunningService& operator=(const RunningService&) = delete;
-
-    KorIilService* get() const
+    explicit RunningService(KorIilRequestHandler handler = answerSum, void* context = nullptr)
+        : ServiceThread(kService, 5, handler, context)
     {
-        return service_;
     }
-
-private:
-    KorIilService* service_ = nullptr;
-    std::thread thread_;
 };
 
 // The program campaign_peer in a process of its own, in a role and with its arguments. It ends when its standard input does.

@@ -31,12 +31,10 @@ protected:
         EXPECT_EQ(callOnce(), KOR_IIL_OK);
         std::thread([] { EXPECT_EQ(callOnce(), KOR_IIL_OK); }).join();
         service_.reset();
-        HostTest::TearDown();
     }
 
     void SetUp() override
     {
-        HostTest::SetUp();
         service_ = std::make_unique<RunningService>();
         ASSERT_EQ(callOnce(), KOR_IIL_OK);
     }

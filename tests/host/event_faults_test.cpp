@@ -24,7 +24,6 @@ class EventFaultsTest : public HostTest
 protected:
     void SetUp() override
     {
-        HostTest::SetUp();
         running = mostRunning = runs = 0;
         held = false;
     }

@@ -77,7 +77,6 @@ class EventsTest : public HostTest
 protected:
     void SetUp() override
     {
-        HostTest::SetUp();
         inbox = &inbox_;
         secondInbox = &secondInbox_;
         held = entered = false;

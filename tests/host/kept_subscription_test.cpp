@@ -49,7 +49,6 @@ class KeptSubscriptionTest : public HostTest
 protected:
     void SetUp() override
     {
-        HostTest::SetUp();
         events = 0;
     }
 

@@ -23,14 +23,6 @@ namespace host_test
 namespace
 {
 
-std::string newDirectory()
-{
-    char path[] = "/tmp/host_test-XXXXXX";
-    if (mkdtemp(path) == nullptr)
-        throw std::runtime_error("no temporary directory");
-    return path;
-}
-
 sockaddr_un addressOf(const char* serviceId)
 {
     sockaddr_un address = {};
@@ -40,18 +32,6 @@ sockaddr_un addressOf(const char* serviceId)
 }
 
 } // namespace
-
-void HostTest::SetUp()
-{
-    directory_ = newDirectory();
-    ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
-}
-
-void HostTest::TearDown()
-{
-    unsetenv("KORIIL_DIR");
-    std::filesystem::remove_all(directory_);
-}
 
 std::uint32_t addOne(const KorIilRequest& request, unsigned char* message)
 {
@@ -73,27 +53,14 @@ void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
 
 // --- Services ----------------------------------------------------------------------------------------------------------------
 
-RunningService::RunningService(Handler handler, const char* serviceId, std::uint32_t eventCount) : handler_(std::move(handler))
+RunningService::RunningService(Handler handler, const char* serviceId, std::uint32_t eventCount)
+    : handler_(std::move(handler)), service_(serviceId, eventCount, call, this)
 {
-    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, call, this, &service_);
-    if (status != KOR_IIL_OK)
-        throw std::runtime_error("the service cannot be opened: status " + std::to_string(status));
-    thread_ = std::thread([this] { EXPECT_EQ(KorIilServiceRun(service_), KOR_IIL_OK); });
-}
-
-RunningService::~RunningService()
-{
-    KorIilServiceStop(service_);
-    thread_.join();
-    KorIilServiceClose(service_);
 }
 
 std::uint32_t RunningService::publish(std::uint32_t event, const std::string& data)
 {
-    std::uint32_t subscribers = 0;
-    EXPECT_EQ(KorIilServicePublish(service_, event, data.data(), static_cast<std::uint32_t>(data.size()), &subscribers),
-              KOR_IIL_OK);
-    return subscribers;
+    return service_.publish(event, data.data(), data.size());
 }
 
 std::uint32_t RunningService::call(void* context, const KorIilRequest* request, void* message)

@@ -4,8 +4,7 @@
 
 #include "host/descriptor.h"
 #include "host/packet.h"
-#include "kor_iil.h"
-#include "kor_iil_service.h"
+#include "support/services.h"
 
 #include <atomic>
 #include <cstddef>
@@ -35,16 +34,13 @@ constexpr std::uint32_t kScriptedChannel = 1000;
 class HostTest : public ::testing::Test
 {
 protected:
-    void SetUp() override;
-    void TearDown() override;
-
     const std::string& directory() const
     {
-        return directory_;
+        return directory_.path();
     }
 
 private:
-    std::string directory_;
+    tarn::test::TemporaryRuntimeDirectory directory_;
 };
 
 using Handler = std::function<std::uint32_t(const KorIilRequest&, unsigned char*)>;
@@ -62,9 +58,6 @@ class RunningService
 {
 public:
     explicit RunningService(Handler handler = addOne, const char* serviceId = kService, std::uint32_t eventCount = 5);
-    ~RunningService();
-    RunningService(const RunningService&) = delete;
-    RunningService& operator=(const RunningService&) = delete;
 
     // Returns how many processes the event was sent to.
     std::uint32_t publish(std::uint32_t event, const std::string& data = "");
@@ -73,8 +66,7 @@ private:
     static std::uint32_t call(void* context, const KorIilRequest* request, void* message);
 
     Handler handler_;
-    KorIilService* service_ = nullptr;
-    std::thread thread_;
+    tarn::test::ServiceThread service_;
 };
 
 // Publishes event 1 in bursts until it is destroyed, at a pace that every subscriber can keep up with.

@@ -95,7 +95,6 @@ class FieldTasksTest : public TarnctlTest
 protected:
     void SetUp() override
     {
-        TarnctlTest::SetUp();
         startGateway({});
     }
 
@@ -134,7 +133,6 @@ class GatewayTasksTest : public FieldTasksTest, public ::testing::WithParamInter
 protected:
     void SetUp() override
     {
-        TarnctlTest::SetUp();
         std::ofstream(path("attic.json")) << tarn_test::secondGatewayText();
         startGateway(GetParam().isSecond ? Words{"--layout", path("attic.json")} : Words());
     }

@@ -61,7 +61,6 @@ class MetricsOfAGatewayTest : public MetricsTest
 protected:
     void SetUp() override
     {
-        TarnctlTest::SetUp();
         gateway_ = std::make_unique<Program>(Words(), TARN_GATEWAY_PROGRAM);
         ASSERT_EQ(gateway_->nextLine().rfind("ready", 0), 0u);
     }

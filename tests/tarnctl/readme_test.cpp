@@ -52,7 +52,6 @@ class ReadmeTest : public TarnctlTest
 protected:
     void SetUp() override
     {
-        TarnctlTest::SetUp();
         std::ofstream(path("tarnctl")) << "#!/bin/sh\nexec " EMULATOR " " TARNCTL_PROGRAM " \"$@\"\n";
         std::filesystem::permissions(path("tarnctl"), std::filesystem::perms::owner_all);
     }

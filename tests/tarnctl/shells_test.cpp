@@ -27,7 +27,6 @@ class ShellTest : public TarnctlTest, public ::testing::WithParamInterface<Shell
 protected:
     void SetUp() override
     {
-        TarnctlTest::SetUp();
         setenv("HOME", directory.c_str(), 1); // no settings of whoever runs the test
         const std::string programs = std::filesystem::path(TARNCTL_PROGRAM).parent_path();
         setenv("PATH", (programs + ":" + path_).c_str(), 1);

@@ -88,44 +88,19 @@ RanJson runJson(Words arguments)
     return {ran.exit, checkedDocument(ran.out), ran.err};
 }
 
-void TarnctlTest::SetUp()
+TarnctlTest::TarnctlTest()
 {
-    char name[] = "/tmp/tarnctl_test.XXXXXX";
-    ASSERT_NE(mkdtemp(name), nullptr);
-    directory = name;
-    setenv("KORIIL_DIR", name, 1);
     setenv("KORIIL_TRACE", "off", 1);
 }
 
-void TarnctlTest::TearDown()
+Service::Service(const char* serviceId, Answer answer, std::uint32_t eventCount)
+    : answer_(std::move(answer)), service_(serviceId, eventCount, &Service::handle, this)
 {
-    std::filesystem::remove_all(directory);
-}
-
-Service::Service(const char* serviceId, Answer reply, std::uint32_t eventCount) : answer_(std::move(reply))
-{
-    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, &Service::handle, this, &service_);
-    if (status != KOR_IIL_OK)
-        ADD_FAILURE() << "service " << serviceId << " did not open: " << status;
-    else
-        thread_ = std::thread([this] { KorIilServiceRun(service_); });
-}
-
-Service::~Service()
-{
-    if (service_ == nullptr)
-        return;
-    KorIilServiceStop(service_);
-    thread_.join();
-    KorIilServiceClose(service_);
 }
 
 std::uint32_t Service::publish(std::uint32_t event, const Bytes& data)
 {
-    std::uint32_t subscribers = 0;
-    EXPECT_EQ(KorIilServicePublish(service_, event, data.data(), static_cast<std::uint32_t>(data.size()), &subscribers),
-              KOR_IIL_OK);
-    return subscribers;
+    return service_.publish(event, data.data(), data.size());
 }
 
 std::vector<Seen> Service::requests() const

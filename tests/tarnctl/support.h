@@ -4,7 +4,7 @@
 
 #include "base/hexadecimal.h"
 #include "contract/contract.h"
-#include "kor_iil_service.h"
+#include "support/services.h"
 #include "tarnctl/terminal.h"
 
 #include <nlohmann/json.hpp>
@@ -52,15 +52,18 @@ Json checkedDocument(const std::string& text);
 class TarnctlTest : public ::testing::Test
 {
 protected:
-    void SetUp() override;
-    void TearDown() override;
+    TarnctlTest();
 
     std::string path(const std::string& file) const
     {
         return directory + "/" + file;
     }
 
-    std::string directory;
+private:
+    tarn::test::TemporaryRuntimeDirectory runtimeDirectory_;
+
+protected:
+    const std::string directory = runtimeDirectory_.path();
 };
 
 using Answer = std::function<std::uint32_t(const KorIilRequest&, Bytes&)>;
@@ -79,9 +82,6 @@ class Service
 {
 public:
     Service(const char* serviceId, Answer answer, std::uint32_t eventCount = 0);
-    ~Service();
-    Service(const Service&) = delete;
-    Service& operator=(const Service&) = delete;
 
     std::uint32_t publish(std::uint32_t event, const Bytes& data);
     std::vector<Seen> requests() const;
@@ -92,8 +92,7 @@ private:
     Answer answer_;
     mutable std::mutex mutex_;
     std::vector<Seen> seen_;
-    KorIilService* service_ = nullptr;
-    std::thread thread_;
+    tarn::test::ServiceThread service_;
 };
 
 // Answers with the request as it came and that status in the last word.

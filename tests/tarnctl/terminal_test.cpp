@@ -45,7 +45,6 @@ class TerminalTest : public TarnctlTest
 protected:
     void SetUp() override
     {
-        TarnctlTest::SetUp();
         gateway_ = std::make_unique<Program>(Words(), TARN_GATEWAY_PROGRAM);
         ASSERT_EQ(gateway_->nextLine().rfind("ready", 0), 0u);
     }
