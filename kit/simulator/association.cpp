@@ -160,7 +160,7 @@ void Model::kickOut(Interface& interface, const MacAddress& address)
             part(interface, i);
             return settle(interface);
         }
-    throw Refused{ReplyStatus::kNoSuchObject};
+    throw Refused{ReplyStatus::kNoSuchObject, base::macText(address) + " is not associated with " + interface.name};
 }
 
 void Model::settle(Radio& radio)

@@ -63,7 +63,7 @@ bool CommandRequest::flag(std::string_view argument) const
 {
     const std::uint32_t value = number(argument);
     if (value > 1)
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, std::string(argument) + " " + std::to_string(value) + "; expected 0 or 1"};
     return value != 0;
 }
 
@@ -122,7 +122,7 @@ std::vector<std::string> CommandRequest::selectedFields(std::string_view argumen
         unknown &= ~(1u << field.bit);
     }
     if (unknown != 0)
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, "a bit of " + selection->argument + " selects nothing"};
     return names;
 }
 

@@ -1,13 +1,13 @@
 #include "control_service.h"
 
 #include "kor_iil_service.h"
-#include "scenario.h"
 #include "tarn_gateway_control.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
@@ -25,38 +25,41 @@ std::uint32_t publish(Model&, const Control& control, TarnGatewayPublish& messag
     return status == KOR_IIL_OK ? TARN_GATEWAY_OK : TARN_GATEWAY_NO_SUCH_OBJECT;
 }
 
-std::uint32_t shutDown(Model&, const Control& control, TarnGatewayShutDown&)
+std::uint32_t statusOf(ReplyStatus status)
 {
-    control.shutDown();
-    return TARN_GATEWAY_OK;
+    constexpr std::uint32_t kFirst = TARN_GATEWAY_NO_SUCH_OBJECT; // the others follow it, in the order of the enumeration
+    return status == ReplyStatus::kDone ? std::uint32_t{TARN_GATEWAY_OK} : kFirst - 1 + static_cast<std::uint32_t>(status);
 }
 
-std::uint32_t readState(Model& model, const Control&, TarnGatewayReadState& message)
+std::uint32_t order(Model& model, const Control& control, TarnGatewayOrder& message)
 {
-    using Pointer = nlohmann::ordered_json::json_pointer;
-    Pointer pointer;
-    try
-    {
-        pointer = Pointer(std::string(message.path, strnlen(message.path, sizeof message.path)));
-    }
-    catch (const nlohmann::ordered_json::exception&)
-    {
-        return TARN_GATEWAY_INVALID_VALUE;
-    }
-
+    std::uint32_t status = TARN_GATEWAY_OK;
     std::string text;
     try
     {
-        text = scenarioOf(model).at(pointer).dump();
+        text =
+            carryOut(model, control.surroundings, std::string_view(message.order, strnlen(message.order, sizeof message.order)))
+                .dump();
     }
-    catch (const nlohmann::ordered_json::exception&)
+    catch (const Refused& refused)
     {
-        return TARN_GATEWAY_NO_SUCH_OBJECT;
+        status = statusOf(refused.status);
+        text = refused.reason;
     }
-    message.length = static_cast<std::uint32_t>(text.size());
-    if (text.size() >= sizeof message.text)
-        return TARN_GATEWAY_FULL;
-    std::memcpy(message.text, text.c_str(), text.size() + 1);
+    message.total = static_cast<std::uint32_t>(text.size());
+    message.length = static_cast<std::uint32_t>(text.copy(message.text, sizeof message.text));
+    if (message.length < message.total)
+        message.number = control.answers.keep(std::move(text));
+    return status;
+}
+
+std::uint32_t readAnswer(Model&, const Control& control, TarnGatewayReadAnswer& message)
+{
+    const std::string* const text = control.answers.find(message.number);
+    if (text == nullptr)
+        return TARN_GATEWAY_NOT_THERE;
+    message.length = static_cast<std::uint32_t>(
+        text->copy(message.text, sizeof message.text, std::min<std::size_t>(message.offset, text->size())));
     return TARN_GATEWAY_OK;
 }
 
@@ -66,41 +69,6 @@ std::uint32_t readLayout(Model& model, const Control&, TarnGatewayReadLayout& me
     message.total = static_cast<std::uint32_t>(text.size());
     message.length =
         static_cast<std::uint32_t>(text.copy(message.text, sizeof message.text, std::min(message.offset, message.total)));
-    return TARN_GATEWAY_OK;
-}
-
-// The clock is set with the model, which it leads.
-void passTo(Model& model, Clock& clock, Milliseconds time)
-{
-    clock.set(time);
-    model.advance(time);
-}
-
-std::uint32_t controlTime(Model& model, const Control& control, TarnGatewayTime& message)
-{
-    Clock& clock = control.clock;
-    switch (message.action)
-    {
-    case TARN_GATEWAY_TIME_READ:
-        break;
-    case TARN_GATEWAY_TIME_SET_SPEED:
-        clock.setSpeed(message.value / 1000.0);
-        break;
-    case TARN_GATEWAY_TIME_STEP:
-        passTo(model, clock, model.time + message.value);
-        break;
-    case TARN_GATEWAY_TIME_STEP_TO_NEXT:
-        if (const std::optional<Milliseconds> next = model.agenda.next())
-            passTo(model, clock, *next);
-        else
-            return TARN_GATEWAY_NOT_THERE;
-        break;
-    default:
-        return TARN_GATEWAY_INVALID_VALUE;
-    }
-    message.speed = static_cast<std::uint32_t>(std::lround(clock.speed() * 1000));
-    message.seconds = model.secondsSinceStart();
-    message.milliseconds = static_cast<std::uint32_t>(model.time % 1000);
     return TARN_GATEWAY_OK;
 }
 
@@ -120,20 +88,32 @@ std::uint32_t serve(std::uint32_t (*answer)(Model&, const Control&, Message&), M
 
 } // namespace
 
+std::uint32_t Answers::keep(std::string text)
+{
+    texts_.push_back(std::move(text));
+    if (texts_.size() > kKept)
+        texts_.pop_front();
+    return ++last_;
+}
+
+const std::string* Answers::find(std::uint32_t number) const
+{
+    const std::uint32_t first = last_ + 1 - static_cast<std::uint32_t>(texts_.size());
+    return number >= first && number <= last_ ? &texts_[number - first] : nullptr;
+}
+
 std::uint32_t serveControl(Model& model, const Control& control, std::uint32_t command, std::uint32_t length, void* message)
 {
     switch (command)
     {
     case TARN_GATEWAY_PUBLISH:
         return serve(publish, model, control, length, message);
-    case TARN_GATEWAY_SHUT_DOWN:
-        return serve(shutDown, model, control, length, message);
-    case TARN_GATEWAY_READ_STATE:
-        return serve(readState, model, control, length, message);
+    case TARN_GATEWAY_ORDER:
+        return serve(order, model, control, length, message);
+    case TARN_GATEWAY_READ_ANSWER:
+        return serve(readAnswer, model, control, length, message);
     case TARN_GATEWAY_READ_LAYOUT:
         return serve(readLayout, model, control, length, message);
-    case TARN_GATEWAY_TIME:
-        return serve(controlTime, model, control, length, message);
     default:
         return KOR_IIL_UNKNOWN_CMD;
     }

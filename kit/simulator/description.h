@@ -62,7 +62,7 @@ public:
     void set(Object& object, Value value) const override
     {
         if (!kind_->accepts(value))
-            throw Refused{ReplyStatus::kInvalidValue};
+            throw Refused{ReplyStatus::kInvalidValue, refusal(value)};
         object.*this->member() = std::move(value);
     }
 
@@ -122,6 +122,26 @@ public:
     }
 
 private:
+    // What the scenario's reader would say of it.
+    std::string refusal(const Value& value) const
+    {
+        if constexpr (std::is_enum_v<Value>)
+            return this->name() + ": " + std::to_string(static_cast<std::uint32_t>(value)) +
+                   "; expected a number that has a name";
+        else
+            try
+            {
+                const Json written = kind_->write(value);
+                Value read{};
+                kind_->read(base::JsonValue(&written, base::JsonPlace(this->name())), read);
+            }
+            catch (const base::JsonError& error)
+            {
+                return error.what();
+            }
+        return this->name() + ": a value that it cannot have";
+    }
+
     Value Object::*member_;
     KindOf<Value> kind_;
     bool isRequired_;

@@ -2,6 +2,8 @@
 #include "description.h"
 #include "model.h"
 
+#include <limits>
+
 namespace tarn::simulator
 {
 
@@ -647,6 +649,25 @@ private:
 } // namespace
 
 template <>
+const Description<Fault>& descriptionOf()
+{
+    using It = Fault;
+    static const Description<It> kDescription =
+        Fields<It>()
+            .required("kind", &It::kind, word<FaultKind>(kFaultKindNames))
+            .field("service", &It::service, maybe(oneOf(std::vector<std::string>{"TARN", "QTN_RPC_PROXY", "QTN_MIRROR"})))
+            .field("function", &It::function, maybe(text(1, 64)))
+            .field("event", &It::event, maybe(text(1, 64)))
+            .field("count", &It::count, maybe(number(1, 1000000)))
+            .field("probability", &It::probability, number(1, 100))
+            .field("milliseconds", &It::milliseconds, maybe(number(1, 3600000)))
+            .field("status", &It::status,
+                   maybe(signedNumber(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max())))
+            .field("losesSettings", &It::losesSettings, maybe(boolean()));
+    return kDescription;
+}
+
+template <>
 const Description<Model>& descriptionOf()
 {
     using It = Model;
@@ -656,11 +677,13 @@ const Description<Model>& descriptionOf()
             .required("scenario", &It::version, number(1, 1))
             .field("description", &It::description, text(0, 1000))
             .field("time", &It::time, counter())
+            .field("bootedAt", &It::bootedAt, counter())
             .field("random", &It::random, object<Random>())
             .field("due", &It::agenda, std::make_shared<AgendaKind>())
             .field("supportsWfaAlliance", &It::supportsWfaAlliance, boolean())
             .field("air", &It::air, object<Air>())
             .field("clients", &It::clients, objects<Client>(kClientRoom))
+            .field("faults", &It::faults, objects<Fault>(kFaultRoom))
             .field("timing", &It::timing, object<Timing>())
             .field("service", &It::service, object<Service>())
             .field("module", &It::module, object<Module>())

@@ -2,6 +2,7 @@
 
 #include "kor_iil_service.h"
 
+#include <cstring>
 #include <stdexcept>
 
 namespace tarn::simulator
@@ -21,8 +22,7 @@ Dispatcher::Dispatcher(const contract::Contract& contract, bool notesFailures)
 
 // Where two functions have one command, the message says which was called: the one with an interface name if it has a name.
 // Where neither has that argument, the requests are equal, and the reply carries the outputs of both.
-std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<HandledFunction>& functions,
-                                                            const GatewayLayout& layout, void* message)
+std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<HandledFunction>& functions, const void* message)
 {
     constexpr const char* kName = "intf_name";
     const HandledFunction* named = nullptr;
@@ -32,7 +32,7 @@ std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<Ha
     if (functions.size() == 1 || named == nullptr)
         return functions;
 
-    const bool hasName = !CommandRequest(*named->command, layout, message).text(kName).empty();
+    const bool hasName = static_cast<const char*>(message)[named->command->argument(kName)->offset] != '\0';
     std::vector<HandledFunction> chosen;
     for (const HandledFunction& function : functions)
         if ((&function == named) == hasName)
@@ -40,16 +40,52 @@ std::vector<Dispatcher::HandledFunction> Dispatcher::choose(const std::vector<Ha
     return chosen;
 }
 
-std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32_t length, void* message) const
+const std::vector<Dispatcher::HandledFunction>* Dispatcher::functionsOf(std::uint32_t command) const
 {
     const auto found = functions_.find(command);
-    if (found == functions_.end())
+    return found == functions_.end() ? nullptr : &found->second;
+}
+
+void Dispatcher::answer(std::uint32_t command, void* message, std::uint32_t status) const
+{
+    std::memcpy(static_cast<std::uint8_t*>(message) + functionsOf(command)->front().command->statusOffset(), &status,
+                sizeof status);
+}
+
+std::vector<const contract::Command*> Dispatcher::functionsCalled(std::uint32_t command, std::uint32_t length,
+                                                                  const void* message) const
+{
+    std::vector<const contract::Command*> called;
+    const std::vector<HandledFunction>* const functions = functionsOf(command);
+    if (functions != nullptr && functions->front().command->length == length)
+        for (const HandledFunction& function : choose(*functions, message))
+            called.push_back(function.command);
+    return called;
+}
+
+std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32_t length, void* message) const
+{
+    std::string reason;
+    return serve(model, command, length, message, reason);
+}
+
+std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32_t length, void* message,
+                                std::string& reason) const
+{
+    const std::vector<HandledFunction>* const functions = functionsOf(command);
+    if (functions == nullptr)
+    {
+        reason = "there is no such command";
         return KOR_IIL_UNKNOWN_CMD;
-    if (length != found->second.front().command->length)
+    }
+    if (length != functions->front().command->length)
+    {
+        reason = "expected " + std::to_string(functions->front().command->length) + " bytes";
         return KOR_IIL_MISMATCH_CMD_LEN;
+    }
 
     ReplyStatus status = ReplyStatus::kDone;
-    const std::vector<HandledFunction> chosen = choose(found->second, model.layout, message);
+    const std::vector<HandledFunction> chosen = choose(*functions, message);
     try
     {
         for (const HandledFunction& function : chosen)
@@ -61,6 +97,7 @@ std::uint32_t Dispatcher::serve(Model& model, std::uint32_t command, std::uint32
     catch (const Refused& refused)
     {
         status = refused.status;
+        reason = refused.reason;
     }
     if (notesFailures_)
         model.service.errorMask |= errorMaskBit(status);

@@ -1,10 +1,15 @@
 #include "gateway.h"
 
-#include "control_service.h"
 #include "kor_iil_service.h"
+#include "scenario.h"
 #include "tarn_gateway_control.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
 
 namespace tarn::simulator
 {
@@ -12,19 +17,7 @@ namespace tarn::simulator
 namespace
 {
 
-std::string whyNot(const std::string& serviceId, std::uint32_t status)
-{
-    switch (status)
-    {
-    case KOR_IIL_CONFLICT_ID:
-        return "the identifier " + serviceId + " is taken: another gateway runs in this runtime directory";
-    case KOR_IIL_UNKNOWN_COMM:
-        return "the runtime directory cannot be used, see the trace; "
-               "expected a directory of ours that others cannot write to, as an absolute path";
-    default:
-        return "the identifier " + serviceId + " cannot be registered: IPC status " + std::to_string(status);
-    }
-}
+constexpr std::chrono::hours kLongestWait{1}; // which no clock calculates too long
 
 std::uint32_t eventNumber(const std::string& name)
 {
@@ -34,10 +27,25 @@ std::uint32_t eventNumber(const std::string& name)
     throw std::logic_error("no event " + name);
 }
 
+void tell(const std::string& line)
+{
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
 } // namespace
 
 Gateway::Gateway(Model& model, std::function<void()> shutDown, double speed)
-    : model_(model), shutDown_(std::move(shutDown)), clock_(speed)
+    : model_(model),
+      shutDown_(std::move(shutDown)),
+      clock_(speed),
+      log_(tell),
+      surroundings_{clock_,
+                    log_,
+                    [this] { shutDown_(); },
+                    [this] { restartServices(); },
+                    [this] { loseSettings(); },
+                    [this](Milliseconds time) { passTo(time); },
+                    [this] { return nextDue(); }}
 {
 }
 
@@ -50,12 +58,10 @@ void Gateway::start()
 {
     try
     {
-        openContract("TARN", true);
-        deviceService_ = endpoints_.back()->service;
-        openContract("QTN_RPC_PROXY", false);
-        openContract("QTN_MIRROR", false);
-        open(TARN_GATEWAY_SERVICE, 0,
-             [this](const KorIilRequest& request, void* message) { return answerControl(request, message); });
+        open("TARN", true);
+        open("QTN_RPC_PROXY", false);
+        open("QTN_MIRROR", false);
+        openControl();
     }
     catch (...)
     {
@@ -63,21 +69,43 @@ void Gateway::start()
         throw;
     }
     model_.publish = [this](const std::string& event, const Record& data) { publish(event, data); };
+    scenario_ = scenarioOf(model_).dump();
     model_.start();
     clock_.set(model_.time);
 
     stopping_ = false;
-    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
-        endpoint->thread = std::thread(&Gateway::run, this, endpoint->service);
+    for (const std::unique_ptr<Service>& service : services_)
+        startServing(*service->endpoint);
+    startServing(*control_);
     timekeeper_ = std::thread([this] { keepTime(); });
 }
 
-void Gateway::run(KorIilService* service)
+void Gateway::open(const char* serviceId, bool notesFailures)
 {
-    if (KorIilServiceRun(service) == KOR_IIL_OK)
-        return;
-    failed_ = true;
-    shutDown_();
+    const contract::Contract& contract = *contract::findService(serviceId);
+    auto service = std::make_unique<Service>(Service{Dispatcher(contract, notesFailures), nullptr});
+    service->endpoint =
+        std::make_unique<Endpoint>(serviceId, static_cast<std::uint32_t>(contract.events.size()),
+                                   [this, one = service.get()](const KorIilRequest& request, void* message)
+                                   { return withLock([&](Lock& lock) { return answer(*one, request, message, lock); }); });
+    services_.push_back(std::move(service));
+}
+
+void Gateway::openControl()
+{
+    control_ = std::make_unique<Endpoint>(TARN_GATEWAY_SERVICE, 0,
+                                          [this](const KorIilRequest& request, void* message)
+                                          { return withLock([&](Lock&) { return answerControl(request, message); }); });
+}
+
+void Gateway::startServing(Endpoint& endpoint)
+{
+    endpoint.start(
+        [this]
+        {
+            failed_ = true;
+            shutDown_();
+        });
 }
 
 void Gateway::stop()
@@ -87,102 +115,257 @@ void Gateway::stop()
         stopping_ = true;
     }
     wakeUp_.notify_all();
+    changed_.notify_all();
     if (timekeeper_.joinable())
         timekeeper_.join();
-    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
-        KorIilServiceStop(endpoint->service);
-    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
-        if (endpoint->thread.joinable())
-            endpoint->thread.join();
+    control_.reset();
+    for (const std::unique_ptr<Service>& service : services_)
+        service->endpoint->stop();
     model_.publish = nullptr;
-    for (const std::unique_ptr<Endpoint>& endpoint : endpoints_)
-        KorIilServiceClose(endpoint->service);
-    endpoints_.clear();
+    services_.clear();
+    errands_.clear();
 }
 
-// With the mutex held.
+void Gateway::setLogging(bool isLogging)
+{
+    const std::lock_guard<std::mutex> guard(mutex_);
+    log_.switchTo(isLogging);
+}
+
+void Gateway::setLogWriter(RequestLog::Write write)
+{
+    const std::lock_guard<std::mutex> guard(mutex_);
+    log_.setWriter(std::move(write));
+}
+
+void Gateway::restartServices()
+{
+    for (const std::unique_ptr<Service>& service : services_)
+        service->endpoint->restart();
+}
+
+void Gateway::loseSettings()
+{
+    Model original(model_.layout);
+    readScenario(scenario_, "the scenario", original);
+    model_.loseSettings(original);
+}
+
+// --- Time: all of it with the mutex held -------------------------------------------------------------------------------------
+
+// What is due in the model comes before errands of the same instant.
 void Gateway::advance()
 {
+    while (!errands_.empty() && errands_.begin()->first <= clock_.now())
+    {
+        const auto errand = errands_.begin();
+        const Milliseconds at = errand->first;
+        const std::function<void()> run = std::move(errand->second);
+        errands_.erase(errand);
+        model_.advance(at);
+        run();
+    }
     model_.advance(clock_.now());
+}
+
+void Gateway::passTo(Milliseconds time)
+{
+    clock_.set(time);
+    advance();
+}
+
+std::optional<Milliseconds> Gateway::nextDue() const
+{
+    const std::optional<Milliseconds> next = model_.agenda.next();
+    if (errands_.empty())
+        return next;
+    return next ? std::min(*next, errands_.begin()->first) : errands_.begin()->first;
 }
 
 void Gateway::step(Milliseconds duration)
 {
     const std::lock_guard<std::mutex> guard(mutex_);
     advance();
-    clock_.set(model_.time + duration);
-    advance();
+    passTo(model_.time + duration);
     wakeUp_.notify_all();
 }
 
 void Gateway::keepTime()
 {
-    std::unique_lock<std::mutex> lock(mutex_);
+    Lock lock(mutex_);
     while (!stopping_)
     {
         advance();
-        expected_ = model_.agenda.next();
+        expected_ = nextDue();
         expectedSpeed_ = clock_.speed();
         const auto until = expected_ ? clock_.until(*expected_) : std::nullopt;
         if (until)
-            wakeUp_.wait_for(lock, *until);
+            wakeUp_.wait_for(lock, std::min<std::chrono::duration<double, std::milli>>(*until, kLongestWait));
         else
             wakeUp_.wait(lock);
     }
 }
 
-void Gateway::open(const char* serviceId, std::uint32_t eventCount, Answer answer)
+void Gateway::play(const std::vector<ScriptLine>& script)
 {
-    auto endpoint = std::make_unique<Endpoint>();
-    endpoint->gateway = this;
-    endpoint->answer = std::move(answer);
-    const std::uint32_t status = KorIilServiceOpen(serviceId, eventCount, handle, endpoint.get(), &endpoint->service);
-    if (status != KOR_IIL_OK)
-        throw GatewayError(whyNot(serviceId, status));
-    endpoints_.push_back(std::move(endpoint));
+    const std::lock_guard<std::mutex> guard(mutex_);
+    for (const ScriptLine& line : script)
+        errands_.emplace(line.at, [this, line] { carryOut(line); });
+    wakeUp_.notify_all();
 }
 
-void Gateway::openContract(const char* serviceId, bool notesFailures)
+void Gateway::carryOut(const ScriptLine& line)
 {
-    const contract::Contract& contract = *contract::findService(serviceId);
-    open(serviceId, static_cast<std::uint32_t>(contract.events.size()),
-         [this, dispatcher = Dispatcher(contract, notesFailures)](const KorIilRequest& request, void* message)
-         { return dispatcher.serve(model_, request.command, request.length, message); });
-}
-
-// Called from C code, through which no exception may pass.
-std::uint32_t Gateway::handle(void* context, const KorIilRequest* request, void* message)
-{
-    auto& endpoint = *static_cast<Endpoint*>(context);
     try
     {
-        Gateway& gateway = *endpoint.gateway;
-        const std::lock_guard<std::mutex> guard(gateway.mutex_);
-        gateway.advance();
-        const std::uint32_t status = endpoint.answer(*request, message);
-        if (gateway.model_.agenda.next() != gateway.expected_ || gateway.clock_.speed() != gateway.expectedSpeed_)
-            gateway.wakeUp_.notify_all();
-        return status;
+        simulator::carryOut(model_, surroundings_, line.order);
+    }
+    catch (const Refused& refused)
+    {
+        tell("tarn-gateway: " + line.place + ": " + refused.reason);
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "tarn-gateway: command %lu: %s\n", static_cast<unsigned long>(request->command), error.what());
-        return KOR_IIL_ERR;
+        tell("tarn-gateway: " + line.place + ": " + error.what());
     }
+    changed_.notify_all();
 }
 
-void Gateway::publish(const std::string& event, const Record& data)
+// --- Requests ----------------------------------------------------------------------------------------------------------------
+
+template <typename Body>
+std::uint32_t Gateway::withLock(Body body)
 {
-    const auto length = static_cast<std::uint32_t>(data.bytes().size());
-    KorIilServicePublish(deviceService_, eventNumber(event), data.bytes().data(), length, nullptr);
+    Lock lock(mutex_);
+    advance();
+    const std::uint32_t status = body(lock);
+    if (nextDue() != expected_ || clock_.speed() != expectedSpeed_)
+        wakeUp_.notify_all();
+    return status;
 }
 
 std::uint32_t Gateway::answerControl(const KorIilRequest& request, void* message)
 {
-    Control control{nullptr, shutDown_, clock_};
-    control.publish = [this](std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t& subscribers)
-    { return KorIilServicePublish(deviceService_, event, data, length, &subscribers); };
-    return serveControl(model_, control, request.command, request.length, message);
+    const Control control{[this](std::uint32_t event, const void* data, std::uint32_t length, std::uint32_t& subscribers)
+                          { return services_.front()->endpoint->publish(event, data, length, &subscribers); },
+                          surroundings_, answers_};
+    const std::uint32_t status = serveControl(model_, control, request.command, request.length, message);
+    changed_.notify_all();
+    return status;
+}
+
+std::uint32_t Gateway::answer(Service& service, const KorIilRequest& request, void* message, Lock& lock)
+{
+    Served served{service, request, message, lock, ""};
+    if (!log_.isOn())
+        return serve(served);
+    const std::string line = timeText(model_.time) + " " + requestText(service.dispatcher, model_.layout, request, message);
+    const std::uint32_t status = serve(served);
+    log_.add(line + ": " + replyText(service.dispatcher, model_.layout, request, message, status, served.reason));
+    return status;
+}
+
+std::uint32_t Gateway::carryOut(Served& served)
+{
+    return served.service.dispatcher.serve(model_, served.request.command, served.request.length, served.message,
+                                           served.reason);
+}
+
+// --- Faults ------------------------------------------------------------------------------------------------------------------
+
+std::uint32_t Gateway::serve(Served& served)
+{
+    if (model_.faults.empty())
+        return carryOut(served);
+    std::vector<std::string> functions;
+    for (const contract::Command* each :
+         served.service.dispatcher.functionsCalled(served.request.command, served.request.length, served.message))
+        functions.push_back(each->function);
+    const std::string& serviceId = served.service.endpoint->serviceId();
+    if (model_.hangs(serviceId, functions) && !waitWhileHung(served, functions))
+    {
+        served.reason = "fault hang";
+        return KOR_IIL_TIMEOUT;
+    }
+    const std::optional<Fault> fault = functions.empty() ? std::nullopt : model_.takeFault(serviceId, functions);
+    return fault ? carryOutWith(*fault, served) : carryOut(served);
+}
+
+bool Gateway::isToEnd(const Served& served) const
+{
+    return stopping_ || served.service.endpoint->isRestarting();
+}
+
+// Returns whether the request is to be carried out: its caller may have given up meanwhile, or the service is to end.
+bool Gateway::waitWhileHung(const Served& served, const std::vector<std::string>& functions)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    const std::string& serviceId = served.service.endpoint->serviceId();
+    changed_.wait(served.lock, [&] { return isToEnd(served) || !model_.hangs(serviceId, functions); });
+    advance();
+    return !isToEnd(served) && std::chrono::steady_clock::now() - begin < std::chrono::seconds(served.request.wait);
+}
+
+std::uint32_t Gateway::carryOutWith(const Fault& fault, Served& served)
+{
+    const std::string cause = std::string("fault ") + kFaultKindNames[static_cast<std::size_t>(fault.kind)];
+    if (fault.kind == FaultKind::kIpcStatus || fault.kind == FaultKind::kStatus)
+    {
+        const auto status = static_cast<std::uint32_t>(fault.status.value_or(0));
+        served.reason = cause;
+        if (fault.kind == FaultKind::kIpcStatus)
+            return status;
+        served.service.dispatcher.answer(served.request.command, served.message, status);
+        return KOR_IIL_OK;
+    }
+    const std::uint32_t status = carryOut(served);
+    served.reason += (served.reason.empty() ? "" : "; ") + cause;
+    switch (fault.kind)
+    {
+    case FaultKind::kDelay:
+        changed_.wait_for(served.lock, std::chrono::milliseconds(fault.milliseconds.value_or(kFaultMilliseconds)),
+                          [&] { return isToEnd(served); });
+        return status;
+    case FaultKind::kNoAnswer:
+        return KOR_IIL_TIMEOUT;
+    case FaultKind::kLength:
+        return KOR_IIL_MISMATCH_CMD_LEN;
+    case FaultKind::kGarbage:
+        for (std::uint32_t i = 0; i < served.request.length; ++i)
+            static_cast<std::uint8_t*>(served.message)[i] = static_cast<std::uint8_t>(model_.random.upTo(255));
+        return status;
+    case FaultKind::kDie:
+    case FaultKind::kRestart:
+        if (fault.losesSettings.value_or(false))
+            loseSettings();
+        served.service.endpoint->restart();
+        return fault.kind == FaultKind::kDie ? std::uint32_t{KOR_IIL_TIMEOUT} : status;
+    default:
+        return status;
+    }
+}
+
+// --- Events ------------------------------------------------------------------------------------------------------------------
+
+void Gateway::publish(const std::string& event, const Record& data)
+{
+    const std::optional<Fault> fault = model_.faults.empty() ? std::nullopt : model_.takeEventFault(event);
+    if (fault && fault->kind == FaultKind::kEventLost)
+        return;
+    if (fault && fault->kind == FaultKind::kEventLate)
+    {
+        errands_.emplace(model_.time + fault->milliseconds.value_or(kFaultMilliseconds),
+                         [this, event, bytes = data.bytes()] { send(event, bytes); });
+        return;
+    }
+    send(event, data.bytes());
+    if (fault && fault->kind == FaultKind::kEventDoubled)
+        send(event, data.bytes());
+}
+
+void Gateway::send(const std::string& event, const std::vector<std::uint8_t>& data)
+{
+    services_.front()->endpoint->publish(eventNumber(event), data.data(), static_cast<std::uint32_t>(data.size()));
 }
 
 } // namespace tarn::simulator

@@ -1,33 +1,28 @@
-// The running gateway: its services, with a thread for each, over one model.
+// The running gateway: its services over one model, and its time.
 #pragma once
 
 #include "clock.h"
+#include "control_service.h"
 #include "dispatcher.h"
+#include "endpoint.h"
 #include "model.h"
+#include "orders.h"
+#include "request_log.h"
+#include "script.h"
 
 #include <atomic>
 #include <condition_variable>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
-struct KorIilRequest;
-struct KorIilService;
-
 namespace tarn::simulator
 {
-
-// Why the services cannot be opened.
-class GatewayError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 class Gateway
 {
@@ -43,6 +38,13 @@ public:
     void start();
     // Unregisters the services. No request is served after that.
     void stop();
+
+    // Whether each request is logged, as a line that `write` gets; to standard error unless said otherwise.
+    void setLogging(bool isLogging);
+    void setLogWriter(RequestLog::Write write);
+
+    // Orders that are to be carried out at their times. What is refused is told on standard error.
+    void play(const std::vector<ScriptLine>& script);
 
     // Lets so much time pass at once.
     void step(Milliseconds duration);
@@ -62,40 +64,68 @@ public:
     }
 
 private:
-    // Turns a request's message into the reply. Returns the IPC status.
-    using Answer = std::function<std::uint32_t(const KorIilRequest&, void* message)>;
+    using Lock = std::unique_lock<std::mutex>;
 
-    // An identifier with its service and the thread that serves it.
-    struct Endpoint
+    // One of those that the contract describes.
+    struct Service
     {
-        Gateway* gateway = nullptr;
-        Answer answer;
-        KorIilService* service = nullptr;
-        std::thread thread;
+        Dispatcher dispatcher;
+        std::unique_ptr<Endpoint> endpoint;
     };
 
-    static std::uint32_t handle(void* context, const KorIilRequest* request, void* message);
-    void open(const char* serviceId, std::uint32_t eventCount, Answer answer);
-    void openContract(const char* serviceId, bool notesFailures);
-    void run(KorIilService* service);
-    void publish(const std::string& event, const Record& data);
+    // A request that is served, with the mutex held but while it waits.
+    struct Served
+    {
+        Service& service;
+        const KorIilRequest& request;
+        void* message;
+        Lock& lock;
+        std::string reason; // why it was refused, or the fault that happened to it
+    };
+
+    void open(const char* serviceId, bool notesFailures);
+    void openControl();
+    void startServing(Endpoint& endpoint);
+    template <typename Body>
+    std::uint32_t withLock(Body body);
+    std::uint32_t answer(Service& service, const KorIilRequest& request, void* message, Lock& lock);
     std::uint32_t answerControl(const KorIilRequest& request, void* message);
+    std::uint32_t serve(Served& served);
+    std::uint32_t carryOut(Served& served);
+    std::uint32_t carryOutWith(const Fault& fault, Served& served);
+    bool isToEnd(const Served& served) const;
+    bool waitWhileHung(const Served& served, const std::vector<std::string>& functions);
+    void publish(const std::string& event, const Record& data);
+    void send(const std::string& event, const std::vector<std::uint8_t>& data);
+    void restartServices();
+    void loseSettings();
+
     void advance();
+    void passTo(Milliseconds time);
+    std::optional<Milliseconds> nextDue() const;
+    void carryOut(const ScriptLine& line);
     void keepTime();
 
     Model& model_;
     std::function<void()> shutDown_;
-    std::mutex mutex_; // of the model, the clock and what belongs to the timekeeper
+    std::string scenario_; // that the gateway was started with
+    std::mutex mutex_;     // of all but the services
     Clock clock_;
-    std::vector<std::unique_ptr<Endpoint>> endpoints_;
-    KorIilService* deviceService_ = nullptr; // the one that publishes events
+    RequestLog log_;
+    Surroundings surroundings_;
+    Answers answers_;
+    std::multimap<Milliseconds, std::function<void()>> errands_; // orders of the script, and late events
+    std::condition_variable changed_; // what requests wait for: there are fewer faults, a service is to end
+    bool stopping_ = false;
+
+    std::vector<std::unique_ptr<Service>> services_; // the first one publishes the events
+    std::unique_ptr<Endpoint> control_;
     std::atomic<bool> failed_{false};
 
     std::thread timekeeper_;
     std::condition_variable wakeUp_;       // there is something to do for the timekeeper
     std::optional<Milliseconds> expected_; // what it waits for,
     double expectedSpeed_ = 0;             // at this speed
-    bool stopping_ = false;
 };
 
 } // namespace tarn::simulator

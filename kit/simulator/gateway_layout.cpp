@@ -115,7 +115,7 @@ std::uint64_t fromWire(const Meaning& own, const Meaning& used, std::uint64_t nu
         return number;
     const NamedValue* const known = own.values->find(named->name);
     if (known == nullptr)
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, "the model does not know " + named->name};
     return static_cast<std::uint64_t>(known->value);
 }
 

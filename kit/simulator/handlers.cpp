@@ -79,7 +79,7 @@ Radio& moduleRadioOf(Model& model, const CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
     if (!radio.onModule)
-        throw Refused{ReplyStatus::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject, "radio " + radio.name + " is none of the Wi-Fi module's"};
     return radio;
 }
 

@@ -67,7 +67,7 @@ template <typename Table>
 void requireRoom(const Table& table, const typename Table::key_type& key)
 {
     if (table.count(key) == 0 && table.size() >= kTableRoom)
-        throw Refused{ReplyStatus::kFull};
+        throw Refused{ReplyStatus::kFull, "the table has room for " + std::to_string(kTableRoom)};
 }
 
 } // namespace tarn::simulator

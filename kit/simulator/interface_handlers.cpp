@@ -55,7 +55,7 @@ void addInterfaceHandlers(HandlerTable& table)
          {
              Interface& interface = interfaceOf(model, request);
              if (request.number("enable") != 0 && !interface.radio->supportsRoaming)
-                 throw Refused{ReplyStatus::kSwitchedOff};
+                 throw Refused{ReplyStatus::kSwitchedOff, "radio " + interface.radio->name + " does not support roaming"};
              assign(interface.settings, &InterfaceSettings::roaming, request.number("enable"));
          }},
         {"TarnGetSsidOPXRoamingMdid", [](Model& model, CommandRequest& request)
@@ -98,7 +98,8 @@ void addInterfaceHandlers(HandlerTable& table)
              Interface& interface = interfaceOf(model, request);
              const auto method = static_cast<WpsMethod>(request.number("value1"));
              if (method != WpsMethod::kButton && method != WpsMethod::kPin)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue,
+                               "method " + std::to_string(request.number("value1")) + "; expected 1, button, or 2, PIN"};
              model.openWpsWindow(interface, method, pinText(request.number("value2")));
          }},
         {"TarnCancelAccessPointWpsWindow",

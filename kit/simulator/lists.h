@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <string>
 
 namespace tarn::simulator
 {
@@ -27,7 +28,8 @@ template <typename List>
 auto& elementAt(List& list, std::uint32_t index)
 {
     if (index >= std::size(list))
-        throw Refused{ReplyStatus::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject,
+                      "index " + std::to_string(index) + "; there are " + std::to_string(std::size(list)) + ", from 0"};
     return list[index];
 }
 

@@ -1,4 +1,5 @@
 // tarn-gateway: the command line of the simulated gateway.
+#include "base/json_reader.h"
 #include "gateway.h"
 #include "scenario.h"
 
@@ -58,6 +59,8 @@ struct Options
     std::string layout;
     double speed = 1;
     std::uint32_t seed = 0; // 0: the scenario's
+    std::string script;
+    bool isLogging = false;
     int readyDescriptor = STDOUT_FILENO;
 };
 
@@ -77,6 +80,9 @@ void run(const Options& options)
 
     Gateway gateway(
         model, [] { kill(getpid(), SIGTERM); }, options.speed);
+    gateway.setLogging(options.isLogging);
+    if (!options.script.empty())
+        gateway.play(parseScript(tarn::base::readText(options.script, "a script"), options.script));
     gateway.start();
     sayReady(options.readyDescriptor);
     int signal = 0;
@@ -128,6 +134,9 @@ int main(int argc, char** argv)
         app.add_option("--seed", options.seed, "Where random numbers start, in place of the scenario's")
             ->type_name("N")
             ->check(CLI::Range(1u, Random::kModulus - 1));
+        app.add_option("--script", options.script, "Orders, one a line, each behind the second at which it is carried out")
+            ->type_name("FILE");
+        app.add_flag("--log", options.isLogging, "Log each request on standard error: function, caller, arguments, status");
         app.add_flag_callback(
             "--scenario-schema",
             []

@@ -21,7 +21,7 @@ void addMirrorHandlers(HandlerTable& table)
              const std::uint32_t process = request.number("pid");
              const bool isEnabled = request.flag("enable");
              if (process == 0)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "process 0; expected the id of a process"};
              if (isEnabled)
              {
                  requireRoom(holders, process);
@@ -29,7 +29,7 @@ void addMirrorHandlers(HandlerTable& table)
              }
              else if (holders.erase(process) == 0)
              {
-                 throw Refused{ReplyStatus::kNotThere};
+                 throw Refused{ReplyStatus::kNotThere, "process " + std::to_string(process) + " has not switched telnet on"};
              }
          }},
     });

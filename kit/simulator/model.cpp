@@ -1,5 +1,6 @@
 #include "model.h"
 
+#include "base/quote.h"
 #include "lists.h"
 
 #include <algorithm>
@@ -14,6 +15,18 @@ Model::Model(GatewayLayout layoutInUse) : layout(std::move(layoutInUse))
 
 void Model::start()
 {
+    link();
+    ready_.clear();
+    for (const Radio& radio : radios)
+        ready_.push_back(radio.isReady());
+    indexClients();
+    seekAll();
+    for (Radio& radio : radios)
+        refresh(radio);
+}
+
+void Model::link()
+{
     std::uint32_t radioId = 0;
     for (Radio& radio : radios)
     {
@@ -24,8 +37,13 @@ void Model::start()
             interface.id = ++interfaceId;
             interface.radio = &radio;
         }
-        ready_.push_back(radio.isReady());
     }
+}
+
+void Model::indexClients()
+{
+    idle_.clear();
+    clientIndex_.clear();
     std::size_t index = 0;
     for (const Client& client : clients)
     {
@@ -36,9 +54,6 @@ void Model::start()
         for (const Interface& interface : radio.interfaces)
             for (const Station& station : interface.stations)
                 idle_.erase(clientIndex_.at(station.address));
-    seekAll();
-    for (Radio& radio : radios)
-        refresh(radio);
 }
 
 void Model::advance(Milliseconds to)
@@ -88,7 +103,7 @@ void Model::happen(const Due& due)
 
 std::uint32_t Model::secondsSinceStart() const
 {
-    return static_cast<std::uint32_t>(time / 1000);
+    return static_cast<std::uint32_t>((time - bootedAt) / 1000);
 }
 
 // --- Finding -----------------------------------------------------------------------------------------------------------------
@@ -96,7 +111,8 @@ std::uint32_t Model::secondsSinceStart() const
 Radio& Model::radio(std::uint32_t id)
 {
     if (id == 0 || id > radios.size())
-        throw Refused{ReplyStatus::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject,
+                      "radio " + std::to_string(id) + "; there are " + std::to_string(radios.size()) + ", from 1"};
     return radios[id - 1];
 }
 
@@ -104,7 +120,9 @@ Interface& Model::interfaceOf(std::uint32_t radioId, std::uint32_t interfaceId)
 {
     Radio& owner = radio(radioId);
     if (interfaceId == 0 || interfaceId > owner.interfaces.size())
-        throw Refused{ReplyStatus::kNoSuchObject};
+        throw Refused{ReplyStatus::kNoSuchObject, "interface " + std::to_string(interfaceId) + "; radio " +
+                                                      std::to_string(radioId) + " has " +
+                                                      std::to_string(owner.interfaces.size()) + ", from 1"};
     return owner.interfaces[interfaceId - 1];
 }
 
@@ -114,7 +132,7 @@ Interface& Model::moduleInterface(const std::string& name)
         for (Interface& interface : radio.interfaces)
             if (radio.onModule && interface.name == name)
                 return interface;
-    throw Refused{ReplyStatus::kNoSuchObject};
+    throw Refused{ReplyStatus::kNoSuchObject, "interface " + base::inQuotes(name) + "; the module has none of that name"};
 }
 
 bool Model::hasInterface(const std::string& name) const
@@ -131,7 +149,7 @@ Radio& Model::moduleRadio()
     for (Radio& radio : radios)
         if (radio.onModule)
             return radio;
-    throw Refused{ReplyStatus::kNoSuchObject};
+    throw Refused{ReplyStatus::kNoSuchObject, "no radio is the Wi-Fi module's"};
 }
 
 SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
@@ -139,7 +157,7 @@ SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
     for (SteeringDomain& domain : smartWiFi.domains)
         if (domain.id == id)
             return domain;
-    throw Refused{ReplyStatus::kNoSuchObject};
+    throw Refused{ReplyStatus::kNoSuchObject, "there is no such mobility domain"};
 }
 
 // --- Changing ----------------------------------------------------------------------------------------------------------------
@@ -177,11 +195,11 @@ Interface& Model::createInterface(const std::string& name, bool enabled)
 {
     Radio& radio = moduleRadio();
     if (!isInterfaceName(name))
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, base::inQuotes(name) + " is no name that an interface can have"};
     if (hasInterface(name))
-        throw Refused{ReplyStatus::kAlreadyThere};
+        throw Refused{ReplyStatus::kAlreadyThere, "interface " + name + " is there already"};
     if (radio.interfaces.size() >= kInterfaceRoom)
-        throw Refused{ReplyStatus::kFull};
+        throw Refused{ReplyStatus::kFull, "radio " + radio.name + " has no room for another interface"};
 
     Interface& interface = radio.interfaces.emplace_back();
     interface.id = static_cast<std::uint32_t>(radio.interfaces.size());
@@ -261,11 +279,11 @@ void Model::remove(Interface& interface, std::vector<MacAddress> Interface::*lis
 void Model::addAddress(std::vector<MacAddress>& list, const MacAddress& address, std::size_t room)
 {
     if (!base::isIndividual(address))
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, base::macText(address) + " is no address of one device"};
     if (contains(list, address))
-        throw Refused{ReplyStatus::kAlreadyThere};
+        throw Refused{ReplyStatus::kAlreadyThere, base::macText(address) + " is in the list already"};
     if (list.size() >= room)
-        throw Refused{ReplyStatus::kFull};
+        throw Refused{ReplyStatus::kFull, "the list has room for " + std::to_string(room)};
     list.push_back(address);
 }
 
@@ -273,7 +291,7 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 {
     const auto found = std::find(list.begin(), list.end(), address);
     if (found == list.end())
-        throw Refused{ReplyStatus::kNotThere};
+        throw Refused{ReplyStatus::kNotThere, base::macText(address) + " is not in the list"};
     list.erase(found);
 }
 
@@ -282,9 +300,9 @@ void Model::removeAddress(std::vector<MacAddress>& list, const MacAddress& addre
 void Model::startScan(Radio& radio, std::uint32_t flags)
 {
     if (radio.settings.enabled == 0)
-        throw Refused{ReplyStatus::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff, "radio " + radio.name + " is switched off"};
     if (radio.scan.status == ScanStatus::kRunning)
-        throw Refused{ReplyStatus::kBusy};
+        throw Refused{ReplyStatus::kBusy, "a scan of radio " + radio.name + " is running"};
     radio.scan.status = ScanStatus::kRunning;
     agenda.set({Occurrence::kScanEnds, radio.id}, time + timing.scan);
     radio.scan.flags = flags;
@@ -293,12 +311,12 @@ void Model::startScan(Radio& radio, std::uint32_t flags)
 void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::string& pin)
 {
     if (method == WpsMethod::kPin && !isWpsPin(pin))
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, base::inQuotes(pin) + " is no WPS PIN of eight digits with its check digit"};
     if (interface.settings.wpsEnabled == 0 || !interface.isUp())
-        throw Refused{ReplyStatus::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff, "WPS is switched off, or interface " + interface.name + " is down"};
     WpsWindow& window = interface.window;
     if (window.status == WpsStatus::kOpen)
-        throw Refused{ReplyStatus::kBusy};
+        throw Refused{ReplyStatus::kBusy, "the WPS window of interface " + interface.name + " is open"};
     window.method = method;
     window.pin = method == WpsMethod::kPin ? pin : "";
     agenda.set({Occurrence::kWpsWindowCloses, interface.radio->id, interface.id}, time + timing.wpsWindow);
@@ -308,7 +326,7 @@ void Model::openWpsWindow(Interface& interface, WpsMethod method, const std::str
 void Model::cancelWpsWindow(Interface& interface)
 {
     if (interface.window.status != WpsStatus::kOpen)
-        throw Refused{ReplyStatus::kNotThere};
+        throw Refused{ReplyStatus::kNotThere, "the WPS window of interface " + interface.name + " is not open"};
     setWpsWindow(interface, WpsStatus::kCancelled);
 }
 
@@ -316,7 +334,7 @@ void Model::startDownload(const std::string& path)
 {
     Download& download = module.download;
     if (download.state == DownloadState::kRunning)
-        throw Refused{ReplyStatus::kBusy};
+        throw Refused{ReplyStatus::kBusy, "a download is running"};
     download.state = DownloadState::kRunning;
     download.path = path;
     agenda.set({Occurrence::kDownloadEnds}, time + timing.download);
@@ -325,7 +343,7 @@ void Model::startDownload(const std::string& path)
 void Model::startProduction()
 {
     if (agenda.has({Occurrence::kProductionEnds}))
-        throw Refused{ReplyStatus::kBusy};
+        throw Refused{ReplyStatus::kBusy, "a production test is running"};
     module.productionStarted = true;
     agenda.set({Occurrence::kProductionEnds}, time + timing.production);
 }
@@ -338,7 +356,7 @@ bool Model::isProductionDone() const
 void Model::cancelScan(Radio& radio)
 {
     if (radio.scan.status != ScanStatus::kRunning)
-        throw Refused{ReplyStatus::kNotThere};
+        throw Refused{ReplyStatus::kNotThere, "no scan of radio " + radio.name + " is running"};
     radio.scan.status = ScanStatus::kCancelled;
     agenda.cancel({Occurrence::kScanEnds, radio.id});
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "agenda.h"
+#include "fault.h"
 #include "objects.h"
 #include "random.h"
 #include "reply_status.h"
@@ -29,11 +30,13 @@ public:
     std::string schema;        // where the scenario says that its JSON Schema is
     std::uint32_t version = 1; // of the scenario's format
     std::string description;
-    Milliseconds time = 0; // since the gateway was started, up to which it has advanced
+    Milliseconds time = 0;     // since the gateway was started, up to which it has advanced
+    Milliseconds bootedAt = 0; // when it was last rebooted
     Random random;
     Agenda agenda;
     Air air;
     std::vector<Client> clients;
+    std::vector<Fault> faults;
     bool supportsWfaAlliance = true;
     Timing timing;
     Service service;
@@ -54,7 +57,7 @@ public:
     void settle(Radio& radio);
     void settle();
 
-    std::uint32_t secondsSinceStart() const;
+    std::uint32_t secondsSinceStart() const; // or the last reboot
 
     // --- Finding -------------------------------------------------------------------------------------------------------------
 
@@ -84,6 +87,23 @@ public:
 
     static void addAddress(std::vector<MacAddress>& list, const MacAddress& address, std::size_t room);
     static void removeAddress(std::vector<MacAddress>& list, const MacAddress& address);
+
+    // --- By a tester's hand --------------------------------------------------------------------------------------------------
+
+    // Takes the state of the other, which a scenario has filled, and publishes what changes with it.
+    void replaceBy(const Model& other);
+    // As after a reset of the gateway to `original`; the time, what is around the gateway and the faults stay as they are.
+    void loseSettings(Model& original);
+    // As after a loss of power: settings stay, stations leave and come again, and what was running has ended.
+    void reboot();
+    // It looks for its network anew there.
+    void moveClient(const MacAddress& address, std::uint32_t pathLoss);
+    void removeClient(const MacAddress& address);
+
+    // The fault that happens to this request, or to this event, if one does; it is counted.
+    std::optional<Fault> takeFault(const std::string& serviceId, const std::vector<std::string>& functions);
+    std::optional<Fault> takeEventFault(const std::string& event);
+    bool hangs(const std::string& serviceId, const std::vector<std::string>& functions) const;
 
     // --- What takes time -----------------------------------------------------------------------------------------------------
 
@@ -118,6 +138,14 @@ public:
 
 private:
     void happen(const Due& due);
+    void link();
+    void indexClients();
+    std::size_t clientNumbered(const MacAddress& address) const;
+    void cancelReturns(const MacAddress& address);
+    void restart(Radio& radio);
+    void restart(Interface& interface);
+    template <typename Matches>
+    std::optional<Fault> takeFaultThat(Matches matches);
 
     // Radios.
     void apply(Radio& radio, RadioSettings changed);

@@ -1,4 +1,6 @@
 // The device service's control of the Wi-Fi module.
+#include "base/mac_address.h"
+#include "base/quote.h"
 #include "handlers.h"
 #include "records.h"
 
@@ -64,7 +66,7 @@ void addModuleHandlers(HandlerTable& table)
          {
              const std::string path = request.text("path");
              if (path.empty() || path[0] != '/')
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "path " + base::inQuotes(path) + "; expected one from the root, /"};
              model.startDownload(path);
          }},
         {"TarnUpdateQuantennaPasswordFile", [](Model& model, CommandRequest&) { model.startDownload(""); }},
@@ -87,7 +89,7 @@ void addModuleHandlers(HandlerTable& table)
              for (const Association& association : associations(model))
                  if (association.station->address == address)
                      return answerAssociation(model, association, request);
-             throw Refused{ReplyStatus::kNoSuchObject};
+             throw Refused{ReplyStatus::kNoSuchObject, base::macText(address) + " is not associated with the module"};
          }},
     });
 }

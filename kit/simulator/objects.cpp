@@ -97,7 +97,7 @@ Station& Interface::station(const MacAddress& address)
     for (Station& each : stations)
         if (each.address == address)
             return each;
-    throw Refused{ReplyStatus::kNoSuchObject};
+    throw Refused{ReplyStatus::kNoSuchObject, base::macText(address) + " is not associated with " + name};
 }
 
 // --- Radios ------------------------------------------------------------------------------------------------------------------

@@ -29,6 +29,7 @@ constexpr std::size_t kBlockListRoom = 16;
 constexpr std::size_t kDomainRoom = 8;
 constexpr std::size_t kNonSteerRoom = 32;
 constexpr std::size_t kSlaveRoom = 32;
+constexpr std::size_t kFaultRoom = 64;
 constexpr std::size_t kHistoryRoom = 64;
 constexpr std::size_t kTableRoom = 64; // custom values, boot parameters, files, entries of the security agent ...
 

@@ -1,5 +1,6 @@
 // The proxy's calls about channels, radar checks, transmit power and scans of a radio of the Wi-Fi module.
 #include "base/join.h"
+#include "base/quote.h"
 #include "handlers.h"
 
 namespace tarn::simulator
@@ -19,7 +20,8 @@ std::vector<std::uint32_t> channelsOf(const Radio& radio)
 void requireChannel(const Radio& radio, std::uint32_t channel)
 {
     if (!contains(channelsOf(radio), channel))
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, "channel " + std::to_string(channel) + "; radio " + radio.name + " has " +
+                                                      base::join(channelsOf(radio), " ")};
 }
 
 // "36,40,44".
@@ -33,10 +35,11 @@ void answerRegulatory(const ChannelCriteria& criteria, CommandRequest& request)
     ChannelCriteria narrow = criteria;
     narrow.bandwidth = 20;
     if (channelsFor(narrow).empty())
-        throw Refused{ReplyStatus::kNoSuchObject}; // no such region
+        throw Refused{ReplyStatus::kNoSuchObject, "region " + base::inQuotes(criteria.country) + "; there are us, eu and jp"};
     const std::vector<std::uint32_t> channels = channelsFor(criteria);
     if (channels.empty())
-        throw Refused{ReplyStatus::kInvalidValue}; // no such bandwidth
+        throw Refused{ReplyStatus::kInvalidValue,
+                      "region " + criteria.country + " has no channels of " + std::to_string(criteria.bandwidth) + " MHz"};
     request.setText("list_of_channels", channelText(channels));
 }
 
@@ -70,7 +73,8 @@ void addProxyChannelHandlers(HandlerTable& table)
              }
              requireChannel(radio, secondary);
              if (secondary + 4 != channel && channel + 4 != secondary)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "secondary channel " + std::to_string(secondary) +
+                                                               "; expected a neighbour of channel " + std::to_string(channel)};
              radio.secondaryChannels[channel] = secondary;
          }},
         // The radio's own channel cannot be made inactive.
@@ -83,7 +87,7 @@ void addProxyChannelHandlers(HandlerTable& table)
              if (!request.flag("value2"))
                  radio.inactiveChannels.erase(channel);
              else if (channel == radio.settings.channel)
-                 throw Refused{ReplyStatus::kBusy};
+                 throw Refused{ReplyStatus::kBusy, "radio " + radio.name + " works on channel " + std::to_string(channel)};
              else
                  radio.inactiveChannels.insert(channel);
          }},
@@ -115,7 +119,9 @@ void addProxyChannelHandlers(HandlerTable& table)
          {
              Radio& radio = radioOf(model, request);
              if (request.text("curr_country_name") != radio.settings.country)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "current country " +
+                                                               base::inQuotes(request.text("curr_country_name")) + "; it is " +
+                                                               radio.settings.country};
              model.change(radio, Changes<RadioSettings>().set(&RadioSettings::country, request.text("new_country_name")));
          }},
 
@@ -200,7 +206,8 @@ void addProxyChannelHandlers(HandlerTable& table)
              Radio& radio = radioOf(model, request);
              const std::uint32_t flags = request.number("value");
              if (flags > kMostFlags)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue,
+                               "scan flags " + std::to_string(flags) + "; expected 0 to " + std::to_string(kMostFlags)};
              model.startScan(radio, flags);
          }},
         {"tarn_qcsapi_wifi_get_scan_status", [](Model& model, CommandRequest& request)

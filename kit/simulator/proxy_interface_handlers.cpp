@@ -1,4 +1,5 @@
 // The proxy's calls about one interface of the Wi-Fi module: WPS, DSCP maps, security, MAC address filter, making a BSS.
+#include "base/quote.h"
 #include "handlers.h"
 
 namespace tarn::simulator
@@ -17,7 +18,7 @@ DscpMap dscpMap(const CommandRequest& request)
         map.list.at(i) = static_cast<std::uint8_t>(category);
     }
     if (!descriptionOf<DscpMap>().accepts(map))
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, "dscp_list has a category that there is not; expected 0 to 3"};
     map.valueA = request.number("value_a");
     map.valueB = request.number("value_b");
     return map;
@@ -29,7 +30,7 @@ void authorize(Model& model, Interface& interface, const MacAddress& address, bo
 {
     const auto mode = static_cast<MacFilterMode>(interface.settings.macFilterMode);
     if (mode == MacFilterMode::kOff)
-        throw Refused{ReplyStatus::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff, "the MAC address filter of interface " + interface.name + " is off"};
     if ((mode == MacFilterMode::kAllow) == authorized)
         model.add(interface, &Interface::macFilter, address, kMacFilterRoom);
     else
@@ -82,7 +83,8 @@ void addProxyInterfaceHandlers(HandlerTable& table)
              const std::map<std::uint32_t, std::string>& parameters = interfaceOf(model, request).wpsParameters;
              const auto found = parameters.find(request.number("param_id"));
              if (found == parameters.end())
-                 throw Refused{ReplyStatus::kNotThere};
+                 throw Refused{ReplyStatus::kNotThere,
+                               "WPS parameter " + std::to_string(request.number("param_id")) + " has not been set"};
              request.setText("param_value", found->second);
          }},
 
@@ -124,7 +126,8 @@ void addProxyInterfaceHandlers(HandlerTable& table)
              const std::optional<MobilityDomain> domain = parseMobilityDomain(request.text("value"));
              Interface& interface = interfaceOf(model, request);
              if (!domain)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "mobility domain " + base::inQuotes(request.text("value")) +
+                                                               "; expected four hexadecimal digits"};
              interface.settings.mobilityDomain = *domain;
          }},
         {"tarn_qcsapi_wifi_apply_security_config",

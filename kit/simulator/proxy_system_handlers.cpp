@@ -1,4 +1,6 @@
 // The proxy's calls that address the Wi-Fi module as a whole.
+#include "base/join.h"
+#include "base/quote.h"
 #include "handlers.h"
 
 namespace tarn::simulator
@@ -11,7 +13,7 @@ namespace
 void setText(std::map<std::string, std::string>& texts, const std::string& key, const std::string& value)
 {
     if (key.empty())
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, "an empty name"};
     requireRoom(texts, key);
     texts[key] = value;
 }
@@ -20,14 +22,14 @@ const std::string& textOf(const std::map<std::string, std::string>& texts, const
 {
     const auto found = texts.find(key);
     if (found == texts.end())
-        throw Refused{ReplyStatus::kNotThere};
+        throw Refused{ReplyStatus::kNotThere, base::inQuotes(key) + " has not been set"};
     return found->second;
 }
 
 void requireThermalMitigation(const Model& model)
 {
     if (!model.module.thermalInitialised)
-        throw Refused{ReplyStatus::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff, "thermal mitigation has not been initialised"};
 }
 
 } // namespace
@@ -69,7 +71,8 @@ void addProxySystemHandlers(HandlerTable& table)
          {
              const std::string name = request.text("scriptname");
              if (!contains(model.module.scripts, name))
-                 throw Refused{ReplyStatus::kNoSuchObject};
+                 throw Refused{ReplyStatus::kNoSuchObject,
+                               "script " + base::inQuotes(name) + "; there are: " + base::join(model.module.scripts)};
              model.module.lastScript = name;
              model.module.lastScriptParameter = request.text("param");
          }},
@@ -82,7 +85,7 @@ void addProxySystemHandlers(HandlerTable& table)
              const Interface& interface = interfaceOf(model, request);
              const std::string name = request.text("param_name");
              if (name.empty())
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "an empty name"};
              setText(model.module.bootParameters, interface.name + "." + name, request.text("param_value"));
          }},
         // Up to 16 pairs of name and value; if the caller gives a name, only the pair of that name.
@@ -95,7 +98,8 @@ void addProxySystemHandlers(HandlerTable& table)
              const Record block = request.record("set_params");
              const std::uint32_t number = block.number("number");
              if (number == 0 || number > kMostEntries)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue,
+                               std::to_string(number) + " entries; expected 1 to " + std::to_string(kMostEntries)};
 
              std::map<std::string, std::string> chosen;
              for (std::size_t i = 0; i < number; ++i)
@@ -103,12 +107,12 @@ void addProxySystemHandlers(HandlerTable& table)
                  const std::string entry = "entries[" + std::to_string(i) + "].";
                  const std::string name = block.text(entry + "name");
                  if (name.empty())
-                     throw Refused{ReplyStatus::kInvalidValue};
+                     throw Refused{ReplyStatus::kInvalidValue, "entry " + std::to_string(i) + " has an empty name"};
                  if (only.empty() || name == only)
                      chosen[interface.name + "." + name] = block.text(entry + "value");
              }
              if (chosen.empty())
-                 throw Refused{ReplyStatus::kNotThere};
+                 throw Refused{ReplyStatus::kNotThere, "no entry has the name " + base::inQuotes(only)};
              std::map<std::string, std::string> changed = model.module.bootParameters;
              for (const auto& [name, value] : chosen)
                  setText(changed, name, value);
@@ -139,14 +143,16 @@ void addProxySystemHandlers(HandlerTable& table)
              const std::uint32_t service = request.number("service");
              const std::uint32_t action = request.number("action");
              if (service == 0 || service > std::size(kSwitches))
-                 throw Refused{ReplyStatus::kNoSuchObject};
+                 throw Refused{ReplyStatus::kNoSuchObject, "service " + std::to_string(service) + "; there are 1 to " +
+                                                               std::to_string(std::size(kSwitches))};
              if (action > kRestart)
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue,
+                               "action " + std::to_string(action) + "; expected 0 stop, 1 start or 2 restart"};
              std::uint32_t& isOn = model.module.settings.*kSwitches[service - 1];
              if (action != kRestart)
                  isOn = action == kStart ? 1 : 0;
              else if (isOn == 0)
-                 throw Refused{ReplyStatus::kSwitchedOff};
+                 throw Refused{ReplyStatus::kSwitchedOff, "service " + std::to_string(service) + " is stopped"};
          }},
         {"tarn_qcsapi_system_get_time_since_start",
          [](Model& model, CommandRequest& request) { request.setNumber("p_elapsed_time", model.secondsSinceStart()); }},
@@ -157,7 +163,9 @@ void addProxySystemHandlers(HandlerTable& table)
          {
              const layout::Status* const status = model.layout.used().status("QTN_RPC_PROXY", request.number("error_code"));
              if (status == nullptr)
-                 throw Refused{ReplyStatus::kNoSuchObject};
+                 throw Refused{ReplyStatus::kNoSuchObject,
+                               "no status has the number " +
+                                   std::to_string(static_cast<std::int32_t>(request.number("error_code")))};
              request.setText("err_msg", status->text);
          }},
         {"tarn_qcsapi_security_set_sec_agent",
@@ -167,9 +175,11 @@ void addProxySystemHandlers(HandlerTable& table)
              const std::string action = request.text("action");
              const std::string key = request.text("key");
              if ((action != "set" && action != "clear") || key.empty())
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "action " + base::inQuotes(action) + " of key " +
+                                                               base::inQuotes(key) +
+                                                               "; expected set or clear, of a key that is not empty"};
              if (action == "clear" && entries.erase(key) == 0)
-                 throw Refused{ReplyStatus::kNotThere};
+                 throw Refused{ReplyStatus::kNotThere, "key " + base::inQuotes(key) + " has not been set"};
              if (action == "clear")
                  return;
              requireRoom(entries, key);
@@ -181,7 +191,7 @@ void addProxySystemHandlers(HandlerTable& table)
          [](Model& model, CommandRequest& request)
          {
              if (model.module.thermalInitialised)
-                 throw Refused{ReplyStatus::kAlreadyThere};
+                 throw Refused{ReplyStatus::kAlreadyThere, "thermal mitigation has been initialised already"};
              assign(model.module.settings, &ModuleSettings::thermalLevel, request.number("value"));
              model.module.thermalInitialised = true;
          }},
@@ -191,7 +201,8 @@ void addProxySystemHandlers(HandlerTable& table)
              Interface& interface = interfaceOf(model, request);
              requireThermalMitigation(model);
              if (model.module.thermalInterfaces.count(interface.name) != 0)
-                 throw Refused{ReplyStatus::kAlreadyThere};
+                 throw Refused{ReplyStatus::kAlreadyThere,
+                               "thermal mitigation of interface " + interface.name + " has been started already"};
              model.change(interface, Changes<InterfaceSettings>()
                                          .set(&InterfaceSettings::thermalStart, request.number("value1"))
                                          .set(&InterfaceSettings::thermalStop, request.number("value2")));
@@ -203,7 +214,8 @@ void addProxySystemHandlers(HandlerTable& table)
              const Interface& interface = interfaceOf(model, request);
              requireThermalMitigation(model);
              if (model.module.thermalInterfaces.erase(interface.name) == 0)
-                 throw Refused{ReplyStatus::kNotThere};
+                 throw Refused{ReplyStatus::kNotThere,
+                               "thermal mitigation of interface " + interface.name + " has not been started"};
          }},
         {"tarn_qcsapi_thermal_mitig_exit",
          [](Model& model, CommandRequest&)

@@ -1,4 +1,5 @@
 // The device service's own settings, its radios and the scan of their neighbourhood.
+#include "base/quote.h"
 #include "handlers.h"
 
 namespace tarn::simulator
@@ -31,7 +32,8 @@ void addRadioHandlers(HandlerTable& table)
          {
              const std::uint32_t what = request.number("value1");
              if (what > static_cast<std::uint32_t>(Polling::kStations))
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "value1 " + std::to_string(what) +
+                                                               "; expected 0 all, 1 radios, 2 SSID interfaces or 3 stations"};
              model.stopPolling(static_cast<Polling>(what), request.flag("value2"));
          }},
         {"TarnGetRadioIsSupportedWFAAlliance",
@@ -70,7 +72,9 @@ void addRadioHandlers(HandlerTable& table)
              const auto isInactive = [&](std::uint32_t channel) { return radio.inactiveChannels.count(channel) != 0; };
              channels.erase(std::remove_if(channels.begin(), channels.end(), isInactive), channels.end());
              if (channels.empty())
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue,
+                               "country " + base::inQuotes(criteria.country) + " has no such channels of " +
+                                   std::to_string(criteria.bandwidth) + " MHz for radio " + radio.name};
              Record list = request.blank("channels");
              list.setNumbers("channels", channels);
              request.setRecord("channels", list);
@@ -83,7 +87,8 @@ void addRadioHandlers(HandlerTable& table)
              const Radio& radio = radioOf(model, request);
              const std::uint32_t chain = request.number("chainIndex");
              if (chain >= radio.chains)
-                 throw Refused{ReplyStatus::kNoSuchObject};
+                 throw Refused{ReplyStatus::kNoSuchObject, "chain " + std::to_string(chain) + "; radio " + radio.name +
+                                                               " has " + std::to_string(radio.chains) + ", from 0"};
              request.setSigned("rssi", radio.chainRssi(chain));
          }},
         {"TarnGetRadioChipTemperature",

@@ -1,4 +1,5 @@
 // What radios do: changes of their settings, radar, and what follows from the air.
+#include "base/join.h"
 #include "lists.h"
 #include "model.h"
 
@@ -15,8 +16,13 @@ void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
         changed.autoChannel = 0;
     if (changed.autoChannel != 0)
         changed.channel = quietestChannel(radio, changed);
-    if (!contains(radio.channelsWith(changed), changed.channel) || !isModeOf(radio.band, phyModeOf(changed.phyMode)))
-        throw Refused{ReplyStatus::kInvalidValue};
+    if (const std::vector<std::uint32_t> channels = radio.channelsWith(changed); !contains(channels, changed.channel))
+        throw Refused{ReplyStatus::kInvalidValue, "channel " + std::to_string(changed.channel) + "; radio " + radio.name +
+                                                      " has " + base::join(channels, " ") + " at " +
+                                                      std::to_string(changed.bandwidth) + " MHz"};
+    if (!isModeOf(radio.band, phyModeOf(changed.phyMode)))
+        throw Refused{ReplyStatus::kInvalidValue,
+                      "PHY mode " + changed.phyMode + "; the " + toString(radio.band) + " band does not have it"};
     apply(radio, std::move(changed));
 }
 
@@ -44,7 +50,7 @@ std::uint32_t Model::quietestChannel(const Radio& radio, const RadioSettings& se
 {
     const std::vector<std::uint32_t> channels = radio.channelsWith(settings);
     if (channels.empty())
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue, "radio " + radio.name + " has no channel left to choose"};
     const auto loadOn = [&](std::uint32_t channel) { return air.load(radio.band, channel, settings.bandwidth); };
     return *std::min_element(channels.begin(), channels.end(),
                              [&](std::uint32_t left, std::uint32_t right) { return loadOn(left) < loadOn(right); });
@@ -130,16 +136,17 @@ void Model::endRadarCheck(Radio& radio)
 void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 {
     if (radio.settings.enabled == 0)
-        throw Refused{ReplyStatus::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff, "radio " + radio.name + " is switched off"};
     if (radio.dfsRadio.status == DfsRadioStatus::kChecking)
-        throw Refused{ReplyStatus::kBusy};
+        throw Refused{ReplyStatus::kBusy, "the second receiver checks channel " + std::to_string(radio.dfsRadio.channel)};
     std::vector<std::uint32_t> unchecked = radio.allowedChannels();
     const auto needsNoCheck = [&](std::uint32_t candidate) { return !radio.needsRadarCheck(candidate); };
     unchecked.erase(std::remove_if(unchecked.begin(), unchecked.end(), needsNoCheck), unchecked.end());
     if (channel == 0 && unchecked.empty())
-        throw Refused{ReplyStatus::kNotThere};
+        throw Refused{ReplyStatus::kNotThere, "there is no channel left to check"};
     if (channel != 0 && (!isRadarChannel(radio.band, channel) || !contains(radio.allowedChannels(), channel)))
-        throw Refused{ReplyStatus::kInvalidValue};
+        throw Refused{ReplyStatus::kInvalidValue,
+                      "channel " + std::to_string(channel) + " is no radar channel of radio " + radio.name};
     radio.dfsRadio.status = DfsRadioStatus::kChecking;
     radio.dfsRadio.channel = channel != 0 ? channel : unchecked.front();
     agenda.set({Occurrence::kDfsRadioEnds, radio.id},
@@ -149,7 +156,7 @@ void Model::startDfsRadio(Radio& radio, std::uint32_t channel)
 void Model::stopDfsRadio(Radio& radio)
 {
     if (radio.dfsRadio.status == DfsRadioStatus::kStopped)
-        throw Refused{ReplyStatus::kNotThere};
+        throw Refused{ReplyStatus::kNotThere, "the second receiver does not run"};
     radio.dfsRadio = {};
     agenda.cancel({Occurrence::kDfsRadioEnds, radio.id});
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <utility>
 
 namespace tarn::simulator
 {
@@ -20,10 +22,16 @@ enum class ReplyStatus : std::uint32_t
 
 constexpr std::uint32_t kReplyStatusCount = 8;
 
-// Thrown where a request cannot be granted; the reply carries the status.
+// Thrown where a request cannot be granted; the reply carries the status. The reason is for the log: what was asked for, and
+// what there is or was expected instead.
 struct Refused
 {
+    Refused(ReplyStatus why, std::string what) : status(why), reason(std::move(what))
+    {
+    }
+
     ReplyStatus status;
+    std::string reason;
 };
 
 // Its name in layout files, "BUSY". These have its number in the replies of each service, and its text.

@@ -2,6 +2,7 @@
 
 #include "base/join.h"
 #include "base/json_reader.h"
+#include "contract/contract.h"
 #include "description.h"
 #include "embedded_files.h"
 #include "lists.h"
@@ -193,6 +194,43 @@ void checkDue(const JsonValue& list, const Model& model)
     }
 }
 
+// It names what there is, and has the keys of its kind only.
+void checkFault(JsonObject& object, const Fault& fault)
+{
+    const auto is = [&](FaultKind kind) { return fault.kind == kind; };
+    const auto belongs = [&](const char* key, bool isOfKind, const char* kinds)
+    {
+        if (const JsonValue value = object[key]; value && !isOfKind)
+            value.fail("the key " + std::string(key) + " with " + kinds + " only");
+    };
+    belongs("count", !is(FaultKind::kHang), "what does not last");
+    belongs("milliseconds", is(FaultKind::kDelay) || is(FaultKind::kEventLate), "delay and eventLate");
+    belongs("status", is(FaultKind::kStatus) || is(FaultKind::kIpcStatus), "status and ipcStatus");
+    belongs("losesSettings", is(FaultKind::kDie) || is(FaultKind::kRestart), "die and restart");
+    if (is(FaultKind::kHang) && fault.probability != 100)
+        object["probability"].fail("100, as a service hangs until the fault is taken away");
+    if (is(FaultKind::kStatus) && !fault.status)
+        object["status"].fail("a status");
+    if (is(FaultKind::kIpcStatus) && (!fault.status || *fault.status < 1 || *fault.status > 21 || *fault.status == 7))
+        object["status"].fail("an IPC status from 1 to 21, but 7, which is noAnswer");
+
+    if (fault.service && fault.isOfEvents())
+        object["service"].fail("the key event with a fault of events");
+    if (fault.function && (fault.isOfEvents() || !contract::find(*fault.function)))
+        object["function"].fail("the name of a function, with a fault of requests");
+    const auto& events = contract::findService("TARN")->events;
+    const auto isIt = [&](const contract::Event& event) { return event.name == *fault.event; };
+    if (fault.event && (!fault.isOfEvents() || std::none_of(events.begin(), events.end(), isIt)))
+        object["event"].fail("the name of an event, with a fault of events");
+}
+
+void checkFaults(const JsonValue& list, const Model& model)
+{
+    std::size_t index = 0;
+    for (JsonObject& object : list.objects())
+        checkFault(object, model.faults[index++]);
+}
+
 void checkDomains(const JsonValue& domains)
 {
     std::set<std::string> ids;
@@ -216,6 +254,8 @@ void read(const base::JsonDocument& document, Model& model)
     checkStations(file["radios"], model);
     if (const JsonValue due = file["due"])
         checkDue(due, model);
+    if (const JsonValue faults = file["faults"])
+        checkFaults(faults, model);
     if (const JsonValue smartWiFi = file["smartWiFi"])
         if (const JsonValue domains = smartWiFi.object()["domains"])
             checkDomains(domains);

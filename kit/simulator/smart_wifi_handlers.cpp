@@ -1,5 +1,6 @@
 // The device service's control of the Smart WiFi steering daemon.
 #include "base/hexadecimal.h"
+#include "base/quote.h"
 #include "description.h"
 #include "handlers.h"
 
@@ -12,7 +13,7 @@ namespace
 void requireDaemon(const Model& model)
 {
     if (model.module.settings.smartWiFiEnabled == 0)
-        throw Refused{ReplyStatus::kSwitchedOff};
+        throw Refused{ReplyStatus::kSwitchedOff, "the Smart WiFi daemon is stopped"};
 }
 
 SteeringDomain& domainOf(Model& model, const CommandRequest& request)
@@ -82,7 +83,8 @@ void addSmartWiFiHandlers(HandlerTable& table)
          {
              const std::string name = request.text("intf_name");
              if (!name.empty() && !model.hasInterface(name))
-                 throw Refused{ReplyStatus::kNoSuchObject};
+                 throw Refused{ReplyStatus::kNoSuchObject,
+                               "interface " + base::inQuotes(name) + "; there is none of that name"};
              assign(model.module.settings, &ModuleSettings::smartWiFiInterface, name);
          }},
         {"TarnGetQuantennaSmartWiFiQcomm",
@@ -117,7 +119,7 @@ void addSmartWiFiHandlers(HandlerTable& table)
                  if (domain.id == id)
                      return changes.applyTo(domain.settings);
              if (domains.size() >= kDomainRoom)
-                 throw Refused{ReplyStatus::kFull};
+                 throw Refused{ReplyStatus::kFull, "there is room for " + std::to_string(kDomainRoom) + " mobility domains"};
              SteeringDomain created;
              created.id = id;
              changes.applyTo(created.settings);
@@ -210,7 +212,7 @@ void addSmartWiFiHandlers(HandlerTable& table)
              const std::string path = request.text("path");
              std::map<std::string, std::string>& files = model.module.files;
              if (path.empty() || path[0] != '/')
-                 throw Refused{ReplyStatus::kInvalidValue};
+                 throw Refused{ReplyStatus::kInvalidValue, "path " + base::inQuotes(path) + "; expected one from the root, /"};
              requireRoom(files, path);
              std::string text;
              for (const SteeringDomain& domain : model.smartWiFi.domains)

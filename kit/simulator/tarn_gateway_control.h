@@ -18,10 +18,9 @@ extern "C" {
 enum TarnGatewayStatus
 {
     TARN_GATEWAY_OK = 0,
-    TARN_GATEWAY_NO_SUCH_OBJECT = 16, /* no such event; no such entry in the state */
-    TARN_GATEWAY_INVALID_VALUE = 17,  /* a length over the message's room; a path that is no JSON pointer */
-    TARN_GATEWAY_FULL = 19,           /* the answer does not fit into the message */
-    TARN_GATEWAY_NOT_THERE = 21       /* nothing is due */
+    TARN_GATEWAY_NO_SUCH_OBJECT = 16, /* no such event, client or neighbour; no such entry in the state */
+    TARN_GATEWAY_INVALID_VALUE = 17,  /* no such order, or none that can be; a length over the message's room */
+    TARN_GATEWAY_NOT_THERE = 21       /* nothing is due; the answer is not kept any more */
 };
 
 /* Publishes an event of the device service, whatever the state of the gateway is. */
@@ -36,25 +35,33 @@ typedef struct TarnGatewayPublish
     uint32_t status;                              /* out */
 } TarnGatewayPublish;
 
-/* Shuts the simulated gateway down, once this has been answered. */
-#define TARN_GATEWAY_SHUT_DOWN 1u
-typedef struct TarnGatewayShutDown
+/* Carries out an order: "state /radios/0/channel", "radar 52", "faults add noAnswer count=1" ...; README.md has all of them.
+ * Its words are separated by blanks and quoted as in a shell. The answer is JSON text, "null" where there is nothing to tell;
+ * with a status other than TARN_GATEWAY_OK it says as plain text what was expected. What of it does not fit is read with
+ * TARN_GATEWAY_READ_ANSWER. */
+#define TARN_GATEWAY_ORDER 1u
+#define TARN_GATEWAY_ORDER_SIZE 28672u
+#define TARN_GATEWAY_TEXT_SIZE 32768u
+typedef struct TarnGatewayOrder
 {
-    uint32_t status; /* out */
-} TarnGatewayShutDown;
+    char order[TARN_GATEWAY_ORDER_SIZE]; /* in: NUL-terminated */
+    uint32_t number;                     /* out: of the answer */
+    uint32_t total;                      /* out: characters of the whole answer */
+    uint32_t length;                     /* out: characters of it in `text` */
+    char text[TARN_GATEWAY_TEXT_SIZE];   /* out: the beginning, without a NUL behind it if the answer goes on */
+    uint32_t status;                     /* out */
+} TarnGatewayOrder;
 
-/* Reads the state of the gateway, or a part of it, as JSON text: also what has been set by commands that no other command reads
- * back. */
-#define TARN_GATEWAY_READ_STATE 2u
-#define TARN_GATEWAY_PATH_SIZE 256u
-#define TARN_GATEWAY_STATE_SIZE 49152u
-typedef struct TarnGatewayReadState
+/* Reads the rest of an order's answer, a piece at a time. The last 8 answers that did not fit are kept. */
+#define TARN_GATEWAY_READ_ANSWER 2u
+typedef struct TarnGatewayReadAnswer
 {
-    char path[TARN_GATEWAY_PATH_SIZE];  /* in: a JSON pointer such as "/radios/0/channel"; empty for everything */
-    uint32_t length;                    /* out: characters of the text, the NUL not counted, also when it does not fit */
-    char text[TARN_GATEWAY_STATE_SIZE]; /* out: NUL-terminated; empty when it does not fit */
-    uint32_t status;                    /* out */
-} TarnGatewayReadState;
+    uint32_t number;                   /* in: of the answer */
+    uint32_t offset;                   /* in: of the first character to read */
+    uint32_t length;                   /* out: characters of this piece; 0 behind the end */
+    char text[TARN_GATEWAY_TEXT_SIZE]; /* out: the piece, without a NUL behind it */
+    uint32_t status;                   /* out */
+} TarnGatewayReadAnswer;
 
 /* Reads the text of the layout file that the gateway answers by, a piece at a time. */
 #define TARN_GATEWAY_READ_LAYOUT 3u
@@ -67,25 +74,6 @@ typedef struct TarnGatewayReadLayout
     char text[TARN_GATEWAY_LAYOUT_SIZE]; /* out: the piece, without a NUL behind it */
     uint32_t status;                     /* out */
 } TarnGatewayReadLayout;
-
-/* Reads the gateway's time, and changes how it goes. */
-#define TARN_GATEWAY_TIME 4u
-enum TarnGatewayTimeAction
-{
-    TARN_GATEWAY_TIME_READ = 0,
-    TARN_GATEWAY_TIME_SET_SPEED = 1,   /* `value`: thousandths of real time's speed; 0 stops it */
-    TARN_GATEWAY_TIME_STEP = 2,        /* `value`: milliseconds that pass at once */
-    TARN_GATEWAY_TIME_STEP_TO_NEXT = 3 /* until the next thing that is due has happened, with all others of the same instant */
-};
-typedef struct TarnGatewayTime
-{
-    uint32_t action;
-    uint32_t value;
-    uint32_t speed;        /* out: thousandths of real time's */
-    uint32_t seconds;      /* out: since the gateway was started */
-    uint32_t milliseconds; /* out: of the second, 0 to 999 */
-    uint32_t status;       /* out */
-} TarnGatewayTime;
 
 #ifdef __cplusplus
 }

@@ -64,45 +64,30 @@ TEST(AgendaTest, HasOneTimeForEachThing)
 
 // --- Time as a test wants it -------------------------------------------------------------------------------------------------
 
-class TimeTest : public SimulatorTest
-{
-protected:
-    static TarnGatewayTime control(std::uint32_t action, std::uint32_t value = 0)
-    {
-        TarnGatewayTime message = {};
-        message.action = action;
-        message.value = value;
-        EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_TIME, sizeof message, &message), 0u);
-        return message;
-    }
-};
+using TimeTest = SimulatorTest;
 
 TEST_F(TimeTest, StandsUntilItIsStepped)
 {
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_READ).speed, 0u);
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_READ).milliseconds, 0u);
-    const TarnGatewayTime stepped = control(TARN_GATEWAY_TIME_STEP, 61234);
-    EXPECT_EQ(stepped.seconds, 61u);
-    EXPECT_EQ(stepped.milliseconds, 234u);
+    EXPECT_EQ(order("speed"), Json::parse(R"({"seconds": 0.0, "speed": 0.0})"));
+    EXPECT_EQ(order("step 61.234")["seconds"], 61.234);
     std::uint32_t elapsed = 0;
     EXPECT_EQ(CALL(tarn_qcsapi_system_get_time_since_start)(&elapsed), kDone);
     EXPECT_EQ(elapsed, 61u);
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_time_associated_per_association)("wifi0", 0, &elapsed), kDone);
     EXPECT_EQ(elapsed, 61u);
-    EXPECT_EQ(control(99).status, TARN_GATEWAY_INVALID_VALUE);
 }
 
 TEST_F(TimeTest, StepsToWhatIsDueNext)
 {
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_STEP_TO_NEXT).status, TARN_GATEWAY_NOT_THERE);
+    EXPECT_EQ(refusal("step next"), "21: nothing is due");
     EXPECT_EQ(CALL(TarnScanRadioNeighborhood)(1), kDone);
     EXPECT_EQ(CALL(TarnTriggerAccessPointWpsWindow)(1, 1, 1, 0), kDone);
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_STEP_TO_NEXT).seconds, 4u);
+    EXPECT_EQ(order("step next")["seconds"], 4);
     std::uint32_t status = 0;
     EXPECT_EQ(CALL(TarnGetRadioNeighboringStatus)(1, &status), kDone);
     EXPECT_EQ(status, 2u);
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_STEP_TO_NEXT).seconds, 120u);
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_STEP_TO_NEXT).status, TARN_GATEWAY_NOT_THERE);
+    EXPECT_EQ(order("step next")["seconds"], 120);
+    EXPECT_EQ(refusal("step next"), "21: nothing is due");
 }
 
 // A thousand times as fast, a scan of 4 seconds ends by itself, and the process that waits for its event is told.
@@ -110,10 +95,10 @@ TEST_F(TimeTest, GoesAsFastAsItIsTold)
 {
     subscribe(TARN_EVT_AP_WPS_WIN_STATUS_CHANGED);
     EXPECT_EQ(CALL(TarnTriggerAccessPointWpsWindow)(1, 1, 1, 0), kDone);
-    EXPECT_EQ(control(TARN_GATEWAY_TIME_SET_SPEED, 1000000).speed, 1000000u);
+    EXPECT_EQ(order("speed 1000")["speed"], 1000);
     EXPECT_EQ(nextEvent(TARN_EVT_AP_WPS_WIN_STATUS_CHANGED, "EVT_AP_WPS_WIN_STATUS_CHANGED").number("status"), 1u);
     EXPECT_EQ(nextEvent(TARN_EVT_AP_WPS_WIN_STATUS_CHANGED, "EVT_AP_WPS_WIN_STATUS_CHANGED").number("status"), 2u);
-    EXPECT_GE(control(TARN_GATEWAY_TIME_SET_SPEED, 0).seconds, 120u);
+    EXPECT_GE(order("speed 0")["seconds"], 120);
 }
 
 // --- Chance ------------------------------------------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 #include "simulator/gateway.h"
+#include "simulator/gateway_order.h"
 #include "simulator/scenario.h"
 
 #include <atomic>
@@ -60,24 +61,46 @@ TEST_F(ControlTest, StateIsReadAsAWholeAndInPart)
     EXPECT_EQ(state("/radios/1/country"), "eu");
 }
 
-TEST_F(ControlTest, StateHasNothingWhereNothingIs)
+TEST_F(ControlTest, OrderWithoutItsEndIsReadAsFarAsItGoes)
 {
-    const auto message = std::make_unique<TarnGatewayReadState>();
-    std::strcpy(message->path, "/radios/2");
-    EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
-    EXPECT_EQ(message->status, TARN_GATEWAY_NO_SUCH_OBJECT);
-    std::strcpy(message->path, "radios");
-    EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
+    const auto message = std::make_unique<TarnGatewayOrder>();
+    std::memset(message->order, 'x', sizeof message->order);
+    EXPECT_EQ(send(TARN_GATEWAY_ORDER, *message), KOR_IIL_OK);
     EXPECT_EQ(message->status, TARN_GATEWAY_INVALID_VALUE);
-    std::memset(message->path, 'x', sizeof message->path); // not terminated
-    EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
-    EXPECT_EQ(message->status, TARN_GATEWAY_INVALID_VALUE);
-    for (const char* path : {"/radios/x", "/radios/0/channel/0"})
+}
+
+// A state of several messages, read while it changes, is one state.
+TEST_F(ControlTest, AnswerIsReadPieceByPieceHoweverLongItIs)
+{
+    order("set /description '\"" + std::string(1000, 'd') + "\"'");
+    for (int i = 0; i < 200; ++i)
     {
-        std::strcpy(message->path, path);
-        EXPECT_EQ(send(TARN_GATEWAY_READ_STATE, *message), KOR_IIL_OK);
-        EXPECT_EQ(message->status, TARN_GATEWAY_NO_SUCH_OBJECT) << path;
+        char address[18];
+        std::snprintf(address, sizeof address, "02:00:00:00:07:%02x", static_cast<unsigned>(i));
+        order(std::string("station add address=") + address + " ssid=elsewhere");
     }
+    const auto message = std::make_unique<TarnGatewayOrder>();
+    std::strcpy(message->order, "state");
+    ASSERT_EQ(send(TARN_GATEWAY_ORDER, *message), KOR_IIL_OK);
+    ASSERT_EQ(message->status, TARN_GATEWAY_OK);
+    ASSERT_GT(message->total, TARN_GATEWAY_TEXT_SIZE);
+    std::string text(message->text, message->length);
+    order("station add address=02:00:00:00:08:01");
+    const auto piece = std::make_unique<TarnGatewayReadAnswer>();
+    while (text.size() < message->total)
+    {
+        piece->number = message->number;
+        piece->offset = static_cast<std::uint32_t>(text.size());
+        ASSERT_EQ(send(TARN_GATEWAY_READ_ANSWER, *piece), KOR_IIL_OK);
+        ASSERT_GT(piece->length, 0u);
+        text.append(piece->text, piece->length);
+    }
+    EXPECT_EQ(Json::parse(text)["clients"].size() + 1, order("state /clients").size());
+
+    for (int i = 0; i < 8; ++i)
+        order("state");
+    EXPECT_EQ(send(TARN_GATEWAY_READ_ANSWER, *piece), KOR_IIL_OK);
+    EXPECT_EQ(piece->status, TARN_GATEWAY_NOT_THERE);
 }
 
 // Whatever a caller has set, the state is JSON text.
@@ -109,7 +132,7 @@ TEST_F(ControlTest, LayoutIsReadPieceByPiece)
 TEST_F(ControlTest, OddRequestsAreToldSo)
 {
     std::uint8_t message[8] = {};
-    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 5, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
+    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 4, sizeof message, message), KOR_IIL_UNKNOWN_CMD);
     EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 0, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
     EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, 1, sizeof message, message), KOR_IIL_MISMATCH_CMD_LEN);
 }
@@ -125,12 +148,10 @@ TEST_F(ControlTest, ShutDownIsAskedForOnce)
     std::atomic<int> asked{0};
     tarn::simulator::Gateway other(model, [&] { ++asked; });
     other.start();
-    TarnGatewayShutDown message = {};
-    EXPECT_EQ(send(TARN_GATEWAY_SHUT_DOWN, message), KOR_IIL_OK);
-    EXPECT_EQ(message.status, TARN_GATEWAY_OK);
+    order("shutdown");
     EXPECT_EQ(asked, 1);
     other.stop();
-    EXPECT_EQ(send(TARN_GATEWAY_SHUT_DOWN, message), KOR_IIL_UNKNOWN_DST_ID);
+    EXPECT_EQ(tarn::simulator::giveOrder(kCaller, "shutdown", 60).ipcStatus, KOR_IIL_UNKNOWN_DST_ID);
     setenv("KORIIL_DIR", before.c_str(), 1);
     std::filesystem::remove_all(path);
 }

@@ -3,6 +3,7 @@
 
 #include "kor_iil.h"
 #include "kor_iil_service.h"
+#include "simulator/gateway_order.h"
 
 #include <cerrno>
 #include <csignal>
@@ -212,10 +213,9 @@ TEST_F(ProcessTest, ShutsDownWhenItIsAskedTo)
 {
     Program gateway({});
     ASSERT_EQ(gateway.line(), "ready");
-    TarnGatewayShutDown message = {};
-    message.status = 99;
-    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_SHUT_DOWN, sizeof message, &message), KOR_IIL_OK);
-    EXPECT_EQ(message.status, TARN_GATEWAY_OK);
+    const tarn::simulator::OrderAnswer answer = tarn::simulator::giveOrder(kCaller, "shutdown", 60);
+    EXPECT_EQ(answer.ipcStatus, KOR_IIL_OK);
+    EXPECT_EQ(answer.text, "null");
     EXPECT_EQ(gateway.wait(), 0);
 }
 
@@ -227,6 +227,30 @@ TEST_F(ProcessTest, SaysReadyWhereItIsTold)
     EXPECT_EQ(closed.line(),
               "tarn-gateway: descriptor 77 cannot be written to: Bad file descriptor; expected one that is open for writing");
     EXPECT_EQ(closed.wait(), 1);
+}
+
+TEST_F(ProcessTest, PlaysAScriptAndLogsRequests)
+{
+    std::ofstream(directory_ + "/script") << "0 nonsense\n0 set /radios/0/channel 44\n";
+    Program gateway({"--script", directory_ + "/script", "--log", "--speed", "0"});
+    std::string ready = gateway.line();
+    if (ready != "ready") // the two streams are one, in any order
+    {
+        EXPECT_EQ(ready.substr(0, 14 + directory_.size()), "tarn-gateway: " + directory_);
+        EXPECT_EQ(gateway.line(), "ready");
+    }
+    std::uint32_t channel = 0;
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_get_channel)("wifi0", &channel), kDone);
+    EXPECT_EQ(channel, 44u);
+    gateway.signal(SIGTERM);
+    EXPECT_NE(gateway.rest().find(") tarn_qcsapi_wifi_get_channel intf_name=\"wifi0\": 0 (DONE)\n"), std::string::npos);
+    EXPECT_EQ(gateway.wait(), 0);
+
+    std::ofstream(directory_ + "/wrong") << "radar 52\n";
+    Program wrong({"--script", directory_ + "/wrong"});
+    EXPECT_EQ(wrong.line(), "tarn-gateway: " + directory_ +
+                                "/wrong:1: \"radar 52\"; expected a time in seconds and an order, such as 60 radar 52");
+    EXPECT_EQ(wrong.wait(), 1);
 }
 
 TEST_F(ProcessTest, SecondOneSaysThatTheNameIsTaken)

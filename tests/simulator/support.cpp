@@ -3,6 +3,7 @@
 #include "contract/contract.h"
 #include "kor_iil.h"
 #include "simulator/gateway.h"
+#include "simulator/gateway_order.h"
 #include "simulator/scenario.h"
 
 #include <chrono>
@@ -117,13 +118,25 @@ void SimulatorTest::appearRadar(std::uint32_t channel)
     gateway_->withModel([&](tarn::simulator::Model& model) { model.radarAppears(channel); });
 }
 
+Json SimulatorTest::order(const std::string& line)
+{
+    const tarn::simulator::OrderAnswer answer = tarn::simulator::giveOrder(kCaller, line, 60);
+    EXPECT_EQ(answer.ipcStatus, 0u) << line;
+    EXPECT_EQ(answer.status, 0u) << line << ": " << answer.text;
+    return answer.ipcStatus == 0 && answer.status == 0 ? Json::parse(answer.text) : Json();
+}
+
+std::string SimulatorTest::refusal(const std::string& line)
+{
+    const tarn::simulator::OrderAnswer answer = tarn::simulator::giveOrder(kCaller, line, 60);
+    EXPECT_EQ(answer.ipcStatus, 0u) << line;
+    EXPECT_NE(answer.status, 0u) << line;
+    return std::to_string(answer.status) + ": " + answer.text;
+}
+
 Json SimulatorTest::state(const std::string& path)
 {
-    const auto message = std::make_unique<TarnGatewayReadState>();
-    path.copy(message->path, sizeof message->path - 1);
-    EXPECT_EQ(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, 60, TARN_GATEWAY_READ_STATE, sizeof *message, message.get()), 0u);
-    EXPECT_EQ(message->status, 0u) << path;
-    return message->status == 0 ? Json::parse(message->text) : Json();
+    return order("state " + path);
 }
 
 void SimulatorTest::subscribe(std::uint32_t event)

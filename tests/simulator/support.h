@@ -123,6 +123,15 @@ protected:
 
     void passSeconds(double seconds);
     void appearRadar(std::uint32_t channel);
+    tarn::simulator::Gateway& gateway()
+    {
+        return *gateway_;
+    }
+
+    // Gives the gateway an order, and returns its answer.
+    static Json order(const std::string& line);
+    // The status and the reason of an order that is to be refused.
+    static std::string refusal(const std::string& line);
 
     // A part of the gateway's state, by its JSON pointer.
     static Json state(const std::string& path);
