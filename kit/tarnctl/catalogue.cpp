@@ -6,6 +6,7 @@
 #include "values.h"
 
 #include <algorithm>
+#include <set>
 
 namespace tarn::ctl
 {
@@ -173,6 +174,15 @@ std::vector<std::string> functionNames()
     for (const LibraryFunction& function : catalogue())
         names.push_back(function.name);
     return names;
+}
+
+std::vector<std::string> serviceNames()
+{
+    std::set<std::string> names;
+    for (const LibraryFunction& function : catalogue())
+        if (!function.service.empty())
+            names.insert(function.service);
+    return {names.begin(), names.end()};
 }
 
 const LibraryFunction& functionNamed(const std::string& name)

@@ -90,6 +90,7 @@ struct LibraryFunction
 const std::vector<LibraryFunction>& catalogue();
 
 std::vector<std::string> functionNames();
+std::vector<std::string> serviceNames(); // sorted
 
 // Throws UsageError, which suggests similar names.
 const LibraryFunction& functionNamed(const std::string& name);

@@ -78,6 +78,7 @@ void addVerbs(Verbs& verbs)
     addDiff(verbs);
     verbs.group("This program", false);
     addPublish(verbs);
+    addGateway(verbs);
     addCompletion(verbs);
     addHelp(verbs);
     verbs.group("", false);

@@ -286,7 +286,7 @@ TEST_F(ArgumentsTest, Savings)
 const std::string kCommands =
     "status, radios, ssids, stations, scan, channel, bandwidth, power, security, filter, kick, wps, dfs, "
     "counters, boot, smart-wifi, temperature, versions, firmware, mirror, telnet, log-level, ipc, list, "
-    "describe, call, events, layout, metrics, report, diff, publish, completion, help";
+    "describe, call, events, layout, metrics, report, diff, publish, gateway, completion, help";
 
 TEST_F(ArgumentsTest, CommandsAndOptions)
 {

@@ -80,6 +80,23 @@ TEST_F(CompletionTest, TellsTheValueOfAnOptionFromACommand)
     EXPECT_EQ(offered({"call", "--caller", "me", "tarnVal"}), Offers{"tarnValidatePinCode"});
 }
 
+TEST_F(CompletionTest, OffersTheWordsOfOrders)
+{
+    EXPECT_EQ(offered({"gateway", "re"}), Offers{"reboot"});
+    EXPECT_EQ(offered({"gateway", "station", ""}), (Offers{"add", "move", "remove"}));
+    EXPECT_EQ(offered({"gateway", "station", "add", ""}), (Offers{"address=", "ssid=", "passphrase=", "pathLoss="}));
+    EXPECT_EQ(offered({"gateway", "station", "add", "ssid=home", "p"}), (Offers{"passphrase=", "pathLoss="}));
+    EXPECT_EQ(offered({"gateway", "log", ""}), (Offers{"on", "off"}));
+    EXPECT_EQ(offered({"gateway", "step", ""}), Offers{"next"});
+    EXPECT_EQ(offered({"gateway", "faults", "add", "event"}), (Offers{"eventLost", "eventDoubled", "eventLate"}));
+    EXPECT_EQ(offered({"gateway", "faults", "add", "delay", "m"}), Offers{"milliseconds="});
+    EXPECT_EQ(offered({"gateway", "faults", "add", "delay", "function=TarnGetLogL"}), Offers{"function=TarnGetLogLevel"});
+    EXPECT_EQ(offered({"gateway", "faults", "add", "delay", "count=1", "service=Q"}),
+              (Offers{"service=QTN_MIRROR", "service=QTN_RPC_PROXY"}));
+    EXPECT_EQ(offered({"gateway", "radar", "52", ""}), Offers{});
+    EXPECT_EQ(offered({"gateway", "nonsense", ""}), Offers{});
+}
+
 TEST_F(CompletionTest, OffersOptionsAndTheirValues)
 {
     EXPECT_EQ(offered({"call", "--d"}), (Offers{"--directory", "--dry-run"}));

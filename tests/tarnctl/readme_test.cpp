@@ -60,8 +60,9 @@ protected:
     std::string printed(const std::string& command) const
     {
         std::ofstream(path("example")) << "cd " << directory << "\nPATH=" << directory << ":$PATH\n"
-                                       << (command.find("tarnctl events") == std::string::npos ? "" : publish()) << command
-                                       << " 2>&1\n";
+                                       << (command.find("tarnctl events") == std::string::npos ? "" : publish())
+                                       << "exec 2>&1\n"
+                                       << command << "\n";
         return shellOutput("sh " + path("example"));
     }
 

@@ -5,6 +5,7 @@
 // gateway has is asked of it. What cannot be found out is not offered; nobody wants an error while typing.
 #include "tarnctl/layout_in_use.h"
 #include "tarnctl/offers.h"
+#include "tarnctl/order_offers.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
 
@@ -176,12 +177,8 @@ Offers acceptedValues(const std::string& type)
 
 Offers serviceOffers()
 {
-    std::set<std::string> names;
-    for (const LibraryFunction& function : catalogue())
-        if (!function.service.empty())
-            names.insert(function.service);
     Offers offers;
-    for (const std::string& name : names)
+    for (const std::string& name : serviceNames())
         offers.push_back({name, ""});
     return offers;
 }
@@ -245,6 +242,8 @@ Offers positionalOffers(const Verbs& verbs, const Before& before, const std::str
         const std::vector<std::string> given(before.positional.begin() + 1, before.positional.end());
         return argumentOffers(functionNamed(before.positional.front()), given, present);
     }
+    if (name == "ORDER")
+        return orderOffers(before.positional, present);
     return wordOffers(verbs.completionWords(before.verb->get_name()));
 }
 

@@ -1,6 +1,5 @@
 // `tarnctl publish`: no function of the library, but a message to the simulated gateway's control identifier.
 #include "kor_iil.h"
-#include "tarn_frame.h"
 #include "tarn_gateway_control.h"
 #include "tarnctl/event_names.h"
 #include "tarnctl/usage_error.h"
@@ -40,16 +39,6 @@ TarnGatewayPublish messageFor(const contract::Event& event, const Bytes& data)
     return message;
 }
 
-ExitCode ipcFailure(const Console& console, std::uint32_t status)
-{
-    const CallOutcome outcome = outcomeOf(status);
-    const std::string why = outcome == CallOutcome::kNoService ? "no simulated gateway is running" + inRuntimeDirectory() +
-                                                                     " (only that one publishes on request)"
-                                                               : "the simulated gateway cannot be asked";
-    return console.fail(exitCodeOf(outcome),
-                        why + ": " + tarnIpcStatusName(status) + " (IPC status " + std::to_string(status) + ")");
-}
-
 ExitCode publish(const Console& console, const PublishOptions& options)
 {
     const contract::Event& event = eventNamed(options.event);
@@ -61,7 +50,7 @@ ExitCode publish(const Console& console, const PublishOptions& options)
     TarnGatewayPublish message = messageFor(event, data);
     if (const std::uint32_t status =
             KorIilExecute(kOwnCallerId, TARN_GATEWAY_SERVICE, kWait, TARN_GATEWAY_PUBLISH, sizeof message, &message))
-        return ipcFailure(console, status);
+        return simulatorFailure(console, status, "publishes on request");
     if (message.status != TARN_GATEWAY_OK)
         return console.fail(ExitCode::kServiceStatus,
                             "the simulated gateway answered with status " + std::to_string(message.status));

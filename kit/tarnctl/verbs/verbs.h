@@ -137,6 +137,9 @@ std::vector<std::string> optionNames(const CLI::App& parser);
 std::string switchAssignment(const char* function, const char* argument, const std::string& state);
 std::vector<std::string> switchStates();
 
+// Ends in failure, as the control identifier of a simulated gateway gave that IPC status. "(only that one PURPOSE)"
+ExitCode simulatorFailure(const Console& console, std::uint32_t status, const std::string& purpose);
+
 void addList(Verbs& verbs);
 void addDescribe(Verbs& verbs);
 void addCall(Verbs& verbs);
@@ -169,6 +172,7 @@ void addMetrics(Verbs& verbs);
 void addReport(Verbs& verbs);
 void addDiff(Verbs& verbs);
 void addPublish(Verbs& verbs);
+void addGateway(Verbs& verbs);
 void addComplete(Verbs& verbs);
 void addCompletion(Verbs& verbs);
 void addHelp(Verbs& verbs);
