@@ -172,12 +172,8 @@ std::optional<Fault> Model::takeFaultThat(Matches matches)
         if (!matches(*fault) || (fault->probability < 100 && random.upTo(99) >= fault->probability))
             continue;
         Fault taken = *fault;
-        if (fault->count)
-        {
-            --*fault->count;
-            if (*fault->count == 0)
-                faults.erase(fault);
-        }
+        if (std::optional<std::uint32_t>& count = fault->count; count && --*count == 0)
+            faults.erase(fault);
         return taken;
     }
     return std::nullopt;
