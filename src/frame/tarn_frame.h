@@ -1,6 +1,6 @@
 /* The client library's frame: what its command functions share, event subscription, and local utilities.
  *
- * A caller includes this header, `tarn_api.h` for the wireless device service and `tarn_qtn_monitor_api.h` for the Wi-Fi
+ * A caller includes `tarn_frame.h`, `tarn_api.h` for the wireless device service and `tarn_qtn_monitor_api.h` for the Wi-Fi
  * module, and links `libtarn`. Nothing has to be initialised, nothing is kept between calls, and every function may be called
  * from any thread at any time. A call needs stack for its message: at most 9584 bytes and a little.
  *
@@ -8,7 +8,7 @@
  *   The first argument of every function but the local utilities: the calling component's own IPC identifier, a text of 1 to 31
  *   characters, NUL-terminated. The first must be from 0x20 to 0x7F, the others may be any byte but NUL. At most
  *   its first 32 bytes are checked; one that is refused goes to the trace as it is. Functions named `tarn_...` call it
- *   `handle`.
+ *   `handle`. For NULL the trace of every function reads "handle is NULL".
  *
  * Results of the functions named `Tarn...` (device service)
  *   the service's own reply status   the call reached the service; 0 is success by the service's convention
@@ -70,16 +70,21 @@ extern "C" {
  *   ignored   never read; pass NULL
  *   handler   in: called for each event; passed on unchecked
  *
- * Returns TARN_OK, TARN_REJECTED (caller id, evt), or TARN_FAILED for every failure of the IPC library, a time-out included.
- * The IPC library decides whether a second subscription to the same event is an error. */
+ * Returns TARN_OK, TARN_REJECTED (callerId, evt), or TARN_FAILED for every failure of the IPC library, a time-out included.
+ * What is refused is traced as "id is invalid" and "evt is invalid". The IPC library decides whether a second subscription to
+ * the same event is an error. */
 TARN_EXPORT uint32_t tarnSubscribeEvent(const char* callerId, uint32_t evt, const void* ignored, KorIilEventHandler handler);
 
 /* Cancels a subscription. Arguments and results are those of tarnSubscribeEvent; the IPC library decides whether it is an
  * error to cancel what is not subscribed. */
 TARN_EXPORT uint32_t tarnCancelEvent(const char* callerId, uint32_t evt, const void* ignored, KorIilEventHandler handler);
 
-/* Names an IPC status: "OK" for 0, "TIMEOUT" for 7 ... "BUSY" for 21, "Unknown" for every other value. The text is constant and
- * must not be freed. */
+/* Names an IPC status.
+ *
+ *   status  in: an IPC status, as the platform's four functions return it
+ *
+ * Returns "OK" for 0, "TIMEOUT" for 7 ... "BUSY" for 21, "Unknown" for every other value. The text is constant and must not be
+ * freed. */
 TARN_EXPORT const char* tarnIpcStatusName(uint32_t status);
 
 /* Tells whether a WPS PIN carries a valid check digit (Wi-Fi Simple Configuration, the eight-digit device password).
