@@ -1,0 +1,159 @@
+"""The pages of the programs, from the help that they print: tarnctl, each of its commands, tarn-gateway."""
+import itertools
+import re
+import subprocess
+import textwrap
+from dataclasses import dataclass
+
+import markdown
+from mdoc import Page, Writer, words
+
+_COLUMN = 30  # where the help's descriptions begin
+_COLUMNS = ("Positionals", "Options")
+
+
+@dataclass
+class Part:
+    """A part of a help text: its title, and (term, description) pairs or the lines as they are."""
+    title: str
+    pairs: list
+    lines: list
+
+
+def _output(program, *arguments):
+    result = subprocess.run([*program, *arguments], capture_output=True, text=True, check=False)
+    if result.returncode != 0:
+        raise SystemExit("%s: %s" % (" ".join([*program, *arguments]), result.stderr))
+    return result.stdout
+
+
+def _pairs(lines):
+    """Lines in two columns as pairs; None if they are not."""
+    pairs = []
+    for line in lines:
+        head, rest = line[:_COLUMN], line[_COLUMN:]
+        if not head.strip() and pairs:
+            pairs[-1][1] += " " + rest.strip()
+        elif re.match(r"  \S.* $", head) and rest[:1].strip():
+            pairs.append([head.strip(), rest.strip()])
+        elif re.match(r"  \S", line) and len(line) >= _COLUMN:  # the term leaves no room: the description is on the next line
+            pairs.append([line.strip(), ""])
+        else:
+            return None
+    return pairs
+
+
+def parse(text, is_main=False):
+    """A help text as what it says first, its usage, and its parts. That of the whole program lists its commands, too."""
+    before, _, rest = text.partition("Usage: ")
+    usage, _, rest = rest.partition("\n")
+    parts = []
+    for line in rest.split("\n"):
+        if not line and parts and parts[-1].title in _COLUMNS:  # an untitled part may follow
+            parts.append(Part("", None, []))
+        elif line and line[0] != " " and line.endswith(":"):
+            parts.append(Part(line[:-1], None, []))
+        elif line and line[0] != " " and (not parts or parts[-1].title or parts[-1].lines[-1:] == [""]):
+            parts.append(Part("", None, [line]))
+        elif parts:
+            parts[-1].lines.append(line)
+    for part in parts:
+        while part.lines and not part.lines[-1]:
+            part.lines.pop()
+        while part.lines and not part.lines[0]:
+            part.lines.pop(0)
+        part.pairs = _pairs(part.lines) if part.title in _COLUMNS or is_main else None
+    return " ".join(before.split()), usage, [part for part in parts if part.lines]
+
+
+class Programs:
+    def __init__(self, tarnctl, gateway):
+        self._gateway_help = _output(gateway, "--help")
+        self._main_help = _output(tarnctl, "--help")
+        self.verbs = {}
+        _, _, parts = parse(self._main_help, is_main=True)
+        for part in parts:
+            if part.pairs and part.title not in ("Options", "Exit codes", "Environment"):
+                self.verbs.update({name: _output(tarnctl, "help", name) for name, _ in part.pairs})
+
+    def names(self):
+        return ["tarnctl", "tarn-gateway", *("tarnctl-" + each for each in self.verbs)]
+
+    def help_of(self, name):
+        return {"tarnctl": self._main_help, "tarn-gateway": self._gateway_help}.get(name) or self.verbs[name[len("tarnctl-"):]]
+
+
+def _summary(text):
+    text = re.split(r"[.:](?: |$)", text)[0]
+    return text[0].lower() + text[1:]
+
+
+def _page(reference, name, command):
+    """NAME, SYNOPSIS and DESCRIPTION of a program; the parts of its help that come behind these."""
+    text, usage, parts = parse(reference.programs.help_of(name), name == "tarnctl")
+    summary = "simulated gateway" if text.startswith("The simulated gateway:") else _summary(text)
+    page = Page(name, 1, summary, reference.date)
+    page.section("SYNOPSIS")
+    page.macros(".Nm " + command)
+    if usage[len(command):].strip():
+        page.macros(*(".Ar " + words(each) for each in [usage[len(command):].strip()]))
+    page.section("DESCRIPTION")
+    writer = Writer(reference.sections, name)
+    page.paragraph(writer.text(text if text.endswith(".") else text + "."))
+    later = []
+    for part in parts:
+        if part.title in ("Exit codes", "Environment", "Examples", "Example"):
+            later.append(part)
+        elif part.pairs is not None:
+            page.subsection(part.title)
+            page.tags([(_term(name, part, term, reference), writer.text(description + ".") if description else "")
+                       for term, description in part.pairs])
+        else:
+            _free(page, writer, part)
+    return page, later
+
+
+def _free(page, writer, part):
+    """Paragraphs, and indented lines as they are."""
+    if part.title:
+        page.subsection(part.title)
+    for is_indented, lines in itertools.groupby(part.lines, lambda line: line.startswith(" ")):
+        text = list(lines)
+        if is_indented:
+            page.display(textwrap.dedent("\n".join(text)))
+        elif any(text):
+            page.paragraph(writer.text(" ".join(text)))
+
+
+def _term(name, part, term, reference):
+    page = "tarnctl-" + term
+    if name == "tarnctl" and reference.sections.get(page) and part.title != "Options":
+        return "Xr %s 1" % page
+    return "Cm " + words(term)
+
+
+def _finish(page, later, references):
+    for title in ("Environment", "Exit codes", "Examples", "Example"):
+        for part in later:
+            if part.title == title:
+                page.section({"Environment": "ENVIRONMENT", "Exit codes": "EXIT STATUS"}.get(title, "EXAMPLES"))
+                page.display(textwrap.dedent("\n".join(part.lines)))
+    page.see_also(references)
+    return page.text()
+
+
+def pages(reference):
+    """The text of each page, by (name, section)."""
+    result = {}
+    page, later = _page(reference, "tarnctl", "tarnctl")
+    others = [(each, 1) for each in reference.programs.names() if each != "tarnctl"]
+    result["tarnctl", 1] = _finish(page, later, [*others, ("tarn-layout", 5), ("tarn", 7)])
+    for verb in reference.programs.verbs:
+        page, later = _page(reference, "tarnctl-" + verb, "tarnctl " + verb)
+        result["tarnctl-" + verb, 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn", 7)])
+    page, later = _page(reference, "tarn-gateway", "tarn-gateway")
+    document = markdown.sections(reference.read("kit/simulator/README.md"))
+    for title in ("What is the simulator's own", "Statuses", "Another layout", "The model", "Time", "Control"):
+        markdown.write(page, Writer(reference.sections, "tarn-gateway"), document[title], title)
+    result["tarn-gateway", 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn-scenario", 5), ("tarn", 7)])
+    return result
