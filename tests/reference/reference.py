@@ -19,6 +19,7 @@ def read(path):
 class Pages:
     def __init__(self, directory, tarnctl, compiler):
         self.tarnctl, self.compiler, self.html = tarnctl, compiler, os.path.join(directory, "html")
+        self.generated = os.path.join(directory, "..", "include")
         self.man = sorted(glob.glob(os.path.join(directory, "man", "man*", "*")))
         self.exported = sorted(re.findall(r"^ *([tT]arn\w+);", read(os.path.join(_SOURCE, "src", "libtarn.map")), re.MULTILINE))
 
@@ -75,6 +76,7 @@ def c_examples_compile(pages):
                 file.write(program)
         assert len(files) == len(pages.exported)
         include = ["-I" + os.path.join(_SOURCE, "src", room) for room in ("frame", "tarn_api", "tarn_qtn_monitor_api")]
+        include += ["-isystem", pages.generated]
         strict = ["-std=gnu99", "-Wall", "-Wextra", "-Werror", "-fsyntax-only"]
         subprocess.run([pages.compiler, *strict, *include, *files], check=True)
 
