@@ -136,7 +136,7 @@ class FunctionPages:
     def _begin_simulated(self, page, writer):
         layout = self._reference.layout
         page.section("SIMULATED GATEWAY")
-        page.paragraph(writer.text("Of tarn-gateway(1) and its layout `%s` only. %s" % (layout["name"], layout["description"])))
+        page.paragraph(writer.text('Of tarn-gateway(1) and its layout "%s" only. %s' % (layout["name"], layout["description"])))
         return layout
 
     def _events(self, page, writer):

@@ -57,14 +57,20 @@ class Writer:
         """The macro for a token that is marked up, or None."""
         if token.startswith("`"):
             plain = token.strip("`")
-            return (self._macro(plain) if plain in self._pages else None) or "Ql " + word(plain)
+            return self._reference(plain) if plain in self._pages else "Ql " + word(plain)
         match = re.fullmatch(r"([\w-]+)(\((\d)\))?", token)
         if match is None or (match[2] is None and not re.match("[Tt]arn[A-Z_]", token)):
             return None
         section = self._pages.get(match[1])
         if section is None or (match[2] and int(match[3]) != section):
             return None
-        return ("Fn " if match[1] == self._own else "Xr ") + match[1] + ("" if match[1] == self._own else " %d" % section)
+        return self._reference(match[1])
+
+    def _reference(self, name):
+        section = self._pages[name]
+        if name != self._own:
+            return "Xr %s %d" % (name, section)
+        return "Fn " + name if section == 3 else "Nm " + name
 
     def text(self, text):
         """One paragraph: a sentence begins a line, and so does what is marked up."""
@@ -89,10 +95,8 @@ class Writer:
             if rest:
                 macro += " Ns " + word(closing + rest)
                 closing = ""
-            lines.append("." + " ".join([*("%s" % each for each in before), macro, *closing]))
-            if before:  # an opening delimiter goes behind the macro's name
-                name, _, arguments = macro.partition(" ")
-                lines[-1] = ".%s %s" % (name, " ".join([*before, arguments, *closing]))
+            name, _, arguments = macro.partition(" ")
+            lines.append(".%s %s" % (name, " ".join([*before, arguments, *closing])))
         flush()
         return "\n".join(lines)
 
@@ -144,8 +148,8 @@ class Page:
 
     def columns(self, rows):
         """A table: rows of plain texts, the first of which is the titles."""
-        widths = [max(len(row[at]) for row in rows) for at in range(len(rows[0]))]
-        self._lines.append(".Bl -column %s" % " ".join('"%s"' % ("m" * min(width, 40)) for width in widths))
+        widths = [max(len(row[at]) for row in rows) for at in range(len(rows[0]) - 1)]  # the last takes what is left
+        self._lines.append(".Bl -column %s" % " ".join('"%s"' % ("m" * width) for width in widths))
         titles, *others = rows
         self.macros(".It " + " Ta ".join("Em " + words(each) for each in titles))
         for row in others:
