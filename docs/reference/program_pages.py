@@ -95,8 +95,8 @@ def _page(reference, name, command):
     page = Page(name, 1, summary, reference.date)
     page.section("SYNOPSIS")
     page.macros(".Nm " + command)
-    if usage[len(command):].strip():
-        page.macros(*(".Ar " + words(each) for each in [usage[len(command):].strip()]))
+    if usage != command:
+        page.macros(".Ar " + words(usage[len(command):]))
     page.section("DESCRIPTION")
     writer = Writer(reference.sections, name)
     page.paragraph(writer.text(text if text.endswith(".") else text + "."))
