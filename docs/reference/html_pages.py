@@ -1,11 +1,12 @@
 """The pages as HTML, written by mandoc(1), and an index of them."""
 import html
 import os
+import re
 import shutil
 import subprocess
 
 _STYLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "style.css")
-_TITLES = {1: "Programs", 5: "Files", 7: "Concepts"}
+_TITLES = {7: "Concepts", 1: "Programs", 5: "Files"}
 
 
 def write(directory, man, mandoc, reference, functions):
@@ -18,21 +19,24 @@ def write(directory, man, mandoc, reference, functions):
             options = ["-I", "os=tarn " + reference.version, "-O", "man=%N.%S.html,style=style.css"]
             subprocess.run([mandoc, "-T", "html", *options, page], stdout=file, check=True)
     with open(os.path.join(directory, "index.html"), "w", encoding="utf-8") as file:
-        file.write(_index(reference, functions))
+        file.write(_index(reference, functions, man))
 
 
-def _index(reference, functions):
-    parts = []
-    for section, title in _TITLES.items():
-        parts.append(_list(title, [(name, section, "") for name, each in reference.sections.items() if each == section]))
-    groups = {}
-    for name in reference.functions:
-        groups.setdefault(functions.group(name), []).append((name, 3, functions.summary(name)))
-    parts += [_list(title, entries) for title, entries in groups.items()]
+def _index(reference, functions, man):
+    groups = {title: [] for title in _TITLES.values()}
+    for name, section in sorted(reference.sections.items(), key=lambda page: page[1] == 3):
+        group = _TITLES.get(section) or functions.group(name)
+        groups.setdefault(group, []).append((name, section, _summary(man, name, section)))
+    parts = [_list(title, entries) for title, entries in groups.items()]
     return ('<!DOCTYPE html>\n<html lang="en">\n<head>\n<meta charset="utf-8">\n'
             '<meta name="viewport" content="width=device-width, initial-scale=1">\n<title>tarn %s: reference</title>\n'
             '<link rel="stylesheet" href="style.css">\n</head>\n<body>\n<h1>tarn %s: reference</h1>\n%s</body>\n</html>\n'
             % (reference.version, reference.version, "".join(parts)))
+
+
+def _summary(man, name, section):
+    with open(os.path.join(man, "man%d" % section, "%s.%d" % (name, section)), encoding="utf-8") as file:
+        return re.search(r"^\.Nd (.*)$", file.read(), re.MULTILINE)[1]
 
 
 def _list(title, entries):
