@@ -1,5 +1,6 @@
 """tarn(7), and the formats of files in section 5."""
 import json
+import re
 
 import markdown
 from mdoc import Page, Writer, words
@@ -10,12 +11,11 @@ def pages(reference, functions):
             ("tarn-scenario", 5): _scenario(reference)}
 
 
-def _chapters(page, writer, title, chapters):
-    page.section(title)
+def _chapters(page, writer, chapters, skipped=0):
     for chapter in chapters:
         if chapter.title:
             page.subsection(chapter.title.replace("`", ""))
-        for block in chapter.blocks:
+        for block in chapter.blocks[skipped:]:
             if isinstance(block, list):
                 page.tags([(words(term), writer.text(text + ".")) for term, text in block])
             else:
@@ -25,11 +25,20 @@ def _chapters(page, writer, title, chapters):
 def _concepts(reference, functions):
     page = Page("tarn", 7, "client library of a gateway's Wi-Fi services", reference.date)
     writer = Writer(reference.sections, "tarn")
-    _chapters(page, writer, "DESCRIPTION", reference.frame)
-    _chapters(page, writer, "THE DEVICE SERVICE", reference.device)
-    _chapters(page, writer, "THE WI-FI MODULE", reference.module)
-    page.section("THE LIFE OF ONE CALL")
-    markdown.write(page, writer, _numbered(markdown.sections(reference.read("ARCHITECTURE.md"))["The life of one call"]))
+    page.section("DESCRIPTION")
+    readme = markdown.sections(reference.read("README.md"))
+    markdown.write(page, writer, _without_pictures(readme[""]))
+    _chapters(page, writer, reference.frame[:1], skipped=1)  # the file's own subject
+    page.subsection("An example")
+    markdown.write(page, writer, _first_code(readme["One call in C"]))
+    page.paragraph("It is compiled with")
+    page.display("cc level.c $(pkg-config --cflags --libs libtarn libkoriil)")
+    page.paragraph(writer.text("On the gateway its own IPC library takes the place of libkoriil."))
+    _chapters(page, writer, reference.frame[1:])
+    page.section("THE DEVICE SERVICE")
+    _chapters(page, writer, reference.device)
+    page.section("THE WI-FI MODULE")
+    _chapters(page, writer, reference.module)
     page.section("FUNCTIONS")
     page.macros("By what they are about:")
     group = None
@@ -42,15 +51,25 @@ def _concepts(reference, functions):
             page.macros(".Bl -tag -width Ds")
         page.macros(".It Xr %s 3" % name, writer.text(functions.summary(name)))
     page.macros(".El")
+    page.section("ENVIRONMENT")
+    page.macros("These are read by libkoriil, the IPC library of a workstation.")
+    markdown.write(page, writer, markdown.sections(reference.read("kit/host/README.md"))["Environment"])
+    page.section("FILES")
+    page.tags([("Pa %s/contract" % reference.data, writer.text("The messages of every function as JSON, and the schema.")),
+               ("Pa %s/layout" % reference.data, writer.text("The simulated gateway's layout, see tarn-layout(5).")),
+               ("Pa %s/scenarios" % reference.data, writer.text("Gateways to simulate, see tarn-scenario(5)."))])
     page.see_also([("tarn-gateway", 1), ("tarnctl", 1), ("tarn-layout", 5), ("tarn-scenario", 5)])
     return page.text()
 
 
-def _numbered(lines):
-    """Up to the next heading, with numbered items as a list."""
-    end = next((at for at, line in enumerate(lines) if line.startswith("###")), len(lines))
-    return [("- " + line.split(". ", 1)[1] if line[:1].isdigit() else line[1:] if line.startswith("   ") else line)
-            for line in lines[:end]]
+def _without_pictures(lines):
+    text = "\n".join(lines)
+    return re.sub(r"<picture>.*?</picture>", "", text, flags=re.DOTALL).split("\n")
+
+
+def _first_code(lines):
+    begin, end = [at for at, line in enumerate(lines) if line.startswith("```")][:2]
+    return lines[begin:end + 1]
 
 
 def _layout(reference):
@@ -60,6 +79,9 @@ def _layout(reference):
     page.section("DESCRIPTION")
     for title in ("", "An example", "The file", "For C and C++"):
         markdown.write(page, writer, document[title], title)
+    page.section("FILES")
+    page.tags([("Pa %s/layout/tarn\\-gateway.json" % reference.data, writer.text("The simulated gateway's layout.")),
+               ("Pa %s/layout/layout.schema.json" % reference.data, writer.text("The JSON Schema of layout files."))])
     page.see_also([("tarn-gateway", 1), ("tarnctl", 1), ("tarnctl-layout", 1), ("tarn", 7)])
     return page.text()
 
@@ -77,6 +99,9 @@ def _scenario(reference):
         required = node.get("required", [])
         page.tags([("Cm " + words(key if key in required else "[%s]" % key), writer.text(_kind(schema, value)))
                    for key, value in node.get("properties", {}).items() if key != "$schema"])
+    page.section("FILES")
+    page.tags([("Pa %s/scenarios" % reference.data, writer.text("Scenarios to begin with.")),
+               ("Pa %s/scenario.schema.json" % reference.data, writer.text("The JSON Schema of scenario files."))])
     page.section("EXAMPLES")
     page.macros("The gateway that is simulated if no scenario is named:")
     page.display(reference.read("kit/simulator/scenarios/default.json"))

@@ -78,7 +78,7 @@ class FunctionPages:
         elif name in _EVENTS:
             self._events(page, writer)
         self._examples(page, function, command)
-        page.see_also(self._related(function))
+        page.see_also(self._related(function, command))
         return page.text()
 
     def _describe(self, page, writer, function, contract, command):
@@ -136,7 +136,7 @@ class FunctionPages:
     def _begin_simulated(self, page, writer):
         layout = self._reference.layout
         page.section("SIMULATED GATEWAY")
-        page.paragraph(writer.text('Of tarn-gateway(1) and its layout "%s" only. %s' % (layout["name"], layout["description"])))
+        page.paragraph(writer.text("What follows holds for tarn-gateway(1) alone. " + layout["description"]))
         return layout
 
     def _events(self, page, writer):
@@ -208,12 +208,15 @@ class FunctionPages:
         page.section("EXAMPLES")
         page.macros("In C:")
         page.display(examples.c_example(layout, function, command) if command else examples.program(function.name))
-        line = examples.shell_example(layout, command) if command else examples.SHELL_LINES[function.name]
+        line = self._shell_line(function, command)
         names_fields = any("." in word.split("=")[0] for word in line.split() if "=" in word)
         page.paragraph("At the shell, with the fields of the simulated gateway:" if names_fields else "At the shell:")
         page.display(line)
 
-    def _related(self, function):
+    def _shell_line(self, function, command):
+        return examples.shell_example(self._reference.layout, command) if command else examples.SHELL_LINES[function.name]
+
+    def _related(self, function, command):
         names = {each for each, other in self._reference.functions.items()
                  if each != function.name and (
                      self._stem(each) == self._stem(function.name)
@@ -223,7 +226,8 @@ class FunctionPages:
             at = every.index(function.name)
             near = every[max(0, at - 2):at] + every[at + 1:at + 3]
             names = {each for each in near if self.group(each) == self.group(function.name)}
-        return [(each, 3) for each in names] + [("tarn", 7), ("tarnctl", 1), ("tarnctl-call", 1)]
+        verb = self._shell_line(function, command).split()[1]
+        return [(each, 3) for each in names] + [("tarn", 7), ("tarnctl", 1), ("tarnctl-" + verb, 1)]
 
     @staticmethod
     def _stem(name):

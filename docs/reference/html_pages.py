@@ -4,6 +4,7 @@ import os
 import re
 import shutil
 import subprocess
+from concurrent.futures import ThreadPoolExecutor
 
 _STYLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "style.css")
 _TITLES = {7: "Concepts", 1: "Programs", 5: "Files"}
@@ -13,11 +14,15 @@ def write(directory, man, mandoc, reference, functions):
     shutil.rmtree(directory, ignore_errors=True)
     os.makedirs(directory)
     shutil.copy(_STYLE, directory)
-    for name, section in reference.sections.items():
+
+    def convert(name, section):
         page = os.path.join(man, "man%d" % section, "%s.%d" % (name, section))
         with open(os.path.join(directory, "%s.%d.html" % (name, section)), "wb") as file:
             options = ["-I", "os=tarn " + reference.version, "-O", "man=%N.%S.html,style=style.css"]
             subprocess.run([mandoc, "-T", "html", *options, page], stdout=file, check=True)
+
+    with ThreadPoolExecutor(os.cpu_count()) as threads:
+        list(threads.map(convert, reference.sections.keys(), reference.sections.values()))  # raises what was raised
     with open(os.path.join(directory, "index.html"), "w", encoding="utf-8") as file:
         file.write(_index(reference, functions, man))
 

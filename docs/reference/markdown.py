@@ -1,7 +1,7 @@
 """The project's documents as mdoc: paragraphs, lists, tables and code, which is all that they have."""
 import re
 
-from mdoc import words
+from mdoc import column_widths, fits, words
 
 
 def sections(text):
@@ -79,8 +79,8 @@ def _table(page, writer, rows):
     titles, _, *others = rows
     if len(titles) == 2:  # a term and what there is to say of it: too long for columns
         page.tags([("Cm " + words(_plain(term)), writer.text(text)) for term, text in others])
-    elif max(len(row[0]) for row in rows) > 30:
-        page.tags([("Em " + words(_plain(row[0])), writer.text("; ".join("%s: %s" % each for each in zip(titles[1:], row[1:]))))
+    elif not fits(column_widths([[_plain(cell) for cell in row] for row in [titles, *others]])):
+        page.tags([("Em " + words(_plain(row[0])), writer.text("; ".join([row[1], *("%s: %s" % each for each in zip(titles[2:], row[2:]))])))
                    for row in others])
     else:
         page.columns([[_plain(cell) for cell in row] for row in [titles, *others]])

@@ -108,6 +108,16 @@ def _sentences(text):
     return lines
 
 
+def column_widths(rows):
+    """Characters that each column of a table takes, but the last: it takes what is left."""
+    return [max(len(row[at]) for row in rows) for at in range(len(rows[0]) - 1)]
+
+
+def fits(widths):
+    """Whether these columns leave room for a last one in a terminal's 78 characters."""
+    return sum(width + 4 for width in widths) <= 60
+
+
 class Page:
     """The blocks of a page in their order. A paragraph macro is written only where one is needed."""
 
@@ -148,7 +158,7 @@ class Page:
 
     def columns(self, rows):
         """A table: rows of plain texts, the first of which is the titles."""
-        widths = [max(len(row[at]) for row in rows) for at in range(len(rows[0]) - 1)]  # the last takes what is left
+        widths = column_widths(rows)
         self._lines.append(".Bl -column %s" % " ".join('"%s"' % ("m" * width) for width in widths))
         titles, *others = rows
         self.macros(".It " + " Ta ".join("Em " + words(each) for each in titles))

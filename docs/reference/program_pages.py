@@ -6,10 +6,11 @@ import textwrap
 from dataclasses import dataclass
 
 import markdown
-from mdoc import Page, Writer, words
+from mdoc import Page, Writer, word, words
 
 _COLUMN = 30  # where the help's descriptions begin
 _COLUMNS = ("Positionals", "Options")
+_KINDS = {"UINT": "NUMBER", "FLOAT": "NUMBER"}  # what stands for a value that has no name of its own
 
 
 @dataclass
@@ -105,9 +106,8 @@ def _page(reference, name, command):
         if part.title in ("Exit codes", "Environment", "Examples", "Example"):
             later.append(part)
         elif part.pairs is not None:
-            page.subsection(part.title)
-            page.tags([(_term(name, part, term, reference), writer.text(description + ".") if description else "")
-                       for term, description in part.pairs])
+            page.subsection("Arguments" if part.title == "Positionals" else part.title)
+            page.tags([_item(name, part, term, description, writer, reference) for term, description in part.pairs])
         else:
             _free(page, writer, part)
     return page, later
@@ -125,11 +125,37 @@ def _free(page, writer, part):
             page.paragraph(writer.text(" ".join(text)))
 
 
-def _term(name, part, term, reference):
-    page = "tarnctl-" + term
-    if name == "tarnctl" and reference.sections.get(page) and part.title != "Options":
-        return "Xr %s 1" % page
-    return "Cm " + words(term)
+def _item(name, part, term, description, writer, reference):
+    """A term and what it means, as a list has them."""
+    if part.title not in _COLUMNS:
+        page = "tarnctl-" + term
+        return "Xr %s 1" % page if page in reference.sections else "Cm " + words(term), writer.text(description + ".")
+    head, remarks = _option(term) if part.title == "Options" else ("Ar " + words(term.split()[0]), [])
+    return head, "\n".join(writer.text(each + ".") for each in [description, *remarks])
+
+
+def _option(term):
+    """An option as the help has it, "--caller TEXT=tarnctl Excludes: --null-caller", as macros, and what else there is to say."""
+    match = re.fullmatch(r"(?P<names>-\S+)(?: (?P<value>[A-Z]+|\[FILE\]|RADIOS .*STATIONS)(?: x 3)?)?"
+                         r"(?::(?:\{(?P<words>.*?)\}|(?P<range>[0-9].*?)|\w+ in \[(?P<interval>.*?)\]|NONNEGATIVE))?"
+                         r"(?:=(?P<default>\S+))?(?: Excludes: (?P<other>\S+))?", term)
+    if match is None:
+        raise SystemExit("program_pages.py: an option that it does not know how to read: " + term)
+    names = match["names"].replace("{false}", "").split(",")
+    head = " , ".join("Fl " + word(each[1:]) for each in names)
+    if match["value"]:
+        head += " Ar " + words(_KINDS.get(match["value"], match["value"]))
+    remarks = []
+    if match["words"]:
+        remarks.append("One of " + match["words"].replace(",", ", "))
+    if match["range"] or match["interval"]:
+        first, last = re.split(" to | - ", match["range"] or match["interval"])
+        remarks.append("From %s to %s" % (first, re.sub(r"[0-9.]+e\+?[0-9]+", lambda each: "%d" % float(each[0]), last)))
+    if match["default"]:
+        remarks.append(match["default"] + " if left out")
+    if match["other"]:
+        remarks.append("Not with " + match["other"])
+    return head, remarks
 
 
 def _finish(page, later, references):

@@ -1,9 +1,9 @@
 /* The wireless device service, IPC identifier "TARN": one function per command, commands 0 to 114.
  *
  * Every function sends one request and waits for its reply. `tarn_frame.h` describes what they all share: the caller id, the
- * results, the traces, ids and indices. Here each comment says what is particular to one function.
+ * results, the traces, ids and indices. The description of a function says what is particular to it.
  *
- * Reading the comments
+ * Reading a description
  *   in, out      the caller's own storage either way; no pointer is kept after the call
  *   NULL         the arguments listed behind TARN_REJECTED are checked, in the order listed; the first that is NULL ends the
  *                call with one trace, and nothing is sent. A listed pointer must not be NULL; one that is not listed is not
@@ -11,7 +11,7 @@
  *   wait         passed to the IPC library, which knows its unit and ends the call when it is over (TARN_TIMED_OUT)
  *   outputs      written after every IPC call that succeeded, whatever the reply status says: look at the result first
  *   ids          counted from 1 and sent less 1; an id of 0 is not refused, it is sent as 0xFFFFFFFF
- *   values       words, flags and bytes are sent and returned unchanged. Where a comment says "as the service defines it", the
+ *   values       words, flags and bytes are sent and returned unchanged. Where it says "as the service defines it", the
  *                service alone knows the values, their unit and their range; none of these is checked here
  *   MAC address  6 raw bytes (IEEE 802), never parsed or checked
  *   mdid         mobility domain identifier (IEEE 802.11, fast BSS transition): 2 bytes, copied in order, never a number */
