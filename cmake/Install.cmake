@@ -1,4 +1,4 @@
-# Two products, two components, two sets of targets: what `library` installs is complete without `kit`.
+# Two products, two components: what `library` installs is complete without `kit`.
 include(CMakePackageConfigHelpers)
 
 # An installed tree may be moved: pkg-config finds the rest from where the file is.
@@ -27,10 +27,13 @@ if(TARN_BUILD_KIT)
     install(FILES kit/host/kor_iil_service.h kit/mock/kor_iil_mock.h kit/mock/kor_iil_mock.hpp
         kit/simulator/tarn_gateway_control.h ${PROJECT_BINARY_DIR}/include/tarn_gateway_records.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT kit)
-    install(TARGETS koriil koriil_static tarn_mock EXPORT tarnKitTargets
+    # Two sets of targets: a distribution has a package of each, and either may be installed without the other.
+    install(TARGETS koriil koriil_static EXPORT tarnKoriilTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
-    install(EXPORT tarnKitTargets NAMESPACE tarn:: DESTINATION ${package_directory} COMPONENT kit)
+    install(TARGETS tarn_mock EXPORT tarnMockTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
+    install(EXPORT tarnKoriilTargets FILE tarn-koriil.cmake NAMESPACE tarn:: DESTINATION ${package_directory} COMPONENT kit)
+    install(EXPORT tarnMockTargets FILE tarn-mock.cmake NAMESPACE tarn:: DESTINATION ${package_directory} COMPONENT kit)
     tarn_install_pkg_config(libkoriil kit)
     tarn_install_pkg_config(libtarn_mock kit)
 

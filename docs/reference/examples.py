@@ -123,7 +123,7 @@ def _output(argument):
     if kind == "text":
         return "char %s[%d];" % (name, size), name, r'printf("%s: %%s\n", %s);' % (name, name)
     if kind == "bytes":
-        return "uint8_t %s[%d];" % (name, size), name, None
+        return "uint8_t %s[%d];" % (name, size), name, r'printf("%s: %%02x ...\n", %s[0]);' % (name, name)
     if argument["encoding"] == "words" and size > 4:
         return "uint32_t %s[%d];" % (name, size // 4), name, r'printf("%s: %%u ...\n", (unsigned)%s[0]);' % (name, name)
     shown = r'printf("%s: %%d\n", (int)(int32_t)%s);' if argument.get("signed") else r'printf("%s: %%u\n", (unsigned)%s);'

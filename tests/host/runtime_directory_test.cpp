@@ -8,6 +8,8 @@
 #include <fstream>
 
 #include <grp.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -74,6 +76,44 @@ TEST_F(RuntimeDirectoryTest, ThenOnePerUser)
     EXPECT_EQ(chosen(), expected);
     if (!existed)
         rmdir(expected.c_str());
+}
+
+// In a /run of the child's own.
+TEST_F(RuntimeDirectoryTest, TheSharedOneTakesThePlaceOfOnesOwnAsLongAsThatIsMissing)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make one";
+    constexpr gid_t kGroup = 4711;
+    const auto chosenAs = [&](uid_t user, gid_t group, bool hasOwn)
+    {
+        return Child(
+                   [=]
+                   {
+                       unsetenv("KORIIL_DIR");
+                       setenv("XDG_RUNTIME_DIR", directory().c_str(), 1);
+                       if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                           mount("tmpfs", "/run", "tmpfs", 0, nullptr) != 0)
+                           return 100;
+                       if (mkdir("/run/koriil", 0) != 0 || chown("/run/koriil", 0, kGroup) != 0 ||
+                           chmod("/run/koriil", 03770) != 0 || chmod("/run", 0755) != 0 ||
+                           chmod(directory().c_str(), 0777) != 0)
+                           return 101;
+                       if (setgroups(0, nullptr) != 0 || setgid(group) != 0 || setuid(user) != 0)
+                           return 102;
+                       if (hasOwn && mkdir((directory() + "/koriil").c_str(), 0700) != 0)
+                           return 103;
+                       koriil::RuntimeDirectory found;
+                       const std::uint32_t status = koriil::findRuntimeDirectory(found);
+                       if (found.path != (hasOwn ? directory() + "/koriil" : "/run/koriil") || found.isShared == hasOwn)
+                           return status == KOR_IIL_OK ? 104 : static_cast<int>(status);
+                       return static_cast<int>(status);
+                   })
+            .wait();
+    };
+    EXPECT_EQ(chosenAs(4711, kGroup, false), KOR_IIL_OK);
+    EXPECT_EQ(chosenAs(4712, 4712, false), KOR_IIL_UNKNOWN_COMM) << "no member of its group";
+    EXPECT_EQ(chosenAs(4711, kGroup, true), KOR_IIL_OK);
+    ASSERT_EQ(chmod(directory().c_str(), 0700), 0);
 }
 
 TEST_F(RuntimeDirectoryTest, AMissingOneIsMadeForItsOwnerAlone)
