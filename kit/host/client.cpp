@@ -26,15 +26,12 @@ std::uint32_t checkArguments(const char* callerId, const char* serviceId, std::u
     return length <= KOR_IIL_MAX_LENGTH ? KOR_IIL_OK : KOR_IIL_OVERSIZE;
 }
 
-} // namespace
-} // namespace koriil
+thread_local std::uint32_t lastStatus = KOR_IIL_OK;
 
-extern "C" uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
-                                  void* msg)
+std::uint32_t execute(const char* callerId, const char* serviceId, std::uint32_t wait, std::uint32_t cmdId,
+                      std::uint32_t msgLen, void* msg)
 try
 {
-    using namespace koriil;
-
     const CancellationDeferred deferred;
     std::uint32_t status = checkArguments(callerId, serviceId, wait, msgLen, msg);
     const void* const message = msgLen > 0 ? msg : ""; // without a byte, the pointer may be NULL
@@ -57,6 +54,21 @@ try
 catch (const std::bad_alloc&)
 {
     return KOR_IIL_NO_MEM;
+}
+
+} // namespace
+} // namespace koriil
+
+extern "C" uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
+                                  void* msg)
+{
+    koriil::lastStatus = koriil::execute(callerId, serviceId, wait, cmdId, msgLen, msg);
+    return koriil::lastStatus;
+}
+
+extern "C" uint32_t KorIilLastStatus()
+{
+    return koriil::lastStatus;
 }
 
 extern "C" uint32_t KorIilAskCounters(const char* serviceId, uint32_t wait, KorIilServiceCounters* counters)

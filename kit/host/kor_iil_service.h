@@ -1,6 +1,6 @@
 /* What the workstation's IPC library (libkoriil) has beyond the platform's four functions, which are in `kor_iil.h`: services
  * (register an identifier, serve requests, publish events), and for callers subscriptions that outlive a restart of a service,
- * and its counters.
+ * its counters, and the status of the latest call.
  *
  * Both sides return the same statuses; their names are those of `tarnIpcStatusName`. */
 #ifndef KOR_IIL_SERVICE_H
@@ -95,6 +95,10 @@ uint32_t KorIilServicePublish(KorIilService* service, uint32_t evt, const void* 
 /* Closes every connection and releases the name. Not while KorIilServiceRun runs. NULL is allowed. In a child of the process
  * that opened the service, it only frees the child's copy. */
 void KorIilServiceClose(KorIilService* service);
+
+/* The status that this thread's latest KorIilExecute returned, KOR_IIL_OK before the first. The client library's functions return
+ * a number of their own for a call that failed, which may be a service's reply status as well: this tells the two apart. */
+uint32_t KorIilLastStatus(void);
 
 /* What a service has counted since it was opened. On 32-bit machines the last three begin again at 2 to the power of 32. */
 typedef struct KorIilServiceCounters

@@ -79,6 +79,26 @@ TEST_F(RoundTripTest, OneConnectionCarriesSeveralCallers)
     EXPECT_EQ(callers, (std::vector<std::string>{"a longer identifier", "b", "a longer identifier"}));
 }
 
+TEST_F(RoundTripTest, EachThreadIsToldTheStatusOfItsOwnLatestCall)
+{
+    RunningService service;
+    EXPECT_EQ(KorIilExecute(kCaller, "NOBODY", kAmple, 1, 0, nullptr), KOR_IIL_UNKNOWN_DST_ID);
+    EXPECT_EQ(KorIilLastStatus(), KOR_IIL_UNKNOWN_DST_ID);
+    std::thread(
+        []
+        {
+            EXPECT_EQ(KorIilLastStatus(), KOR_IIL_OK) << "it has made no call";
+            EXPECT_EQ(KorIilExecute(kCaller, kService, kAmple, 2, 0, nullptr), KOR_IIL_UNKNOWN_CMD);
+            EXPECT_EQ(KorIilLastStatus(), KOR_IIL_UNKNOWN_CMD);
+        })
+        .join();
+    EXPECT_EQ(KorIilLastStatus(), KOR_IIL_UNKNOWN_DST_ID);
+    EXPECT_EQ(KorIilExecute(kCaller, kService, 0, 1, 0, nullptr), KOR_IIL_BAD_PARAM);
+    EXPECT_EQ(KorIilLastStatus(), KOR_IIL_BAD_PARAM) << "a call that is not sent counts as well";
+    EXPECT_EQ(callOnce(8), KOR_IIL_OK);
+    EXPECT_EQ(KorIilLastStatus(), KOR_IIL_OK);
+}
+
 TEST_F(RoundTripTest, OneThreadTalksToSeveralServices)
 {
     const auto answer = [](char letter)
