@@ -1,0 +1,51 @@
+"""What documents show: the README's examples and those in docstrings do what they say, and its test bench passes."""
+import doctest
+import importlib
+import re
+from pathlib import Path
+
+import pytest
+
+import tarn
+from tarn import simulated
+
+_README = Path(__file__).parents[2] / "kit" / "python" / "README.md"
+_MODULES = ["gateway", "simulated", "values"]
+
+
+@pytest.mark.tarn_gateway(speed=0)
+@pytest.mark.parametrize("name", _MODULES)
+def test_examples_in_docstrings_hold(tarn_gateway: simulated.SimulatedGateway, name: str) -> None:
+    module = importlib.import_module(f"tarn.{name}")
+    result = doctest.testmod(module, extraglobs={"tarn": tarn, "gateway": tarn_gateway}, optionflags=doctest.ELLIPSIS)
+    assert result.attempted > 0
+    assert result.failed == 0
+
+
+def test_no_other_docstring_has_examples() -> None:
+    folder = Path(str(tarn.__file__)).parent
+    assert sorted(path.stem for path in folder.glob("*.py") if ">>> " in path.read_text(encoding="utf-8")) == _MODULES
+
+
+@pytest.mark.tarn_gateway(speed=0)
+def test_the_examples_of_the_readme_hold(tarn_gateway: simulated.SimulatedGateway) -> None:
+    text = "\n".join(
+        re.findall(r"^```python\n(>>> .*?)^```", _README.read_text(encoding="utf-8"), re.DOTALL | re.MULTILINE)
+    )
+    examples = doctest.DocTestParser().get_doctest(text, {}, _README.name, str(_README), 0)
+    assert len(examples.examples) > 10
+    assert doctest.DocTestRunner().run(examples).failed == 0
+
+
+def test_the_test_bench_of_the_readme_is_the_example_and_passes(pytester: pytest.Pytester) -> None:
+    example = (_README.parent / "example" / "test_bench.py").read_text(encoding="utf-8")
+    assert f"```python\n{example.partition(chr(10))[2]}```\n" in _README.read_text(encoding="utf-8")
+    pytester.makepyfile(test_bench=example)
+    pytester.runpytest_inprocess("-p", "no:cacheprovider").assert_outcomes(passed=3)
+
+
+def test_the_version_is_that_of_the_distribution() -> None:
+    from importlib import metadata
+
+    assert metadata.version("tarn") == tarn.__version__
+    assert metadata.entry_points(group="pytest11")["tarn"].value == "pytest_tarn"
