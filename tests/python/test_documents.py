@@ -44,6 +44,21 @@ def test_the_test_bench_of_the_readme_is_the_example_and_passes(pytester: pytest
     pytester.runpytest_inprocess("-p", "no:cacheprovider").assert_outcomes(passed=3)
 
 
+def test_the_evening_of_the_example_is_measured_and_drawn(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.syspath_prepend(_README.parent / "example")
+    evening = importlib.import_module("evening")
+    measured = evening.measure()
+    busy = [measured.occupancy[minute] for minute in (19, 20, 40, 55, 119)]
+    assert busy[0] < busy[1] < busy[2] < busy[3]
+    assert busy[4] < busy[0]
+    assert len(set(measured.channel)) == 2
+    assert measured.signal[0] > measured.signal[30] > -88
+    assert measured.signal[60] is None
+    assert measured.signal[119] > measured.signal[90] > -88
+    evening.draw(measured, str(tmp_path / "evening.png"))
+    assert (tmp_path / "evening.png").read_bytes().startswith(b"\x89PNG")
+
+
 def test_the_version_is_that_of_the_distribution() -> None:
     from importlib import metadata
 
