@@ -75,12 +75,16 @@ def write(page, writer, lines, title=None):
             page.paragraph(writer.text(_unlinked(" ".join(content))))
 
 
+def _named_cells(titles, row):
+    """What a row has behind its first cell; where it has anything, with the title of its column from the second on."""
+    return [text if at == 1 else "%s: %s" % (titles[at], text) for at, text in enumerate(row) if at and text]
+
+
 def _table(page, writer, rows):
     titles, _, *others = rows
     if len(titles) == 2:  # a term and what there is to say of it: too long for columns
         page.tags([("Cm " + words(_plain(term)), writer.text(text)) for term, text in others])
     elif not fits(column_widths([[_plain(cell) for cell in row] for row in [titles, *others]])):
-        page.tags([("Em " + words(_plain(row[0])), writer.text("; ".join([row[1], *("%s: %s" % each for each in zip(titles[2:], row[2:]))])))
-                   for row in others])
+        page.tags([("Em " + words(_plain(row[0])), writer.text("; ".join(_named_cells(titles, row)))) for row in others])
     else:
         page.columns([[_plain(cell) for cell in row] for row in [titles, *others]])

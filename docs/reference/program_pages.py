@@ -179,8 +179,8 @@ def pages(reference):
         result["tarnctl-" + verb, 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn", 7)])
     page, later = _page(reference, "tarn-gateway", "tarn-gateway")
     document = markdown.sections(reference.read("kit/simulator/README.md"))
-    for title in ("What is the simulator's own", "Statuses", "Another layout", "The model", "Time", "Control",
-                  "One for several users"):
+    for title in ("What is the simulator's own", "Statuses", "The log", "Another layout", "The model", "Time", "Control", "Orders",
+                  "Faults", "One for several users"):
         markdown.write(page, Writer(reference.sections, "tarn-gateway"), document[title], title)
     result["tarn-gateway", 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn-scenario", 5), ("tarn", 7)])
     return result
