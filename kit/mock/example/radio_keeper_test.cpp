@@ -28,9 +28,13 @@ protected:
     }
 
     // Stations by the last byte of their address and their signal.
-    void expectStations(const std::vector<std::pair<std::uint8_t, std::int32_t>>& stations)
+    void expectStations(const std::vector<std::pair<std::uint8_t, std::int32_t>>& stations, std::uint32_t radioId = 1,
+                        std::uint32_t apId = 2)
     {
-        platform_.expect("TarnGetAccessPointAssociatedNum").with("radioId", 1).with("apId", 2).reply("number", stations.size());
+        platform_.expect("TarnGetAccessPointAssociatedNum")
+            .with("radioId", radioId)
+            .with("apId", apId)
+            .reply("number", stations.size());
         std::uint32_t index = 0;
         for (const auto& [last, rssi] : stations)
         {
@@ -49,11 +53,12 @@ protected:
     }
 
     // A radio on channel 36 that may use 36, 40 and 44, and its neighbours' channels.
-    void expectNeighbours(const std::vector<std::uint32_t>& channels)
+    void expectNeighbours(const std::vector<std::uint32_t>& channels, std::uint32_t bandwidth = 20)
     {
         platform_.expect("TarnGetRadio")
             .with("radioId", 1)
             .reply("data.channel", 36)
+            .reply("data.bandwidth", bandwidth)
             .reply("data.possibleChannels[0]", 36)
             .reply("data.possibleChannels[1]", 40)
             .reply("data.possibleChannels[2]", 44);
@@ -111,6 +116,47 @@ TEST_F(RadioKeeper, SendsAwayWhoIsHeardWeakly)
     EXPECT_EQ(radioKeeperSendWeakAway(-80), 1);
 }
 
+TEST_F(RadioKeeper, SteersAStationOfTheOtherRadioOnceUntilItHasComeOver)
+{
+    start();
+    platform_.expect("TarnGetRadioIsReady").with("radioId", 1).reply("isReady", 1).anyTimes();
+    expectStations({});
+    expectStations({{1, -40}, {2, -70}}, 2, 1);
+    platform_.expect("TarnKickOutAccessPointAssociated")
+        .with("radioId", 2)
+        .with("apId", 1)
+        .with("macAddress", "02:00:00:00:01:01");
+    EXPECT_EQ(radioKeeperSteer(2, 1, -60), 1);
+
+    expectStations({});
+    expectStations({{1, -40}}, 2, 1);
+    EXPECT_EQ(radioKeeperSteer(2, 1, -60), 0) << "it came back to where it was";
+
+    expectStations({{1, -50}});
+    expectStations({}, 2, 1);
+    EXPECT_EQ(radioKeeperSteer(2, 1, -60), 0);
+    expectStations({});
+    expectStations({{1, -40}}, 2, 1);
+    platform_.expect("TarnKickOutAccessPointAssociated").with("radioId", 2);
+    EXPECT_EQ(radioKeeperSteer(2, 1, -60), 1) << "it has been here meanwhile";
+}
+
+TEST_F(RadioKeeper, SteersNobodyToARadioThatIsNotReady)
+{
+    start();
+    platform_.expect("TarnGetRadioIsReady").with("radioId", 1).reply("isReady", 0);
+    EXPECT_EQ(radioKeeperSteer(2, 1, -60), 0);
+}
+
+TEST_F(RadioKeeper, StartsAScan)
+{
+    start();
+    platform_.expect("TarnScanRadioNeighborhood").with("radioId", 1);
+    EXPECT_EQ(radioKeeperScan(), 0);
+    platform_.expect("TarnScanRadioNeighborhood").status("BUSY");
+    EXPECT_EQ(radioKeeperScan(), -1);
+}
+
 TEST_F(RadioKeeper, MovesACrowdedRadioToTheEmptiestChannel)
 {
     start();
@@ -133,6 +179,18 @@ TEST_F(RadioKeeper, LeavesARadioWhereOtherChannelsAreNoEmptier)
     expectLoad(80);
     expectNeighbours({40, 44});
     EXPECT_EQ(radioKeeperRelieve(60), 0);
+}
+
+TEST_F(RadioKeeper, LeavesARadioWhereTheEmptierChannelIsOneOfItsOwn)
+{
+    start();
+    expectLoad(80);
+    expectNeighbours({36, 36}, 40);
+    platform_.expect("TarnSetRadioCfg").with("cfg.channel", 44);
+    EXPECT_EQ(radioKeeperRelieve(60), 44) << "it works on 36 and 40";
+    expectLoad(80);
+    expectNeighbours({36, 36}, 80);
+    EXPECT_EQ(radioKeeperRelieve(60), 0) << "it works on all of them";
 }
 
 TEST_F(RadioKeeper, SaysWhatDidNotWork)
