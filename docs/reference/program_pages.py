@@ -135,7 +135,7 @@ def _item(name, part, term, description, writer, reference):
 
 
 def _option(term):
-    """An option as the help has it, "--caller TEXT=tarnctl Excludes: --null-caller", as macros, and what else there is to say."""
+    """An option as the help has it, "--caller TEXT=tarnctl Excludes: --null-caller", as macros, and what else there is."""
     match = re.fullmatch(r"(?P<names>-\S+)(?: (?P<value>[A-Z]+|\[FILE\]|RADIOS .*STATIONS)(?: x 3)?)?"
                          r"(?::(?:\{(?P<words>.*?)\}|(?P<range>[0-9].*?)|\w+ in \[(?P<interval>.*?)\]|NONNEGATIVE))?"
                          r"(?:=(?P<default>\S+))?(?: Excludes: (?P<other>\S+))?", term)
@@ -179,7 +179,8 @@ def pages(reference):
         result["tarnctl-" + verb, 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn", 7)])
     page, later = _page(reference, "tarn-gateway", "tarn-gateway")
     document = markdown.sections(reference.read("kit/simulator/README.md"))
-    for title in ("What is the simulator's own", "Statuses", "The log", "Another layout", "The model", "Time", "Control", "Orders",
+    for title in ("What is the simulator's own", "Statuses", "The log", "Another layout", "The model", "Time", "Control",
+                  "Orders",
                   "Faults", "One for several users"):
         markdown.write(page, Writer(reference.sections, "tarn-gateway"), document[title], title)
     result["tarn-gateway", 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn-scenario", 5), ("tarn", 7)])

@@ -1,7 +1,7 @@
 """Does what docs/testing-without-a-gateway.md says, in an empty directory, with an installation of its own.
 
-A block of code behind a line "`NAME`:" is that file; others in sh are commands, and in console commands ("$ ...") with what they
-print. Everything runs in one shell, in the guide's order. BUILD and AREA come from CMake.
+A block of code behind a line "`NAME`:" is that file; others in sh are commands, and in console commands ("$ ...") with what
+they print. Everything runs in one shell, in the guide's order. BUILD and AREA come from CMake.
 """
 import os
 import pathlib
