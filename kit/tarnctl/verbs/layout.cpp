@@ -204,10 +204,10 @@ ExitCode layoutAction(const Console& console, const LayoutOptions& options)
         return show(console, options.name.value_or(""));
     if (options.action == "check")
         return check(console, options.name.value_or(""));
-    if (options.action == "header" && !options.name)
-        return header(console);
-    if (options.action == "header")
+    if (options.action == "header" && options.name)
         throw UsageError("layout header: expected no name, and the file by --layout; got " + inQuotes(*options.name));
+    if (options.action == "header")
+        return header(console);
     throw UsageError("layout: expected one of " + base::join(actions()) + "; got " + inQuotes(options.action),
                      base::suggestions(options.action, actions()));
 }
