@@ -3,6 +3,9 @@ include(GoogleTest)
 
 option(TARN_DISCOVER_TEST_CASES "Make each GoogleTest case a test of CTest's own: quick where starting a program is" ON)
 
+# Tests are compiled quickly: nothing is timed, and what they test keeps flags of its own.
+set(tarn_test_options -O0 -g1)
+
 # GoogleTest and GoogleMock with their main, built from the source that Debian ships, so that they are there for every target.
 set(googletest /usr/src/googletest)
 if(NOT EXISTS ${googletest}/googlemock/src/gmock-all.cc)
@@ -16,15 +19,14 @@ target_include_directories(tarn_gtest SYSTEM
     PUBLIC ${googletest}/googletest/include ${googletest}/googlemock/include
     PRIVATE ${googletest}/googletest ${googletest}/googlemock)
 target_link_libraries(tarn_gtest PUBLIC Threads::Threads)
+target_compile_options(tarn_gtest PRIVATE ${tarn_test_options})
 
 # Tests include headers of the rooms, and what several of them need from tests/support.
 add_library(tarn_test_headers INTERFACE)
 target_include_directories(tarn_test_headers INTERFACE ${PROJECT_SOURCE_DIR}/tests)
 target_link_libraries(tarn_test_headers INTERFACE tarn_rooms)
 
-# Compiled quickly: nothing is timed, and what the tests test keeps flags of its own. GoogleTest's headers, which take most of a
-# test's compilation, are compiled once for all programs.
-set(tarn_test_options -O0 -g1)
+# GoogleTest's headers, which take most of a test's compilation, are compiled once for all programs.
 add_library(tarn_test_precompiled OBJECT ${PROJECT_SOURCE_DIR}/tests/support/precompiled.cpp)
 target_link_libraries(tarn_test_precompiled PRIVATE tarn_gtest tarn_json)
 target_compile_options(tarn_test_precompiled PRIVATE ${tarn_test_options})
