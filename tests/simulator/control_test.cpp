@@ -139,10 +139,7 @@ TEST_F(ControlTest, OddRequestsAreToldSo)
 
 TEST_F(ControlTest, ShutDownIsAskedForOnce)
 {
-    std::string path = ::testing::TempDir() + "simulator-XXXXXX";
-    ASSERT_NE(mkdtemp(path.data()), nullptr);
-    const std::string before = std::getenv("KORIIL_DIR");
-    ASSERT_EQ(setenv("KORIIL_DIR", path.c_str(), 1), 0);
+    const tarn::test::TemporaryRuntimeDirectory elsewhere;
     tarn::simulator::Model model;
     tarn::simulator::readDefaultScenario(model);
     std::atomic<int> asked{0};
@@ -152,8 +149,6 @@ TEST_F(ControlTest, ShutDownIsAskedForOnce)
     EXPECT_EQ(asked, 1);
     other.stop();
     EXPECT_EQ(tarn::simulator::giveOrder(kCaller, "shutdown", 60).ipcStatus, KOR_IIL_UNKNOWN_DST_ID);
-    setenv("KORIIL_DIR", before.c_str(), 1);
-    std::filesystem::remove_all(path);
 }
 
 TEST_F(ControlTest, SecondGatewayIsTurnedAway)

@@ -7,6 +7,7 @@
 #include "simulator/gateway.h"
 #include "simulator/gateway_order.h"
 #include "simulator/scenario.h"
+#include "support/services.h"
 #include "tarn_frame.h"
 
 #include <chrono>
@@ -153,9 +154,6 @@ class FaultTableTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        directory_ = ::testing::TempDir() + "faults-XXXXXX";
-        ASSERT_NE(mkdtemp(directory_.data()), nullptr);
-        ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
         simulator::readDefaultScenario(model_);
         gateway_ = std::make_unique<simulator::Gateway>(
             model_, [] {}, 0);
@@ -169,8 +167,6 @@ protected:
     {
         std::printf("%zu cases\n", cases_);
         gateway_.reset();
-        unsetenv("KORIIL_DIR");
-        std::filesystem::remove_all(directory_);
     }
 
     static Json order(const std::string& line)
@@ -322,7 +318,7 @@ private:
         served_[keyOf(row)].push_back(line);
     }
 
-    std::string directory_;
+    tarn::test::TemporaryRuntimeDirectory directory_;
     simulator::Model model_;
     std::unique_ptr<simulator::Gateway> gateway_;
     std::mutex servedMutex_;

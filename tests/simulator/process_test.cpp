@@ -123,21 +123,11 @@ std::uint32_t stationCountOf(std::uint32_t radioId, std::uint32_t apId)
 
 class ProcessTest : public ::testing::Test
 {
+private:
+    tarn::test::TemporaryRuntimeDirectory runtimeDirectory_;
+
 protected:
-    void SetUp() override
-    {
-        directory_ = ::testing::TempDir() + "simulator-XXXXXX";
-        ASSERT_NE(mkdtemp(directory_.data()), nullptr);
-        ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
-    }
-
-    void TearDown() override
-    {
-        unsetenv("KORIIL_DIR");
-        std::filesystem::remove_all(directory_);
-    }
-
-    std::string directory_;
+    const std::string directory_ = runtimeDirectory_.path();
 };
 
 } // namespace

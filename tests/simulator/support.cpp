@@ -81,11 +81,6 @@ SimulatorTest::~SimulatorTest() = default;
 
 void SimulatorTest::SetUp()
 {
-    std::string path = ::testing::TempDir() + "simulator-XXXXXX";
-    ASSERT_NE(mkdtemp(path.data()), nullptr);
-    directory_ = path;
-    ASSERT_EQ(setenv("KORIIL_DIR", directory_.c_str(), 1), 0);
-
     model_ = std::make_unique<tarn::simulator::Model>(layout_.empty() ? tarn::simulator::GatewayLayout()
                                                                       : tarn::simulator::GatewayLayout(layout_));
     if (scenario_.empty())
@@ -104,8 +99,6 @@ void SimulatorTest::TearDown()
     subscriptions.clear();
     gateway_.reset();
     events.clear();
-    unsetenv("KORIIL_DIR");
-    std::filesystem::remove_all(directory_);
 }
 
 void SimulatorTest::passSeconds(double seconds)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simulator/record.h"
+#include "support/services.h"
 #include "tarn_api.h"
 #include "tarn_gateway_control.h"
 #include "tarn_qtn_monitor_api.h"
@@ -148,7 +149,7 @@ protected:
     std::size_t stationCount(std::uint32_t radioId = 1, std::uint32_t apId = 1);
 
 private:
-    std::string directory_;
+    tarn::test::TemporaryRuntimeDirectory directory_;
     std::string scenario_;
     std::string layout_;
     std::unique_ptr<tarn::simulator::Model> model_;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -16,13 +17,15 @@
 namespace tarn::test
 {
 
-// Found through KORIIL_DIR while it exists.
+// Found through KORIIL_DIR while it exists; then the one before is again.
 class TemporaryRuntimeDirectory
 {
 public:
     TemporaryRuntimeDirectory()
     {
         char path[] = "/tmp/tarn_test-XXXXXX"; // short: a socket's whole path has at most 107 characters
+        if (const char* const before = std::getenv("KORIIL_DIR"))
+            before_ = before;
         if (mkdtemp(path) == nullptr || setenv("KORIIL_DIR", path, 1) != 0)
             throw std::runtime_error("no runtime directory");
         path_ = path;
@@ -30,7 +33,10 @@ public:
 
     ~TemporaryRuntimeDirectory()
     {
-        unsetenv("KORIIL_DIR");
+        if (before_)
+            setenv("KORIIL_DIR", before_->c_str(), 1);
+        else
+            unsetenv("KORIIL_DIR");
         std::filesystem::remove_all(path_);
     }
 
@@ -44,6 +50,7 @@ public:
 
 private:
     std::string path_;
+    std::optional<std::string> before_;
 };
 
 // Runs until it is destroyed.
