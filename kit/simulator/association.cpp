@@ -167,6 +167,9 @@ void Model::settle(Radio& radio)
 {
     if (radio.scan.status == ScanStatus::kRunning && radio.settings.enabled == 0)
         cancelScan(radio);
+    if (radio.dfsRadio.status == DfsRadioStatus::kChecking &&
+        (radio.settings.enabled == 0 || !contains(channelsFor(radio.channelCriteria()), radio.dfsRadio.channel)))
+        stopDfsRadio(radio);
     for (Interface& interface : radio.interfaces)
         dismiss(interface);
     seekAll();

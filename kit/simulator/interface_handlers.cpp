@@ -50,14 +50,6 @@ void addInterfaceHandlers(HandlerTable& table)
          }},
         {"TarnGetSsidIntfIsPrimarySSIDIntf", [](Model& model, CommandRequest& request)
          { request.setNumber("isPrimary", interfaceOf(model, request).id == 1 ? 1 : 0); }},
-        {"TarnSetSsidOPXRoamingEnable",
-         [](Model& model, CommandRequest& request)
-         {
-             Interface& interface = interfaceOf(model, request);
-             if (request.number("enable") != 0 && !interface.radio->supportsRoaming)
-                 throw Refused{ReplyStatus::kSwitchedOff, "radio " + interface.radio->name + " does not support roaming"};
-             assign(interface.settings, &InterfaceSettings::roaming, request.number("enable"));
-         }},
         {"TarnGetSsidOPXRoamingMdid", [](Model& model, CommandRequest& request)
          { request.setMobilityDomain("mdid", interfaceOf(model, request).settings.mobilityDomain); }},
         {"TarnSetSsidOPXRoamingMdid", [](Model& model, CommandRequest& request)

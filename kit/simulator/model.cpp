@@ -1,10 +1,13 @@
 #include "model.h"
 
+#include "base/join.h"
 #include "base/quote.h"
 #include "lists.h"
+#include "security_kind.h"
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace tarn::simulator
 {
@@ -162,10 +165,37 @@ SteeringDomain& Model::steeringDomain(const MobilityDomain& id)
 
 // --- Changing ----------------------------------------------------------------------------------------------------------------
 
+namespace
+{
+
+// A beacon type takes its usual authentication and encryption with it, where those that there are do not belong to it; those
+// that are given have to.
+void fitSecurity(InterfaceSettings& settings, const Changes<InterfaceSettings>& changes)
+{
+    const SecurityKind& kind = securityKind(settings.beaconType);
+    const auto fit = [&](std::string InterfaceSettings::*member, const std::vector<std::string>& choices)
+    {
+        if (contains(choices, settings.*member))
+            return;
+        if (changes.has(member))
+            throw Refused{ReplyStatus::kInvalidValue, base::inQuotes(settings.*member) + " with beacon type " +
+                                                          settings.beaconType + "; expected one of " + base::join(choices)};
+        settings.*member = choices.front();
+    };
+    fit(&InterfaceSettings::authenticationMode, kind.authentication);
+    fit(&InterfaceSettings::encryptionModes, kind.encryption);
+}
+
+} // namespace
+
 void Model::change(Interface& interface, const Changes<InterfaceSettings>& changes)
 {
-    const InterfaceSettings before = interface.settings;
-    changes.applyTo(interface.settings);
+    InterfaceSettings changed = interface.settings;
+    changes.applyTo(changed);
+    fitSecurity(changed, changes);
+    if (changes.has(&InterfaceSettings::roaming) && changed.roaming != 0 && !interface.radio->supportsRoaming)
+        throw Refused{ReplyStatus::kSwitchedOff, "radio " + interface.radio->name + " does not support roaming"};
+    const InterfaceSettings before = std::exchange(interface.settings, std::move(changed));
     const InterfaceSettings& now = interface.settings;
     const auto network = [](const InterfaceSettings& settings)
     {
@@ -175,7 +205,10 @@ void Model::change(Interface& interface, const Changes<InterfaceSettings>& chang
     if (network(before) != network(now))
         while (!interface.stations.empty()) // it is another network to them
             part(interface, 0);
-    settle(interface);
+    if (before.ssidGroupId != now.ssidGroupId)
+        settle(); // the limit of a group is one of several interfaces
+    else
+        settle(interface);
 }
 
 void Model::changeSecurity(Interface& interface, const Changes<InterfaceSettings>& changes)
@@ -188,7 +221,8 @@ void Model::changeSecurity(Interface& interface, const Changes<InterfaceSettings
 
 void Model::applySecurity(Interface& interface)
 {
-    change(interface, std::exchange(interface.deferredSecurity, {}));
+    change(interface, interface.deferredSecurity);
+    interface.deferredSecurity = {};
 }
 
 Interface& Model::createInterface(const std::string& name, bool enabled)

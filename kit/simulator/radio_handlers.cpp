@@ -2,6 +2,8 @@
 #include "base/quote.h"
 #include "handlers.h"
 
+#include <algorithm>
+
 namespace tarn::simulator
 {
 
@@ -62,19 +64,24 @@ void addRadioHandlers(HandlerTable& table)
          {
              const Radio& radio = radioOf(model, request);
              const Record query = request.record("query");
-             ChannelCriteria criteria = radio.channelCriteria();
+             RadioSettings asked = radio.settings;
              if (query.number("bandwidth") != 0)
-                 criteria.bandwidth = query.number("bandwidth");
+                 asked.bandwidth = query.number("bandwidth");
              if (!query.text("country").empty())
-                 criteria.country = query.text("country");
-             criteria.withRadarChannels = query.number("withoutRadarChannels") == 0;
-             std::vector<std::uint32_t> channels = channelsFor(criteria);
-             const auto isInactive = [&](std::uint32_t channel) { return radio.inactiveChannels.count(channel) != 0; };
-             channels.erase(std::remove_if(channels.begin(), channels.end(), isInactive), channels.end());
+                 asked.country = query.text("country");
+             std::vector<std::uint32_t> channels = radio.channelsWith(asked);
+             const auto needsRadarProtection = [&](std::uint32_t channel)
+             {
+                 const std::vector<std::uint32_t> block = blockOf(radio.band, channel, asked.bandwidth);
+                 return std::any_of(block.begin(), block.end(),
+                                    [&](std::uint32_t each) { return isRadarChannel(radio.band, each); });
+             };
+             if (query.number("withoutRadarChannels") != 0)
+                 channels.erase(std::remove_if(channels.begin(), channels.end(), needsRadarProtection), channels.end());
              if (channels.empty())
-                 throw Refused{ReplyStatus::kInvalidValue,
-                               "country " + base::inQuotes(criteria.country) + " has no such channels of " +
-                                   std::to_string(criteria.bandwidth) + " MHz for radio " + radio.name};
+                 throw Refused{ReplyStatus::kInvalidValue, "country " + base::inQuotes(asked.country) +
+                                                               " has no such channels of " + std::to_string(asked.bandwidth) +
+                                                               " MHz for radio " + radio.name};
              Record list = request.blank("channels");
              list.setNumbers("channels", channels);
              request.setRecord("channels", list);

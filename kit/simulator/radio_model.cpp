@@ -14,9 +14,14 @@ void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
     changes.applyTo(changed);
     if (changes.has(&RadioSettings::channel) && !changes.has(&RadioSettings::autoChannel))
         changed.autoChannel = 0;
-    if (changed.autoChannel != 0)
+    const bool isOfChannel = changes.has(&RadioSettings::channel) || changes.has(&RadioSettings::autoChannel) ||
+                             changes.has(&RadioSettings::bandwidth) || changes.has(&RadioSettings::country) ||
+                             changes.has(&RadioSettings::tdwrChannels);
+    const bool keepsChannel = radio.silenced && !isOfChannel; // though it cannot be used
+    if (changed.autoChannel != 0 && !keepsChannel)
         changed.channel = quietestChannel(radio, changed);
-    if (const std::vector<std::uint32_t> channels = radio.channelsWith(changed); !contains(channels, changed.channel))
+    if (const std::vector<std::uint32_t> channels = radio.channelsWith(changed);
+        !keepsChannel && !contains(channels, changed.channel))
         throw Refused{ReplyStatus::kInvalidValue, "channel " + std::to_string(changed.channel) + "; radio " + radio.name +
                                                       " has " + base::join(channels, " ") + " at " +
                                                       std::to_string(changed.bandwidth) + " MHz"};
@@ -117,7 +122,7 @@ void Model::beginRadarCheck(Radio& radio)
 {
     const RadioSettings& settings = radio.settings;
     const Milliseconds duration = checkDuration(radio, settings.channel, settings.bandwidth);
-    radio.checking = settings.enabled != 0 && duration > 0 && radio.needsRadarCheckWith(settings);
+    radio.checking = settings.enabled != 0 && !radio.silenced && duration > 0 && radio.needsRadarCheckWith(settings);
     if (radio.checking)
         agenda.set({Occurrence::kRadarCheckEnds, radio.id}, time + duration);
     else

@@ -6,6 +6,7 @@
 #include "description.h"
 #include "embedded_files.h"
 #include "lists.h"
+#include "security_kind.h"
 
 #include <algorithm>
 #include <set>
@@ -34,7 +35,8 @@ void checkRadio(JsonObject& object, Radio& radio)
     const JsonValue bandwidth = object["bandwidth"];
     if (!bandwidth && radio.band == Band::k2)
         settings.bandwidth = 20;
-    const std::vector<std::uint32_t> channels = radio.allowedChannels();
+    const std::vector<std::uint32_t> channels = // one that radar has silenced keeps its channel
+        radio.silenced ? channelsFor(radio.channelCriteria()) : radio.allowedChannels();
     const JsonValue channel = object["channel"];
     if (channels.empty())
         bandwidth.fail(std::string("a bandwidth that the ") + toString(radio.band) + " band has channels of");
@@ -46,23 +48,6 @@ void checkRadio(JsonObject& object, Radio& radio)
     if (!object["checkedChannels"])
         for (const std::uint32_t each : blockOf(radio.band, settings.channel, settings.bandwidth))
             radio.checkedChannels.insert(each);
-}
-
-// What belongs to one kind of beacons: how stations authenticate, and what is sent encrypted with.
-struct SecurityKind
-{
-    const char* beaconType;
-    std::vector<std::string> authentication; // the first is the usual one
-    std::vector<std::string> encryption;
-};
-
-const SecurityKind& securityKind(const std::string& beaconType)
-{
-    static const SecurityKind kKinds[] = {{"open", {"open"}, {"none"}},
-                                          {"wpa3", {"sae", "eap"}, {"aes"}},
-                                          {"", {"psk", "eap"}, {"aes", "tkip", "tkip-aes"}}}; // all others
-    return *std::find_if(std::begin(kKinds), std::end(kKinds) - 1,
-                         [&](const SecurityKind& kind) { return kind.beaconType == beaconType; });
 }
 
 // Where a scenario does not say these, they are the usual ones.

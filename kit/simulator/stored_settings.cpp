@@ -81,6 +81,7 @@ constexpr StoredSetting<ModuleSettings> kModuleSettings[] = {
 
 constexpr StoredSetting<InterfaceSettings> kInterfaceSettings[] = {
     {"TarnGetSsidOPXRoamingState", "enable", &InterfaceSettings::roaming},
+    {"TarnSetSsidOPXRoamingEnable", "enable", &InterfaceSettings::roaming},
     {"TarnSetAccessPointSecurityExCfg", "value1", &InterfaceSettings::groupKeyInterval},
     {"TarnSetAccessPointSecurityExCfg", "value2", &InterfaceSettings::pmf},
     {"TarnGetAccessPointMacFilterMode", "mode", &InterfaceSettings::macFilterMode},

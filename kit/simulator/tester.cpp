@@ -88,6 +88,10 @@ void Model::reboot()
     agenda.cancel({Occurrence::kProductionEnds});
     module.download = {};
     module.productionStarted = false;
+    module.initialised = false;
+    module.thermalInitialised = false;
+    module.thermalInterfaces.clear();
+    module.telnetHolders.erase(module.telnetHolders.upper_bound(0), module.telnetHolders.end()); // 0 is no process
     service.errorMask = 0;
     service.stoppedPolling.clear();
     smartWiFi.history.clear();

@@ -81,15 +81,15 @@ Record security()
 TEST_F(ProxyInterfaceTest, SecurityIsTheDeviceServicesToo)
 {
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_beacon_type)("wifi0", "wpa3"), kDone);
-    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_WPA_authentication_mode)("wifi0", "sae"), kDone);
-    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_WPA_encryption_modes)("wifi0", "tkip-aes"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_WPA_authentication_mode)("wifi0", "eap"), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_WPA_encryption_modes)("wifi0", "aes"), kDone);
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_key_passphrase)("wifi0", "a better one"), kDone);
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_group_key_interval)("wifi0", 60), kDone);
     EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_pmf)("wifi0", 2), kDone);
     const Record data = security();
     EXPECT_EQ(data.text("beaconType"), "wpa3");
-    EXPECT_EQ(data.text("authenticationMode"), "sae");
-    EXPECT_EQ(data.text("encryptionModes"), "tkip-aes");
+    EXPECT_EQ(data.text("authenticationMode"), "eap");
+    EXPECT_EQ(data.text("encryptionModes"), "aes");
     EXPECT_EQ(data.text("passphrase"), "a better one");
     EXPECT_EQ(data.number("groupKeyInterval"), 60u);
     EXPECT_EQ(data.number("pmf"), 2u);
