@@ -91,7 +91,7 @@ void Model::reboot()
     module.initialised = false;
     module.thermalInitialised = false;
     module.thermalInterfaces.clear();
-    module.telnetHolders.erase(module.telnetHolders.upper_bound(0), module.telnetHolders.end()); // 0 is no process
+    module.telnetHolders.erase(module.telnetHolders.upper_bound(0), module.telnetHolders.end()); // 0 is the switch of the proxy
     service.errorMask = 0;
     service.stoppedPolling.clear();
     smartWiFi.history.clear();
