@@ -7,7 +7,7 @@ import json
 import os
 import shlex
 import time
-from collections.abc import Callable, Iterator
+from collections.abc import Iterator
 from typing import Any
 
 import pytest
@@ -15,6 +15,7 @@ import pytest
 import tarn
 from tarn import contract
 from tarn.simulated import SimulatedGateway
+from waiting import once_it_is_back
 
 _TABLE = os.path.join(os.path.dirname(__file__), "coherence.txt")
 _LEAST_PAIRS = 400
@@ -136,18 +137,6 @@ def _texts(value: Any) -> set[str]:
     return {str(value) or "''"}
 
 
-def _once_it_is_back(call: Callable[[], Any]) -> Any:
-    """What a service answers that may have ended with a reboot, and comes back."""
-    end = time.monotonic() + 30
-    while True:
-        try:
-            return call()
-        except tarn.IpcError:
-            if time.monotonic() > end:
-                raise
-            time.sleep(0.01)
-
-
 class Incoherent(Exception):
     """What was set did not go as the table says. Says what was told."""
 
@@ -225,7 +214,7 @@ class _Bench:
             return self.gateway.state(words[1])
         path = words.pop() if words[-1].startswith(".") else ""
         try:
-            return _part(_once_it_is_back(lambda: _call(words)), path)
+            return _part(once_it_is_back(lambda: _call(words)), path)
         except tarn.StatusError as error:
             return f"-> {error.name}"
 

@@ -1,30 +1,15 @@
 """What a test does to its gateway: state, time, stations, neighbours, radar, faults."""
 import json
 import time
-from collections.abc import Callable
 from pathlib import Path
-from typing import Any
 
 import pytest
 
 import tarn
 from tarn.simulated import SimulatedGateway
+from waiting import AMPLE, once_it_is_back
 
-_AMPLE = 30.0  # seconds; only a test that fails waits that long
 _ADDRESS = "02:00:00:00:0a:01"
-
-
-def _once_it_is_back(call: Callable[[], Any]) -> Any:
-    """What a service answers that has ended and comes back."""
-    end = time.monotonic() + _AMPLE
-    while True:
-        try:
-            return call()
-        except tarn.IpcError:
-            if time.monotonic() > end:
-                raise
-            time.sleep(0.01)
-
 
 pytestmark = pytest.mark.tarn_gateway(speed=0)
 
@@ -60,7 +45,7 @@ def test_time_passes_as_it_is_told(tarn_gateway: SimulatedGateway) -> None:
     assert tarn_gateway.step_to_next() == tarn_gateway.time == 4
     assert tarn_gateway.radio(1).neighboring_status().name == "done"
     tarn_gateway.speed = 1000
-    end = time.monotonic() + _AMPLE
+    end = time.monotonic() + AMPLE
     while tarn_gateway.time < 60 and time.monotonic() < end:
         time.sleep(0.01)
     assert tarn_gateway.time >= 60
@@ -71,12 +56,12 @@ def test_a_station_comes_moves_and_goes(tarn_gateway: SimulatedGateway) -> None:
     point = tarn_gateway.radio(1).access_point(2)
     with tarn_gateway.events("EVT_AP_ASSOCIATED_CHANGED") as events:
         tarn_gateway.add_station(address=_ADDRESS, ssid="guests", bands=["5GHz"], pathLoss=60)
-        assert events.next(_AMPLE).data.macAddress == _ADDRESS
+        assert events.next(AMPLE).data.macAddress == _ADDRESS
         near = point.associated(_ADDRESS).rssi
         tarn_gateway.move_station(_ADDRESS, 80)
         assert point.associated(_ADDRESS).rssi == near - 20
         tarn_gateway.remove_station(_ADDRESS)
-        assert events.next(_AMPLE).data.macAddress == _ADDRESS
+        assert events.next(AMPLE).data.macAddress == _ADDRESS
     with pytest.raises(tarn.StatusError, match="NO_SUCH_OBJECT"):
         point.associated(_ADDRESS)
 
@@ -93,17 +78,17 @@ def test_neighbours_load_the_channel(tarn_gateway: SimulatedGateway) -> None:
 def test_radar_makes_the_radio_leave(tarn_gateway: SimulatedGateway) -> None:
     with tarn_gateway.events("EVT_RADIO_OPR_CHANNEL_CHANGED") as events:
         tarn_gateway.radar(104)
-        assert events.next(_AMPLE).data.channel == tarn_gateway.radio(1).data().channel == 36
+        assert events.next(AMPLE).data.channel == tarn_gateway.radio(1).data().channel == 36
 
 
 def test_a_reboot_ends_the_uptime_and_if_wanted_the_settings(tarn_gateway: SimulatedGateway) -> None:
     tarn_gateway.set_log_level(6)
     tarn_gateway.step(100)
     tarn_gateway.reboot()
-    assert _once_it_is_back(tarn_gateway.module.system_time_since_start) == 0
-    assert _once_it_is_back(tarn_gateway.log_level) == 6
+    assert once_it_is_back(tarn_gateway.module.system_time_since_start) == 0
+    assert once_it_is_back(tarn_gateway.log_level) == 6
     tarn_gateway.reboot(without_settings=True)
-    assert _once_it_is_back(tarn_gateway.log_level) == 3
+    assert once_it_is_back(tarn_gateway.log_level) == 3
 
 
 @pytest.mark.parametrize(
@@ -127,7 +112,7 @@ def test_each_fault_is_an_exception_of_its_kind_once(
         tarn_gateway.log_level()
     assert (type(caught.value), getattr(caught.value, "number")) == (kind, number)
     assert tarn_gateway.faults() == []
-    assert _once_it_is_back(tarn_gateway.log_level) == 3
+    assert once_it_is_back(tarn_gateway.log_level) == 3
 
 
 def test_faults_are_taken_away_and_events_go_wrong(tarn_gateway: SimulatedGateway) -> None:
@@ -137,7 +122,7 @@ def test_faults_are_taken_away_and_events_go_wrong(tarn_gateway: SimulatedGatewa
     tarn_gateway.add_fault("eventDoubled", event="EVT_RADIO_OPR_CHANNEL_CHANGED", count=1)
     with tarn_gateway.events(tarn.EVT_RADIO_OPR_CHANNEL_CHANGED) as events:
         tarn_gateway.interface("wifi0").set_channel(44)
-        assert events.next(_AMPLE) == events.next(_AMPLE)
+        assert events.next(AMPLE) == events.next(AMPLE)
 
 
 def test_a_restart_of_the_service_is_told_to_subscribers_and_events_go_on(tarn_gateway: SimulatedGateway) -> None:
@@ -145,11 +130,11 @@ def test_a_restart_of_the_service_is_told_to_subscribers_and_events_go_on(tarn_g
         tarn_gateway.add_fault("restart", function="TarnGetLogLevel", count=1)
         assert tarn_gateway.log_level() == 3
         with pytest.raises(tarn.IpcError, match="RX_FAIL"):
-            events.next(_AMPLE)
-        end = time.monotonic() + _AMPLE
+            events.next(AMPLE)
+        end = time.monotonic() + AMPLE
         while not tarn_gateway.publish(1, b"again") and time.monotonic() < end:
             time.sleep(0.01)
-        assert events.next(_AMPLE).data == b"again"
+        assert events.next(AMPLE).data == b"again"
 
 
 def test_an_order_that_cannot_be_says_what_was_expected(tarn_gateway: SimulatedGateway) -> None:

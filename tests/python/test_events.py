@@ -12,14 +12,14 @@ import pytest
 import tarn
 from tarn import events as module
 from tarn.simulated import SimulatedGateway
+from waiting import AMPLE
 
-_AMPLE = 30.0  # seconds; only a test that fails waits that long
 
 
 def test_an_event_has_number_name_and_the_fields_of_its_data(tarn_gateway: SimulatedGateway) -> None:
     with tarn_gateway.events() as events:
         tarn_gateway.interface("wifi0").set_channel(44)
-        event = events.next(_AMPLE)
+        event = events.next(AMPLE)
     assert (event.number, event.name) == (tarn.EVT_RADIO_OPR_CHANNEL_CHANGED, "EVT_RADIO_OPR_CHANNEL_CHANGED")
     assert (event.data.radioId, event.data.channel) == (1, 44)
 
@@ -30,7 +30,7 @@ def test_events_come_in_their_order_and_only_those_that_were_asked_for(tarn_gate
             tarn_gateway.publish("EVT_RADIO_STATUS_CHANGED", b"not asked for")
             assert tarn_gateway.publish(2, {"radioId": 1, "channel": channel}) == 1
         assert tarn_gateway.publish(tarn.EVT_AP_ASSOCIATED_CHANGED, b"\x0a\x0b") == 1
-        received = [events.next(_AMPLE) for _ in range(4)]
+        received = [events.next(AMPLE) for _ in range(4)]
     assert [event.data.channel for event in received[:3]] == [40, 44, 48]
     assert received[3].data == b"\x0a\x0b"  # not as long as the layout has it
 
@@ -53,7 +53,7 @@ def test_closing_ends_the_wait_of_another_thread(tarn_gateway: SimulatedGateway)
     waiting = threading.Thread(target=lambda: list(events))
     waiting.start()
     events.close()
-    waiting.join(_AMPLE)
+    waiting.join(AMPLE)
     assert not waiting.is_alive()
 
 
@@ -80,7 +80,7 @@ def test_events_are_awaited_by_async_for(tarn_gateway: SimulatedGateway) -> None
             await publishing
         return seen
 
-    assert asyncio.run(asyncio.wait_for(received(), _AMPLE)) == [b"one", b"two", b"three"]
+    assert asyncio.run(asyncio.wait_for(received(), AMPLE)) == [b"one", b"two", b"three"]
 
 
 def test_an_await_that_was_cancelled_takes_no_event(tarn_gateway: SimulatedGateway) -> None:
@@ -90,7 +90,7 @@ def test_an_await_that_was_cancelled_takes_no_event(tarn_gateway: SimulatedGatew
                 await asyncio.wait_for(events.__anext__(), 0.01)
             assert not events._inbox.waiting
             tarn_gateway.publish(1, b"the only one")
-            return bytes((await asyncio.wait_for(events.__anext__(), _AMPLE)).data)
+            return bytes((await asyncio.wait_for(events.__anext__(), AMPLE)).data)
 
     assert asyncio.run(received()) == b"the only one"
 
@@ -98,7 +98,7 @@ def test_an_await_that_was_cancelled_takes_no_event(tarn_gateway: SimulatedGatew
 def test_two_subscriptions_to_the_same_event_receive_it_both(tarn_gateway: SimulatedGateway) -> None:
     with tarn_gateway.events(1) as one, tarn_gateway.events(1) as other:
         assert tarn_gateway.publish(1, b"both") == 1  # one process
-        assert one.next(_AMPLE).data == other.next(_AMPLE).data == b"both"
+        assert one.next(AMPLE).data == other.next(AMPLE).data == b"both"
 
 
 def test_the_end_of_the_service_is_told_and_its_restart_brings_events_again() -> None:
@@ -110,7 +110,7 @@ def test_the_end_of_the_service_is_told_and_its_restart_brings_events_again() ->
         process.kill()
         process.wait()
         with pytest.raises(tarn.IpcError, match="RX_FAIL"):
-            events.next(_AMPLE)
+            events.next(AMPLE)
         again = subprocess.Popen(["tarn-gateway", f"--directory={directory}"], stdout=subprocess.PIPE)
         assert again.stdout is not None
         assert again.stdout.readline() == b"ready\n"
@@ -119,7 +119,7 @@ def test_the_end_of_the_service_is_told_and_its_restart_brings_events_again() ->
             if first.publish(1, b"again"):
                 break
             threading.Event().wait(0.01)
-        assert events.next(_AMPLE).data == b"again"
+        assert events.next(AMPLE).data == b"again"
         events.close()
         again.stdout.close()
 
@@ -155,15 +155,15 @@ def test_events_that_arrive_while_subscriptions_are_dropped_harm_nobody(tarn_gat
         tarn.Gateway("bench").events(1, 2, 3)
     gc.collect()
     enough.set()
-    publishing.join(_AMPLE)
+    publishing.join(AMPLE)
     with tarn_gateway.events(1) as events:
         tarn_gateway.publish(1, b"last")
-        assert events.next(_AMPLE).data == b"last"
+        assert events.next(AMPLE).data == b"last"
 
 
 def test_a_process_ends_with_a_subscription_that_is_still_open(tarn_gateway: SimulatedGateway) -> None:
     script = "import tarn; events = tarn.Gateway('other').events(); print(len(tarn.TarnGetRadio('other', 1)))"
     result = subprocess.run(
-        [sys.executable, "-c", script], capture_output=True, text=True, timeout=_AMPLE, env=os.environ, check=False
+        [sys.executable, "-c", script], capture_output=True, text=True, timeout=AMPLE, env=os.environ, check=False
     )
     assert (result.returncode, result.stdout, result.stderr) == (0, "9552\n", "")

@@ -222,30 +222,30 @@ def test_what_cannot_be_sent_is_told_by_the_name_of_the_argument(
     assert text in str(caught.value)
 
 
-def test_a_library_that_is_not_there_is_named_at_import(tmp_path: Path) -> None:
+def import_with_libraries_in(path: Path) -> str:
+    """What an import says on standard error where the dynamic linker looks there first."""
     result = subprocess.run(
         [sys.executable, "-c", "import tarn"],
-        env={**os.environ, "LD_LIBRARY_PATH": str(tmp_path)},
+        env={**os.environ, "LD_LIBRARY_PATH": str(path)},
         capture_output=True,
         text=True,
         check=False,
     )
-    assert "ImportError: libkoriil.so.1 cannot be loaded (" in result.stderr
-    assert "expected the library of this package's version where the dynamic linker looks" in result.stderr
+    return result.stderr
+
+
+def test_a_library_that_is_not_there_is_named_at_import(tmp_path: Path) -> None:
+    said = import_with_libraries_in(tmp_path)
+    assert "ImportError: libkoriil.so.1 cannot be loaded (" in said
+    assert "expected the library of this package's version where the dynamic linker looks" in said
 
 
 def test_a_library_of_another_abi_is_refused_at_import(tmp_path: Path) -> None:
     (tmp_path / "libkoriil.so.1").symlink_to("/lib/x86_64-linux-gnu/libm.so.6")
-    result = subprocess.run(
-        [sys.executable, "-c", "import tarn"],
-        env={**os.environ, "LD_LIBRARY_PATH": str(tmp_path)},
-        capture_output=True,
-        text=True,
-        check=False,
-    )
+    said = import_with_libraries_in(tmp_path)
     assert (
         "ImportError: libkoriil.so.1 has no KorIilLastStatus of the ABI KORIIL_1: it is another library, or an older one"
-        in result.stderr
+        in said
     )
 
 
