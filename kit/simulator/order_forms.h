@@ -1,6 +1,7 @@
 // The orders that a running gateway takes: for the gateway, which reads them, and for programs that explain and offer them.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -83,6 +84,22 @@ inline std::vector<std::string> alternativesOf(const std::string& word)
     if (bar == std::string::npos)
         return {word};
     return {word.substr(0, bar), word.substr(bar + 1)};
+}
+
+// Whether an order of this form, given in its words, can begin with those.
+inline bool canBegin(const std::vector<std::string>& form, const std::vector<std::string>& given)
+{
+    for (std::size_t i = 0; i < given.size(); ++i)
+    {
+        if (i == form.size())
+            return false;
+        if (isKey(form[i]))
+            return true;
+        const std::vector<std::string> alternatives = alternativesOf(form[i]);
+        if (!isValue(form[i]) && std::find(alternatives.begin(), alternatives.end(), given[i]) == alternatives.end())
+            return false;
+    }
+    return true;
 }
 
 } // namespace tarn::simulator

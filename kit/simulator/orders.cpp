@@ -9,6 +9,7 @@
 #include "order_words.h"
 #include "scenario.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -318,20 +319,12 @@ constexpr Order kOrders[] = {
     {"step", step},   {"save", save},     {"log", log},         {"shutdown", shutDown},
 };
 
+// The keys may be left out, the words before them may not.
 bool fits(const OrderForm& form, const Words& words)
 {
     const Words expected = wordsOf(form);
-    for (std::size_t i = 0; i < expected.size(); ++i)
-    {
-        if (isKey(expected[i]))
-            return true;
-        if (i == words.size())
-            return false;
-        const Words alternatives = alternativesOf(expected[i]);
-        if (!isValue(expected[i]) && !contains(alternatives, words[i]))
-            return false;
-    }
-    return words.size() == expected.size();
+    const auto firstKey = std::find_if(expected.begin(), expected.end(), isKey);
+    return canBegin(expected, words) && words.size() >= static_cast<std::size_t>(firstKey - expected.begin());
 }
 
 void requireForm(const Words& words)

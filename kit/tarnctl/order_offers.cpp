@@ -14,22 +14,6 @@ namespace
 
 using Words = std::vector<std::string>;
 
-// Whether a form goes on as it begins.
-bool beginsWith(const Words& form, const Words& given)
-{
-    for (std::size_t i = 0; i < given.size(); ++i)
-    {
-        if (i == form.size())
-            return false;
-        if (simulator::isKey(form[i]))
-            return true;
-        const Words alternatives = simulator::alternativesOf(form[i]);
-        if (!simulator::isValue(form[i]) && std::find(alternatives.begin(), alternatives.end(), given[i]) == alternatives.end())
-            return false;
-    }
-    return true;
-}
-
 void add(Offers& offers, const Words& words, const std::string& prefix = "")
 {
     for (const std::string& word : words)
@@ -83,7 +67,7 @@ Offers orderOffers(const std::vector<std::string>& given, const std::string& pre
     for (const simulator::OrderForm& form : simulator::kOrderForms)
     {
         const Words words = wordsOf(form);
-        if (!beginsWith(words, given))
+        if (!simulator::canBegin(words, given))
             continue;
         const auto key = std::find_if(words.begin(), words.end(), &simulator::isKey);
         if (words.begin() + static_cast<std::ptrdiff_t>(std::min(given.size(), words.size())) >= key && key != words.end())
