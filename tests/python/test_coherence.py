@@ -6,7 +6,6 @@ import inspect
 import json
 import os
 import shlex
-import time
 from collections.abc import Iterator
 from typing import Any
 
