@@ -13,6 +13,7 @@ function(tarn_embed target namespace)
         DEPENDS ${files} ${CMAKE_CURRENT_FUNCTION_LIST_FILE}
         COMMENT "Embedding the files of ${target}"
         VERBATIM)
+    set_source_files_properties(${output} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     target_sources(${target} PRIVATE ${output})
     target_link_libraries(${target} PRIVATE tarn_base)
 endfunction()

@@ -10,6 +10,7 @@ namespace tarn::base
 {
 
 using MacAddress = std::array<std::uint8_t, 6>;
+inline constexpr std::uint32_t kMacAddressSize = std::tuple_size<MacAddress>::value;
 
 // "02:00:00:00:01:05".
 std::string macText(const MacAddress& address);

@@ -24,8 +24,6 @@ using contract::Type;
 namespace
 {
 
-constexpr std::uint32_t kMacAddressSize = 6;
-
 bool isInMessage(const Argument& argument)
 {
     return argument.encoding != Encoding::kSize && argument.encoding != Encoding::kNothing;
@@ -96,7 +94,7 @@ NamedPart wholePart(const Layout& layout, const Command& command, const Argument
     else if (argument.type == Type::kText)
         part.field.type = FieldType::kText;
     else
-        part.field.type = argument.size == kMacAddressSize ? FieldType::kMacAddress : FieldType::kBytes;
+        part.field.type = argument.size == base::kMacAddressSize ? FieldType::kMacAddress : FieldType::kBytes;
     return part;
 }
 
@@ -209,12 +207,12 @@ void checkSize(const Command& command, const Argument& argument, const base::Byt
 base::Bytes bytesOf(const Command& command, const Argument& argument, std::string_view value)
 {
     const std::uint32_t room = contract::roomOf(command, argument);
-    if (argument.size == kMacAddressSize)
+    if (argument.size == base::kMacAddressSize)
         if (const std::optional<base::MacAddress> address = base::parseMacAddress(value))
             return base::Bytes(address->begin(), address->end());
     const std::optional<base::Bytes> bytes = base::parseHex(value);
     if (!bytes)
-        throw EncodeError(argument.name + ": expected " + (argument.size == kMacAddressSize ? "a MAC address, or " : "") +
+        throw EncodeError(argument.name + ": expected " + (argument.size == base::kMacAddressSize ? "a MAC address, or " : "") +
                           std::to_string(room) + " bytes as hexadecimal digits; got " + base::inQuotes(value));
     checkSize(command, argument, *bytes);
     return *bytes;

@@ -21,7 +21,6 @@ using base::JsonValue;
 
 constexpr std::uint32_t kLargest = 65536; // bytes of a structure
 constexpr std::uint32_t kWordBits = 32;
-constexpr std::uint32_t kMacAddressSize = std::tuple_size<base::MacAddress>::value;
 
 using ValueSets = std::map<std::string, std::shared_ptr<const ValueSet>>;
 
@@ -198,7 +197,7 @@ std::uint32_t readSize(JsonObject& object, FieldType type)
     if (type == FieldType::kMacAddress)
     {
         refuse(object, "size", "a MAC address always has 6 bytes");
-        return kMacAddressSize;
+        return base::kMacAddressSize;
     }
     const JsonValue value = object["size"];
     const auto size = value.number<std::uint32_t>(1, kLargest);

@@ -11,7 +11,6 @@ namespace tarn::simulator
 namespace
 {
 
-using layout::Field;
 using layout::Flag;
 using layout::Layout;
 using layout::Meaning;
@@ -56,13 +55,14 @@ void addMissing(std::vector<std::string>& lines, const std::string& place, const
                 lines.push_back("flag " + flag.name + " of " + place);
 }
 
-void addMissing(std::vector<std::string>& lines, const std::string& place, const std::vector<Field>& own,
-                const std::vector<Field>& used)
+void addMissing(std::vector<std::string>& lines, const std::string& place, const std::vector<layout::Field>& own,
+                const std::vector<layout::Field>& used)
 {
-    for (const Field& field : own)
+    for (const layout::Field& field : own)
     {
         const std::string path = field.name.empty() ? place : place + "." + field.name;
-        const auto other = std::find_if(used.begin(), used.end(), [&](const Field& each) { return each.name == field.name; });
+        const auto other =
+            std::find_if(used.begin(), used.end(), [&](const layout::Field& each) { return each.name == field.name; });
         if (other == used.end())
             lines.push_back("field " + path);
         else if (!isAlike(field, *other))
@@ -86,7 +86,7 @@ void addMissing(std::vector<std::string>& lines, const char* kind, const std::ve
 
 } // namespace
 
-bool isAlike(const Field& own, const Field& used)
+bool isAlike(const layout::Field& own, const layout::Field& used)
 {
     if (own.type == layout::FieldType::kArray)
         return used.type == own.type && used.hasPlainElements() == own.hasPlainElements();

@@ -18,7 +18,7 @@ std::string addressOf(std::uint8_t kind, std::size_t number)
 }
 
 // The bands by turns, the channels of each from the lowest.
-Json radioOf(std::size_t index, std::size_t interfaces)
+Json generatedRadio(std::size_t index, std::size_t interfaces)
 {
     const auto band = static_cast<Band>((index + 1) % 3); // 5 GHz first
     const std::uint32_t bandwidth = band == Band::k2 ? 20 : 80;
@@ -51,7 +51,7 @@ Json generatedScenario(std::size_t radios, std::size_t interfaces, std::size_t s
                      {"clients", Json::array()}};
     for (std::size_t radio = 0; radio < radios; ++radio)
     {
-        scenario["radios"].push_back(radioOf(radio, interfaces));
+        scenario["radios"].push_back(generatedRadio(radio, interfaces));
         const Json band = scenario["radios"].back()["band"];
         for (std::size_t interface = 0; interface < interfaces; ++interface)
             for (std::size_t i = 0; i < stations; ++i)

@@ -12,7 +12,7 @@ void answerSsidIntf(const Interface& interface, CommandRequest& request)
     request.answer("data", interface);
 }
 
-void setCfg(Model& model, CommandRequest& request)
+void setInterfaceCfg(Model& model, CommandRequest& request)
 {
     Interface& interface = interfaceOf(model, request);
     model.change(interface, request.changes<InterfaceSettings>("cfg"));
@@ -38,10 +38,10 @@ void addInterfaceHandlers(HandlerTable& table)
          { answerSsidIntf(elementAt(radioOf(model, request).interfaces, request.number("index")), request); }},
         {"TarnGetSsidIntf",
          [](Model& model, CommandRequest& request) { answerSsidIntf(interfaceOf(model, request), request); }},
-        {"TarnSetSsidIntfCfg", setCfg},
-        {"TarnSetAccessPointCfg", setCfg},
-        {"TarnSetAccessPointSecurityCfg", setCfg},
-        {"TarnSetAccessPointWpsCfg", setCfg},
+        {"TarnSetSsidIntfCfg", setInterfaceCfg},
+        {"TarnSetAccessPointCfg", setInterfaceCfg},
+        {"TarnSetAccessPointSecurityCfg", setInterfaceCfg},
+        {"TarnSetAccessPointWpsCfg", setInterfaceCfg},
         {"TarnGetSsidIntfStats",
          [](Model& model, CommandRequest& request)
          {

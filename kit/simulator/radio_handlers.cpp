@@ -16,7 +16,7 @@ void answerRadio(const Radio& radio, CommandRequest& request)
 }
 
 // Both configurations come with a selection of the fields to take.
-void setCfg(Model& model, CommandRequest& request)
+void setRadioCfg(Model& model, CommandRequest& request)
 {
     Radio& radio = radioOf(model, request);
     model.change(radio, request.changes<RadioSettings>("cfg"));
@@ -47,8 +47,8 @@ void addRadioHandlers(HandlerTable& table)
         {"TarnGetRadioIsReady", [](Model& model, CommandRequest& request)
          { request.setNumber("isReady", radioOf(model, request).isReady() ? 1 : 0); }},
         // Both configurations come with a selection of the fields to take.
-        {"TarnSetRadioCfg", setCfg},
-        {"TarnSetRadioExCfg", setCfg},
+        {"TarnSetRadioCfg", setRadioCfg},
+        {"TarnSetRadioExCfg", setRadioCfg},
         {"TarnGetRadioStats",
          [](Model& model, CommandRequest& request)
          {

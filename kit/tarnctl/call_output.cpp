@@ -51,7 +51,7 @@ bool isRateTable(const PreparedArgument& argument)
 }
 
 // Whether anything of the reply is shown by the layout.
-bool isDecoded(const Report& report)
+bool isReplyDecoded(const Report& report)
 {
     if (!report.hasReply() || report.function->kind != FunctionKind::kCommand)
         return false;
@@ -226,7 +226,7 @@ void writeReport(const Console& console, const Report& report)
             if (argument.parameter->isOutput)
                 writeOutput(console, *report.function, argument);
         writeResult(console, report);
-        if (isDecoded(report))
+        if (isReplyDecoded(report))
             console.out << "layout: " << layoutInUse()->layout.title() << '\n';
     }
     if (report.outcome != CallOutcome::kDone)
@@ -254,7 +254,7 @@ Json reportDocument(const Report& report)
     document["outputs"] = outputDocuments(report);
     document["notes"] = report.arguments.notes;
     document["traces"] = traceDocuments(report);
-    document["layout"] = layoutDocument(isDecoded(report) ? layoutInUse() : nullptr);
+    document["layout"] = layoutDocument(isReplyDecoded(report) ? layoutInUse() : nullptr);
     return document;
 }
 

@@ -77,12 +77,12 @@ std::string meaningOf(const MessageField& field, const Report& report)
 }
 
 // What the layout says of an input's bytes; null for any other field of the message.
-const layout::Structure* structureOf(const MessageField& field, const Report& report)
+const layout::Structure* structureOfField(const MessageField& field, const Report& report)
 {
     return field.role == FieldRole::kInput ? structureOf(*report.function, *field.parameter) : nullptr;
 }
 
-bool isDecoded(const Report& report)
+bool isRequestDecoded(const Report& report)
 {
     const auto isKnown = [&](const PreparedArgument& argument)
     {
@@ -112,12 +112,12 @@ Json messageDocument(const Report& report, const Request& request)
                      {"name", field.name},
                      {"role", toString(field.role)},
                      {"meaning", meaningOf(field, report)}};
-        if (const layout::Structure* const structure = structureOf(field, report))
+        if (const layout::Structure* const structure = structureOfField(field, report))
             each["fields"] = fieldsDocument(layout::decode(*structure, request.message.data() + field.offset, field.size));
         document["fields"].push_back(std::move(each));
     }
     document["notes"] = report.arguments.notes;
-    document["layout"] = layoutDocument(isDecoded(report) ? layoutInUse() : nullptr);
+    document["layout"] = layoutDocument(isRequestDecoded(report) ? layoutInUse() : nullptr);
     return document;
 }
 
@@ -172,13 +172,13 @@ void writeText(const Console& console, const Report& report, const Request& requ
     table.add({"offset", "bytes", "field", "meaning"});
     for (const MessageField& field : messageFields(*report.function))
     {
-        if (const layout::Structure* const structure = structureOf(field, report))
+        if (const layout::Structure* const structure = structureOfField(field, report))
             addFieldRows(table, request.message, field, *structure);
         else
             addRows(table, request.message, field.offset, field.size, field.name, meaningOf(field, report));
     }
     table.write(console.out);
-    if (isDecoded(report))
+    if (isRequestDecoded(report))
         console.out << "layout: " << layoutInUse()->layout.title() << '\n';
 }
 

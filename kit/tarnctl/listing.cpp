@@ -18,7 +18,7 @@ namespace tarn::ctl
 namespace
 {
 
-std::string titleOf(std::string key)
+std::string titleFromKey(std::string key)
 {
     std::replace(key.begin(), key.end(), '_', ' ');
     return key;
@@ -98,7 +98,7 @@ void writeTable(const Console& console, const Listing& list)
     for (const Column& column : list.columns)
     {
         const auto isNumeric = [&](const Fields& row) { return isRight(row[column.field]); };
-        titles.emplace_back(column.title == nullptr ? titleOf(column.key) : column.title, Tone::kStrong,
+        titles.emplace_back(column.title == nullptr ? titleFromKey(column.key) : column.title, Tone::kStrong,
                             std::any_of(list.rows.begin(), list.rows.end(), isNumeric));
     }
     table.add(std::move(titles));
@@ -182,7 +182,7 @@ Listing& Page::list(const char* key, std::vector<Column> columns, const char* he
 
 void Page::value(const char* key, Cell cell, const char* title)
 {
-    values_.push_back({key, title == nullptr ? titleOf(key) : title, std::move(cell)});
+    values_.push_back({key, title == nullptr ? titleFromKey(key) : title, std::move(cell)});
 }
 
 ExitCode Page::write(const Console& console, const Survey& survey) const

@@ -17,7 +17,7 @@ namespace
 
 // A gateway has a handful; a larger number is a fault of the service, and not to be asked about one by one.
 constexpr std::int64_t kMostRadios = 64;
-constexpr std::int64_t kMostEntries = 4096;
+constexpr std::int64_t kMostListed = 4096;
 
 constexpr char kDeviceService[] = "TARN";
 
@@ -223,7 +223,7 @@ Radio Survey::readRadio(std::uint32_t id)
 std::vector<Interface> Survey::readInterfaces(const Radio& radio)
 {
     std::vector<Interface> interfaces;
-    const std::int64_t number = std::min(numberOf("TarnGetSsidIntfNum", radio.asRadio()), kMostEntries);
+    const std::int64_t number = std::min(numberOf("TarnGetSsidIntfNum", radio.asRadio()), kMostListed);
     for (std::int64_t id = 1; id <= number; ++id)
     {
         Interface interface;
@@ -261,7 +261,7 @@ std::vector<Fields> Survey::list(const std::string& numberFunction, const std::s
                                  const Assignments& assignments)
 {
     std::vector<Fields> entries;
-    const std::int64_t number = std::min(numberOf(numberFunction, assignments), kMostEntries);
+    const std::int64_t number = std::min(numberOf(numberFunction, assignments), kMostListed);
     for (std::int64_t index = 0; index < number; ++index)
     {
         Assignments at = assignments;

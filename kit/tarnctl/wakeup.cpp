@@ -54,7 +54,7 @@ Wakeup::~Wakeup()
 void Wakeup::wake() const
 {
     const char byte = 0;
-    [[maybe_unused]] const ssize_t written = write(ends_[1], &byte, 1); // when the pipe is full, it wakes as well
+    [[maybe_unused]] const ssize_t written = ::write(ends_[1], &byte, 1); // when the pipe is full, it wakes as well
 }
 
 void Wakeup::wait(const Deadline& deadline) const

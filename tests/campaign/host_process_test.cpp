@@ -76,10 +76,6 @@ void receiveNumbered(const char*, std::uint32_t, const void* data, std::uint32_t
     lastEvent = number;
 }
 
-void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
-{
-}
-
 TEST_F(HostProcessTest, AThousandSignalsASecondLoseNoCallNoEventAndNoSubscription)
 {
     RunningService service;

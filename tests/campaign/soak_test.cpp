@@ -38,10 +38,6 @@ private:
     rlimit before_ = {};
 };
 
-void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
-{
-}
-
 // What a caller may be told when there are no descriptors, or when the service is being replaced.
 bool isExpected(std::uint32_t status)
 {

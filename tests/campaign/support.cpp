@@ -136,6 +136,10 @@ void sleepMilliseconds(int milliseconds)
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
+void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
+{
+}
+
 Repeating::Repeating(int threads, const std::function<void()>& action)
 {
     for (int i = 0; i < threads; ++i)

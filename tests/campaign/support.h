@@ -117,6 +117,9 @@ bool eventually(const std::function<bool()>& condition, std::chrono::seconds lim
 
 void sleepMilliseconds(int milliseconds);
 
+// A handler of events that nobody looks at.
+void ignoreEvent(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length);
+
 // Threads that repeat an action until the object is destroyed.
 class Repeating
 {

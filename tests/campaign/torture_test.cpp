@@ -35,10 +35,6 @@ void countEvent(const char*, std::uint32_t, const void*, std::uint32_t)
     ++eventsSeen;
 }
 
-void ignoreEvent(const char*, std::uint32_t, const void*, std::uint32_t)
-{
-}
-
 // What came of an action beside its status.
 struct Findings
 {

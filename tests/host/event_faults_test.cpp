@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-namespace host_test
+namespace host_test::event_faults
 {
 namespace
 {
@@ -191,4 +191,4 @@ TEST_F(EventFaultsTest, ADeliveryThatFailsLeavesNoDeadConnection)
 }
 
 } // namespace
-} // namespace host_test
+} // namespace host_test::event_faults

@@ -16,7 +16,7 @@ using tarn::base::Bytes;
 using tarn::base::hexText;
 using testing::ElementsAre;
 
-constexpr char kOdd[] = R"({
+constexpr char kOddRecord[] = R"({
   "layout": 1, "name": "attic", "version": "3", "owner": "nobody",
   "records": { "TarnAccessPointCfg": { "size": 28, "fields": [
     { "name": "state", "offset": 0, "size": 1, "type": "number", "values": { "off": 0, "on": 7 } },
@@ -63,7 +63,7 @@ protected:
         return "accepted";
     }
 
-    const Layout layout_ = parse(kOdd, "attic.json");
+    const Layout layout_ = parse(kOddRecord, "attic.json");
     std::vector<std::string> suggestions_;
 };
 

@@ -49,10 +49,10 @@ void setField(Record& record, const char* recordName, const std::string& field, 
     std::memcpy(&record, bytes.data(), sizeof record);
 }
 
-// The events that keepEvent was called with.
-std::vector<std::string> received;
+// The events that keepNamedEvent was called with.
+std::vector<std::string> receivedFields;
 
-void keepEvent(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
+void keepNamedEvent(const char* serviceId, std::uint32_t evt, const void* data, std::uint32_t length)
 {
     const char* const names[] = {"EVT_RADIO_STATUS_CHANGED", "EVT_RADIO_OPR_CHANNEL_CHANGED", "EVT_RADIO_OPR_BANDWIDTH_CHANGED",
                                  "EVT_AP_ASSOCIATED_CHANGED"};
@@ -61,7 +61,7 @@ void keepEvent(const char* serviceId, std::uint32_t evt, const void* data, std::
     for (const tarn::layout::FieldLine& line :
          tarn::layout::linesOf(tarn::layout::decode(structure, static_cast<const std::uint8_t*>(data), length)))
         text += ", " + line.name + " " + line.value;
-    received.push_back(text);
+    receivedFields.push_back(text);
 }
 
 class NamedScript : public testing::Test
@@ -271,12 +271,12 @@ TEST_F(NamedScript, KeepsRawBytesPossibleBesideNames)
 
 TEST_F(NamedScript, DeliversEventsByTheirFields)
 {
-    received.clear();
+    receivedFields.clear();
     platform_.expectSubscribe("EVT_RADIO_OPR_CHANNEL_CHANGED").caller("ledd");
     platform_.expectSubscribe("EVT_AP_ASSOCIATED_CHANGED");
     platform_.expectCancel("EVT_RADIO_OPR_CHANNEL_CHANGED");
-    EXPECT_EQ(tarnSubscribeEvent("ledd", TARN_EVT_RADIO_OPR_CHANNEL_CHANGED, nullptr, &keepEvent), 0u);
-    EXPECT_EQ(tarnSubscribeEvent("ledd", TARN_EVT_AP_ASSOCIATED_CHANGED, nullptr, &keepEvent), 0u);
+    EXPECT_EQ(tarnSubscribeEvent("ledd", TARN_EVT_RADIO_OPR_CHANNEL_CHANGED, nullptr, &keepNamedEvent), 0u);
+    EXPECT_EQ(tarnSubscribeEvent("ledd", TARN_EVT_AP_ASSOCIATED_CHANGED, nullptr, &keepNamedEvent), 0u);
 
     tarn::mock::Event moved = platform_.event("EVT_RADIO_OPR_CHANNEL_CHANGED").with("radioId", 1).with("channel", 100);
     const std::uint8_t address[6] = {2, 0, 0, 0, 1, 5};
@@ -284,10 +284,11 @@ TEST_F(NamedScript, DeliversEventsByTheirFields)
     EXPECT_EQ(
         platform_.event("EVT_AP_ASSOCIATED_CHANGED").with("macAddress", address).with("associated", "associated").deliver(),
         1u);
-    EXPECT_EQ(tarnCancelEvent("ledd", TARN_EVT_RADIO_OPR_CHANNEL_CHANGED, nullptr, &keepEvent), 0u);
+    EXPECT_EQ(tarnCancelEvent("ledd", TARN_EVT_RADIO_OPR_CHANNEL_CHANGED, nullptr, &keepNamedEvent), 0u);
     EXPECT_EQ(moved.with("channel", 36).deliver(), 0u);
-    EXPECT_THAT(received, ElementsAre("TARN 2, radioId 1, channel 100",
-                                      "TARN 4, radioId 0, apId 0, macAddress 02:00:00:00:01:05, associated associated (1)"));
+    EXPECT_THAT(receivedFields,
+                ElementsAre("TARN 2, radioId 1, channel 100",
+                            "TARN 4, radioId 0, apId 0, macAddress 02:00:00:00:01:05, associated associated (1)"));
 }
 
 // --- How often, and in which order -----------------------------------------------------------------------------------------

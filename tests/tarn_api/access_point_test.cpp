@@ -8,7 +8,7 @@ namespace
 
 constexpr std::uint32_t kRead = 344;
 constexpr std::uint32_t kWrite = 336;
-constexpr std::uint32_t kWps = 220;
+constexpr std::uint32_t kWpsLength = 220;
 
 using AccessPoint = DeviceTest;
 
@@ -53,7 +53,7 @@ TEST_F(AccessPoint, SecurityExtensionIsTwoWords)
 
 TEST_F(AccessPoint, WpsIsReadAs164BytesBehindWhatIsWritten)
 {
-    replyNonZero(expectCommand(61, kWps).word(0, 1).word(4, 2).replyWord(216, 5), kWps);
+    replyNonZero(expectCommand(61, kWpsLength).word(0, 1).word(4, 2).replyWord(216, 5), kWpsLength);
 
     RecordOutput<TarnAccessPointWpsData, 164> data;
     EXPECT_EQ(TarnGetAccessPointWps("ledd", 2, 3, data.record()), 5u);
@@ -64,7 +64,7 @@ TEST_F(AccessPoint, WpsIsReadAs164BytesBehindWhatIsWritten)
 TEST_F(AccessPoint, WpsConfigurationIsARecordAndAValueBehindIt)
 {
     const auto cfg = nonZeroRecord<TarnAccessPointWpsCfg>();
-    expectCommand(62, kWps).word(0, 1).word(4, 2).bytes(16, cfg.bytes, 28).word(44, 0x12345678).replyWord(216, 5);
+    expectCommand(62, kWpsLength).word(0, 1).word(4, 2).bytes(16, cfg.bytes, 28).word(44, 0x12345678).replyWord(216, 5);
     EXPECT_EQ(TarnSetAccessPointWpsCfg("ledd", 2, 3, 0x12345678, cfg), 5u);
 }
 
@@ -72,7 +72,7 @@ TEST_F(AccessPoint, IdsOfZeroAreNoError)
 {
     expectCommand(56, kRead).word(0, 0xFFFFFFFF).word(4, 0xFFFFFFFF);
     expectCommand(60, kWrite).word(0, 0xFFFFFFFF).word(4, 0xFFFFFFFF);
-    expectCommand(61, kWps).word(0, 0xFFFFFFFF).word(4, 0xFFFFFFFF);
+    expectCommand(61, kWpsLength).word(0, 0xFFFFFFFF).word(4, 0xFFFFFFFF);
 
     RecordOutput<TarnAccessPointData, 32> data;
     RecordOutput<TarnAccessPointWpsData, 164> wps;

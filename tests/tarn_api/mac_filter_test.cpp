@@ -6,35 +6,35 @@ namespace tarn::test
 namespace
 {
 
-constexpr std::uint32_t kLength = 44;
+constexpr std::uint32_t kFilterLength = 44;
 
 using MacFilter = DeviceTest;
 
 TEST_F(MacFilter, ModeIsSetInOneWordAndReadInAnother)
 {
-    expectCommand(72, kLength).word(0, 1).word(4, 2).word(12, 0x12345678).word(24, 0).status(5);
+    expectCommand(72, kFilterLength).word(0, 1).word(4, 2).word(12, 0x12345678).word(24, 0).status(5);
     EXPECT_EQ(TarnSetAccessPointMacFilterMode("ledd", 2, 3, 0x12345678), 5u);
-    expectWordAt(24, 71, kLength, TarnGetAccessPointMacFilterMode);
+    expectWordAt(24, 71, kFilterLength, TarnGetAccessPointMacFilterMode);
 }
 
 TEST_F(MacFilter, AddressIsAddedAndDeletedAsSixBytes)
 {
-    expectCommand(73, kLength).word(0, 1).word(4, 2).bytes(16, kMac.data(), 6).status(5);
-    expectCommand(74, kLength).word(0, 1).word(4, 2).bytes(16, kMac.data(), 6).status(6);
+    expectCommand(73, kFilterLength).word(0, 1).word(4, 2).bytes(16, kMac.data(), 6).status(5);
+    expectCommand(74, kFilterLength).word(0, 1).word(4, 2).bytes(16, kMac.data(), 6).status(6);
     EXPECT_EQ(TarnAddAccessPointMacFilter("ledd", 2, 3, kMac.data()), 5u);
     EXPECT_EQ(TarnDelAccessPointMacFilter("ledd", 2, 3, kMac.data()), 6u);
 }
 
 TEST_F(MacFilter, NumberStandsBehindTheModeThatIsRead)
 {
-    expectWordAt(28, 75, kLength, TarnGetAccessPointMacFilterNum);
+    expectWordAt(28, 75, kFilterLength, TarnGetAccessPointMacFilterNum);
 }
 
 // An address comes back in another place than the one it is sent in; its index goes as it is, the ids less one.
 TEST_F(MacFilter, AddressIsReadByIndex)
 {
-    replyNonZero(expectCommand(76, kLength).word(0, 0).word(4, 1).word(8, 0).status(5), kLength);
-    expectCommand(76, kLength).word(0, 1).word(4, 2).word(8, 0xFFFFFFFF);
+    replyNonZero(expectCommand(76, kFilterLength).word(0, 0).word(4, 1).word(8, 0).status(5), kFilterLength);
+    expectCommand(76, kFilterLength).word(0, 1).word(4, 2).word(8, 0xFFFFFFFF);
 
     Output<6> mac;
     EXPECT_EQ(TarnGetAccessPointMacFilterAt("ledd", 1, 2, 0, mac.data()), 5u);

@@ -6,26 +6,26 @@ namespace tarn::test
 namespace
 {
 
-constexpr std::uint32_t kQuery = 9584;
-constexpr std::uint32_t kConfiguration = 4444;
-constexpr std::uint32_t kOut = 28;
+constexpr std::uint32_t kRadioQuery = 9584;
+constexpr std::uint32_t kRadioConfiguration = 4444;
+constexpr std::uint32_t kRadioOut = 28;
 
 using Radio = DeviceTest;
 
 TEST_F(Radio, DescriptionFillsTheMessageBehindItsInputs)
 {
-    replyNonZero(expectCommand(7, kQuery).word(0, 1).status(4), kQuery);
+    replyNonZero(expectCommand(7, kRadioQuery).word(0, 1).status(4), kRadioQuery);
 
     RecordOutput<TarnRadioData, 9552> data;
     EXPECT_EQ(TarnGetRadio("ledd", 2, data.record()), 4u);
-    data.expectFrom(kOut);
+    data.expectFrom(kRadioOut);
 }
 
 TEST_F(Radio, IdIsSentLessOneAndNotCheckedForItsRange)
 {
-    expectCommand(8, kQuery).word(0, 0xFFFFFFFF);
-    expectCommand(8, kQuery).word(0, 1);
-    expectCommand(8, kQuery).word(0, 0xFFFFFFFE);
+    expectCommand(8, kRadioQuery).word(0, 0xFFFFFFFF);
+    expectCommand(8, kRadioQuery).word(0, 1);
+    expectCommand(8, kRadioQuery).word(0, 0xFFFFFFFE);
 
     std::uint32_t isReady = 0;
     EXPECT_EQ(TarnGetRadioIsReady("ledd", 0, &isReady), 0u);
@@ -36,12 +36,12 @@ TEST_F(Radio, IdIsSentLessOneAndNotCheckedForItsRange)
 // While every other query of a radio sends an id less one as the first word.
 TEST_F(Radio, IndexIsSentAsItIsInTheSecondWord)
 {
-    replyNonZero(expectCommand(6, kQuery).word(0, 0).word(4, 1), kQuery);
-    expectCommand(6, kQuery);
+    replyNonZero(expectCommand(6, kRadioQuery).word(0, 0).word(4, 1), kRadioQuery);
+    expectCommand(6, kRadioQuery);
 
     RecordOutput<TarnRadioData, 9552> data;
     EXPECT_EQ(TarnGetRadioAt("ledd", 1, data.record()), 0u);
-    data.expectFrom(kOut);
+    data.expectFrom(kRadioOut);
     EXPECT_EQ(TarnGetRadioAt("ledd", 0, data.record()), 0u);
 }
 
@@ -53,17 +53,17 @@ TEST_F(Radio, MissingDescriptionByIndexIsReportedAsTheNumber)
 
 TEST_F(Radio, QueriesWithoutARadioSendZeros)
 {
-    expectWordAt(kOut, 4, kQuery, TarnGetRadioIsSupportedWFAAlliance);
-    expectWordAt(kOut, 5, kQuery, TarnGetRadioNum);
+    expectWordAt(kRadioOut, 4, kRadioQuery, TarnGetRadioIsSupportedWFAAlliance);
+    expectWordAt(kRadioOut, 5, kRadioQuery, TarnGetRadioNum);
 }
 
 TEST_F(Radio, WordsStandBehindTheInputs)
 {
-    expectWordAt(kOut, 8, kQuery, TarnGetRadioIsReady);
-    expectWordAt(kOut, 13, kQuery, TarnGetRadioIsSupportedWdsInterface);
-    expectWordAt(kOut, 16, kQuery, TarnGetRadioChainNumber);
-    expectWordAt(kOut, 18, kQuery, TarnGetRadioChipTemperature, 4);
-    expectWordAt(kOut, 19, kQuery, TarnGetRadioPrimarySSIDIntfId);
+    expectWordAt(kRadioOut, 8, kRadioQuery, TarnGetRadioIsReady);
+    expectWordAt(kRadioOut, 13, kRadioQuery, TarnGetRadioIsSupportedWdsInterface);
+    expectWordAt(kRadioOut, 16, kRadioQuery, TarnGetRadioChainNumber);
+    expectWordAt(kRadioOut, 18, kRadioQuery, TarnGetRadioChipTemperature, 4);
+    expectWordAt(kRadioOut, 19, kRadioQuery, TarnGetRadioPrimarySSIDIntfId);
 }
 
 // Its neighbours in this list of functions have a message a hundred times as long.
@@ -74,8 +74,8 @@ TEST_F(Radio, OperatorRoamingHasTheShortMessage)
 
 TEST_F(Radio, ChainIndexIsSentAsItIs)
 {
-    expectCommand(17, kQuery, 4).word(0, 1).word(4, 0).replyWord(kOut, 0xFFFFFFC4);
-    expectCommand(17, kQuery, 4).word(0, 0).word(4, 3);
+    expectCommand(17, kRadioQuery, 4).word(0, 1).word(4, 0).replyWord(kRadioOut, 0xFFFFFFC4);
+    expectCommand(17, kRadioQuery, 4).word(0, 0).word(4, 3);
 
     std::uint32_t rssi = kUntouched;
     EXPECT_EQ(TarnGetRadioChainRssiAt("ledd", 2, 0, &rssi), 0u);
@@ -86,44 +86,44 @@ TEST_F(Radio, ChainIndexIsSentAsItIs)
 TEST_F(Radio, ConfigurationFillsTheMessageBehindItsParameter)
 {
     const auto cfg = nonZeroRecord<TarnRadioCfg>();
-    expectCommand(9, kConfiguration).word(0, 1).word(4, 0x12345678).bytes(8, cfg.bytes, 4432).status(5);
+    expectCommand(9, kRadioConfiguration).word(0, 1).word(4, 0x12345678).bytes(8, cfg.bytes, 4432).status(5);
     EXPECT_EQ(TarnSetRadioCfg("ledd", 2, 0x12345678, cfg), 5u);
 }
 
 TEST_F(Radio, ExtendedConfigurationIs60BytesOfTheSameMessage)
 {
     const auto cfg = nonZeroRecord<TarnRadioExCfg>();
-    expectCommand(10, kConfiguration).word(0, 1).word(4, 0x12345678).bytes(8, cfg.bytes, 60).status(5);
+    expectCommand(10, kRadioConfiguration).word(0, 1).word(4, 0x12345678).bytes(8, cfg.bytes, 60).status(5);
     EXPECT_EQ(TarnSetRadioExCfg("ledd", 2, 0x12345678, cfg), 5u);
 }
 
 TEST_F(Radio, ParameterIsSentAsItIs)
 {
-    expectCommand(10, kConfiguration).word(4, 0);
+    expectCommand(10, kRadioConfiguration).word(4, 0);
     EXPECT_EQ(TarnSetRadioExCfg("ledd", 1, 0, {}), 0u);
 }
 
 TEST_F(Radio, StatisticsAre96Bytes)
 {
-    replyNonZero(expectCommand(11, kQuery, 4).word(0, 1), kQuery);
+    replyNonZero(expectCommand(11, kRadioQuery, 4).word(0, 1), kRadioQuery);
 
     RecordOutput<TarnRadioStats, 96> stats;
     EXPECT_EQ(TarnGetRadioStats("ledd", 2, stats.record()), 0u);
-    stats.expectFrom(kOut);
+    stats.expectFrom(kRadioOut);
 }
 
 // 65 bytes and no more, and those behind a NUL among them too.
 TEST_F(Radio, DriverVersionIsCopiedBeyondItsNul)
 {
-    mock::Call call = expectCommand(12, kQuery).word(0, 1);
-    replyNonZero(call, kQuery);
-    call.replyText(kOut, "4.2");
+    mock::Call call = expectCommand(12, kRadioQuery).word(0, 1);
+    replyNonZero(call, kRadioQuery);
+    call.replyText(kRadioOut, "4.2");
 
     Output<65> version;
     EXPECT_EQ(TarnGetRadioDriverVersion("ledd", 2, version.text()), 0u);
 
-    std::vector<std::uint8_t> expected = nonZeroBytes(kOut + 65);
-    expected.erase(expected.begin(), expected.begin() + kOut);
+    std::vector<std::uint8_t> expected = nonZeroBytes(kRadioOut + 65);
+    expected.erase(expected.begin(), expected.begin() + kRadioOut);
     std::copy_n("4.2", 4, expected.begin());
     version.expectBytes(expected);
 }
@@ -131,18 +131,18 @@ TEST_F(Radio, DriverVersionIsCopiedBeyondItsNul)
 TEST_F(Radio, PossibleChannelsTakeASelectorAndGiveAList)
 {
     const auto query = nonZeroRecord<TarnChannelQuery>();
-    replyNonZero(expectCommand(14, kQuery).word(0, 1).word(4, 0).bytes(8, query.bytes, 20), kQuery);
+    replyNonZero(expectCommand(14, kRadioQuery).word(0, 1).word(4, 0).bytes(8, query.bytes, 20), kRadioQuery);
 
     Output<256> channels;
     EXPECT_EQ(TarnGetRadioPossibleChannels("ledd", 2, query, channels.data()), 0u);
-    channels.expectFrom(kOut);
+    channels.expectFrom(kRadioOut);
 }
 
 // The first byte of the word as it is in memory: the most significant one on a big-endian host.
 TEST_F(Radio, TransmitPowerLevelIsOneByte)
 {
     const std::uint8_t reply[] = {0x12, 0x34, 0x56, 0x78};
-    expectCommand(15, kQuery).word(0, 1).replyBytes(kOut, reply, 4);
+    expectCommand(15, kRadioQuery).word(0, 1).replyBytes(kRadioOut, reply, 4);
 
     Output<1> power;
     EXPECT_EQ(TarnGetRadioCurrentTransmitPowerLevel("ledd", 2, power.data()), 0u);

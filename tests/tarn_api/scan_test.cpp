@@ -6,9 +6,9 @@ namespace tarn::test
 namespace
 {
 
-constexpr std::uint32_t kQuery = 9584;
+constexpr std::uint32_t kScanQuery = 9584;
 constexpr std::uint32_t kAction = 4444;
-constexpr std::uint32_t kOut = 28;
+constexpr std::uint32_t kScanOut = 28;
 
 using Scan = DeviceTest;
 
@@ -22,19 +22,19 @@ TEST_F(Scan, IsStartedAndCancelledByTheRadioAlone)
 
 TEST_F(Scan, StatusAndNumberOfResultsAreWords)
 {
-    expectWordAt(kOut, 20, kQuery, TarnGetRadioNeighboringStatus);
-    expectWordAt(kOut, 23, kQuery, TarnGetRadioNeighboringResultNum);
+    expectWordAt(kScanOut, 20, kScanQuery, TarnGetRadioNeighboringStatus);
+    expectWordAt(kScanOut, 23, kScanQuery, TarnGetRadioNeighboringResultNum);
 }
 
 // The radio's id goes less one, the index does not.
 TEST_F(Scan, ResultIsAskedForByAnIndexThatIsSentAsItIs)
 {
-    replyNonZero(expectCommand(24, kQuery).word(0, 0).word(4, 0), kQuery);
-    expectCommand(24, kQuery).word(0, 1).word(4, 5);
+    replyNonZero(expectCommand(24, kScanQuery).word(0, 0).word(4, 0), kScanQuery);
+    expectCommand(24, kScanQuery).word(0, 1).word(4, 5);
 
     RecordOutput<TarnNeighborBss, 88> bss;
     EXPECT_EQ(TarnGetRadioNeighboringResultAt("ledd", 1, 0, bss.record()), 0u);
-    bss.expectFrom(kOut);
+    bss.expectFrom(kScanOut);
     EXPECT_EQ(TarnGetRadioNeighboringResultAt("ledd", 2, 5, bss.record()), 0u);
 }
 

@@ -8,15 +8,15 @@ namespace tarn::test
 namespace
 {
 
-constexpr std::uint32_t kLength = 2240;
-constexpr std::uint32_t kOut = 536;
+constexpr std::uint32_t kTableLength = 2240;
+constexpr std::uint32_t kTableOut = 536;
 
 using SmartWifiTable = DeviceTest;
 
 TEST_F(SmartWifiTable, SnapshotTakesNoArgument)
 {
     for (const std::uint32_t command : {97u, 100u, 103u, 106u})
-        expectCommand(command, kLength).status(command);
+        expectCommand(command, kTableLength).status(command);
     EXPECT_EQ(TarnSyncQuantennaSmartWiFiBSSTable("ledd"), 97u);
     EXPECT_EQ(TarnSyncQuantennaSmartWiFiAssoiated("ledd"), 100u);
     EXPECT_EQ(TarnSyncQuantennaSmartWiFiRecordInfo("ledd"), 103u);
@@ -25,57 +25,57 @@ TEST_F(SmartWifiTable, SnapshotTakesNoArgument)
 
 TEST_F(SmartWifiTable, NumberOfEntriesStandsWhereTheEntryWill)
 {
-    expectWordAt(kOut, 98, kLength, TarnGetQuantennaSmartWiFiBSSEntryNumber);
-    expectWordAt(kOut, 101, kLength, TarnGetQuantennaSmartWiFiAssoiatedNumber);
-    expectWordAt(kOut, 104, kLength, TarnGetQuantennaSmartWiFiRecordInfoNumber);
-    expectWordAt(kOut, 107, kLength, TarnGetQuantennaSmartWiFiSlaveDeviceNumber);
+    expectWordAt(kTableOut, 98, kTableLength, TarnGetQuantennaSmartWiFiBSSEntryNumber);
+    expectWordAt(kTableOut, 101, kTableLength, TarnGetQuantennaSmartWiFiAssoiatedNumber);
+    expectWordAt(kTableOut, 104, kTableLength, TarnGetQuantennaSmartWiFiRecordInfoNumber);
+    expectWordAt(kTableOut, 107, kTableLength, TarnGetQuantennaSmartWiFiSlaveDeviceNumber);
 }
 
 TEST_F(SmartWifiTable, BssEntryIs256Bytes)
 {
-    replyNonZero(expectCommand(99, kLength).word(4, 1).status(5), kLength);
+    replyNonZero(expectCommand(99, kTableLength).word(4, 1).status(5), kTableLength);
 
     RecordOutput<TarnQuantennaSmartWiFiBSSEntryData, 256> data;
     EXPECT_EQ(TarnGetQuantennaSmartWiFiBSSEntryAt("ledd", 1, data.record()), 5u);
-    data.expectFrom(kOut);
+    data.expectFrom(kTableOut);
 }
 
 TEST_F(SmartWifiTable, AssociatedStationIs88Bytes)
 {
-    replyNonZero(expectCommand(102, kLength).word(4, 1).status(5), kLength);
+    replyNonZero(expectCommand(102, kTableLength).word(4, 1).status(5), kTableLength);
 
     RecordOutput<TarnQuantennaSmartWiFiAssoiatedData, 88> data;
     EXPECT_EQ(TarnGetQuantennaSmartWiFiAssoiatedAt("ledd", 1, data.record()), 5u);
-    data.expectFrom(kOut);
+    data.expectFrom(kTableOut);
 }
 
 // The only entry with a word of its own, in front of a record of an odd size.
 TEST_F(SmartWifiTable, RecordInfoIsAStatusAnd257Bytes)
 {
-    mock::Call call = expectCommand(105, kLength).word(4, 1).status(5);
-    replyNonZero(call, kLength);
+    mock::Call call = expectCommand(105, kTableLength).word(4, 1).status(5);
+    replyNonZero(call, kTableLength);
     call.replyWord(532, 0x12345678);
 
     std::uint32_t status = kUntouched;
     RecordOutput<TarnQuantennaSmartWiFiRecordInfoData, 257> data;
     EXPECT_EQ(TarnGetQuantennaSmartWiFiRecordInfoAt("ledd", 1, &status, data.record()), 5u);
     EXPECT_EQ(status, 0x12345678u);
-    data.expectFrom(kOut);
+    data.expectFrom(kTableOut);
 }
 
 TEST_F(SmartWifiTable, SlaveDeviceIsAnAddress)
 {
-    replyNonZero(expectCommand(108, kLength).word(4, 1).status(5), kLength);
+    replyNonZero(expectCommand(108, kTableLength).word(4, 1).status(5), kTableLength);
 
     Output<6> mac;
     EXPECT_EQ(TarnGetQuantennaSmartWiFiSlaveDeviceAt("ledd", 1, mac.data()), 5u);
-    mac.expectFrom(kOut);
+    mac.expectFrom(kTableOut);
 }
 
 TEST_F(SmartWifiTable, IndexIsSentAsItIs)
 {
     for (const std::uint32_t command : {99u, 102u, 105u, 108u})
-        expectCommand(command, kLength).word(4, 0);
+        expectCommand(command, kTableLength).word(4, 0);
 
     RecordOutput<TarnQuantennaSmartWiFiBSSEntryData, 256> entry;
     RecordOutput<TarnQuantennaSmartWiFiAssoiatedData, 88> station;

@@ -6,8 +6,8 @@ namespace tarn::test
 namespace
 {
 
-constexpr std::uint32_t kQuery = 144;
-constexpr std::uint32_t kConfiguration = 56;
+constexpr std::uint32_t kSsidQuery = 144;
+constexpr std::uint32_t kSsidConfiguration = 56;
 constexpr std::uint32_t kRoaming = 16;
 constexpr std::uint32_t kBlockList = 36;
 
@@ -15,7 +15,7 @@ using SsidInterface = DeviceTest;
 
 TEST_F(SsidInterface, IsAddressedByTwoIdsLessOne)
 {
-    replyNonZero(expectCommand(44, kQuery).word(0, 0).word(4, 1).status(5), kQuery);
+    replyNonZero(expectCommand(44, kSsidQuery).word(0, 0).word(4, 1).status(5), kSsidQuery);
 
     RecordOutput<TarnSsidIntfData, 128> data;
     EXPECT_EQ(TarnGetSsidIntf("ledd", 1, 2, data.record()), 5u);
@@ -24,7 +24,7 @@ TEST_F(SsidInterface, IsAddressedByTwoIdsLessOne)
 
 TEST_F(SsidInterface, IdsOfZeroAreNoError)
 {
-    expectCommand(44, kQuery).word(0, 0xFFFFFFFF).word(4, 0xFFFFFFFF);
+    expectCommand(44, kSsidQuery).word(0, 0xFFFFFFFF).word(4, 0xFFFFFFFF);
 
     RecordOutput<TarnSsidIntfData, 128> data;
     EXPECT_EQ(TarnGetSsidIntf("ledd", 0, 0, data.record()), 0u);
@@ -33,8 +33,8 @@ TEST_F(SsidInterface, IdsOfZeroAreNoError)
 // The word that holds the interface's id elsewhere stays zero.
 TEST_F(SsidInterface, IndexIsSentAsItIsInTheThirdWord)
 {
-    replyNonZero(expectCommand(43, kQuery).word(0, 1).word(4, 0).word(8, 1), kQuery);
-    expectCommand(43, kQuery).word(0, 0).word(8, 0);
+    replyNonZero(expectCommand(43, kSsidQuery).word(0, 1).word(4, 0).word(8, 1), kSsidQuery);
+    expectCommand(43, kSsidQuery).word(0, 0).word(8, 0);
 
     RecordOutput<TarnSsidIntfData, 128> data;
     EXPECT_EQ(TarnGetSsidIntfAt("ledd", 2, 1, data.record()), 0u);
@@ -44,25 +44,25 @@ TEST_F(SsidInterface, IndexIsSentAsItIsInTheThirdWord)
 
 TEST_F(SsidInterface, NumberBelongsToARadio)
 {
-    expectWordAt(12, 42, kQuery, TarnGetSsidIntfNum);
+    expectWordAt(12, 42, kSsidQuery, TarnGetSsidIntfNum);
 }
 
 TEST_F(SsidInterface, ConfigurationStandsBehindIdsAndParameter)
 {
     const auto cfg = nonZeroRecord<TarnSsidIntfCfg>();
-    expectCommand(45, kConfiguration).word(0, 1).word(4, 2).word(8, 0x12345678).bytes(12, cfg.bytes, 40).status(5);
+    expectCommand(45, kSsidConfiguration).word(0, 1).word(4, 2).word(8, 0x12345678).bytes(12, cfg.bytes, 40).status(5);
     EXPECT_EQ(TarnSetSsidIntfCfg("ledd", 2, 3, 0x12345678, cfg), 5u);
 }
 
 TEST_F(SsidInterface, StatisticsAloneTakeTheLongerWait)
 {
-    replyNonZero(expectCommand(46, kQuery, 4).word(0, 1).word(4, 2), kQuery);
+    replyNonZero(expectCommand(46, kSsidQuery, 4).word(0, 1).word(4, 2), kSsidQuery);
 
     RecordOutput<TarnSsidIntfStats, 84> stats;
     EXPECT_EQ(TarnGetSsidIntfStats("ledd", 2, 3, stats.record()), 0u);
     stats.expectFrom(12);
 
-    expectWordAt(12, 47, kQuery, TarnGetSsidIntfIsPrimarySSIDIntf, 3);
+    expectWordAt(12, 47, kSsidQuery, TarnGetSsidIntfIsPrimarySSIDIntf, 3);
 }
 
 TEST_F(SsidInterface, RoamingIsReadAndSetThroughOneWord)

@@ -6,7 +6,7 @@ namespace tarn::test
 namespace
 {
 
-constexpr std::uint32_t kWps = 220;
+constexpr std::uint32_t kWindow = 220;
 constexpr std::uint32_t kStation = 140;
 
 using WpsWindow = DeviceTest;
@@ -14,20 +14,20 @@ using Stations = DeviceTest;
 
 TEST_F(WpsWindow, StatusStandsBetweenTheConfigurationAndTheSettings)
 {
-    expectWordAt(48, 63, kWps, TarnGetAccessPointWpsWindowStatus);
+    expectWordAt(48, 63, kWindow, TarnGetAccessPointWpsWindowStatus);
 }
 
 TEST_F(WpsWindow, IsTriggeredWithTwoValues)
 {
-    expectCommand(64, kWps, 4).word(0, 1).word(4, 2).word(8, 0).word(12, 0x12345678).status(5);
-    expectCommand(64, kWps, 4).word(0, 1).word(4, 2).word(8, 0x12345678).word(12, 0);
+    expectCommand(64, kWindow, 4).word(0, 1).word(4, 2).word(8, 0).word(12, 0x12345678).status(5);
+    expectCommand(64, kWindow, 4).word(0, 1).word(4, 2).word(8, 0x12345678).word(12, 0);
     EXPECT_EQ(TarnTriggerAccessPointWpsWindow("ledd", 2, 3, 0, 0x12345678), 5u);
     EXPECT_EQ(TarnTriggerAccessPointWpsWindow("ledd", 2, 3, 0x12345678, 0), 0u);
 }
 
 TEST_F(WpsWindow, IsCancelledByTheAccessPointAlone)
 {
-    expectCommand(65, kWps, 4).word(0, 1).word(4, 2).status(5);
+    expectCommand(65, kWindow, 4).word(0, 1).word(4, 2).status(5);
     EXPECT_EQ(TarnCancelAccessPointWpsWindow("ledd", 2, 3), 5u);
 }
 

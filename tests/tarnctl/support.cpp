@@ -29,7 +29,7 @@ std::string readFile(const std::string& path)
     return text.str();
 }
 
-const Schema& publishedSchema()
+const Schema& publishedValidator()
 {
     static const Schema schema(Json::parse(readFile(TARNCTL_SCHEMA)));
     return schema;
@@ -76,7 +76,7 @@ Json checkedDocument(const std::string& text)
         ADD_FAILURE() << "no JSON document: " << text;
         return Json::object();
     }
-    for (const std::string& violation : publishedSchema().violations(document))
+    for (const std::string& violation : publishedValidator().violations(document))
         ADD_FAILURE() << violation << "\n" << text.substr(0, 2000);
     return document;
 }

@@ -28,12 +28,12 @@ struct Side
     std::string text; // "answered", or why it was refused; empty if it was not asked
 };
 
-struct Subject
+struct ComparedSubject
 {
     std::string function;
     std::string title;
 
-    bool operator<(const Subject& other) const
+    bool operator<(const ComparedSubject& other) const
     {
         return std::tie(function, title) < std::tie(other.function, other.title);
     }
@@ -41,7 +41,7 @@ struct Subject
 
 struct Pair
 {
-    Subject subject;
+    ComparedSubject subject;
     Side a;
     Side b;
 };
@@ -67,7 +67,7 @@ std::string addressIn(const Json& fields)
 }
 
 // "wifi0, entry 02:00:00:00:01:01" rather than its number, which changes as others come and go.
-std::string titleOf(const Json& answer)
+std::string answerTitle(const Json& answer)
 {
     Json subject = answer["subject"];
     const bool isEntry = subject.contains("index") && !subject.contains("station") && answer.contains("fields");
@@ -105,7 +105,7 @@ private:
     // An entry may be there more than once.
     Side& place(const Json& answer, Side Pair::*side)
     {
-        Subject subject{answer["function"].get<std::string>(), titleOf(answer)};
+        ComparedSubject subject{answer["function"].get<std::string>(), answerTitle(answer)};
         while (true)
         {
             const auto [found, isNew] = indices_.emplace(subject, pairs_.size());
@@ -118,7 +118,7 @@ private:
     }
 
     std::vector<Pair> pairs_;
-    std::map<Subject, std::size_t> indices_;
+    std::map<ComparedSubject, std::size_t> indices_;
 };
 
 class Comparer
@@ -177,7 +177,7 @@ private:
                 compareField(pair.subject, path, nullptr, &field);
     }
 
-    void compareField(const Subject& subject, const std::string& path, const Json* a, const Json* b)
+    void compareField(const ComparedSubject& subject, const std::string& path, const Json* a, const Json* b)
     {
         if (!withMeasured_ && (is(a, "volatile") || is(b, "volatile")))
         {

@@ -17,7 +17,7 @@ namespace
 
 constexpr char kWhatIsRead[] = "a report that tarnctl report --json FILE wrote";
 
-std::string plainText(const Json& value)
+std::string shownText(const Json& value)
 {
     return value.is_string() ? printable(value.get<std::string>()) : value.dump();
 }
@@ -111,10 +111,10 @@ Cell fieldCell(const Json& field)
     cell.hasNames = field.contains("name") || field.contains("flags");
     cell.name = field.value("name", "");
     if (field.contains("flags"))
-        cell.name = base::join(field["flags"], ", ", plainText);
+        cell.name = base::join(field["flags"], ", ", shownText);
     cell.unit = field.value("unit", "");
     if (field.contains("hex"))
-        cell.shown = plainText(field["value"]) + " (" + field["hex"].get<std::string>() + ")";
+        cell.shown = shownText(field["value"]) + " (" + field["hex"].get<std::string>() + ")";
     return cell;
 }
 

@@ -58,7 +58,7 @@ const char* kindOf(Tone tone)
 
 // --- Tables -----------------------------------------------------------------------------------------------------------------
 
-Markup tableCell(const Cell& cell, ToneOf toneOf)
+Markup cellMarkup(const Cell& cell, ToneOf toneOf)
 {
     constexpr std::size_t kLongest = 48; // that is not broken within words
     std::string kind;
@@ -97,7 +97,7 @@ Markup table(const std::vector<Column>& columns, const std::vector<Fields>& list
     {
         Markup row;
         for (const Column& column : columns)
-            row += tableCell(fields[column.field], column.tone);
+            row += cellMarkup(fields[column.field], column.tone);
         rows += element("tr", row);
     }
     return table(head, rows);
@@ -467,7 +467,7 @@ std::vector<std::string> pathsOf(const std::vector<const Json*>& answers)
 Markup cellAt(const Json& answer, const std::string& path)
 {
     const Json& fields = answer["fields"];
-    return tableCell(fields.contains(path) ? fieldCell(fields[path]) : Cell(), nullptr);
+    return cellMarkup(fields.contains(path) ? fieldCell(fields[path]) : Cell(), nullptr);
 }
 
 // A row a field as long as there is room for the answers beside each other, else a row an answer.

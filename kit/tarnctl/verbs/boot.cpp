@@ -16,12 +16,12 @@ struct BootOptions
     std::vector<std::string> words;
 };
 
-std::vector<std::string> actions()
+std::vector<std::string> bootActions()
 {
     return {"get", "set"};
 }
 
-void declare(Syntax& syntax, BootOptions& options)
+void declareBoot(Syntax& syntax, BootOptions& options)
 {
     syntax.text("ACTION", options.action, "get or set");
     syntax.texts("WORD", options.words, "Names; or an interface, a name and a value");
@@ -57,7 +57,7 @@ ExitCode set(const Console& console, const std::vector<std::string>& words)
 
 ExitCode boot(const Console& console, const BootOptions& options)
 {
-    requireAction("boot", options.action, actions());
+    requireAction("boot", options.action, bootActions());
     return options.action == "get" ? get(console, options.words) : set(console, options.words);
 }
 
@@ -65,7 +65,7 @@ ExitCode boot(const Console& console, const BootOptions& options)
 
 void addBoot(Verbs& verbs)
 {
-    verbs.add("boot", "Reads or sets what the Wi-Fi module keeps over a restart", &declare, &boot, &actions);
+    verbs.add("boot", "Reads or sets what the Wi-Fi module keeps over a restart", &declareBoot, &boot, &bootActions);
 }
 
 } // namespace tarn::ctl

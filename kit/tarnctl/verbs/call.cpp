@@ -11,7 +11,7 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr char kHelp[] = R"(Values:
+constexpr char kCallHelp[] = R"(Values:
   number       decimal or 0x...; of a negative one the two's complement is taken
   text         as given; null is a null pointer (--text for the word itself)
   bytes        two hexadecimal digits a byte, @file, or zero
@@ -37,7 +37,7 @@ struct CallOptions
     bool isDryRun = false;
 };
 
-void declare(Syntax& syntax, CallOptions& options)
+void declareCall(Syntax& syntax, CallOptions& options)
 {
     syntax.text("NAME", options.name, "The function's name");
     syntax.texts("ARGUMENT=VALUE", options.arguments, "The function's arguments, in any order");
@@ -46,7 +46,7 @@ void declare(Syntax& syntax, CallOptions& options)
     syntax.flag("--dry-run", options.isDryRun, "Show the message instead of sending it");
     syntax.each("--save", options.savings, "ARGUMENT=FILE, write an output's bytes into a file");
     syntax.exclude("--save", "--dry-run");
-    syntax.footer(kHelp);
+    syntax.footer(kCallHelp);
 }
 
 PreparedArguments argumentsOf(const LibraryFunction& function, const CallOptions& options)
@@ -86,7 +86,7 @@ ExitCode call(const Console& console, const CallOptions& options)
 
 void addCall(Verbs& verbs)
 {
-    verbs.add("call", "Calls a function, or shows what it would send", &declare, &call, &functionNames);
+    verbs.add("call", "Calls a function, or shows what it would send", &declareCall, &call, &functionNames);
 }
 
 } // namespace tarn::ctl

@@ -30,7 +30,7 @@ struct CompleteOptions
     std::vector<std::string> words; // those behind "tarnctl", the last as far as it is typed
 };
 
-void declare(Syntax& syntax, CompleteOptions& options)
+void declareComplete(Syntax& syntax, CompleteOptions& options)
 {
     syntax.texts("WORD", options.words, "The words of the command line");
 }
@@ -295,7 +295,7 @@ void addComplete(Verbs& verbs)
 {
     const auto act = [&verbs](const Console& console, const CompleteOptions& options)
     { return complete(console, verbs, options.words); };
-    verbs.add("complete", "Says what can complete a command line", &declare, act);
+    verbs.add("complete", "Says what can complete a command line", &declareComplete, act);
 }
 
 } // namespace tarn::ctl

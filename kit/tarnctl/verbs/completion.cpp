@@ -37,7 +37,7 @@ constexpr std::array<Shell, 3> kShells = {{
     {"fish", "tarnctl.fish"},
 }};
 
-void declare(Syntax& syntax, CompletionOptions& options)
+void declareCompletion(Syntax& syntax, CompletionOptions& options)
 {
     syntax.text("SHELL", options.shell, "bash, zsh or fish");
     syntax.footer("To use it:  source <(tarnctl completion bash)    or zsh\n"
@@ -83,7 +83,7 @@ ExitCode completion(const Console& console, const CompletionOptions& options)
 
 void addCompletion(Verbs& verbs)
 {
-    verbs.add("completion", "Writes a script that completes command lines", &declare, &completion, &shellNames);
+    verbs.add("completion", "Writes a script that completes command lines", &declareCompletion, &completion, &shellNames);
 }
 
 } // namespace tarn::ctl

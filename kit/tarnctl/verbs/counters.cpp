@@ -20,7 +20,7 @@ struct CountersOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, CountersOptions& options)
+void declareCounters(Syntax& syntax, CountersOptions& options)
 {
     declareTargets(syntax, options.targets);
     declareWatch(syntax, options.watch);
@@ -141,7 +141,7 @@ ExitCode counters(const Console& console, const CountersOptions& options)
 
 void addCounters(Verbs& verbs)
 {
-    verbs.add("counters", "Shows what the networks have sent and received", &declare, &counters);
+    verbs.add("counters", "Shows what the networks have sent and received", &declareCounters, &counters);
 }
 
 } // namespace tarn::ctl

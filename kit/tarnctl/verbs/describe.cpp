@@ -18,7 +18,7 @@ struct DescribeOptions
     std::string name;
 };
 
-void declare(Syntax& syntax, DescribeOptions& options)
+void declareDescribe(Syntax& syntax, DescribeOptions& options)
 {
     syntax.text("NAME", options.name, "The function's name");
 }
@@ -247,7 +247,8 @@ ExitCode describe(const Console& console, const DescribeOptions& options)
 
 void addDescribe(Verbs& verbs)
 {
-    verbs.add("describe", "Shows what a function takes, checks, sends and gives back", &declare, &describe, &functionNames);
+    verbs.add("describe", "Shows what a function takes, checks, sends and gives back", &declareDescribe, &describe,
+              &functionNames);
 }
 
 } // namespace tarn::ctl

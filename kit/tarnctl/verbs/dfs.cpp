@@ -14,7 +14,7 @@ struct DfsOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, DfsOptions& options)
+void declareDfs(Syntax& syntax, DfsOptions& options)
 {
     declareTargets(syntax, options.targets);
     declareWatch(syntax, options.watch);
@@ -70,7 +70,7 @@ void addDfs(Verbs& verbs)
 {
     const auto act = [](const Console& console, const DfsOptions& options)
     { return watch(console, options.watch, [&](const Console& frame) { return dfs(frame, options); }); };
-    verbs.add("dfs", "Shows radar checks and the channels' availability", &declare, act);
+    verbs.add("dfs", "Shows radar checks and the channels' availability", &declareDfs, act);
 }
 
 } // namespace tarn::ctl

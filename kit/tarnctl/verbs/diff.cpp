@@ -27,7 +27,7 @@ struct DiffOptions
     bool withMeasured = false;
 };
 
-void declare(Syntax& syntax, DiffOptions& options)
+void declareDiff(Syntax& syntax, DiffOptions& options)
 {
     syntax.text("A", options.a, "A report that report --json FILE wrote, or the directory of a running gateway's sockets");
     syntax.text("B", options.b, "What it is compared with");
@@ -59,7 +59,7 @@ Json reportFrom(const Console& console, const std::string& source)
     return std::filesystem::is_directory(status) ? reportOfGateway(console, source) : readReport(source);
 }
 
-std::string titleOf(const Json& layout)
+std::string layoutTitle(const Json& layout)
 {
     if (!layout.is_object())
         return "no layout";
@@ -70,7 +70,7 @@ std::string titleOf(const Json& layout)
 std::vector<std::string> notesOn(const Json& a, const Json& b, const Comparison& comparison)
 {
     std::vector<std::string> notes;
-    const auto layoutOf = [](const Json& report) { return titleOf(report.value("layout", Json(nullptr))); };
+    const auto layoutOf = [](const Json& report) { return layoutTitle(report.value("layout", Json(nullptr))); };
     if (layoutOf(a) != layoutOf(b))
         notes.push_back("read by different layouts: A by " + layoutOf(a) + ", B by " + layoutOf(b));
     if (comparison.hidden > 0)
@@ -122,7 +122,7 @@ ExitCode diff(const Console& console, const DiffOptions& options)
 
 void addDiff(Verbs& verbs)
 {
-    verbs.add("diff", "Compares two reports, or two running gateways, field by field", &declare, &diff);
+    verbs.add("diff", "Compares two reports, or two running gateways, field by field", &declareDiff, &diff);
 }
 
 } // namespace tarn::ctl

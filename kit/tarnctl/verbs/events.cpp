@@ -29,7 +29,7 @@ struct EventsOptions
     CallerId callerId = kOwnCallerId;
 };
 
-void declare(Syntax& syntax, EventsOptions& options)
+void declareEvents(Syntax& syntax, EventsOptions& options)
 {
     constexpr double kLongest = 1e9;
     syntax.texts("EVENT", options.events, "Names or numbers of events; all five if none is given");
@@ -59,7 +59,7 @@ std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
 }
 
 // " radioId=1 channel=44" where there is a layout, and in hexadecimal where none tells of all the bytes.
-std::string dataText(const contract::Event& event, const Bytes& data)
+std::string eventText(const contract::Event& event, const Bytes& data)
 {
     const layout::Structure* const structure = structureOf(event);
     const bool isExplained = structure != nullptr && data.size() == structure->size;
@@ -78,7 +78,7 @@ void write(const Console& console, const ReceivedEvent& event)
     if (!console.json)
     {
         console.out << event.time << ' ' << event.service << ' ' << event.number << ' ' << name << ' ' << event.data.size()
-                    << " bytes" << dataText(known, event.data) << '\n'
+                    << " bytes" << eventText(known, event.data) << '\n'
                     << std::flush;
         return;
     }
@@ -265,7 +265,7 @@ ExitCode events(const Console& settings, const EventsOptions& options)
 
 void addEvents(Verbs& verbs)
 {
-    verbs.add("events", "Watches events of the device service", &declare, &events, &eventNames);
+    verbs.add("events", "Watches events of the device service", &declareEvents, &events, &eventNames);
 }
 
 } // namespace tarn::ctl

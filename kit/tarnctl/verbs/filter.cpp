@@ -18,12 +18,12 @@ struct FilterOptions
     std::vector<std::string> words;
 };
 
-std::vector<std::string> actions()
+std::vector<std::string> filterActions()
 {
     return {"list", "add", "remove", "mode"};
 }
 
-void declare(Syntax& syntax, FilterOptions& options)
+void declareFilter(Syntax& syntax, FilterOptions& options)
 {
     syntax.text("ACTION", options.action, "list, add, remove or mode");
     syntax.texts("WORD", options.words, "Interfaces, addresses or a mode, as the action needs them");
@@ -46,7 +46,7 @@ Fields filterOf(Survey& survey, const Interface& interface)
     return filter;
 }
 
-ExitCode list(const Console& console, const std::vector<std::string>& targets)
+ExitCode listFilters(const Console& console, const std::vector<std::string>& targets)
 {
     Survey survey("filter");
     Page page("filter");
@@ -85,7 +85,7 @@ ExitCode edit(const Console& console, const FilterOptions& options)
 ExitCode mode(const Console& console, const std::vector<std::string>& words)
 {
     if (words.size() == 1)
-        return list(console, words);
+        return listFilters(console, words);
     if (words.size() != 2)
         throw UsageError("filter mode: expected an interface, and the mode to set or nothing");
     Survey survey("filter");
@@ -98,9 +98,9 @@ ExitCode mode(const Console& console, const std::vector<std::string>& words)
 
 ExitCode filter(const Console& console, const FilterOptions& options)
 {
-    requireAction("filter", options.action, actions());
+    requireAction("filter", options.action, filterActions());
     if (options.action == "list")
-        return list(console, options.words);
+        return listFilters(console, options.words);
     return options.action == "mode" ? mode(console, options.words) : edit(console, options);
 }
 
@@ -108,7 +108,7 @@ ExitCode filter(const Console& console, const FilterOptions& options)
 
 void addFilter(Verbs& verbs)
 {
-    verbs.add("filter", "Shows or changes which stations are admitted", &declare, &filter, &actions);
+    verbs.add("filter", "Shows or changes which stations are admitted", &declareFilter, &filter, &filterActions);
 }
 
 } // namespace tarn::ctl

@@ -17,7 +17,7 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr std::uint32_t kWait = 30; // seconds: a step may be long
+constexpr std::uint32_t kOrderWait = 30; // seconds: a step may be long
 
 struct GatewayOptions
 {
@@ -38,7 +38,7 @@ Examples:
   tarnctl gateway set /radios/0/channel 44)";
 }
 
-void declare(Syntax& syntax, GatewayOptions& options)
+void declareGateway(Syntax& syntax, GatewayOptions& options)
 {
     syntax.texts("ORDER", options.words, "The order and what belongs to it");
     syntax.footer(help().c_str());
@@ -86,7 +86,7 @@ ExitCode gateway(const Console& console, const GatewayOptions& options)
         throw UsageError("gateway: expected an order of at most " + std::to_string(TARN_GATEWAY_ORDER_SIZE - 1) +
                          " characters; got " + std::to_string(line.size()));
 
-    const simulator::OrderAnswer answer = simulator::giveOrder(kOwnCallerId, line, kWait);
+    const simulator::OrderAnswer answer = simulator::giveOrder(kOwnCallerId, line, kOrderWait);
     if (answer.ipcStatus != 0)
         return simulatorFailure(console, answer.ipcStatus, "takes orders");
     if (answer.status != TARN_GATEWAY_OK)
@@ -119,7 +119,7 @@ ExitCode simulatorFailure(const Console& console, std::uint32_t status, const st
 
 void addGateway(Verbs& verbs)
 {
-    verbs.add("gateway", "Gives the simulated gateway an order", &declare, &gateway);
+    verbs.add("gateway", "Gives the simulated gateway an order", &declareGateway, &gateway);
 }
 
 } // namespace tarn::ctl

@@ -14,7 +14,7 @@ struct HelpOptions
     std::optional<std::string> command;
 };
 
-void declare(Syntax& syntax, HelpOptions& options)
+void declareHelp(Syntax& syntax, HelpOptions& options)
 {
     syntax.text("COMMAND", options.command, "The command to explain");
 }
@@ -40,7 +40,7 @@ void addHelp(Verbs& verbs)
 {
     const auto act = [&verbs](const Console& console, const HelpOptions& options)
     { return help(console, verbs, options.command.value_or("")); };
-    verbs.add("help", "Explains a command", &declare, act);
+    verbs.add("help", "Explains a command", &declareHelp, act);
 }
 
 } // namespace tarn::ctl

@@ -20,7 +20,7 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr std::uint32_t kWait = 3; // seconds
+constexpr std::uint32_t kStatisticsWait = 3; // seconds
 
 struct CounterColumn
 {
@@ -61,7 +61,7 @@ struct IpcOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, IpcOptions& options)
+void declareIpc(Syntax& syntax, IpcOptions& options)
 {
     declareWatch(syntax, options.watch);
 }
@@ -91,7 +91,7 @@ ExitCode ipc(const Console& console)
     for (const std::string& name : serviceNames(runtimeDirectory()))
     {
         KorIilServiceCounters counters = {};
-        const std::uint32_t status = KorIilAskCounters(name.c_str(), kWait, &counters);
+        const std::uint32_t status = KorIilAskCounters(name.c_str(), kStatisticsWait, &counters);
         if (status == KOR_IIL_OK)
             services.rows.push_back(rowOf(name, counters));
         else if (status != KOR_IIL_UNKNOWN_DST_ID)
@@ -112,7 +112,7 @@ ExitCode ipc(const Console& console)
 void addIpc(Verbs& verbs)
 {
     const auto act = [](const Console& console, const IpcOptions& options) { return watch(console, options.watch, &ipc); };
-    verbs.add("ipc", "Shows the services that are running, and what they have counted", &declare, act);
+    verbs.add("ipc", "Shows the services that are running, and what they have counted", &declareIpc, act);
 }
 
 } // namespace tarn::ctl

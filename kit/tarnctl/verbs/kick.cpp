@@ -17,7 +17,7 @@ struct KickOptions
     std::vector<std::string> more;
 };
 
-void declare(Syntax& syntax, KickOptions& options)
+void declareKick(Syntax& syntax, KickOptions& options)
 {
     syntax.text("ADDRESS", options.address, "A station's MAC address");
     syntax.texts("MORE", options.more, "Other stations' addresses");
@@ -63,7 +63,7 @@ ExitCode kick(const Console& console, const KickOptions& options)
 
 void addKick(Verbs& verbs)
 {
-    verbs.add("kick", "Sends stations away", &declare, &kick);
+    verbs.add("kick", "Sends stations away", &declareKick, &kick);
 }
 
 } // namespace tarn::ctl

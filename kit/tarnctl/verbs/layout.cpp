@@ -18,7 +18,7 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr char kHelp[] = R"(Actions:
+constexpr char kLayoutHelp[] = R"(Actions:
   show [NAME]   what the layout describes; with the name of a record, of a block
                 (FUNCTION.ARGUMENT) or of an event, its fields
   check FILE    whether a layout file is sound: it is read, and errors name the
@@ -35,16 +35,16 @@ struct LayoutOptions
     std::optional<std::string> name;
 };
 
-std::vector<std::string> actions()
+std::vector<std::string> layoutActions()
 {
     return {"show", "check", "header"};
 }
 
-void declare(Syntax& syntax, LayoutOptions& options)
+void declareLayout(Syntax& syntax, LayoutOptions& options)
 {
     syntax.text("ACTION", options.action, "show, check or header");
     syntax.text("NAME", options.name, "What to show; the file to check");
-    syntax.footer(kHelp);
+    syntax.footer(kLayoutHelp);
 }
 
 const LayoutInUse& neededLayout()
@@ -208,15 +208,15 @@ ExitCode layoutAction(const Console& console, const LayoutOptions& options)
         throw UsageError("layout header: expected no name, and the file by --layout; got " + inQuotes(*options.name));
     if (options.action == "header")
         return header(console);
-    throw UsageError("layout: expected one of " + base::join(actions()) + "; got " + inQuotes(options.action),
-                     base::suggestions(options.action, actions()));
+    throw UsageError("layout: expected one of " + base::join(layoutActions()) + "; got " + inQuotes(options.action),
+                     base::suggestions(options.action, layoutActions()));
 }
 
 } // namespace
 
 void addLayout(Verbs& verbs)
 {
-    verbs.add("layout", "Shows, checks and converts layouts", &declare, &layoutAction, &actions);
+    verbs.add("layout", "Shows, checks and converts layouts", &declareLayout, &layoutAction, &layoutActions);
 }
 
 } // namespace tarn::ctl

@@ -25,7 +25,7 @@ struct ListOptions
     std::optional<std::string> text; // in the name, group or description, in letters of either case
 };
 
-void declare(Syntax& syntax, ListOptions& options)
+void declareList(Syntax& syntax, ListOptions& options)
 {
     syntax.text("--service", options.service, "Only those of a service: TARN, QTN_RPC_PROXY, QTN_MIRROR", "SERVICE");
     syntax.text("--group", options.group, "Only those of a group");
@@ -65,7 +65,7 @@ std::string commandText(const LibraryFunction& function)
     return function.kind == FunctionKind::kCommand ? std::to_string(function.row.command->command) : "-";
 }
 
-Json functionDocument(const LibraryFunction& function)
+Json entryDocument(const LibraryFunction& function)
 {
     const bool isCommand = function.kind == FunctionKind::kCommand;
     return {{"name", function.name},
@@ -75,7 +75,7 @@ Json functionDocument(const LibraryFunction& function)
             {"description", function.description}};
 }
 
-ExitCode list(const Console& console, const ListOptions& options)
+ExitCode listFunctions(const Console& console, const ListOptions& options)
 {
     checkKnown("--service", options.service, &LibraryFunction::service);
     checkKnown("--group", options.group, &LibraryFunction::group);
@@ -86,7 +86,7 @@ ExitCode list(const Console& console, const ListOptions& options)
     {
         if (!isSelected(function, options))
             continue;
-        functions.push_back(functionDocument(function));
+        functions.push_back(entryDocument(function));
         table.add({function.service.empty() ? "-" : function.service, commandText(function), function.group, function.name,
                    function.description});
     }
@@ -108,7 +108,7 @@ ExitCode list(const Console& console, const ListOptions& options)
 
 void addList(Verbs& verbs)
 {
-    verbs.add("list", "Lists the functions of the library", &declare, &list);
+    verbs.add("list", "Lists the functions of the library", &declareList, &listFunctions);
 }
 
 } // namespace tarn::ctl

@@ -13,7 +13,7 @@ struct LogLevelOptions
     std::optional<std::string> level; // to set
 };
 
-void declare(Syntax& syntax, LogLevelOptions& options)
+void declareLogLevel(Syntax& syntax, LogLevelOptions& options)
 {
     syntax.text("LEVEL", options.level, "The level to set");
 }
@@ -33,7 +33,7 @@ ExitCode logLevel(const Console& console, const LogLevelOptions& options)
 
 void addLogLevel(Verbs& verbs)
 {
-    verbs.add("log-level", "Reads or sets the device service's log level", &declare, &logLevel);
+    verbs.add("log-level", "Reads or sets the device service's log level", &declareLogLevel, &logLevel);
 }
 
 } // namespace tarn::ctl

@@ -26,7 +26,7 @@ struct MetricsOptions
     bool hasAddresses = false;
 };
 
-void declare(Syntax& syntax, MetricsOptions& options)
+void declareMetrics(Syntax& syntax, MetricsOptions& options)
 {
     syntax.text("--textfile", options.textFile, "Replace this file in one step, instead of writing to standard output", "FILE");
     syntax.flag("--addresses", options.hasAddresses, "Name stations by their MAC addresses, and add what they have counted");
@@ -181,10 +181,10 @@ Datum switchValueOf(const Cell& cell)
 
 // --- Collecting ------------------------------------------------------------------------------------------------------------
 
-class Collector
+class MetricsCollector
 {
 public:
-    Collector(Survey& survey, bool hasAddresses) : survey_(survey), hasAddresses_(hasAddresses)
+    MetricsCollector(Survey& survey, bool hasAddresses) : survey_(survey), hasAddresses_(hasAddresses)
     {
     }
 
@@ -323,7 +323,7 @@ ExitCode metrics(const Console& console, const MetricsOptions& options)
     if (console.json && options.textFile)
         throw UsageError("metrics: expected --textfile or JSON, not both");
     Survey survey("metrics");
-    Collector collector(survey, options.hasAddresses);
+    MetricsCollector collector(survey, options.hasAddresses);
     collector.collect();
     std::vector<std::string> notes = survey.notes();
     notes.insert(notes.end(), collector.notes().begin(), collector.notes().end());
@@ -342,7 +342,7 @@ ExitCode metrics(const Console& console, const MetricsOptions& options)
 
 void addMetrics(Verbs& verbs)
 {
-    verbs.add("metrics", "Writes what is measured and counted, for a monitoring system", &declare, &metrics);
+    verbs.add("metrics", "Writes what is measured and counted, for a monitoring system", &declareMetrics, &metrics);
 }
 
 } // namespace tarn::ctl

@@ -13,7 +13,7 @@ struct MirrorOptions
     std::optional<std::string> state; // to switch to
 };
 
-void declare(Syntax& syntax, MirrorOptions& options)
+void declareMirror(Syntax& syntax, MirrorOptions& options)
 {
     syntax.text("STATE", options.state, "on or off");
 }
@@ -32,7 +32,7 @@ ExitCode mirror(const Console& console, const MirrorOptions& options)
 
 void addMirror(Verbs& verbs)
 {
-    verbs.add("mirror", "Reads or switches the Wi-Fi module's port mirroring", &declare, &mirror, &switchStates);
+    verbs.add("mirror", "Reads or switches the Wi-Fi module's port mirroring", &declareMirror, &mirror, &switchStates);
 }
 
 } // namespace tarn::ctl

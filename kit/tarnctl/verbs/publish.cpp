@@ -16,7 +16,7 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr std::uint32_t kWait = 3; // seconds
+constexpr std::uint32_t kPublishWait = 3; // seconds
 
 struct PublishOptions
 {
@@ -24,7 +24,7 @@ struct PublishOptions
     std::optional<std::string> data;
 };
 
-void declare(Syntax& syntax, PublishOptions& options)
+void declarePublish(Syntax& syntax, PublishOptions& options)
 {
     syntax.text("EVENT", options.event, "Name or number of the event");
     syntax.text("--data", options.data, "The event's data, two hexadecimal digits a byte");
@@ -49,7 +49,7 @@ ExitCode publish(const Console& console, const PublishOptions& options)
 
     TarnGatewayPublish message = messageFor(event, data);
     if (const std::uint32_t status =
-            KorIilExecute(kOwnCallerId, TARN_GATEWAY_SERVICE, kWait, TARN_GATEWAY_PUBLISH, sizeof message, &message))
+            KorIilExecute(kOwnCallerId, TARN_GATEWAY_SERVICE, kPublishWait, TARN_GATEWAY_PUBLISH, sizeof message, &message))
         return simulatorFailure(console, status, "publishes on request");
     if (message.status != TARN_GATEWAY_OK)
         return console.fail(ExitCode::kServiceStatus,
@@ -73,7 +73,7 @@ ExitCode publish(const Console& console, const PublishOptions& options)
 
 void addPublish(Verbs& verbs)
 {
-    verbs.add("publish", "Lets the simulated gateway publish an event", &declare, &publish, &eventNames);
+    verbs.add("publish", "Lets the simulated gateway publish an event", &declarePublish, &publish, &eventNames);
 }
 
 } // namespace tarn::ctl

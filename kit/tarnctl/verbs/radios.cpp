@@ -16,7 +16,7 @@ struct RadiosOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, RadiosOptions& options)
+void declareRadios(Syntax& syntax, RadiosOptions& options)
 {
     declareTargets(syntax, options.targets);
     declareWatch(syntax, options.watch);
@@ -75,7 +75,7 @@ void addRadios(Verbs& verbs)
 {
     const auto act = [](const Console& console, const RadiosOptions& options)
     { return watch(console, options.watch, [&](const Console& frame) { return radios(frame, options); }); };
-    verbs.add("radios", "Shows the gateway's radios", &declare, act);
+    verbs.add("radios", "Shows the gateway's radios", &declareRadios, act);
 }
 
 } // namespace tarn::ctl

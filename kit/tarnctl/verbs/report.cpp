@@ -21,7 +21,7 @@ struct ReportOptions
     CollectOptions collect;
 };
 
-void declare(Syntax& syntax, ReportOptions& options)
+void declareReport(Syntax& syntax, ReportOptions& options)
 {
     constexpr double kLongest = 3600;
     syntax.text("--html", options.page, "Write a page that needs nothing else", "FILE");
@@ -102,7 +102,7 @@ ExitCode report(const Console& given, const ReportOptions& options)
 
 void addReport(Verbs& verbs)
 {
-    verbs.add("report", "Writes down everything that the gateway tells, for a support case", &declare, &report);
+    verbs.add("report", "Writes down everything that the gateway tells, for a support case", &declareReport, &report);
 }
 
 } // namespace tarn::ctl

@@ -30,7 +30,7 @@ std::vector<Column> columns()
             {"channel", "channel"}, {"bandwidth", "bandwidth"}, {"band", "band"},   {"security", "security"}};
 }
 
-void declare(Syntax& syntax, ScanOptions& options)
+void declareScan(Syntax& syntax, ScanOptions& options)
 {
     declareTargets(syntax, options.targets);
     syntax.flag("--wait", options.waits, "Wait for the scan's end, and show what it found");
@@ -164,7 +164,7 @@ ExitCode scan(const Console& console, const ScanOptions& options)
 
 void addScan(Verbs& verbs)
 {
-    verbs.add("scan", "Looks for the networks around", &declare, &scan);
+    verbs.add("scan", "Looks for the networks around", &declareScan, &scan);
 }
 
 } // namespace tarn::ctl

@@ -14,7 +14,7 @@ struct SecurityOptions
     bool showsSecrets = false;
 };
 
-void declare(Syntax& syntax, SecurityOptions& options)
+void declareSecurity(Syntax& syntax, SecurityOptions& options)
 {
     declareTargets(syntax, options.targets);
     syntax.flag("--secrets", options.showsSecrets, "Show passphrases and secrets");
@@ -61,7 +61,7 @@ ExitCode security(const Console& console, const SecurityOptions& options)
 
 void addSecurity(Verbs& verbs)
 {
-    verbs.add("security", "Shows how the networks are protected", &declare, &security);
+    verbs.add("security", "Shows how the networks are protected", &declareSecurity, &security);
 }
 
 } // namespace tarn::ctl

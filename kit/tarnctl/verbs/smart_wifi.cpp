@@ -75,7 +75,7 @@ std::vector<std::string> tableNames()
     return names;
 }
 
-void declare(Syntax& syntax, SmartWifiOptions& options)
+void declareSmartWifi(Syntax& syntax, SmartWifiOptions& options)
 {
     syntax.text("TABLE", options.table, "bss, stations or history");
     declareSort(syntax, options.sort, {}); // which differ from table to table
@@ -111,7 +111,7 @@ ExitCode smartWifi(const Console& console, const SmartWifiOptions& options)
 
 void addSmartWifi(Verbs& verbs)
 {
-    verbs.add("smart-wifi", "Shows what the steering daemon knows", &declare, &smartWifi, &tableNames);
+    verbs.add("smart-wifi", "Shows what the steering daemon knows", &declareSmartWifi, &smartWifi, &tableNames);
 }
 
 } // namespace tarn::ctl

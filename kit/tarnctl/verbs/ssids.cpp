@@ -14,7 +14,7 @@ struct SsidsOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, SsidsOptions& options)
+void declareSsids(Syntax& syntax, SsidsOptions& options)
 {
     declareTargets(syntax, options.targets);
     declareWatch(syntax, options.watch);
@@ -59,7 +59,7 @@ void addSsids(Verbs& verbs)
 {
     const auto act = [](const Console& console, const SsidsOptions& options)
     { return watch(console, options.watch, [&](const Console& frame) { return ssids(frame, options); }); };
-    verbs.add("ssids", "Shows the gateway's networks", &declare, act);
+    verbs.add("ssids", "Shows the gateway's networks", &declareSsids, act);
 }
 
 } // namespace tarn::ctl

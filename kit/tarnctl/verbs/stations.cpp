@@ -32,7 +32,7 @@ std::vector<Column> columns(bool hasHistory)
     return columns;
 }
 
-void declare(Syntax& syntax, StationsOptions& options)
+void declareStations(Syntax& syntax, StationsOptions& options)
 {
     declareTargets(syntax, options.targets);
     declareSort(syntax, options.sort, columns(false));
@@ -92,7 +92,7 @@ void addStations(Verbs& verbs)
                      [&](const Console& frame)
                      { return stations(frame, options, options.watch.seconds ? &histories : nullptr); });
     };
-    verbs.add("stations", "Shows the stations that are connected", &declare, act);
+    verbs.add("stations", "Shows the stations that are connected", &declareStations, act);
 }
 
 } // namespace tarn::ctl

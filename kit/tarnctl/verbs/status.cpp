@@ -13,7 +13,7 @@ struct StatusOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, StatusOptions& options)
+void declareStatus(Syntax& syntax, StatusOptions& options)
 {
     declareWatch(syntax, options.watch);
 }
@@ -77,7 +77,7 @@ void addStatus(Verbs& verbs)
 {
     const auto act = [](const Console& console, const StatusOptions& options)
     { return watch(console, options.watch, &status); };
-    verbs.add("status", "Shows the gateway at a glance", &declare, act);
+    verbs.add("status", "Shows the gateway at a glance", &declareStatus, act);
 }
 
 } // namespace tarn::ctl

@@ -15,7 +15,7 @@ struct TelnetOptions
     std::optional<std::string> processId;
 };
 
-void declare(Syntax& syntax, TelnetOptions& options)
+void declareTelnet(Syntax& syntax, TelnetOptions& options)
 {
     syntax.text("STATE", options.state, "on or off");
     syntax.text("--pid", options.processId, "The process on whose behalf it is switched; needed to switch");
@@ -39,7 +39,7 @@ ExitCode telnet(const Console& console, const TelnetOptions& options)
 
 void addTelnet(Verbs& verbs)
 {
-    verbs.add("telnet", "Reads or switches the Wi-Fi module's telnet access", &declare, &telnet, &switchStates);
+    verbs.add("telnet", "Reads or switches the Wi-Fi module's telnet access", &declareTelnet, &telnet, &switchStates);
 }
 
 } // namespace tarn::ctl

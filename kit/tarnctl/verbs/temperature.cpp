@@ -15,12 +15,12 @@ struct TemperatureOptions
     WatchOptions watch;
 };
 
-void declare(Syntax& syntax, TemperatureOptions& options)
+void declareTemperature(Syntax& syntax, TemperatureOptions& options)
 {
     declareWatch(syntax, options.watch);
 }
 
-void add(Listing& list, const std::string& sensor, const Cell& temperature)
+void addTemperature(Listing& list, const std::string& sensor, const Cell& temperature)
 {
     Fields& row = list.rows.emplace_back();
     row.set("sensor", textCell(sensor));
@@ -43,10 +43,10 @@ ExitCode temperature(const Console& console)
     Page page("temperature");
     Listing& list = page.list("sensors", {{"sensor", "sensor"}, {"temperature", "temperature", &temperatureTone}});
     for (const Radio& radio : survey.radios())
-        add(list, radio.title(), survey.ask("TarnGetRadioChipTemperature", radio.asRadio())["temperature"]);
+        addTemperature(list, radio.title(), survey.ask("TarnGetRadioChipTemperature", radio.asRadio())["temperature"]);
     const Fields module = survey.ask("tarn_qcsapi_get_temperature_info");
     for (const Sensor& sensor : kSensors)
-        add(list, sensor.name, module[sensor.output]);
+        addTemperature(list, sensor.name, module[sensor.output]);
     return page.write(console, survey);
 }
 
@@ -56,7 +56,7 @@ void addTemperature(Verbs& verbs)
 {
     const auto act = [](const Console& console, const TemperatureOptions& options)
     { return watch(console, options.watch, &temperature); };
-    verbs.add("temperature", "Shows how warm radios and module are", &declare, act);
+    verbs.add("temperature", "Shows how warm radios and module are", &declareTemperature, act);
 }
 
 } // namespace tarn::ctl

@@ -24,7 +24,7 @@ constexpr std::array<Component, 4> kComponents = {{
     {"Smart WiFi daemon", "TarnGetQuantennaSmartWiFiDaemonVersion", "version"},
 }};
 
-void add(Listing& list, const std::string& component, const Cell& version)
+void addVersion(Listing& list, const std::string& component, const Cell& version)
 {
     Fields& row = list.rows.emplace_back();
     row.set("component", textCell(component));
@@ -37,10 +37,10 @@ ExitCode versions(const Console& console)
     Page page("versions");
     Listing& list = page.list("versions", {{"component", "component"}, {"version", "version", &strong}});
     for (const Radio& radio : survey.radios())
-        add(list, radio.title() + " driver", survey.ask("TarnGetRadioDriverVersion", radio.asRadio())["version"]);
+        addVersion(list, radio.title() + " driver", survey.ask("TarnGetRadioDriverVersion", radio.asRadio())["version"]);
     for (const Component& component : kComponents)
-        add(list, component.name, survey.ask(component.function)[component.output]);
-    add(list, "tarnctl", textCell(TARNCTL_VERSION));
+        addVersion(list, component.name, survey.ask(component.function)[component.output]);
+    addVersion(list, "tarnctl", textCell(TARNCTL_VERSION));
     return page.write(console, survey);
 }
 

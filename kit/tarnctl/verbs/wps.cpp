@@ -25,7 +25,7 @@ std::vector<std::string> actions()
     return {"status", "open", "cancel"};
 }
 
-void declare(Syntax& syntax, WpsOptions& options)
+void declareWps(Syntax& syntax, WpsOptions& options)
 {
     syntax.text("ACTION", options.action, "status, open or cancel");
     declareTargets(syntax, options.targets);
@@ -101,7 +101,7 @@ ExitCode wps(const Console& console, const WpsOptions& options)
 
 void addWps(Verbs& verbs)
 {
-    verbs.add("wps", "Shows, opens or cancels WPS windows", &declare, &wps, &actions);
+    verbs.add("wps", "Shows, opens or cancels WPS windows", &declareWps, &wps, &actions);
 }
 
 } // namespace tarn::ctl
