@@ -59,6 +59,10 @@ def test_the_evening_of_the_example_is_measured_and_drawn(tmp_path: Path, monkey
     assert measured.signal[119] > measured.signal[90] > -88
     evening.draw(measured, str(tmp_path / "evening.png"))
     assert (tmp_path / "evening.png").read_bytes().startswith(b"\x89PNG")
+    for name, dark in (("evening-light.svg", False), ("evening-dark.svg", True)):
+        evening.draw(measured, str(tmp_path / name), dark)
+        shown = _ROOT / "docs" / "pictures" / name
+        assert (tmp_path / name).read_text() == shown.read_text(), f"kit/python/example/evening.py draws another {name}"
 
 
 def test_the_version_is_that_of_the_distribution() -> None:

@@ -1,13 +1,16 @@
 """An evening of a gateway in a picture: how busy its channel is, and how well it hears somebody who walks about.
 
-    evening.py PICTURE.png
+    evening.py [--dark] PICTURE
+
+PICTURE is a file whose name says what kind: evening.svg, evening.png. --dark is for a dark page.
 
 Two hours of the simulated gateway pass in less than a second: its time stands and is stepped minute by minute.
 """
-import sys
+import argparse
 from dataclasses import dataclass, field
 from typing import Optional
 
+import matplotlib  # type: ignore[import]
 import matplotlib.figure  # type: ignore[import]
 from matplotlib.axes import Axes  # type: ignore[import]
 
@@ -18,6 +21,9 @@ _MINUTES = 120
 _NEIGHBOURS_COME = {20: "02:00:00:00:0b:01", 40: "02:00:00:00:0b:02", 55: "02:00:00:00:0b:03"}
 _CHANNEL_IS_CHOSEN_ANEW = 75
 _WALKER = "02:00:00:00:0a:01"
+_SETTINGS = {"svg.fonttype": "none", "svg.hashsalt": "evening", "axes.spines.top": False, "axes.spines.right": False}
+_METADATA = ("Date", "Creator", "Format", "Type")
+_BUSY, _SIGNAL = "#d9902f", "#3a8fb7"  # to be seen on light and on dark pages
 
 
 @dataclass
@@ -62,18 +68,22 @@ def measure() -> Evening:
     return evening
 
 
-def draw(evening: Evening, path: str) -> None:
-    figure = matplotlib.figure.Figure(figsize=(9, 5), layout="constrained")
-    above, below = figure.subplots(2, 1, sharex=True)
-    _draw_occupancy(above, evening)
-    below.plot(range(_MINUTES), [float("nan") if each is None else each for each in evening.signal], color="#1f6f8b")
-    below.set(ylabel="signal in dBm", xlabel="minutes", xlim=(0, _MINUTES - 1))
-    below.set_title("Somebody walks to the end of the garden, and back", loc="left")
-    figure.savefig(path, dpi=110)
+def draw(evening: Evening, path: str, dark: bool = False) -> None:
+    page, text = ("#0d1117", "#e6edf3") if dark else ("#ffffff", "#1f2328")
+    tinted = dict.fromkeys(["text.color", "axes.labelcolor", "axes.edgecolor", "xtick.color", "ytick.color"], text)
+    with matplotlib.rc_context({**_SETTINGS, **tinted, "figure.facecolor": page, "axes.facecolor": page}):
+        figure = matplotlib.figure.Figure(figsize=(9, 5), layout="constrained")
+        above, below = figure.subplots(2, 1, sharex=True)
+        _draw_occupancy(above, evening)
+        below.plot(range(_MINUTES), [float("nan") if each is None else each for each in evening.signal], color=_SIGNAL)
+        below.set(ylabel="signal in dBm", xlabel="minutes", xlim=(0, _MINUTES - 1))
+        below.set_title("Somebody walks to the end of the garden, and back", loc="left")
+        # Without the date that SVG would have, the same evening gives the same file.
+        figure.savefig(path, dpi=110, metadata=dict.fromkeys(_METADATA) if path.endswith(".svg") else None)
 
 
 def _draw_occupancy(axes: Axes, evening: Evening) -> None:
-    axes.fill_between(range(_MINUTES), evening.occupancy, step="post", color="#e3a857")
+    axes.fill_between(range(_MINUTES), evening.occupancy, step="post", color=_BUSY)
     axes.set(ylabel="percent busy", ylim=(0, 100))
     axes.set_title("Neighbours come, and the radio leaves for a quieter channel", loc="left")
     changes = [at for at in range(_MINUTES) if at == 0 or evening.channel[at] != evening.channel[at - 1]]
@@ -81,7 +91,13 @@ def _draw_occupancy(axes: Axes, evening: Evening) -> None:
         axes.annotate(f"channel {evening.channel[at]}", (at + 1, 90))
 
 
+def main() -> None:
+    parser = argparse.ArgumentParser(description="Measures an evening of a simulated gateway, and draws it.")
+    parser.add_argument("picture")
+    parser.add_argument("--dark", action="store_true", help="for a dark page")
+    options = parser.parse_args()
+    draw(measure(), options.picture, options.dark)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
-        sys.exit("usage: evening.py PICTURE.png")
-    draw(measure(), sys.argv[1])
+    main()
