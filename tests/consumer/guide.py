@@ -1,7 +1,7 @@
-"""Does what docs/testing-without-a-gateway.md says, in an empty directory, with an installation of its own.
+"""Does what a document says, in an empty directory, with an installation of its own: guide.py DOCUMENT [COMMAND]
 
 A block of code behind a line "`NAME`:" is that file; others in sh are commands, and in console commands ("$ ...") with what
-they print. Everything runs in one shell, in the guide's order. BUILD and AREA come from CMake.
+they print. Everything runs in one shell, in the document's order, and COMMAND after it. BUILD and AREA come from CMake.
 """
 import os
 import pathlib
@@ -11,8 +11,8 @@ import shutil
 import subprocess
 import sys
 
-GUIDE = pathlib.Path(__file__).parents[2] / "docs/testing-without-a-gateway.md"
-WORK = pathlib.Path(os.environ["AREA"]) / "guide"
+GUIDE = pathlib.Path(sys.argv[1])
+WORK = pathlib.Path(os.environ["AREA"]) / GUIDE.stem
 BLOCK = re.compile(r"(?:^`([^`\n]+)`:\n\n)?^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
 
@@ -22,7 +22,9 @@ def examples(text):
 
 
 def comparable(text):
-    return re.sub(r" \(\d+\) ", " (PROCESS) ", text)
+    """Without what is different in each run, or with each change of a source: processes, time stamps, lines."""
+    text = re.sub(r" \(\d+\) ", " (PROCESS) ", text)
+    return re.sub(r"\d{4}-\d\d-\d\dT\S+Z (\w+ \w+):\d+ ", r"TIME \1:LINE ", text)
 
 
 def script():
@@ -41,19 +43,19 @@ def script():
                 printed.append((command, output))
         else:
             sys.exit(f"a block of {language} that is neither a file nor a command")
-    if files < 5 or len(printed) < 5:
-        sys.exit("files or examples of the guide are not recognised")
-    return "\n".join(lines), printed
+    if files < 3 or len(printed) < 3:
+        sys.exit("files or examples of the document are not recognised")
+    return "\n".join(lines + sys.argv[2:]), printed
 
 
 def main():
     shutil.rmtree(WORK, ignore_errors=True)
     (WORK / "project").mkdir(parents=True)
-    for component in ("library", "kit"):
+    for component in ("library", "kit", "python"):
         subprocess.run(["cmake", "--install", os.environ["BUILD"], "--prefix", WORK / "home/tarn", "--component", component],
                        check=True, stdout=subprocess.DEVNULL)
     commands, printed = script()
-    environment = {"HOME": str(WORK / "home"), "PATH": os.environ["PATH"]}
+    environment = {"HOME": str(WORK / "home"), "PATH": "/usr/bin:/bin:" + os.environ["PATH"]}
     (WORK / "script").write_text("trap 'kill ${!-} 2> /dev/null || :' EXIT\n" + commands)  # ends a gateway that is left
     ran = subprocess.run(["sh", "-euv", "../script"], cwd=WORK / "project", env=environment)
     wrong = ran.returncode != 0
@@ -63,10 +65,6 @@ def main():
         if comparable(actual) != comparable(expected):
             print(f"$ {command}\nexpected:\n{expected}printed:\n{actual}")
             wrong = True
-    results = WORK / "project/results.xml"
-    if not results.exists() or 'tests="7"' not in results.read_text():
-        print("the tests in CI have not left the results of 7 tests")
-        wrong = True
     sys.exit(wrong)
 
 
