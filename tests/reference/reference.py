@@ -1,6 +1,5 @@
 """One check of the manual pages: reference.py CHECK DIRECTORY TARNCTL COMPILER."""
 import glob
-import html.parser
 import os
 import re
 import subprocess
@@ -18,7 +17,7 @@ def read(path):
 
 class Pages:
     def __init__(self, directory, tarnctl, compiler):
-        self.tarnctl, self.compiler, self.html = tarnctl, compiler, os.path.join(directory, "html")
+        self.tarnctl, self.compiler = tarnctl, compiler
         self.generated = os.path.join(directory, "..", "include")
         self.man = sorted(glob.glob(os.path.join(directory, "man", "man*", "*")))
         self.exported = sorted(re.findall(r"^ *([tT]arn\w+);", read(os.path.join(_SOURCE, "src", "libtarn.map")), re.MULTILINE))
@@ -54,7 +53,7 @@ def commands_have_pages(pages):
 
 
 def pages_are_clean(pages):
-    """That the pages are not installed is all that may be said of a reference to one of them; `links_resolve` follows them."""
+    """That the pages are not installed is all that may be said of a reference to one of them; tests/site follows them."""
     said = subprocess.run(["mandoc", "-T", "lint", *pages.man], capture_output=True, text=True, check=False).stdout
     ours = {os.path.basename(each) for each in pages.man}
     found = []
@@ -108,41 +107,6 @@ def shell_lines_are_accepted(pages):
             results += threads.map(run, [each for each in examples if is_command(each[0])])
         failed = [each for each in results if each]
         assert not failed, "\n".join(failed[:20])
-
-
-class _Links(html.parser.HTMLParser):
-    def __init__(self):
-        super().__init__()
-        self.links, self.anchors = [], set()
-
-    def handle_starttag(self, tag, attrs):
-        for key, value in attrs:
-            if key in ("href", "src"):
-                self.links.append(value)
-            elif key in ("id", "name"):
-                self.anchors.add(value)
-
-
-def links_resolve(pages):
-    parsed = {}
-    for path in glob.glob(os.path.join(pages.html, "*.html")):
-        parsed[os.path.basename(path)] = _Links()
-        parsed[os.path.basename(path)].feed(read(path))
-    assert len(parsed) == len(pages.man) + 1, len(parsed)
-    dead = []
-    for name, page in parsed.items():
-        for link in page.links:
-            target, _, anchor = link.partition("#")
-            target = target or name
-            if target not in parsed:
-                alive = not anchor and os.path.exists(os.path.join(pages.html, target))
-            else:
-                alive = not anchor or anchor in parsed[target].anchors
-            if not alive:
-                dead.append("%s: %s" % (name, link))
-    reached = {link.partition("#")[0] for link in parsed["index.html"].links}
-    dead += ["index.html does not lead to " + name for name in parsed if name != "index.html" and name not in reached]
-    assert not dead, "\n".join(dead[:20])
 
 
 check, *arguments = sys.argv[1:]
