@@ -1,6 +1,7 @@
 // KorIilExecute: checks the arguments, records the call if asked to, and sends it. KorIilAskCounters is a call of its own kind.
 #include "identifiers.h"
 #include "kor_iil.h"
+#include "last_status.h"
 #include "recorder.h"
 #include "round_trip.h"
 #include "thread_guards.h"
@@ -57,13 +58,19 @@ catch (const std::bad_alloc&)
 }
 
 } // namespace
+
+std::uint32_t remembered(std::uint32_t status)
+{
+    lastStatus = status;
+    return status;
+}
+
 } // namespace koriil
 
 extern "C" uint32_t KorIilExecute(const char* callerId, const char* serviceId, uint32_t wait, uint32_t cmdId, uint32_t msgLen,
                                   void* msg)
 {
-    koriil::lastStatus = koriil::execute(callerId, serviceId, wait, cmdId, msgLen, msg);
-    return koriil::lastStatus;
+    return koriil::remembered(koriil::execute(callerId, serviceId, wait, cmdId, msgLen, msg));
 }
 
 extern "C" uint32_t KorIilLastStatus()

@@ -1,6 +1,7 @@
 // KorIilSubscribeEvent, KorIilCancelEvent and KorIilKeepSubscription: check the arguments, and find the stream of the service.
 #include "event_stream.h"
 #include "identifiers.h"
+#include "last_status.h"
 #include "thread_guards.h"
 
 #include <atomic>
@@ -54,7 +55,7 @@ private:
 };
 
 template <typename Action>
-std::uint32_t guarded(const char* callerId, const char* serviceId, std::uint32_t evt, KorIilEventHandler handler, Action action)
+std::uint32_t checked(const char* callerId, const char* serviceId, std::uint32_t evt, KorIilEventHandler handler, Action action)
 try
 {
     if (callerId == nullptr || serviceId == nullptr || handler == nullptr)
@@ -73,6 +74,12 @@ try
 catch (const std::bad_alloc&)
 {
     return KOR_IIL_NO_MEM;
+}
+
+template <typename Action>
+std::uint32_t guarded(const char* callerId, const char* serviceId, std::uint32_t evt, KorIilEventHandler handler, Action action)
+{
+    return remembered(checked(callerId, serviceId, evt, handler, action));
 }
 
 } // namespace

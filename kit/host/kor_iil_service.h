@@ -96,9 +96,9 @@ uint32_t KorIilServicePublish(KorIilService* service, uint32_t evt, const void* 
  * that opened the service, it only frees the child's copy. */
 void KorIilServiceClose(KorIilService* service);
 
-/* The status that this thread's latest KorIilExecute returned, KOR_IIL_OK before the first. The client library's functions
- * return a number of their own for a call that failed, which may be a service's reply status as well: this tells the two
- * apart. */
+/* The status that this thread's latest KorIilExecute, subscription or cancellation returned, KOR_IIL_OK before the first. The
+ * client library's functions return a number of their own for a call that failed, which may be a service's reply status as
+ * well: this tells the two apart. */
 uint32_t KorIilLastStatus(void);
 
 /* What a service has counted since it was opened. On 32-bit machines the last three begin again at 2 to the power of 32. */

@@ -97,6 +97,11 @@ TEST_F(RoundTripTest, EachThreadIsToldTheStatusOfItsOwnLatestCall)
     EXPECT_EQ(KorIilLastStatus(), KOR_IIL_BAD_PARAM) << "a call that is not sent counts as well";
     EXPECT_EQ(callOnce(8), KOR_IIL_OK);
     EXPECT_EQ(KorIilLastStatus(), KOR_IIL_OK);
+    const KorIilEventHandler handler = [](const char*, std::uint32_t, const void*, std::uint32_t) {};
+    EXPECT_EQ(KorIilCancelEvent(kCaller, kService, 1, handler), KOR_IIL_BAD_EVT);
+    EXPECT_EQ(KorIilLastStatus(), KOR_IIL_BAD_EVT) << "so does what is asked about events";
+    EXPECT_EQ(KorIilSubscribeEvent(kCaller, "NOBODY", 1, handler), KOR_IIL_UNKNOWN_DST_ID);
+    EXPECT_EQ(KorIilLastStatus(), KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(RoundTripTest, OneThreadTalksToSeveralServices)
