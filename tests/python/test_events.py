@@ -2,6 +2,7 @@
 import asyncio
 import gc
 import os
+import queue
 import subprocess
 import sys
 import threading
@@ -167,3 +168,50 @@ def test_a_process_ends_with_a_subscription_that_is_still_open(tarn_gateway: Sim
         [sys.executable, "-c", script], capture_output=True, text=True, timeout=AMPLE, env=os.environ, check=False
     )
     assert (result.returncode, result.stdout, result.stderr) == (0, "9552\n", "")
+
+
+def test_a_handler_is_called_for_each_event_until_it_is_cancelled(tarn_gateway: SimulatedGateway) -> None:
+    received: "queue.Queue[tarn.Event]" = queue.Queue()
+    tarn.tarnSubscribeEvent("bench", 2, received.put)
+    tarn_gateway.interface("wifi0").set_channel(44)
+    event = received.get(timeout=AMPLE)
+    assert (event.name, event.data.channel) == ("EVT_RADIO_OPR_CHANNEL_CHANGED", 44)
+    tarn.tarnCancelEvent("bench", 2, received.put)
+    assert tarn_gateway.publish(2, b"") == 0
+    assert received.empty()
+
+
+def test_a_handler_may_cancel_itself_and_be_subscribed_again(tarn_gateway: SimulatedGateway) -> None:
+    received: "queue.Queue[bytes]" = queue.Queue()
+
+    def once(event: tarn.Event) -> None:
+        tarn.tarnCancelEvent("bench", 1, once)
+        received.put(bytes(event.data))
+
+    for data in (b"one", b"two"):
+        tarn.tarnSubscribeEvent("bench", 1, once)
+        assert tarn_gateway.publish(1, data) == 1
+        assert received.get(timeout=AMPLE) == data
+    assert tarn_gateway.publish(1) == 0
+
+
+def test_a_subscription_in_the_librarys_way_fails_as_the_library_says(tarn_gateway: SimulatedGateway) -> None:
+    handler = print
+    with pytest.raises(tarn.RefusedError, match="tarnSubscribeEvent refused an argument: evt is invalid; nothing was sent"):
+        tarn.tarnSubscribeEvent("bench", 6, handler)
+    with pytest.raises(tarn.RefusedError, match="tarnCancelEvent refused an argument: id is invalid"):
+        tarn.tarnCancelEvent("", 1, handler)
+    with pytest.raises(tarn.IpcError, match="BAD_EVT"):
+        tarn.tarnCancelEvent("bench", 1, handler)
+    tarn.tarnSubscribeEvent("bench", 1, handler)
+    with pytest.raises(tarn.IpcError, match="CONFLICT_ID"):
+        tarn.tarnSubscribeEvent("bench", 1, handler)
+    assert tarn_gateway.publish(1) == 1  # the first holds
+    tarn.tarnCancelEvent("bench", 1, handler)
+    with pytest.raises(tarn.IpcError, match="BAD_EVT"):
+        tarn.tarnCancelEvent("bench", 1, handler)
+
+
+def test_without_a_service_a_handler_is_not_subscribed() -> None:
+    with pytest.raises(tarn.NoServiceError, match="tarnSubscribeEvent: no service TARN is running"):
+        tarn.tarnSubscribeEvent("bench", 1, print)

@@ -11,6 +11,8 @@ from .errors import TarnError as TarnError
 from .errors import TimedOutError as TimedOutError
 from .events import Event as Event
 from .events import Subscription as Subscription
+from .events import tarnCancelEvent as tarnCancelEvent
+from .events import tarnSubscribeEvent as tarnSubscribeEvent
 from .functions import *  # noqa: F403
 from .gateway import Gateway as Gateway
 from .gateway import Radio as Radio
@@ -26,6 +28,11 @@ from .objects import Mirror as Mirror
 from .objects import Module as Module
 from .objects import Ssid as Ssid
 from .records import Record as Record
+from .utilities import RateTable as RateTable
+from .utilities import tarnAddRateEntries as tarnAddRateEntries
+from .utilities import tarnDelRatesEntries as tarnDelRatesEntries
+from .utilities import tarnIpcStatusName as tarnIpcStatusName
+from .utilities import tarnValidatePinCode as tarnValidatePinCode
 from .values import Number as Number
 from .version import VERSION
 

@@ -264,7 +264,7 @@ class Command:
 
     def refusal(self, caller: bytes, given: _Given) -> str:
         """The text of the first check that fails; empty if there is none."""
-        if not 1 <= len(caller) <= _LONGEST_CALLER_ID or not 0x20 <= caller[0] <= 0x7F:
+        if not is_caller_id(caller):
             shown = caller.decode(errors="backslashreplace")
             return self.invalid_caller % shown if "%s" in self.invalid_caller else self.invalid_caller
         for check in self.checks:
@@ -286,6 +286,11 @@ def command_named(function: str) -> Command:
     if command is None:
         command = _commands[function] = Command(*contract.COMMANDS[function])
     return command
+
+
+def is_caller_id(caller: bytes) -> bool:
+    """Whether the library takes it."""
+    return 1 <= len(caller) <= _LONGEST_CALLER_ID and 0x20 <= caller[0] <= 0x7F
 
 
 def caller_bytes(caller: object) -> bytes:

@@ -3,7 +3,8 @@ import ctypes
 from typing import Optional, TypeVar, Union
 
 from .errors import IpcError, NoServiceError, TimedOutError
-from .libraries import ipc_status_name, koriil, runtime_directory
+from .libraries import ServiceCounters, koriil, runtime_directory
+from .utilities import tarnIpcStatusName
 
 SERVICE = "TARN_GATEWAY"
 _WAIT = 3  # seconds
@@ -62,7 +63,7 @@ Message = TypeVar("Message", Publish, Order, ReadAnswer, ReadLayout)
 
 def ipc_error(function: str, service: str, number: int, wait: int) -> IpcError:
     """The exception for an IPC status."""
-    name = ipc_status_name(number)
+    name = tarnIpcStatusName(number)
     if number == _UNKNOWN_DST_ID:
         return NoServiceError(
             function, service, number, name, f"no service {service} is running in {runtime_directory()}"
@@ -70,6 +71,15 @@ def ipc_error(function: str, service: str, number: int, wait: int) -> IpcError:
     if number == _TIMEOUT:
         return TimedOutError(function, service, number, name, f"service {service} did not answer within {wait} s")
     return IpcError(function, service, number, name, f"the IPC call to service {service} failed")
+
+
+def process_of(service: str) -> int:
+    """The process of the service that this thread calls. Raises IpcError."""
+    counters = ServiceCounters()
+    status = koriil.KorIilAskCounters(service.encode(), _WAIT, ctypes.byref(counters))
+    if status:
+        raise ipc_error("KorIilAskCounters", service, status, _WAIT)
+    return int(counters.processId)
 
 
 def exchange(message: Message) -> Message:

@@ -4,24 +4,25 @@ import ctypes
 import threading
 import time
 import weakref
-from collections.abc import AsyncIterator, Iterator
+from collections.abc import AsyncIterator, Callable, Iterator
 from dataclasses import dataclass
 from types import TracebackType
-from typing import TYPE_CHECKING, Any, Optional, Union
+from typing import TYPE_CHECKING, Any, Optional, Protocol, Union
 
 from . import contract, layouts
-from .calling import caller_bytes
+from .calling import caller_bytes, is_caller_id
 from .control import ipc_error
-from .errors import IpcError
-from .libraries import EventHandler, SubscriptionWatcher, koriil
+from .errors import IpcError, RefusedError
+from .libraries import EventHandler, SubscriptionWatcher, koriil, libtarn
 from .records import Record
-from .values import similar
+from .values import similar, whole_number
 
 if TYPE_CHECKING:
     import asyncio
 
 _FUNCTION = "KorIilKeepSubscription"
 _SECONDS_TO_SUBSCRIBE = 3  # as long as libkoriil waits
+_REJECTED = 3
 _NUMBERS = {name: number for number, name in contract.EVENTS.items()}
 
 
@@ -36,6 +37,11 @@ class Event:
 
 _Arrival = Union[Event, IpcError]
 _Waiter = tuple["asyncio.AbstractEventLoop", "asyncio.Future[None]"]
+
+
+class _Receiver(Protocol):
+    def put(self, arrival: _Arrival) -> None:
+        """Called on libkoriil's thread."""
 
 
 class _Inbox:
@@ -87,36 +93,36 @@ class _Slot:
     _lock = threading.Lock()
 
     def __init__(self) -> None:
-        self.inbox: Optional[_Inbox] = None
+        self.receiver: Optional[_Receiver] = None
         self.handler = EventHandler(self._handle)
         self.watcher = SubscriptionWatcher(self._watch)
 
     @classmethod
-    def take(cls, inbox: _Inbox) -> "_Slot":
+    def take(cls, receiver: _Receiver) -> "_Slot":
         with cls._lock:
             slot = cls._free.pop() if cls._free else cls()
-        slot.inbox = inbox
+        slot.receiver = receiver
         return slot
 
     def release(self) -> None:
-        self.inbox = None
+        self.receiver = None
         self._free.append(self)
 
     def _handle(self, service: bytes, number: int, data: Optional[int], length: int) -> None:
-        inbox = self.inbox
-        if inbox is None:
+        receiver = self.receiver
+        if receiver is None:
             return
         raw = ctypes.string_at(data, length) if data else b""
         name = contract.EVENTS.get(number, str(number))
         layout = layouts.layout_in_use()
         kind = layout.record(name) if layout else None
         described = kind is not None and kind._record_size == length
-        inbox.put(Event(number, name, kind(raw) if kind is not None and described else Record(raw)))
+        receiver.put(Event(number, name, kind(raw) if kind is not None and described else Record(raw)))
 
     def _watch(self, context: Any, caller: bytes, service: bytes, number: int, status: int) -> None:
-        inbox = self.inbox
-        if inbox is not None and status:
-            inbox.put(
+        receiver = self.receiver
+        if receiver is not None and status:
+            receiver.put(
                 ipc_error(contract.EVENTS.get(number, str(number)), service.decode(), status, _SECONDS_TO_SUBSCRIBE)
             )
 
@@ -219,3 +225,62 @@ def _taken(inbox: _Inbox) -> Event:
     if isinstance(arrival, IpcError):
         raise arrival
     return arrival
+
+
+class _Handler:
+    """A function of the caller's that is called for each event."""
+
+    def __init__(self, function: Callable[[Event], object]) -> None:
+        self._function = function
+
+    def put(self, arrival: _Arrival) -> None:
+        if isinstance(arrival, Event):
+            self._function(arrival)
+
+
+_Subscribed = tuple[bytes, int, Callable[[Event], object]]
+_subscribed: dict[_Subscribed, _Slot] = {}  # the library is told of the same function by the same pointer
+
+
+def _ask(function: str, key: _Subscribed, slot: _Slot) -> None:
+    caller, evt, _ = key
+    result = getattr(libtarn, function)(caller, evt, None, slot.handler)
+    if result == _REJECTED:
+        raise RefusedError(function, "evt is invalid" if is_caller_id(caller) else "id is invalid")
+    if result:
+        raise ipc_error(function, contract.EVENT_SERVICE, koriil.KorIilLastStatus(), _SECONDS_TO_SUBSCRIBE)
+
+
+def tarnSubscribeEvent(callerId: str, evt: int, handler: Callable[[Event], object]) -> None:
+    """Subscribes to one event of the device service, as a component in C does. `Gateway.events` is made for Python: it gives
+    events one after the other, and outlives a restart of the service.
+
+    evt: 1 to 5, one of EVT_...
+    handler: called for each event, on a thread of the IPC library; what it raises is shown on standard error
+
+    Raises RefusedError (callerId, evt), and IpcError if the IPC library fails: CONFLICT_ID if this handler is subscribed
+    already.
+    """
+    key = (caller_bytes(callerId), whole_number("evt", evt, None, 32), handler)
+    slot = _subscribed.get(key) or _Slot.take(_Handler(handler))
+    try:
+        _ask("tarnSubscribeEvent", key, slot)
+    except BaseException:
+        if key not in _subscribed:
+            slot.release()
+        raise
+    _subscribed[key] = slot
+
+
+def tarnCancelEvent(callerId: str, evt: int, handler: Callable[[Event], object]) -> None:
+    """Cancels a subscription of tarnSubscribeEvent. Once it has returned the handler does not run any more, unless the handler
+    itself has made the call.
+
+    Arguments and errors are those of tarnSubscribeEvent; IpcError BAD_EVT if there is no such subscription.
+    """
+    key = (caller_bytes(callerId), whole_number("evt", evt, None, 32), handler)
+    slot = _subscribed.pop(key, None) or _Slot.take(_Handler(handler))
+    try:
+        _ask("tarnCancelEvent", key, slot)
+    finally:
+        slot.release()

@@ -33,6 +33,15 @@ def _load(name: str, abi: str, symbol: str, mode: int) -> ctypes.CDLL:
 koriil = _load("libkoriil.so.1", "KORIIL_1", "KorIilLastStatus", ctypes.RTLD_GLOBAL)
 libtarn = _load("libtarn.so.1", "TARN_1", "TarnGetRadio", ctypes.RTLD_LOCAL)
 
+class ServiceCounters(ctypes.Structure):
+    """What a service has counted."""
+
+    _fields_ = [
+        (name, ctypes.c_uint64)
+        for name in ("processId", "openedAt", "connections", "subscriptions", "calls", "refusals", "drops")
+    ]
+
+
 EventHandler = ctypes.CFUNCTYPE(None, ctypes.c_char_p, ctypes.c_uint32, ctypes.c_void_p, ctypes.c_uint32)
 SubscriptionWatcher = ctypes.CFUNCTYPE(
     None, ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p, ctypes.c_uint32, ctypes.c_uint32
@@ -48,20 +57,28 @@ koriil.KorIilKeepSubscription.argtypes = [_TEXT, _TEXT, _WORD, EventHandler, Sub
 koriil.KorIilKeepSubscription.restype = _WORD
 koriil.KorIilCancelEvent.argtypes = [_TEXT, _TEXT, _WORD, EventHandler]
 koriil.KorIilCancelEvent.restype = _WORD
+koriil.KorIilAskCounters.argtypes = [_TEXT, _WORD, ctypes.POINTER(ServiceCounters)]
+koriil.KorIilAskCounters.restype = _WORD
 koriil.KorIilRuntimeDirectory.argtypes = [_TEXT, _WORD]
 koriil.KorIilRuntimeDirectory.restype = _WORD
+libtarn.tarnSubscribeEvent.argtypes = [_TEXT, _WORD, _POINTER, EventHandler]
+libtarn.tarnSubscribeEvent.restype = _WORD
+libtarn.tarnCancelEvent.argtypes = [_TEXT, _WORD, _POINTER, EventHandler]
+libtarn.tarnCancelEvent.restype = _WORD
 libtarn.tarnIpcStatusName.argtypes = [_WORD]
 libtarn.tarnIpcStatusName.restype = _TEXT
-
-
-def ipc_status_name(status: int) -> str:
-    """The name of an IPC status: "TIMEOUT" for 7 ..., "Unknown" for a number that is none."""
-    name: bytes = libtarn.tarnIpcStatusName(status)
-    return name.decode()
+libtarn.tarnValidatePinCode.argtypes = [_WORD]
+libtarn.tarnValidatePinCode.restype = _WORD
+libtarn.tarnAddRateEntries.argtypes = [_POINTER, _TEXT]
+libtarn.tarnAddRateEntries.restype = _WORD
+libtarn.tarnDelRatesEntries.argtypes = [_POINTER, _TEXT]
+libtarn.tarnDelRatesEntries.restype = _WORD
 
 
 def runtime_directory() -> str:
-    """Where services and callers meet."""
+    """Where services and callers meet. libkoriil reads KORIIL_DIR when a thread calls a service for the first time, and again
+    once that service has ended: a change is not seen by a thread whose connections go on.
+    """
     path = ctypes.create_string_buffer(koriil.KorIilRuntimeDirectory(None, 0) + 1)
     koriil.KorIilRuntimeDirectory(path, len(path))
     return path.value.decode(errors="surrogateescape")
