@@ -6,6 +6,7 @@ from pathlib import Path
 import pytest
 
 import tarn
+from another_gateway import another_gateway, state_in
 from tarn.simulated import SimulatedGateway
 from waiting import AMPLE, once_it_is_back
 
@@ -23,8 +24,8 @@ def test_the_state_is_read_changed_and_saved(tarn_gateway: SimulatedGateway, tmp
     tarn_gateway.save(tmp_path / "saved.json")
     saved = json.loads((tmp_path / "saved.json").read_text())
     assert saved == tarn_gateway.state()
-    with SimulatedGateway(scenario=tmp_path / "saved.json", speed=0) as again:
-        assert again.state() == saved
+    with another_gateway(f"--scenario={tmp_path / 'saved.json'}") as again:
+        assert state_in(again) == saved
 
 
 def test_a_state_of_any_size_is_read(tarn_gateway: SimulatedGateway) -> None:

@@ -1,4 +1,6 @@
 """What callers are told of calls that fail: refused arguments, IPC failures, reply statuses, and what cannot be sent at all."""
+import concurrent.futures
+import operator
 import os
 import signal
 import subprocess
@@ -9,6 +11,7 @@ from pathlib import Path
 import pytest
 
 import tarn
+from another_gateway import another_gateway
 from tarn.simulated import SimulatedGateway, SimulatorError
 
 
@@ -265,3 +268,33 @@ def test_a_gateway_that_dies_is_told_when_it_is_stopped() -> None:
     with pytest.raises(SimulatorError, match="tarn-gateway ended with exit status -9, expected 0"):
         gateway.stop()
     assert not os.path.exists(gateway.directory)
+
+
+def test_a_second_gateway_in_a_process_is_refused_and_the_first_goes_on(tarn_gateway: SimulatedGateway) -> None:
+    tarn_gateway.set_log_level(6)
+    expected = f"is running for this process already, in {tarn_gateway.directory}; expected it to be stopped before"
+    with pytest.raises(SimulatorError, match=expected):
+        SimulatedGateway(speed=0)
+    assert (tarn_gateway.log_level(), os.environ["KORIIL_DIR"]) == (6, tarn_gateway.directory)
+    tarn_gateway.stop()
+    with SimulatedGateway() as next_one:
+        assert next_one.log_level() == 3
+
+
+@pytest.mark.parametrize("call", ["log_level", "mirror.mirror_status", "module.init"])
+def test_a_gateway_that_this_thread_would_not_call_is_refused(call: str, monkeypatch: pytest.MonkeyPatch) -> None:
+    """Connections are kept: a thread that has called one gateway goes on to call it, whatever KORIIL_DIR is by then."""
+    with another_gateway() as directory:
+        monkeypatch.setenv("KORIIL_DIR", directory)
+        operator.attrgetter(call)(tarn.Gateway("bench"))()
+        with pytest.raises(SimulatorError, match="this thread has called [A-Z_]+ before, and stays connected with process"):
+            SimulatedGateway()
+        assert os.environ["KORIIL_DIR"] == directory
+
+        def in_a_thread_of_its_own() -> int:
+            with SimulatedGateway(scenario="empty") as gateway:
+                return int(gateway.radio_num())
+
+        with concurrent.futures.ThreadPoolExecutor(1) as pool:
+            assert pool.submit(in_a_thread_of_its_own).result() == 1
+        assert tarn.Gateway("bench").radio_num() == 2

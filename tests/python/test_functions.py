@@ -5,10 +5,10 @@ afterwards.
 import json
 import os
 import subprocess
-import sys
 from typing import Any
 
 import samples
+from another_gateway import another_gateway, state_in
 
 import tarn
 from tarn import contract
@@ -119,27 +119,19 @@ def _compare(function: str, inputs: dict[str, Any], directory: str) -> int:
     return status
 
 
-def _state_in(directory: str) -> Any:
-    """That of the gateway in another directory."""
-    script = "from tarn import control; print(control.order('state')[1])"
-    environment = {**os.environ, "KORIIL_DIR": directory}
-    command = [sys.executable, "-c", script]
-    return json.loads(subprocess.run(command, capture_output=True, text=True, check=True, env=environment).stdout)
-
-
 def test_all_247_functions_send_and_return_what_they_do_by_tarnctl() -> None:
-    with SimulatedGateway(speed=0) as other, SimulatedGateway(speed=0) as gateway:
+    with another_gateway() as other, SimulatedGateway(speed=0) as gateway:
         layout = tarn.layout_in_use()
         assert layout is not None
         before = gateway.state()
         statuses = {
-            function: _compare(function, samples.inputs_of(function, layout), other.directory)
+            function: _compare(function, samples.inputs_of(function, layout), other)
             for function in contract.COMMANDS
         }
         after = gateway.state()
         assert len(statuses) == 247
         assert {function for function, status in statuses.items() if status} == _REFUSED
-        assert after == _state_in(other.directory)
+        assert after == state_in(other)
         assert after != before
 
 

@@ -22,6 +22,7 @@ class Gateway(objects.DeviceService):
     """The gateway that runs in the runtime directory, called under an IPC identifier of 1 to 31 characters.
 
     Nothing is connected before the first call, and each thread has connections of its own: a gateway can be shared by threads.
+    They are kept: of KORIIL_DIR a thread sees what it was when it called a service for the first time.
 
     >>> gateway = tarn.Gateway("bench")
     >>> gateway.radio(1).chain_rssi_at(0)

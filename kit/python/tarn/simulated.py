@@ -6,10 +6,11 @@ import shlex
 import shutil
 import subprocess
 import tempfile
+import threading
 import weakref
 from collections.abc import Iterable, Mapping
 from types import TracebackType
-from typing import Any, Optional, Union
+from typing import Any, ClassVar, Optional, Union
 
 from . import contract, control, layouts
 from .errors import StatusError, TarnError
@@ -31,7 +32,9 @@ class SimulatorError(TarnError):
 
 class SimulatedGateway(Gateway):
     """Starts a simulated gateway, and stops it at the end of a `with` block or by stop(). Meanwhile all calls of this
-    process, and of programs that it starts, go to it; there is one at a time in a process.
+    process, and of programs that it starts, go to it. So there is one at a time in a process: a second one is refused, and so
+    is one that is started where the thread is connected to another gateway already, whose calls would go there. Programs that
+    are started with another KORIIL_DIR call the gateway of that directory.
 
     scenario: what the gateway consists of: the name of a scenario that comes with it ("home", "crowded", "empty", "dfs"),
         a file, or a scenario itself
@@ -51,6 +54,9 @@ class SimulatedGateway(Gateway):
     121.0
     36
     """
+
+    _only: ClassVar[Optional["SimulatedGateway"]] = None
+    _starting: ClassVar[threading.Lock] = threading.Lock()
 
     def __init__(
         self,
@@ -74,6 +80,7 @@ class SimulatedGateway(Gateway):
         self._process: Optional[subprocess.Popen[bytes]] = None
         self._log = open(os.path.join(self.directory, "log"), "wb")
         try:
+            self._become_the_only_one()
             command = [found, "--log", f"--directory={self.directory}", f"--speed={speed}"]
             if scenario is not None:
                 command.append(f"--scenario={self._scenario_file(scenario)}")
@@ -83,11 +90,35 @@ class SimulatedGateway(Gateway):
                 command.append(f"--seed={seed}")
             self._start(command)
             os.environ[_DIRECTORY] = self.directory
+            self._check_that_calls_arrive()
             for fault in faults:
                 self.add_fault(**fault)
         except BaseException:
             self._clean_up()
             raise
+
+    def _become_the_only_one(self) -> None:
+        with SimulatedGateway._starting:
+            other = SimulatedGateway._only
+            if other is not None:
+                raise SimulatorError(
+                    _PROGRAM,
+                    f"a simulated gateway is running for this process already, in {other.directory}; expected it to be "
+                    "stopped before another one is started, as all calls of a process go to one",
+                )
+            SimulatedGateway._only = self
+
+    def _check_that_calls_arrive(self) -> None:
+        """Connections are kept, so those of this thread may be to another gateway."""
+        assert self._process is not None
+        for service in (*contract.SERVICES, control.SERVICE):
+            process = control.process_of(service)
+            if process != self._process.pid:
+                raise SimulatorError(
+                    _PROGRAM,
+                    f"this thread has called {service} before, and stays connected with process {process}; expected the "
+                    "simulated gateway to be started before the first call, or in a thread of its own",
+                )
 
     def _scenario_file(self, scenario: Union[Path, Mapping[str, Any]]) -> str:
         if isinstance(scenario, Mapping):
@@ -141,6 +172,8 @@ class SimulatedGateway(Gateway):
             self._process = None
         self._log.close()
         shutil.rmtree(self.directory, ignore_errors=True)
+        if SimulatedGateway._only is self:
+            SimulatedGateway._only = None
         if os.environ.get(_DIRECTORY) == self.directory:
             os.environ.pop(_DIRECTORY)
             if self._before is not None:
