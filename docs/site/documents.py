@@ -10,6 +10,7 @@ import pygments.formatters
 import pygments.lexers
 from markdown_it import MarkdownIt
 
+_WIDE_CELL = 30  # characters; a column with a longer text is not made narrower than some words
 _SCROLLING = '<div class="scroll" role="region" aria-label="%s" tabindex="0">'
 _LANGUAGES = {"": "text", "sh": "bash", "cpp": "c++"}
 
@@ -97,6 +98,8 @@ class Document:
                 self.sections.append(Section(int(before.tag[1]), anchor, text))
             else:
                 self.sections[-1].words.append(text)
+            if before.type == "td_open" and len(text) > _WIDE_CELL:
+                before.attrSet("class", "prose")
             inside = False
             for child in token.children:
                 if child.type == "link_open":
