@@ -1,6 +1,6 @@
 """What the site consists of: its chapters, and the document that each page is made from."""
 
-# A chapter's title, and its pages: the page's file, and the document.
+# A chapter's title, and its pages: the page's file, and the document. Debian's tools would compress a changelog.html.
 CHAPTERS = (
     ("Start", (("index.html", "README.md"),)),
     ("Tutorials", (
@@ -25,14 +25,14 @@ CHAPTERS = (
         ("yocto.html", "packaging/yocto/README.md"),
         ("contributing.html", "CONTRIBUTING.md"),
         ("security.html", "SECURITY.md"),
-        ("changelog.html", "CHANGELOG.md"),
+        ("changes.html", "CHANGELOG.md"),
     )),
 )
 REFERENCE = "reference/index.html"
 
 # What the line at the head of every page leads to.
 MAIN = (("Start", "index.html"), ("Tutorials", "first-call.html"), ("Guides", "installing.html"), ("Reference", REFERENCE),
-        ("Changelog", "changelog.html"))
+        ("Changelog", "changes.html"))
 
 PAGES = {document: page for _, pages in CHAPTERS for page, document in pages}
 

@@ -24,6 +24,15 @@ class ManualPage:
     def title(self):
         return "%s(%d)" % (self.name, self.section)
 
+    def names(self):
+        """What documents call it, the words for a shell included. The name alone of tarn(7) is also the Python package's."""
+        names = [self.title, "man %s" % self.name, "man %d %s" % (self.section, self.name)]
+        if self.section != 7:
+            names.append(self.name)
+        if self.name.startswith("tarnctl-"):
+            names.append(self.name.replace("-", " ", 1))
+        return names
+
 
 def read(reference, entries, mandoc):
     """The pages of a directory that docs/reference/generate has written, with what its pages.json says of them."""
