@@ -11,7 +11,6 @@ import pygments.lexers
 from markdown_it import MarkdownIt
 
 _WIDE_CELL = 30  # characters; a column with a longer text is not made narrower than some words
-_SCROLLING = '<div class="scroll" role="region" aria-label="%s" tabindex="0">'
 _LANGUAGES = {"": "text", "sh": "bash", "cpp": "c++"}
 
 
@@ -32,9 +31,9 @@ def slug(title, taken):
     return "%s-%d" % (anchor, same) if same else anchor
 
 
-def scrolling(content, label):
-    """What may be wider than the page: it scrolls by itself, from the keyboard as well."""
-    return "%s%s</div>\n" % (_SCROLLING % html.escape(label), content)
+def scrolling(content):
+    """What may be wider than the page: it scrolls by itself."""
+    return '<div class="scroll">%s</div>\n' % content
 
 
 def highlighted(code, language):
@@ -45,7 +44,7 @@ def highlighted(code, language):
         language = "pycon"
     lexer = pygments.lexers.get_lexer_by_name(_LANGUAGES.get(language, language), stripnl=False)
     marked = pygments.highlight(code, lexer, pygments.formatters.HtmlFormatter(nowrap=True))
-    return '<div class="code"><pre tabindex="0"><code>%s</code></pre></div>\n' % marked
+    return '<div class="code"><pre><code>%s</code></pre></div>\n' % marked
 
 
 class Document:
@@ -120,7 +119,7 @@ class Document:
         """One whose columns have no titles has no line for them."""
         titles = tokens[index:next(at for at in range(index, len(tokens)) if tokens[at].type == "thead_close")]
         kind = "" if any(token.content for token in titles) else ' class="bare"'
-        return "%s<table%s>\n" % (_SCROLLING % "Table", kind)
+        return '<div class="scroll"><table%s>\n' % kind
 
     def _table_close(self, tokens, index, options, environment):
         return "</table></div>\n"
@@ -131,7 +130,7 @@ class Document:
         if not re.fullmatch(r"<picture>.*</picture>", text, re.DOTALL):
             sys.exit("%s: expected no HTML but <picture>; got %s" % (self._place, text))
         text = re.sub(r'(src|srcset)="([^"]+)"', lambda found: '%s="%s"' % (found[1], self._address(found[2])), text)
-        return scrolling(text, "Picture")
+        return scrolling(text)
 
     def _code_inline(self, tokens, index, options, environment):
         token = tokens[index]

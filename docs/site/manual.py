@@ -53,11 +53,11 @@ def _within_a_page(text):
     text = re.sub(r'<table class="(head|foot)">.*?</table>\n', "", text, flags=re.DOTALL)
     text = re.sub(r"<(/?)h([12])\b", lambda found: "<%sh%d" % (found[1], int(found[2]) + 1), text)
     text = re.sub(r'<section class="Sh">\n<h2 class="Sh" id="NAME">.*?</section>\n', "", text, count=1, flags=re.DOTALL)
-    text = re.sub(r'<table class="Bl-column">.*?</table>', lambda table: scrolling(table[0], "Table"), text, flags=re.DOTALL)
+    text = re.sub(r'<table class="Bl-column">.*?</table>', lambda table: scrolling(table[0]), text, flags=re.DOTALL)
     text = re.sub(r"&#x2018;(<code [^>]*>[^<]*</code>)&#x2019;", r"\1", text)  # code is seen to be code
     text = re.sub(r'(<h2 class="Sh"[^>]*><a[^>]*>)([^<]*)', lambda found: found[1] + found[2].capitalize(), text)
     text = re.sub(r'<section class="Sh">(?=\n<h2 class="Sh" id="SYNOPSIS">)', '<section class="Sh synopsis">', text)
-    return re.sub(r"<pre>(.*?)</pre>", r'<div class="code"><pre tabindex="0">\1</pre></div>', text, flags=re.DOTALL)
+    return re.sub(r"<pre>(.*?)</pre>", r'<div class="code"><pre>\1</pre></div>', text, flags=re.DOTALL)
 
 
 def groups(pages):
@@ -83,6 +83,6 @@ def index(pages):
     for group, members in groups(pages).items():
         rows = "".join('<tr><td><a href="%s"><code>%s</code></a></td><td>%s</td></tr>\n'
                        % (page.file, breakable(page.name), html.escape(page.summary)) for page in members)
-        table = scrolling('<table class="bare">\n%s</table>' % rows, group)
+        table = scrolling('<table class="bare">\n%s</table>' % rows)
         parts.append('<h2 id="%s">%s</h2>\n%s' % (anchor(group), html.escape(group), table))
     return "".join(parts)

@@ -168,6 +168,14 @@ function addCopyButton(code) {
   code.append(button);
 }
 
+// What is wider than its place can be reached, and then scrolled, from the keyboard.
+function reachWhatScrolls() {
+  for (const area of document.querySelectorAll("pre, .scroll")) {
+    if (area.scrollWidth > area.clientWidth) area.tabIndex = 0;
+    else area.removeAttribute("tabindex");
+  }
+}
+
 // Contents of a page are open where there is room beside the text.
 function foldOutline(outline) {
   const wide = matchMedia("(min-width: 80rem)");
@@ -179,6 +187,9 @@ function foldOutline(outline) {
 startSearch(document.querySelector("form.search"));
 document.querySelectorAll("div.code").forEach(addCopyButton);
 document.querySelectorAll("details.outline").forEach(foldOutline);
+reachWhatScrolls();
+addEventListener("resize", reachWhatScrolls);
+addEventListener("load", reachWhatScrolls); // pictures are there
 const currentPage = document.querySelector('nav.pages [aria-current="page"]');
 if (currentPage) { // where the list scrolls by itself
   const list = currentPage.closest("nav");
