@@ -41,7 +41,8 @@
 namespace tarn::gateway
 {
 
-// One at a time in a process, which reaches it through KORIIL_DIR. Throws std::runtime_error where something does not work.
+// One at a time in a process, which reaches it through KORIIL_DIR: a second one is refused, as calls to it would reach the first.
+// Throws std::runtime_error where something does not work.
 class SimulatedGateway
 {
 public:
@@ -49,10 +50,13 @@ public:
     // TARN_GATEWAY names, or else the tarn-gateway of the PATH.
     explicit SimulatedGateway(const std::vector<std::string>& options = {})
     {
+        if (isThere_)
+            throw std::runtime_error("a simulated gateway is there already, and a process has one at a time");
         char directory[] = "/tmp/tarn-gateway-XXXXXX"; // short: a socket's path has at most 107 characters
         if (mkdtemp(directory) == nullptr || setenv("KORIIL_DIR", directory, 1) != 0)
             throw std::runtime_error("there is no room for a runtime directory in /tmp");
         directory_ = directory;
+        isThere_ = true;
         try
         {
             start(options);
@@ -200,6 +204,7 @@ private:
         unsetenv("KORIIL_DIR");
         std::error_code ignored;
         std::filesystem::remove_all(directory_, ignored);
+        isThere_ = false;
     }
 
     void execute(std::uint32_t command, std::size_t size, void* message) const
@@ -241,6 +246,7 @@ private:
         arrival().notify_all();
     }
 
+    inline static bool isThere_ = false;
     std::string directory_;
     pid_t processId_ = -1;
 };

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -237,6 +238,12 @@ TEST_F(RadioKeeperAtHome, HasTheSameEveningTwice)
     EXPECT_NE(evenings[0].find("(BUSY)"), std::string::npos);
     EXPECT_NE(evenings[0].find("cfg.channel=100"), std::string::npos);
     EXPECT_EQ(evenings[0], evenings[1]);
+}
+
+TEST_F(RadioKeeperAtHome, IsAloneInItsProcess)
+{
+    EXPECT_THROW(const tarn::gateway::SimulatedGateway second, std::runtime_error);
+    EXPECT_EQ(order("state /radios/0/channel"), "36");
 }
 
 } // namespace
