@@ -126,6 +126,15 @@ def nothing_is_left_out(site):
     expect_none(["%s is no page of the site" % each for each in documents if each not in shown])
 
 
+def packages_are_named(site):
+    control = read(os.path.join(_SOURCE, "debian", "control"))
+    packages = re.findall(r"^Package: (\S+)$", control, re.MULTILINE)
+    assert len(packages) > 5, packages
+    rows = re.findall(r"^\| (`.*?) \|", read(os.path.join(_SOURCE, "docs", "installing.md")), re.MULTILINE)
+    named = re.findall(r"`([^`]+)`", " ".join(rows))
+    assert sorted(named) == sorted(packages), set(named) ^ set(packages)
+
+
 # Each colour that something is written in, and those that it is written on.
 _WRITTEN = ("text", "quiet", "link")
 _ON = ("page", "soft", "mark")
