@@ -41,8 +41,8 @@
 namespace tarn::gateway
 {
 
-// One at a time in a process, which reaches it through KORIIL_DIR: a second one is refused, as calls to it would reach the first.
-// Throws std::runtime_error where something does not work.
+// One at a time in a process, which reaches it through KORIIL_DIR: a second one is refused, as calls to it would reach the
+// first. Throws std::runtime_error where something does not work.
 class SimulatedGateway
 {
 public:
