@@ -1,6 +1,8 @@
-"""The examples of a function's page: a C program that calls it, and a line for the shell."""
+"""The examples of a function's page: a C program that calls it, a line for the shell, and one in Python."""
 import os
 import re
+
+from naming import PythonFunction
 
 _MAC = "02:00:00:00:01:01"
 # What goes in, by the argument's name, or by FUNCTION.ARGUMENT where that is not enough. Texts that are not here are those of
@@ -207,6 +209,50 @@ def shell_example(layout, command):
     return " ".join(words)
 
 
+# --- Python -----------------------------------------------------------------------------------------------------------------
+
+
+def _field_in_python(layout, structure):
+    """A mapping that sets the first field of a record, but one that only counts the others."""
+    field = _first_field(structure)
+    name, element = field["name"], field
+    if field["type"] == "array":
+        element = field.get("element", field)
+    if "fields" in element:
+        return '{"%s": [%s]}' % (name, _field_in_python(layout, element))
+    named = _named_value(layout, element)
+    texts = element.get("texts", ["example"])
+    value = named[0] if named else {"text": texts[0], "mac address": _MAC}.get(element["type"])
+    value = '"%s"' % value if value is not None else "1"
+    return '{"%s": %s}' % (name, "[%s]" % value if field["type"] == "array" else value)
+
+
+def _argument_in_python(layout, python, entry):
+    key = "%s.%s" % (python.name, entry["name"])
+    structure = layout["records"].get(entry.get("record")) or layout["blocks"].get(key)
+    if structure:
+        return _field_in_python(layout, structure)
+    if key in layout["selections"]:
+        return "None"
+    if any(other.get("size_argument") == entry["name"] for other in python.outputs):
+        return str(_SIZE)
+    value = _value(layout, python.name, entry)
+    if value is None:
+        return "bytes(%d)" % entry["size"]
+    if entry["type"] == "bytes" and entry["size"] != 6:
+        return 'bytes.fromhex("%s")' % value
+    return '"%s"' % value if isinstance(value, str) else str(value)
+
+
+def python_example(layout, contract, command):
+    """A line that calls the method."""
+    python = PythonFunction(contract["service"], command)
+    passed = [_argument_in_python(layout, python, entry) for entry in python.inputs]
+    own = len(python.leading)
+    road = python.road % tuple(passed[:own]) if own else python.road
+    return 'tarn.Gateway("ledd")%s.%s(%s)' % (road, python.method(), ", ".join(passed[own:]))
+
+
 # --- Functions that send no command -----------------------------------------------------------------------------------------
 
 SHELL_LINES = {
@@ -216,6 +262,14 @@ SHELL_LINES = {
     "tarnValidatePinCode": "tarnctl call tarnValidatePinCode pin=12345670",
     "tarnAddRateEntries": "tarnctl call tarnAddRateEntries table=zero rate=5.5 --save table=rates.bin",
     "tarnDelRatesEntries": "tarnctl call tarnDelRatesEntries table=@rates.bin rate=5.5",
+}
+PYTHON_LINES = {
+    "tarnSubscribeEvent": 'tarn.tarnSubscribeEvent("ledd", tarn.EVT_RADIO_OPR_CHANNEL_CHANGED, print)',
+    "tarnCancelEvent": 'tarn.tarnCancelEvent("ledd", tarn.EVT_RADIO_OPR_CHANNEL_CHANGED, print)',
+    "tarnIpcStatusName": "tarn.tarnIpcStatusName(7)",
+    "tarnValidatePinCode": "tarn.tarnValidatePinCode(12345670)",
+    "tarnAddRateEntries": 'tarn.RateTable(["5.5"]).add("54")',
+    "tarnDelRatesEntries": 'tarn.RateTable(["5.5", "54"]).remove("5.5")',
 }
 PROGRAMS = {name: "rate_table.c" if "Rate" in name else name + ".c" for name in SHELL_LINES}
 PROGRAMS["tarnCancelEvent"] = "tarnSubscribeEvent.c"

@@ -77,7 +77,7 @@ class FunctionPages:
             self._simulated(page, writer, contract, command)
         elif name in _EVENTS:
             self._events(page, writer)
-        self._examples(page, function, command)
+        self._examples(page, function, contract, command)
         page.see_also(self._related(function, command))
         return page.text()
 
@@ -203,7 +203,7 @@ class FunctionPages:
 
     # --- Examples, and what is related ------------------------------------------------------------------------------------
 
-    def _examples(self, page, function, command):
+    def _examples(self, page, function, contract, command):
         layout = self._reference.layout
         page.section("EXAMPLES")
         page.macros("In C:")
@@ -212,6 +212,8 @@ class FunctionPages:
         names_fields = any("." in word.split("=")[0] for word in line.split() if "=" in word)
         page.paragraph("At the shell, with the fields of the simulated gateway:" if names_fields else "At the shell:")
         page.display(line)
+        page.paragraph("In Python:")
+        page.display(examples.python_example(layout, contract, command) if command else examples.PYTHON_LINES[function.name])
 
     def _shell_line(self, function, command):
         return examples.shell_example(self._reference.layout, command) if command else examples.SHELL_LINES[function.name]

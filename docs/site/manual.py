@@ -6,7 +6,7 @@ import subprocess
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 
-from documents import scrolling
+from documents import highlighted, scrolling
 
 @dataclass
 class ManualPage:
@@ -23,6 +23,12 @@ class ManualPage:
     @property
     def title(self):
         return "%s(%d)" % (self.name, self.section)
+
+    def in_python(self):
+        """The line in Python that a function's page ends its examples with, so that it is found by its method."""
+        if self.section != 3:
+            return ""
+        return html.unescape(re.sub("<.*?>", "", re.findall(r"<pre>(.*?)</pre>", self.html, re.DOTALL)[-1])).strip()
 
     def names(self):
         """What documents call it, the words for a shell included. The name alone of tarn(7) is also the Python package's."""
@@ -57,7 +63,16 @@ def _within_a_page(text):
     text = re.sub(r"&#x2018;(<code [^>]*>[^<]*</code>)&#x2019;", r"\1", text)  # code is seen to be code
     text = re.sub(r'(<h2 class="Sh"[^>]*><a[^>]*>)([^<]*)', lambda found: found[1] + found[2].capitalize(), text)
     text = re.sub(r'<section class="Sh">(?=\n<h2 class="Sh" id="SYNOPSIS">)', '<section class="Sh synopsis">', text)
-    return re.sub(r"<pre>(.*?)</pre>", r'<div class="code"><pre>\1</pre></div>', text, flags=re.DOTALL)
+    return re.sub(r"<pre>(.*?)</pre>", _code, text, flags=re.DOTALL)
+
+
+def _code(block):
+    """An example as the documents show theirs; what has elements of its own stays as it is."""
+    if "<" in block[1]:
+        return '<div class="code">%s</div>' % block[0]
+    text = html.unescape(block[1]).strip("\n") + "\n"
+    language = "c" if text.startswith("#include") else "python" if text.startswith("tarn.") else "text"
+    return highlighted(text, language)
 
 
 def groups(pages):

@@ -4,7 +4,9 @@ afterwards.
 """
 import json
 import os
+import re
 import subprocess
+from pathlib import Path
 from typing import Any
 
 import samples
@@ -177,3 +179,30 @@ def test_every_function_is_documented_with_each_of_its_inputs() -> None:
         ):
             assert f"    {entry}: " in text, name
         assert f"Waits up to {command['wait']} s." in text, name
+
+
+def _command(function: str) -> tuple[str, int]:
+    """What is sent: some functions send the same."""
+    document, command = contract.COMMANDS[function]
+    return document["service"], command["command"]
+
+
+_MANUAL = Path(str(tarn.__file__)).parents[2] / "reference" / "man" / "man3"
+
+
+def test_the_line_of_every_manual_page_calls_the_function_of_the_page() -> None:
+    """Fields are those of the simulated gateway's layout, and it may refuse what they are set to."""
+    pages = {page.stem: page.read_text() for page in _MANUAL.glob("*.3")}
+    assert len(pages) == 253
+    expected = sorted(contract.COMMANDS)
+    with SimulatedGateway(scenario="home", speed=0) as gateway:
+        for name in [*expected, *sorted(pages.keys() - set(expected), reverse=True)]:  # subscribes before it cancels
+            line = re.findall(r"^\.Bd -literal -offset indent\n(.*)\n\.Ed$", pages[name], re.MULTILINE)[-1]
+            if name not in expected:
+                assert name in line or "RateTable" in line
+            try:
+                eval(line.replace(r"\-", "-"), {"tarn": tarn})  # as somebody would copy it from the page
+            except tarn.StatusError:
+                assert name in expected
+        called = re.findall(r" ledd \(\d+\) (\w+)", gateway.log())
+    assert [_command(name) for name in called] == [_command(name) for name in expected]
