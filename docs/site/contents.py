@@ -24,6 +24,7 @@ CHAPTERS = (
         ("openwrt.html", "packaging/openwrt/README.md"),
         ("yocto.html", "packaging/yocto/README.md"),
         ("contributing.html", "CONTRIBUTING.md"),
+        ("releasing.html", "docs/releasing.md"),
         ("security.html", "SECURITY.md"),
         ("changes.html", "CHANGELOG.md"),
     )),
