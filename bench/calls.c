@@ -1,4 +1,6 @@
 /* The time of a call in C: `tarn_bench_calls COUNT` prints for each of a few functions the nanoseconds that one call takes. */
+#define _POSIX_C_SOURCE 199309L /* clock_gettime */
+
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>

@@ -25,7 +25,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tarnConfig.cmake ${CMAKE_CURRENT_BINAR
 
 if(TARN_BUILD_KIT)
     install(FILES kit/host/kor_iil_service.h kit/mock/kor_iil_mock.h kit/mock/kor_iil_mock.hpp
-        kit/simulator/tarn_gateway_control.h kit/simulator/tarn_gateway.hpp
+        kit/simulator/tarn_gateway_control.h kit/simulator/tarn_gateway_order.hpp kit/simulator/tarn_gateway.hpp
         ${PROJECT_BINARY_DIR}/include/tarn_gateway_records.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn COMPONENT kit)
     # Two sets of targets: a distribution has a package of each, and either may be installed without the other.

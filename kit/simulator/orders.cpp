@@ -3,6 +3,7 @@
 #include "base/join.h"
 #include "base/json_reader.h"
 #include "base/quote.h"
+#include "base/replace_file.h"
 #include "description.h"
 #include "lists.h"
 #include "order_forms.h"
@@ -10,13 +11,10 @@
 #include "scenario.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <optional>
+#include <stdexcept>
 
 #include <nlohmann/json.hpp>
 
@@ -184,12 +182,14 @@ Json set(const Context& context, const Words& words)
 
 Json save(const Context& context, const Words& words)
 {
-    const std::string partial = words[0] + ".partial";
-    std::ofstream file(partial);
-    file << scenarioOf(context.model).dump(1) << '\n';
-    file.close();
-    if (!file || std::rename(partial.c_str(), words[0].c_str()) != 0)
-        refuse(words[0] + ": cannot be written: " + std::strerror(errno));
+    try
+    {
+        base::replaceFile(words[0], scenarioOf(context.model).dump(1) + '\n', base::Readers::kAsUsual);
+    }
+    catch (const std::runtime_error& error)
+    {
+        refuse(error.what());
+    }
     return nullptr;
 }
 

@@ -11,6 +11,7 @@
 
 #include "kor_iil.h"
 #include "tarn_gateway_control.h"
+#include "tarn_gateway_order.hpp"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <mutex>
 #include <sstream>
 #include <stdexcept>
@@ -82,29 +82,12 @@ public:
     // the reason.
     std::string order(const std::string& words) const
     {
-        const auto message = std::make_unique<TarnGatewayOrder>();
-        if (words.size() >= sizeof message->order)
-            throw std::runtime_error("an order has fewer than " + std::to_string(sizeof message->order) + " characters");
-        words.copy(message->order, sizeof message->order - 1);
-        execute(TARN_GATEWAY_ORDER, sizeof *message, message.get());
-        std::string answer(message->text, message->length);
-        if (message->status != TARN_GATEWAY_OK)
-        {
-            ADD_FAILURE() << words << ": " << answer;
-            return {};
-        }
-        const auto piece = std::make_unique<TarnGatewayReadAnswer>();
-        while (answer.size() < message->total)
-        {
-            *piece = {};
-            piece->number = message->number;
-            piece->offset = static_cast<std::uint32_t>(answer.size());
-            execute(TARN_GATEWAY_READ_ANSWER, sizeof *piece, piece.get());
-            if (piece->status != TARN_GATEWAY_OK || piece->length == 0)
-                throw std::runtime_error("the answer is not kept any more: " + words);
-            answer.append(piece->text, piece->length);
-        }
-        return answer;
+        const OrderAnswer answer = giveOrder(kCaller, words, kWait);
+        require(answer.ipcStatus);
+        if (answer.status == TARN_GATEWAY_OK)
+            return answer.text;
+        ADD_FAILURE() << words << ": " << answer.text;
+        return {};
     }
 
     // Returns once everything that the device service has published so far has been handled in this process. Event 5 with no
@@ -117,9 +100,9 @@ public:
             hasArrived() = false;
         }
         require(KorIilSubscribeEvent(kCaller, "TARN", event, &SimulatedGateway::arrived));
-        const auto message = std::make_unique<TarnGatewayPublish>();
-        message->event = event;
-        execute(TARN_GATEWAY_PUBLISH, sizeof *message, message.get());
+        TarnGatewayPublish message = {};
+        message.event = event;
+        require(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, kWait, TARN_GATEWAY_PUBLISH, sizeof message, &message));
         std::unique_lock<std::mutex> lock(mutex());
         const bool isDone = arrival().wait_for(lock, std::chrono::seconds(kWait), [] { return hasArrived(); });
         lock.unlock();
@@ -205,11 +188,6 @@ private:
         std::error_code ignored;
         std::filesystem::remove_all(directory_, ignored);
         isThere_ = false;
-    }
-
-    void execute(std::uint32_t command, std::size_t size, void* message) const
-    {
-        require(KorIilExecute(kCaller, TARN_GATEWAY_SERVICE, kWait, command, static_cast<std::uint32_t>(size), message));
     }
 
     void require(std::uint32_t ipcStatus) const

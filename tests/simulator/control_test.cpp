@@ -3,8 +3,8 @@
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 #include "simulator/gateway.h"
-#include "simulator/gateway_order.h"
 #include "simulator/scenario.h"
+#include "tarn_gateway_order.hpp"
 
 #include <atomic>
 #include <filesystem>
@@ -148,7 +148,7 @@ TEST_F(ControlTest, ShutDownIsAskedForOnce)
     order("shutdown");
     EXPECT_EQ(asked, 1);
     other.stop();
-    EXPECT_EQ(tarn::simulator::giveOrder(kCaller, "shutdown", 60).ipcStatus, KOR_IIL_UNKNOWN_DST_ID);
+    EXPECT_EQ(tarn::gateway::giveOrder(kCaller, "shutdown", 60).ipcStatus, KOR_IIL_UNKNOWN_DST_ID);
 }
 
 TEST_F(ControlTest, SecondGatewayIsTurnedAway)

@@ -5,10 +5,10 @@
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 #include "simulator/gateway.h"
-#include "simulator/gateway_order.h"
 #include "simulator/scenario.h"
 #include "support/services.h"
 #include "tarn_frame.h"
+#include "tarn_gateway_order.hpp"
 
 #include <chrono>
 #include <cstdarg>
@@ -171,7 +171,7 @@ protected:
 
     static Json order(const std::string& line)
     {
-        const simulator::OrderAnswer answer = simulator::giveOrder("tester", line, 60);
+        const tarn::gateway::OrderAnswer answer = tarn::gateway::giveOrder("tester", line, 60);
         EXPECT_EQ(answer.ipcStatus, 0u) << line;
         EXPECT_EQ(answer.status, 0u) << line << ": " << answer.text;
         return answer.status == 0 ? Json::parse(answer.text) : Json();

@@ -145,7 +145,7 @@ TEST_F(OrdersTest, SaveTheState)
     simulator::Model other;
     simulator::readScenarioFile(path, other);
     EXPECT_EQ(simulator::scenarioOf(other), order("state"));
-    EXPECT_EQ(refusal("save /no/such/file"), "17: /no/such/file: cannot be written: No such file or directory");
+    EXPECT_EQ(refusal("save /no/such/file"), "17: file /no/such/file cannot be written: No such file or directory");
 }
 
 TEST_F(OrdersTest, SwitchTheLog)

@@ -3,7 +3,7 @@
 
 #include "kor_iil.h"
 #include "kor_iil_service.h"
-#include "simulator/gateway_order.h"
+#include "tarn_gateway_order.hpp"
 
 #include <cerrno>
 #include <csignal>
@@ -203,7 +203,7 @@ TEST_F(ProcessTest, ShutsDownWhenItIsAskedTo)
 {
     Program gateway({});
     ASSERT_EQ(gateway.line(), "ready");
-    const tarn::simulator::OrderAnswer answer = tarn::simulator::giveOrder(kCaller, "shutdown", 60);
+    const tarn::gateway::OrderAnswer answer = tarn::gateway::giveOrder(kCaller, "shutdown", 60);
     EXPECT_EQ(answer.ipcStatus, KOR_IIL_OK);
     EXPECT_EQ(answer.text, "null");
     EXPECT_EQ(gateway.wait(), 0);

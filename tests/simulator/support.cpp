@@ -3,8 +3,8 @@
 #include "contract/contract.h"
 #include "kor_iil.h"
 #include "simulator/gateway.h"
-#include "simulator/gateway_order.h"
 #include "simulator/scenario.h"
+#include "tarn_gateway_order.hpp"
 
 #include <chrono>
 #include <condition_variable>
@@ -113,7 +113,7 @@ void SimulatorTest::appearRadar(std::uint32_t channel)
 
 Json SimulatorTest::order(const std::string& line)
 {
-    const tarn::simulator::OrderAnswer answer = tarn::simulator::giveOrder(kCaller, line, 60);
+    const tarn::gateway::OrderAnswer answer = tarn::gateway::giveOrder(kCaller, line, 60);
     EXPECT_EQ(answer.ipcStatus, 0u) << line;
     EXPECT_EQ(answer.status, 0u) << line << ": " << answer.text;
     return answer.ipcStatus == 0 && answer.status == 0 ? Json::parse(answer.text) : Json();
@@ -121,7 +121,7 @@ Json SimulatorTest::order(const std::string& line)
 
 std::string SimulatorTest::refusal(const std::string& line)
 {
-    const tarn::simulator::OrderAnswer answer = tarn::simulator::giveOrder(kCaller, line, 60);
+    const tarn::gateway::OrderAnswer answer = tarn::gateway::giveOrder(kCaller, line, 60);
     EXPECT_EQ(answer.ipcStatus, 0u) << line;
     EXPECT_NE(answer.status, 0u) << line;
     return std::to_string(answer.status) + ": " + answer.text;

@@ -1,8 +1,8 @@
 // `tarnctl gateway`: no function of the library, but an order to the simulated gateway.
 #include "base/join.h"
-#include "simulator/gateway_order.h"
 #include "simulator/order_forms.h"
 #include "tarn_frame.h"
+#include "tarn_gateway_order.hpp"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
@@ -86,7 +86,7 @@ ExitCode gateway(const Console& console, const GatewayOptions& options)
         throw UsageError("gateway: expected an order of at most " + std::to_string(TARN_GATEWAY_ORDER_SIZE - 1) +
                          " characters; got " + std::to_string(line.size()));
 
-    const simulator::OrderAnswer answer = simulator::giveOrder(kOwnCallerId, line, kOrderWait);
+    const tarn::gateway::OrderAnswer answer = tarn::gateway::giveOrder(kOwnCallerId, line, kOrderWait);
     if (answer.ipcStatus != 0)
         return simulatorFailure(console, answer.ipcStatus, "takes orders");
     if (answer.status != TARN_GATEWAY_OK)

@@ -1,10 +1,10 @@
 // `tarnctl metrics`: what is measured and counted, for a monitoring system.
+#include "base/replace_file.h"
 #include "base/timestamp.h"
 #include "tarnctl/fields.h"
 #include "tarnctl/layout_in_use.h"
 #include "tarnctl/occupancy.h"
 #include "tarnctl/open_metrics.h"
-#include "tarnctl/replace_file.h"
 #include "tarnctl/survey.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/verbs/verbs.h"
@@ -330,7 +330,7 @@ ExitCode metrics(const Console& console, const MetricsOptions& options)
     if (console.json)
         console.write(documentOf(collector.metrics(), notes));
     else if (options.textFile)
-        replaceFile(*options.textFile, collector.metrics().text(), Readers::kAsUsual);
+        base::replaceFile(*options.textFile, collector.metrics().text(), base::Readers::kAsUsual);
     else
         console.out << collector.metrics().text() << std::flush;
     for (const std::string& note : notes)

@@ -1,5 +1,5 @@
 // `tarnctl report`: everything that the gateway tells, for a support case, as a page and as a document.
-#include "tarnctl/replace_file.h"
+#include "base/replace_file.h"
 #include "tarnctl/report/collect.h"
 #include "tarnctl/report/page.h"
 #include "tarnctl/usage_error.h"
@@ -78,18 +78,18 @@ ExitCode report(const Console& given, const ReportOptions& options)
         throw UsageError("report: expected two files, one for --html and one for --json");
     for (const std::optional<std::string>& file : {options.page, options.document})
         if (file)
-            checkReplaceable(*file); // before the time is spent
+            base::checkReplaceable(*file); // before the time is spent
     const Collected collected = collect(console, options.collect);
     const Json& document = collected.document;
-    const Readers readers = options.collect.hasSecrets ? Readers::kOwnerOnly : Readers::kAsUsual;
+    const base::Readers readers = options.collect.hasSecrets ? base::Readers::kOwnerOnly : base::Readers::kAsUsual;
     if (options.page)
     {
-        replaceFile(*options.page, reportPage(document), readers);
+        base::replaceFile(*options.page, reportPage(document), readers);
         say(console, *options.page, document);
     }
     if (options.document)
     {
-        replaceFile(*options.document, document.dump(2) + '\n', readers);
+        base::replaceFile(*options.document, document.dump(2) + '\n', readers);
         say(console, *options.document, document);
     }
     if (console.json)

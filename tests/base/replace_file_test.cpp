@@ -1,28 +1,44 @@
 // Files that are replaced in one step, and what happens where they cannot be.
-#include "support.h"
-#include "tarnctl/replace_file.h"
+#include "base/replace_file.h"
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string>
+
+#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace tarnctl_test
-{
-
 namespace
 {
 
-using tarn::ctl::checkReplaceable;
-using tarn::ctl::Readers;
-using tarn::ctl::replaceFile;
+using tarn::base::checkReplaceable;
+using tarn::base::Readers;
+using tarn::base::replaceFile;
 
-class ReplaceFileTest : public TarnctlTest
+class ReplaceFileTest : public ::testing::Test
 {
 protected:
+    void SetUp() override
+    {
+        char name[] = "/tmp/tarn_test-XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        directory_ = name;
+    }
+
+    void TearDown() override
+    {
+        std::filesystem::remove_all(directory_);
+    }
+
+    std::string path(const std::string& file) const
+    {
+        return directory_ + "/" + file;
+    }
+
     std::string read(const std::string& file) const
     {
         std::ifstream stream(path(file), std::ios::binary);
@@ -31,7 +47,7 @@ protected:
 
     std::size_t files() const
     {
-        const std::filesystem::directory_iterator entries(directory);
+        const std::filesystem::directory_iterator entries(directory_);
         return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
     }
 
@@ -57,6 +73,9 @@ protected:
         EXPECT_THROW(replaceFile(path(file), "text", Readers::kAsUsual), std::runtime_error);
         return error;
     }
+
+private:
+    std::string directory_;
 };
 
 TEST_F(ReplaceFileTest, WritesANewFileAndLeavesNothingElse)
@@ -105,6 +124,15 @@ TEST_F(ReplaceFileTest, WhatCannotBeReplacedIsRefusedWithTheReason)
     EXPECT_EQ(files(), 1u);
 }
 
+TEST_F(ReplaceFileTest, WhatAnotherIsWritingStaysAsItIs)
+{
+    std::ofstream(path("file.new0")) << "another's";
+    replaceFile(path("file"), "ours", Readers::kAsUsual);
+    EXPECT_EQ(read("file"), "ours");
+    EXPECT_EQ(read("file.new0"), "another's");
+    EXPECT_EQ(files(), 2u);
+}
+
 TEST_F(ReplaceFileTest, AskingWhetherItCanBeReplacedChangesNothing)
 {
     replaceFile(path("file"), "as it was", Readers::kAsUsual);
@@ -115,5 +143,3 @@ TEST_F(ReplaceFileTest, AskingWhetherItCanBeReplacedChangesNothing)
 }
 
 } // namespace
-
-} // namespace tarnctl_test

@@ -2,16 +2,15 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
-
-#include <filesystem>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace tarn::ctl
+namespace tarn::base
 {
 
 namespace
@@ -39,11 +38,18 @@ std::string targetOf(const std::string& path)
 class NewFile
 {
 public:
-    explicit NewFile(const std::string& path) : path_(path), target_(targetOf(path)), name_(target_ + ".XXXXXX")
+    NewFile(const std::string& path, Readers readers) : path_(path), target_(targetOf(path))
     {
-        descriptor_ = mkostemp(name_.data(), O_CLOEXEC);
-        if (descriptor_ < 0)
-            failFor(path_, std::strerror(errno));
+        constexpr mode_t kOwner = S_IRUSR | S_IWUSR;
+        constexpr mode_t kAll = kOwner | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+        for (int number = 0; descriptor_ < 0; ++number) // others may be writing the same
+        {
+            name_ = target_ + ".new" + std::to_string(number);
+            descriptor_ = open(name_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC,
+                               readers == Readers::kOwnerOnly ? kOwner : kAll); // the process's mask is applied
+            if (descriptor_ < 0 && errno != EEXIST)
+                failFor(path_, std::strerror(errno));
+        }
     }
 
     ~NewFile()
@@ -70,16 +76,6 @@ public:
         }
     }
 
-    // The file is its owner's alone until then.
-    void allowAsUsual()
-    {
-        constexpr mode_t kAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-        const mode_t mask = umask(0);
-        umask(mask);
-        if (fchmod(descriptor_, kAll & ~mask) != 0)
-            failFor(path_, std::strerror(errno));
-    }
-
     void putInPlace()
     {
         const bool isStored = fsync(descriptor_) == 0 || errno == EINVAL; // which some file systems cannot do
@@ -102,16 +98,14 @@ private:
 
 void replaceFile(const std::string& path, const std::string& text, Readers readers)
 {
-    NewFile file(path);
+    NewFile file(path, readers);
     file.write(text);
-    if (readers == Readers::kAsUsual)
-        file.allowAsUsual();
     file.putInPlace();
 }
 
 void checkReplaceable(const std::string& path)
 {
-    const NewFile file(path);
+    const NewFile file(path, Readers::kOwnerOnly);
 }
 
-} // namespace tarn::ctl
+} // namespace tarn::base

@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace tarn::ctl
+namespace tarn::base
 {
 
 enum class Readers
@@ -20,4 +20,4 @@ void replaceFile(const std::string& path, const std::string& text, Readers reade
 // Throws what replaceFile would, as far as that can be known before.
 void checkReplaceable(const std::string& path);
 
-} // namespace tarn::ctl
+} // namespace tarn::base
