@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +13,17 @@ namespace tarn::base
 
 using MacAddress = std::array<std::uint8_t, 6>;
 inline constexpr std::uint32_t kMacAddressSize = std::tuple_size<MacAddress>::value;
+
+struct MacAddressHash
+{
+    std::size_t operator()(const MacAddress& address) const
+    {
+        std::uint64_t number = 0;
+        for (const std::uint8_t byte : address)
+            number = number << 8 | byte;
+        return std::hash<std::uint64_t>()(number);
+    }
+};
 
 // "02:00:00:00:01:05".
 std::string macText(const MacAddress& address);

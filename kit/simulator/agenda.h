@@ -4,11 +4,12 @@
 #include "base/mac_address.h"
 #include "clock.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <set>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 namespace tarn::simulator
@@ -42,10 +43,32 @@ struct Due
     base::MacAddress address{};
     std::uint32_t channel = 0;
 
+    bool operator==(const Due& other) const
+    {
+        return key() == other.key();
+    }
+
     bool operator<(const Due& other) const
     {
-        return std::tie(what, radioId, interfaceId, address, channel) <
-               std::tie(other.what, other.radioId, other.interfaceId, other.address, other.channel);
+        return key() < other.key();
+    }
+
+private:
+    std::tuple<const Occurrence&, const std::uint32_t&, const std::uint32_t&, const base::MacAddress&, const std::uint32_t&>
+    key() const
+    {
+        return std::tie(what, radioId, interfaceId, address, channel);
+    }
+};
+
+struct DueHash
+{
+    std::size_t operator()(const Due& due) const
+    {
+        std::size_t hash = base::MacAddressHash()(due.address);
+        for (const std::uint32_t each : {static_cast<std::uint32_t>(due.what), due.radioId, due.interfaceId, due.channel})
+            hash = hash * 31 + each;
+        return hash;
     }
 };
 
@@ -101,7 +124,7 @@ public:
     }
 
 private:
-    std::map<Due, Milliseconds> times_;
+    std::unordered_map<Due, Milliseconds, DueHash> times_;
     std::set<std::pair<Milliseconds, Due>> queue_;
 };
 

@@ -3,6 +3,9 @@
 #include "model.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
 namespace tarn::simulator
 {
@@ -84,9 +87,10 @@ std::vector<Interface*> Model::allInterfaces()
 
 // Lets the client come to the access point that it hears best of those that take it and that it does not keep away from, unless
 // it is associated already. Returns the radio that has another station, or null.
-Radio* Model::seek(const Client& client, const std::vector<Interface*>& candidates)
+Radio* Model::seek(std::size_t index, const std::vector<Interface*>& candidates)
 {
-    if (client.gone || idle_.count(clientIndex_.at(client.address)) == 0)
+    const Client& client = clients[index];
+    if (client.gone || !isIdle_[index])
         return nullptr;
     Interface* best = nullptr;
     std::int32_t bestSignal = 0;
@@ -108,19 +112,20 @@ Radio* Model::seek(const Client& client, const std::vector<Interface*>& candidat
     return best->radio;
 }
 
-// In the order of the scenario. Each looks at the access points of its network only, as there may be thousands.
-void Model::seekAll()
+// In the order of the scenario. Each looks at the access points of its network only, as there may be thousands. Returns the
+// radios that have other stations.
+std::set<Radio*> Model::seekAll()
 {
-    std::map<std::string, std::vector<Interface*>> byName;
+    std::unordered_map<std::string_view, std::vector<Interface*>> byName;
     for (Interface* const interface : allInterfaces())
-        byName[interface->settings.ssid].push_back(interface);
+        if (interface->isUp())
+            byName[interface->settings.ssid].push_back(interface);
     std::set<Radio*> changed;
-    for (const std::size_t index : std::vector<std::size_t>(idle_.begin(), idle_.end()))
-        if (const auto found = byName.find(clients[index].ssid); found != byName.end())
-            changed.insert(seek(clients[index], found->second));
-    for (Radio* const radio : changed)
-        if (radio != nullptr)
-            refresh(*radio);
+    for (std::size_t index = 0; index < clients.size(); ++index)
+        if (const auto found = isIdle_[index] ? byName.find(clients[index].ssid) : byName.end(); found != byName.end())
+            if (Radio* const radio = seek(index, found->second))
+                changed.insert(radio);
+    return changed;
 }
 
 void Model::associate(Interface& interface, const Client& client)
@@ -131,19 +136,18 @@ void Model::associate(Interface& interface, const Client& client)
     if (service.stoppedPolling.count(Polling::kStations) != 0)
         station.frozen = Counters{};
     ++interface.associations;
-    idle_.erase(clientIndex_.at(client.address));
+    isIdle_[clientIndex_.at(client.address)] = false;
     interface.stations.push_back(station);
     reportAssociation(interface, client.address, true);
 }
 
-void Model::part(Interface& interface, std::size_t index)
+// What follows when a station has left.
+void Model::part(Interface& interface, const Station& station)
 {
-    const Station station = interface.stations[index];
-    interface.stations.erase(interface.stations.begin() + static_cast<std::ptrdiff_t>(index));
     interface.departed.add(counters(station));
     ++interface.disassociations;
     const std::size_t clientIndex = clientIndex_.at(station.address);
-    idle_.insert(clientIndex);
+    isIdle_[clientIndex] = true;
     Client& client = clients[clientIndex];
     client.gone = client.patience == 0;
     if (!client.gone)
@@ -154,39 +158,69 @@ void Model::part(Interface& interface, std::size_t index)
 
 void Model::kickOut(Interface& interface, const MacAddress& address)
 {
-    for (std::size_t i = 0; i < interface.stations.size(); ++i)
-        if (interface.stations[i].address == address)
-        {
-            part(interface, i);
-            return settle(interface);
-        }
-    throw Refused{ReplyStatus::kNoSuchObject, base::macText(address) + " is not associated with " + interface.name};
+    if (!release(interface, address))
+        throw Refused{ReplyStatus::kNoSuchObject, base::macText(address) + " is not associated with " + interface.name};
+    settle(interface);
 }
 
-void Model::settle(Radio& radio)
+// Returns whether it was associated.
+bool Model::release(Interface& interface, const MacAddress& address)
+{
+    const auto found = std::find_if(interface.stations.begin(), interface.stations.end(),
+                                    [&](const Station& station) { return station.address == address; });
+    if (found == interface.stations.end())
+        return false;
+    const Station station = *found;
+    interface.stations.erase(found);
+    part(interface, station);
+    return true;
+}
+
+void Model::releaseAll(Interface& interface)
+{
+    const std::vector<Station> stations = std::exchange(interface.stations, {});
+    for (const Station& station : stations)
+        part(interface, station);
+}
+
+void Model::endWhatCannotGoOn(Radio& radio)
 {
     if (radio.scan.status == ScanStatus::kRunning && radio.settings.enabled == 0)
         cancelScan(radio);
     if (radio.dfsRadio.status == DfsRadioStatus::kChecking &&
         (radio.settings.enabled == 0 || !contains(channelsFor(radio.channelCriteria()), radio.dfsRadio.channel)))
         stopDfsRadio(radio);
-    for (Interface& interface : radio.interfaces)
-        dismiss(interface);
-    seekAll();
-    refresh(radio);
+}
+
+// Those that are sent away by one of the radios do not come to another of them which then sends them away, too.
+void Model::settle(const std::vector<Radio*>& changed)
+{
+    for (Radio* const radio : changed)
+    {
+        endWhatCannotGoOn(*radio);
+        for (Interface& interface : radio->interfaces)
+            dismiss(interface);
+    }
+    refresh(seekAll(), changed);
+}
+
+void Model::settle(Radio& radio)
+{
+    settle(std::vector<Radio*>{&radio});
 }
 
 void Model::settle(Interface& interface)
 {
     dismiss(interface);
-    seekAll();
-    refresh(*interface.radio);
+    refresh(seekAll(), {interface.radio});
 }
 
 void Model::settle()
 {
+    std::vector<Radio*> all;
     for (Radio& radio : radios)
-        settle(radio);
+        all.push_back(&radio);
+    settle(all);
 }
 
 // Those that may not or cannot stay leave, and the WPS window of an access point that is down closes.
@@ -194,21 +228,23 @@ void Model::dismiss(Interface& interface)
 {
     if (interface.window.status == WpsStatus::kOpen && (interface.settings.wpsEnabled == 0 || !interface.isUp()))
         setWpsWindow(interface, WpsStatus::kCancelled);
-    for (std::size_t i = 0; i < interface.stations.size();)
+    std::vector<Station>& staying = interface.stations;
+    for (const Station& station : std::exchange(staying, {}))
     {
-        const MacAddress& address = interface.stations[i].address;
-        if (suits(interface, clients[clientIndex_.at(address)]) && admits(interface, address, i))
-            ++i;
-        else
-            part(interface, i);
+        staying.push_back(station); // of those that are too many, the ones that have come last leave
+        if (suits(interface, clients[clientIndex_.at(station.address)]) &&
+            admits(interface, station.address, staying.size() - 1))
+            continue;
+        staying.pop_back();
+        part(interface, station);
     }
 }
 
 void Model::reportAssociation(const Interface& interface, const MacAddress& address, bool associated)
 {
-    std::vector<HistoryEntry>& history = smartWiFi.history;
+    std::deque<HistoryEntry>& history = smartWiFi.history;
     if (history.size() == kHistoryRoom)
-        history.erase(history.begin());
+        history.pop_front();
     history.push_back({secondsSinceStart(), associated ? 1u : 0u,
                        base::macText(address) + (associated ? " has come to " : " has left ") + interface.name});
     Record data(layout.record("EVT_AP_ASSOCIATED_CHANGED"));
@@ -219,6 +255,13 @@ void Model::reportAssociation(const Interface& interface, const MacAddress& addr
 }
 
 // --- Links -------------------------------------------------------------------------------------------------------------------
+
+void Model::refresh(std::set<Radio*> changed, const std::vector<Radio*>& others)
+{
+    changed.insert(others.begin(), others.end());
+    for (Radio* const radio : changed)
+        refresh(*radio);
+}
 
 // Brings up to date what follows from the air and the stations.
 void Model::refresh(Radio& radio)

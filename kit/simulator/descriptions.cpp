@@ -519,11 +519,12 @@ template <>
 const Description<Snapshots>& descriptionOf()
 {
     using It = Snapshots;
-    static const Description<It> kDescription = Fields<It>()
-                                                    .field("bssEntries", &It::bssEntries, objects<BssEntry>())
-                                                    .field("stations", &It::stations, objects<StationEntry>())
-                                                    .field("history", &It::history, objects<HistoryEntry>(kHistoryRoom))
-                                                    .field("slaves", &It::slaves, addresses(kSlaveRoom));
+    static const Description<It> kDescription =
+        Fields<It>()
+            .field("bssEntries", &It::bssEntries, objects<BssEntry>())
+            .field("stations", &It::stations, objects<StationEntry>())
+            .field("history", &It::history, list<std::deque<HistoryEntry>>(object<HistoryEntry>(), kHistoryRoom))
+            .field("slaves", &It::slaves, addresses(kSlaveRoom));
     return kDescription;
 }
 
@@ -531,12 +532,13 @@ template <>
 const Description<SmartWiFi>& descriptionOf()
 {
     using It = SmartWiFi;
-    static const Description<It> kDescription = Fields<It>()
-                                                    .field("domains", &It::domains, objects<SteeringDomain>(kDomainRoom))
-                                                    .field("slaves", &It::slaves, addresses(kSlaveRoom))
-                                                    .field("propagations", &It::propagations, anyNumber())
-                                                    .field("snapshots", &It::snapshots, object<Snapshots>())
-                                                    .field("history", &It::history, objects<HistoryEntry>(kHistoryRoom));
+    static const Description<It> kDescription =
+        Fields<It>()
+            .field("domains", &It::domains, objects<SteeringDomain>(kDomainRoom))
+            .field("slaves", &It::slaves, addresses(kSlaveRoom))
+            .field("propagations", &It::propagations, anyNumber())
+            .field("snapshots", &It::snapshots, object<Snapshots>())
+            .field("history", &It::history, list<std::deque<HistoryEntry>>(object<HistoryEntry>(), kHistoryRoom));
     return kDescription;
 }
 

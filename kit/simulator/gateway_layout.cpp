@@ -122,13 +122,27 @@ std::uint64_t fromWire(const Meaning& own, const Meaning& used, std::uint64_t nu
 GatewayLayout::GatewayLayout()
     : text_(layout::simulatedText()), used_(std::shared_ptr<const Layout>(std::shared_ptr<void>(), &layout::simulated()))
 {
+    findRecords();
     findStatuses();
 }
 
 GatewayLayout::GatewayLayout(const std::string& path)
     : text_(base::readText(path, "a layout file")), used_(std::make_shared<const Layout>(layout::parse(text_, path)))
 {
+    findRecords();
     findStatuses();
+}
+
+void GatewayLayout::findRecords()
+{
+    const Layout& own = layout::simulated();
+    for (const std::vector<Structure>* const kind : {&own.records, &own.blocks, &own.events})
+        for (const Structure& structure : *kind)
+        {
+            const Structure* const used = structureNamed(*used_, structure.name);
+            const std::uint32_t size = kind == &own.events ? 0 : structure.size; // the data of an event may be of any size
+            records_[structure.name] = {&structure, used, used == nullptr ? size : used->size};
+        }
 }
 
 void GatewayLayout::findStatuses()
@@ -151,16 +165,10 @@ void GatewayLayout::findStatuses()
 
 RecordLayout GatewayLayout::record(std::string_view name) const
 {
-    RecordLayout result;
-    result.own = structureNamed(layout::simulated(), name);
-    if (result.own == nullptr)
+    const auto found = records_.find(name);
+    if (found == records_.end())
         throw std::logic_error("the model knows no record " + std::string(name));
-    result.used = structureNamed(*used_, name);
-    if (result.used != nullptr)
-        result.size = result.used->size;
-    else if (layout::simulated().event(name) == nullptr) // the data of an event may be of any size
-        result.size = result.own->size;
-    return result;
+    return found->second;
 }
 
 std::uint32_t GatewayLayout::numberToWire(std::string_view function, std::string_view argument, std::uint32_t number) const

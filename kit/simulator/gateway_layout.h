@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -63,10 +64,12 @@ public:
     std::vector<std::string> missing() const;
 
 private:
+    void findRecords();
     void findStatuses();
 
     std::string text_;
     std::shared_ptr<const layout::Layout> used_;
+    std::unordered_map<std::string_view, RecordLayout> records_;
     std::map<std::pair<std::string, ReplyStatus>, std::uint32_t, std::less<>> statuses_;
 };
 

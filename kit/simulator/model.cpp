@@ -45,18 +45,15 @@ void Model::link()
 
 void Model::indexClients()
 {
-    idle_.clear();
+    isIdle_.assign(clients.size(), true);
     clientIndex_.clear();
     std::size_t index = 0;
     for (const Client& client : clients)
-    {
-        idle_.insert(index);
         clientIndex_.emplace(client.address, index++);
-    }
     for (const Radio& radio : radios)
         for (const Interface& interface : radio.interfaces)
             for (const Station& station : interface.stations)
-                idle_.erase(clientIndex_.at(station.address));
+                isIdle_[clientIndex_.at(station.address)] = false;
 }
 
 void Model::advance(Milliseconds to)
@@ -98,7 +95,7 @@ void Model::happen(const Due& due)
         radarAppears(due.channel);
         break;
     case Occurrence::kClientReturns:
-        if (Radio* const changed = seek(clients[clientIndex_.at(due.address)], allInterfaces()))
+        if (Radio* const changed = seek(clientIndex_.at(due.address), allInterfaces()))
             refresh(*changed);
         break;
     }
@@ -203,8 +200,7 @@ void Model::change(Interface& interface, const Changes<InterfaceSettings>& chang
                         settings.passphrase);
     };
     if (network(before) != network(now))
-        while (!interface.stations.empty()) // it is another network to them
-            part(interface, 0);
+        releaseAll(interface); // it is another network to them
     if (before.ssidGroupId != now.ssidGroupId)
         settle(); // the limit of a group is one of several interfaces
     else

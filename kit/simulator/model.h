@@ -10,7 +10,10 @@
 #include "reply_status.h"
 
 #include <functional>
+#include <set>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 namespace tarn::simulator
 {
@@ -72,6 +75,7 @@ public:
 
     // Makes all of the changes, or none, and publishes their events.
     void change(Radio& radio, const Changes<RadioSettings>& changes);
+    void change(const std::vector<Radio*>& changing, const Changes<RadioSettings>& changes);
     void change(Interface& interface, const Changes<InterfaceSettings>& changes);
     // Security settings made through the module: at once, or, while security is deferred, with the next applySecurity.
     void changeSecurity(Interface& interface, const Changes<InterfaceSettings>& changes);
@@ -148,7 +152,11 @@ private:
     std::optional<Fault> takeFaultThat(Matches matches);
 
     // Radios.
+    RadioSettings changed(const Radio& radio, const Changes<RadioSettings>& changes) const;
     void apply(Radio& radio, RadioSettings changed);
+    void takeOver(Radio& radio, RadioSettings changed);
+    void settle(const std::vector<Radio*>& changed);
+    void endWhatCannotGoOn(Radio& radio);
     std::uint32_t quietestChannel(const Radio& radio, const RadioSettings& settings) const;
     void publishRadio(const char* event, const Radio& radio) const;
     void reportReadiness(Radio& radio, bool isSwitched);
@@ -165,23 +173,26 @@ private:
     bool admits(const Interface& interface, const MacAddress& address, std::size_t associated) const;
     bool isGroupFull(const Interface& interface, const MacAddress& address) const;
     std::vector<Interface*> allInterfaces();
-    Radio* seek(const Client& client, const std::vector<Interface*>& candidates);
-    void seekAll();
+    Radio* seek(std::size_t client, const std::vector<Interface*>& candidates);
+    std::set<Radio*> seekAll();
     void dismiss(Interface& interface);
     void refresh(Radio& radio);
+    void refresh(std::set<Radio*> changed, const std::vector<Radio*>& others);
     void refresh(const Interface& interface, Station& station) const;
     MacAddress freeAddress(MacAddress address) const;
     void associate(Interface& interface, const Client& client);
-    void part(Interface& interface, std::size_t index);
+    bool release(Interface& interface, const MacAddress& address);
+    void releaseAll(Interface& interface);
+    void part(Interface& interface, const Station& station);
     void setWpsWindow(Interface& interface, WpsStatus status);
     void beginRadarCheck(Radio& radio);
     void publishEvent(const char* event, const Record& data) const;
     // Adds it to the history and publishes its event.
     void reportAssociation(const Interface& interface, const MacAddress& address, bool associated);
 
-    std::map<MacAddress, std::size_t> clientIndex_; // in `clients`
-    std::set<std::size_t> idle_;                    // clients that are not associated
-    std::vector<bool> ready_;                       // the radios, as last reported
+    std::unordered_map<MacAddress, std::size_t, base::MacAddressHash> clientIndex_; // in `clients`
+    std::vector<bool> isIdle_;                                                      // whether each of them is not associated
+    std::vector<bool> ready_;                                                       // the radios, as last reported
 };
 
 template <>

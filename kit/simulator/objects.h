@@ -445,7 +445,7 @@ struct Snapshots
 {
     std::vector<BssEntry> bssEntries;
     std::vector<StationEntry> stations;
-    std::vector<HistoryEntry> history;
+    std::deque<HistoryEntry> history;
     std::vector<MacAddress> slaves;
 };
 
@@ -455,7 +455,7 @@ struct SmartWiFi
     std::vector<MacAddress> slaves;
     std::uint32_t propagations = 0;
     Snapshots snapshots;
-    std::vector<HistoryEntry> history; // the last ones
+    std::deque<HistoryEntry> history; // the last ones
 };
 
 // --- The device service ------------------------------------------------------------------------------------------------------

@@ -58,9 +58,11 @@ void addProxySystemHandlers(HandlerTable& table)
         {"tarn_qcsapi_wifi_rfenable",
          [](Model& model, CommandRequest& request)
          {
+             std::vector<Radio*> ofModule;
              for (Radio& radio : model.radios)
                  if (radio.onModule)
-                     model.change(radio, Changes<RadioSettings>().set(&RadioSettings::enabled, request.number("value")));
+                     ofModule.push_back(&radio);
+             model.change(ofModule, Changes<RadioSettings>().set(&RadioSettings::enabled, request.number("value")));
          }},
         {"tarn_qcsapi_set_custom_value", [](Model& model, CommandRequest& request)
          { setText(model.module.customValues, request.text("custom_key"), request.text("custom_value")); }},

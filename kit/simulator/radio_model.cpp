@@ -10,6 +10,22 @@ namespace tarn::simulator
 
 void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
 {
+    apply(radio, changed(radio, changes));
+}
+
+void Model::change(const std::vector<Radio*>& changing, const Changes<RadioSettings>& changes)
+{
+    std::vector<RadioSettings> settings;
+    for (const Radio* const radio : changing)
+        settings.push_back(changed(*radio, changes));
+    for (std::size_t i = 0; i < changing.size(); ++i)
+        takeOver(*changing[i], std::move(settings[i]));
+    settle(changing);
+}
+
+// What the settings would be. Throws Refused if they do not fit.
+RadioSettings Model::changed(const Radio& radio, const Changes<RadioSettings>& changes) const
+{
     RadioSettings changed = radio.settings;
     changes.applyTo(changed);
     if (changes.has(&RadioSettings::channel) && !changes.has(&RadioSettings::autoChannel))
@@ -28,11 +44,17 @@ void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
     if (!isModeOf(radio.band, phyModeOf(changed.phyMode)))
         throw Refused{ReplyStatus::kInvalidValue,
                       "PHY mode " + changed.phyMode + "; the " + toString(radio.band) + " band does not have it"};
-    apply(radio, std::move(changed));
+    return changed;
 }
 
-// Takes over settings that fit, and publishes what changes with them.
 void Model::apply(Radio& radio, RadioSettings changed)
+{
+    takeOver(radio, std::move(changed));
+    settle(radio);
+}
+
+// Of settings that fit, with the events of what changes with them; but for the stations.
+void Model::takeOver(Radio& radio, RadioSettings changed)
 {
     const RadioSettings before = std::exchange(radio.settings, std::move(changed));
     const RadioSettings& now = radio.settings;
@@ -47,7 +69,6 @@ void Model::apply(Radio& radio, RadioSettings changed)
         beginRadarCheck(radio);
     }
     reportReadiness(radio, before.enabled != now.enabled);
-    settle(radio);
 }
 
 // The quietest channel is the one on which others send least; the first of several.

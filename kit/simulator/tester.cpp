@@ -134,14 +134,7 @@ void Model::removeClient(const MacAddress& address)
 {
     const std::size_t index = clientNumbered(address);
     for (Interface* const interface : allInterfaces())
-    {
-        for (std::size_t i = 0; i < interface->stations.size(); ++i)
-            if (interface->stations[i].address == address)
-            {
-                part(*interface, i);
-                break;
-            }
-    }
+        release(*interface, address);
     cancelReturns(address);
     clients.erase(clients.begin() + static_cast<std::ptrdiff_t>(index));
     indexClients();
