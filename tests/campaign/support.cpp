@@ -110,13 +110,22 @@ std::size_t runningThreads()
     return entriesOf("/proc/self/task");
 }
 
-std::size_t residentBytes()
+std::size_t residentBytes(pid_t process)
 {
-    std::ifstream file("/proc/self/statm");
+    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
     std::size_t whole = 0;
     std::size_t resident = 0;
     file >> whole >> resident;
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+int exitCodeOf(pid_t process)
+{
+    int status = 0;
+    while (waitpid(process, &status, 0) < 0 && errno == EINTR)
+    {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 bool eventually(const std::function<bool()>& condition, std::chrono::seconds limit)
@@ -213,12 +222,7 @@ int Peer::finish()
 {
     if (input_ >= 0)
         close(std::exchange(input_, -1));
-    int status = 0;
-    while (waitpid(processId_, &status, 0) < 0 && errno == EINTR)
-    {
-    }
-    processId_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return exitCodeOf(std::exchange(processId_, -1));
 }
 
 } // namespace campaign

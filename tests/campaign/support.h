@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/types.h>
+#include <unistd.h>
 
 namespace campaign
 {
@@ -110,7 +111,10 @@ private:
 
 std::size_t openDescriptors();
 std::size_t runningThreads();
-std::size_t residentBytes();
+std::size_t residentBytes(pid_t process = getpid());
+
+// Waits for the end of a child. Its exit code; 128 and the signal that ended it.
+int exitCodeOf(pid_t process);
 
 // False if the condition does not hold within the limit.
 bool eventually(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(kAmple));
