@@ -6,6 +6,7 @@
 #include "gateway_process.h"
 #include "support.h"
 
+#include "base/mac_address.h"
 #include "contract/contract.h"
 #include "kor_iil.h"
 #include "simulator/record.h"
@@ -33,7 +34,7 @@ namespace
 
 using std::chrono::steady_clock;
 using Json = nlohmann::ordered_json;
-using MacAddress = std::array<std::uint8_t, 6>;
+using tarn::base::MacAddress;
 
 constexpr std::uint32_t kRadios = 8;
 constexpr std::uint32_t kInterfaces = 8; // of each radio
@@ -340,17 +341,18 @@ private:
     {
         if (!filter_.isCertain())
             return readFilter();
-        std::uint8_t address[6] = {0x06, static_cast<std::uint8_t>(number_)};
+        MacAddress address = {6, static_cast<std::uint8_t>(number_)};
         const auto number = static_cast<std::uint32_t>(statuses_.size());
-        std::memcpy(address + 2, &number, sizeof number);
+        std::memcpy(&address[2], &number, sizeof number);
         if (filter_.isCertainly(""))
             filter_.set(
-                textOf(address),
-                call([&](const char* id) { return TarnAddAccessPointMacFilter(id, radioId_, interfaceId_, address); }).first);
+                tarn::base::macText(address),
+                call([&](const char* id) { return TarnAddAccessPointMacFilter(id, radioId_, interfaceId_, address.data()); })
+                    .first);
         else
-            filter_.set(
-                "",
-                call([&](const char* id) { return TarnDelAccessPointMacFilter(id, radioId_, interfaceId_, listed_); }).first);
+            filter_.set("", call([&](const char* id)
+                                 { return TarnDelAccessPointMacFilter(id, radioId_, interfaceId_, listed_.data()); })
+                                .first);
     }
 
     void readFilter()
@@ -362,22 +364,17 @@ private:
         if (number == 0)
             return compare(filter_, "");
         EXPECT_EQ(number, 1u) << idOf(number_, statuses_.size() - 1);
-        if (call([&](const char* id) { return TarnGetAccessPointMacFilterAt(id, radioId_, interfaceId_, 0, listed_); }).first ==
-            Effect::kDone)
-            compare(filter_, textOf(listed_));
-    }
-
-    static std::string textOf(const std::uint8_t (&address)[6])
-    {
-        return {std::begin(address), std::end(address)};
+        if (call([&](const char* id) { return TarnGetAccessPointMacFilterAt(id, radioId_, interfaceId_, 0, listed_.data()); })
+                .first == Effect::kDone)
+            compare(filter_, tarn::base::macText(listed_));
     }
 
     // A station of its own comes back after some seconds.
     void kick()
     {
         const auto station = 1 + number_ * kStations + static_cast<std::uint32_t>(random_() % kStations);
-        std::uint8_t address[6] = {2, 0, 1, 0, static_cast<std::uint8_t>(station >> 8), static_cast<std::uint8_t>(station)};
-        call([&](const char* id) { return TarnKickOutAccessPointAssociated(id, radioId_, interfaceId_, address); });
+        const MacAddress address = {2, 0, 1, 0, static_cast<std::uint8_t>(station >> 8), static_cast<std::uint8_t>(station)};
+        call([&](const char* id) { return TarnKickOutAccessPointAssociated(id, radioId_, interfaceId_, address.data()); });
     }
 
     // The mirror service tells nothing of a caller's own, but a reply has what its request had.
@@ -419,7 +416,7 @@ private:
     Value ssid_;
     Value custom_{""};
     Value filter_{""};
-    std::uint8_t listed_[6] = {};
+    MacAddress listed_{};
     bool holdsTelnet_ = false;
     std::mt19937 random_;
     std::vector<std::uint32_t> statuses_; // of the IPC, one a call
@@ -443,7 +440,7 @@ class Tester
 public:
     void act()
     {
-        switch (random_() % 20)
+        switch (random_() % 40)
         {
         case 0:
             ++reboots_;
