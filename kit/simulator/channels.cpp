@@ -135,7 +135,7 @@ bool isWeatherChannel(Band band, std::uint32_t channel)
 
 bool isRadarChannel(Band band, std::uint32_t channel)
 {
-    return band == Band::k5 && channel >= 52 && channel <= 144;
+    return band == Band::k5 && channel >= 52 && channel <= 144 && runOf(band, channel) != nullptr;
 }
 
 std::uint32_t secondaryOf(Band band, std::uint32_t channel)

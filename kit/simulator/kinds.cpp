@@ -38,7 +38,12 @@ template <>
 std::optional<std::string> valueIn(const base::JsonValue& from)
 {
     const std::string* const text = from.textOrNull();
-    return text == nullptr ? std::nullopt : base::unescaped(*text);
+    if (text == nullptr)
+        return std::nullopt;
+    std::optional<std::string> value = base::unescaped(*text);
+    if (!value)
+        from.fail("a text in which a backslash is written as two, or begins a byte such as \\xe4");
+    return value;
 }
 
 template <>

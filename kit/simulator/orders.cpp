@@ -11,8 +11,8 @@
 #include "scenario.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <optional>
 #include <stdexcept>
 
@@ -41,10 +41,11 @@ struct Context
 
 double numberIn(const std::string& word, double least, double most, const std::string& expected)
 {
-    char* end = nullptr;
-    const double number = std::strtod(word.c_str(), &end);
+    double number = 0;
+    const char* const wordEnd = word.data() + word.size();
+    const auto [end, error] = std::from_chars(word.data(), wordEnd, number);
     const bool isInRange = number >= least && number <= most;
-    if (word.empty() || *end != '\0' || !isInRange)
+    if (error != std::errc() || end != wordEnd || !isInRange)
         refuse("expected " + expected + "; got " + base::inQuotes(word));
     return number;
 }
@@ -65,9 +66,24 @@ MacAddress addressIn(const std::string& word)
     return *address;
 }
 
-// A text may do without its quotation marks where one is expected.
-Json jsonIn(const std::string& word, bool isText)
+bool isUtf8(const std::string& text)
 {
+    try
+    {
+        Json(text).dump();
+        return true;
+    }
+    catch (const Json::exception&)
+    {
+        return false;
+    }
+}
+
+// A text may do without its quotation marks where one is expected. `place` says whose value it is.
+Json jsonIn(const std::string& word, bool isText, const std::string& place)
+{
+    if (!isUtf8(word))
+        refuse(place + "expected UTF-8, in which any other byte is written as \\xe4; got " + base::inQuotes(word));
     if (isText && word.compare(0, 1, "\"") != 0)
         return word;
     try
@@ -76,7 +92,7 @@ Json jsonIn(const std::string& word, bool isText)
     }
     catch (const Json::exception&)
     {
-        refuse("expected a JSON value, in which texts are in quotation marks; got " + base::inQuotes(word));
+        refuse(place + "expected a JSON value, in which texts are in quotation marks; got " + base::inQuotes(word));
     }
 }
 
@@ -114,8 +130,9 @@ Json objectFrom(Words::const_iterator begin, Words::const_iterator end)
             keys.push_back(property.key());
         if (sign == std::string::npos || !properties.contains(key))
             refuse("expected KEY=VALUE, with one of the keys " + base::join(keys) + "; got " + base::inQuotes(*word));
-        const std::string value = word->substr(sign + 1);
-        result[key] = jsonIn(value, isTextKind(properties[key]));
+        if (result.contains(key))
+            refuse("expected each key once; got " + base::inQuotes(*word));
+        result[key] = jsonIn(word->substr(sign + 1), isTextKind(properties[key]), key + ": ");
     }
     return result;
 }
@@ -170,7 +187,7 @@ Json set(const Context& context, const Words& words)
                  if (!pointer.empty())
                      state.at(pointer.parent_pointer()); // it does not make what is missing on the way
                  Json& value = state[pointer];
-                 value = jsonIn(words[1], value.is_string());
+                 value = jsonIn(words[1], value.is_string(), "");
              }
              catch (const Json::exception&)
              {
@@ -227,7 +244,7 @@ Json neighbour(const Context& context, const Words& words)
 
 Json radar(const Context& context, const Words& words)
 {
-    const std::string expected = "a channel on which there can be radar, from 52 to 144";
+    const std::string expected = "a channel of 20 MHz on which there can be radar, from 52 to 144";
     const std::uint32_t channel = wholeNumberIn(words[0], 144, expected);
     if (!isRadarChannel(Band::k5, channel))
         refuse("expected " + expected + "; got " + words[0]);

@@ -48,6 +48,8 @@ Record::Place Record::place(std::string_view name, FieldType type) const
     const std::optional<layout::FieldPlace> own = layout_.own->place(name);
     if (!own || !isOf(*own->field, type))
         throw std::logic_error(layout_.own->name + " has no such field: " + std::string(name));
+    if (layout_.used == layout_.own)
+        return {own->field, own->field, own->offset};
     const std::optional<layout::FieldPlace> used = layout_.used == nullptr ? std::nullopt : layout_.used->place(name);
     if (!used || !isAlike(*own->field, *used->field))
         return {own->field, nullptr, 0};

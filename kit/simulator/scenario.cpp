@@ -162,7 +162,7 @@ void checkDue(const JsonValue& list, const Model& model)
         const Occurrence what = object["what"].oneOf<Occurrence>(kOccurrenceNames);
         if (what == Occurrence::kRadarAppears &&
             !isRadarChannel(Band::k5, static_cast<std::uint32_t>(object["channel"].integerOrNull().value_or(0))))
-            object["channel"].fail("a channel of the 5GHz band on which there can be radar, from 52 to 144");
+            object["channel"].fail("a channel of 20 MHz at 5 GHz on which there can be radar, from 52 to 144");
         if (what == Occurrence::kDownloadEnds || what == Occurrence::kProductionEnds || what == Occurrence::kRadarAppears)
             continue;
         const std::size_t radioId = numberIn(object["radio"], model.radios.size(), "the number of a radio");

@@ -126,14 +126,18 @@ UsageError usageError(const CLI::App& parser, const CLI::ParseError& error, cons
     return UsageError(error.what() + help);
 }
 
-// The parser's order. It would give the next word to an option that ends in '=', so that one gets its empty value as a word.
+// The parser's order. It would give the next word to an option that ends in '=', so that one gets its empty value as a word;
+// and it would take "[a,b]" for several words.
 std::vector<std::string> reversed(const std::vector<std::string>& arguments)
 {
     std::vector<std::string> words;
     for (const std::string& argument : arguments)
     {
         const bool hasEmptyValue = argument.rfind("--", 0) == 0 && argument.find('=') == argument.size() - 1;
-        words.push_back(hasEmptyValue ? argument.substr(0, argument.size() - 1) : argument);
+        const bool isOfOption = !words.empty() && words.back().rfind("--", 0) == 0;
+        const bool isList = !argument.empty() && argument.front() == '[' && argument.back() == ']' && !isOfOption;
+        words.push_back(hasEmptyValue ? argument.substr(0, argument.size() - 1)
+                                      : argument + (isList ? std::string(1, kWhole) : ""));
         if (hasEmptyValue)
             words.emplace_back();
     }

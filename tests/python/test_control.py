@@ -142,7 +142,7 @@ def test_an_order_that_cannot_be_says_what_was_expected(tarn_gateway: SimulatedG
     with pytest.raises(tarn.StatusError) as caught:
         tarn_gateway.radar(36)
     assert (caught.value.service, caught.value.number, caught.value.name) == ("TARN_GATEWAY", 17, "INVALID_VALUE")
-    assert caught.value.text == "expected a channel on which there can be radar, from 52 to 144; got 36"
+    assert caught.value.text == "expected a channel of 20 MHz on which there can be radar, from 52 to 144; got 36"
     with pytest.raises(tarn.StatusError, match="the state has no /radios/7"):
         tarn_gateway.state("/radios/7")
     with pytest.raises(tarn.StatusError, match="expected a number of seconds, or next"):

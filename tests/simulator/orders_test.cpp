@@ -30,14 +30,18 @@ TEST_F(OrdersTest, ThatAreNoneAreToldWhatIsExpected)
     EXPECT_EQ(refusal(""), "17: expected one of state, set, station, neighbour, radar, reboot, faults, speed, step, save, log, "
                            "shutdown; got \"\"");
     EXPECT_EQ(refusal("radar"), "17: expected radar CHANNEL; got \"radar\"");
-    EXPECT_EQ(refusal("radar 36"), "17: expected a channel on which there can be radar, from 52 to 144; got 36");
-    EXPECT_EQ(refusal("radar 52x"), "17: expected a channel on which there can be radar, from 52 to 144; got \"52x\"");
+    EXPECT_EQ(refusal("radar 36"), "17: expected a channel of 20 MHz on which there can be radar, from 52 to 144; got 36");
+    EXPECT_EQ(refusal("radar 52x"),
+              "17: expected a channel of 20 MHz on which there can be radar, from 52 to 144; got \"52x\"");
+    EXPECT_EQ(refusal("radar 53"), "17: expected a channel of 20 MHz on which there can be radar, from 52 to 144; got 53");
     EXPECT_EQ(refusal("state radios"), "17: expected a JSON pointer such as /radios/0/channel; got \"radios\"");
     EXPECT_EQ(refusal("state /radios/2"), "16: the state has no /radios/2");
     EXPECT_EQ(refusal("state /radios/x"), "16: the state has no /radios/x");
     EXPECT_EQ(refusal("set /air 'x"), "17: expected another ' behind the one that is there");
     EXPECT_EQ(refusal("log maybe"), "17: expected log or log on|off; got \"log maybe\"");
     EXPECT_EQ(refusal("step -1"), "17: expected a number of seconds, or next; got \"-1\"");
+    EXPECT_EQ(refusal("step 0x10"), "17: expected a number of seconds, or next; got \"0x10\"");
+    EXPECT_EQ(refusal("step ' 5'"), "17: expected a number of seconds, or next; got \" 5\"");
     EXPECT_EQ(refusal("step next"), "21: nothing is due");
     EXPECT_EQ(refusal("station fly 1"),
               "17: expected station add address=MAC ssid=TEXT passphrase=TEXT pathLoss=DB KEY=VALUE or station move ADDRESS "
@@ -56,6 +60,18 @@ TEST_F(OrdersTest, ChangeWhateverTheStateHas)
     EXPECT_EQ(state("/radios/0/channel"), 44) << "what is refused changes nothing";
     order(R"(set /due/- '{"at": 60000, "what": "radarAppears", "channel": 52}')");
     EXPECT_EQ(state("/due").size(), 1u);
+}
+
+TEST_F(OrdersTest, SayWhichValueIsNone)
+{
+    EXPECT_EQ(refusal("station add bands=5GHz"),
+              "17: bands: expected a JSON value, in which texts are in quotation marks; got \"5GHz\"");
+    EXPECT_EQ(refusal("faults add delay count=1 count=2"), "17: expected each key once; got \"count=2\"");
+    EXPECT_EQ(refusal("set /radios/0/interfaces/0/ssid caf\xe9"),
+              "17: expected UTF-8, in which any other byte is written as \\xe4; got \"caf\\xe9\"");
+    EXPECT_EQ(refusal(R"(set /description 'a\b')").find("17: the state: /description: "), 0u);
+    order(R"(set /radios/0/interfaces/0/ssid 'caf\xe9')");
+    EXPECT_EQ(state("/radios/0/interfaces/0/ssid"), "caf\\xe9");
 }
 
 TEST_F(OrdersTest, PublishWhatChanges)

@@ -171,7 +171,7 @@ TEST(ScenarioTest, WhatCannotBeIsRefused)
               "f: /radios/0/interfaces/0/stations/0/address: \"02:00:00:00:01:01\"; expected the address of one of the "
               "clients, which is not associated yet");
     EXPECT_EQ(errorOf(scenario("", "", R"(, "due": [{ "at": 5, "what": "radarAppears", "channel": 36 }])")),
-              "f: /due/0/channel: 36; expected a channel of the 5GHz band on which there can be radar, from 52 to 144");
+              "f: /due/0/channel: 36; expected a channel of 20 MHz at 5 GHz on which there can be radar, from 52 to 144");
 }
 
 // It is written by tarn-gateway --scenario-schema.

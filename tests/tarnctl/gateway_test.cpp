@@ -62,9 +62,10 @@ TEST_F(GatewayOrderTest, SaysWhyAnOrderWasRefused)
 {
     const Ran ran = run({"gateway", "radar", "36"});
     EXPECT_EQ(ran.exit, 7);
-    EXPECT_EQ(ran.err,
-              "tarnctl: the simulated gateway answered with status 17: expected a channel on which there can be radar, "
-              "from 52 to 144; got 36\n");
+    EXPECT_EQ(
+        ran.err,
+        "tarnctl: the simulated gateway answered with status 17: expected a channel of 20 MHz on which there can be radar, "
+        "from 52 to 144; got 36\n");
     EXPECT_EQ(run({"gateway", "rader", "36"}).exit, 2);
     EXPECT_NE(run({"gateway", "rader", "36"}).err.find("radar"), std::string::npos);
     EXPECT_EQ(run({"gateway"}).exit, 2);
@@ -76,6 +77,15 @@ TEST_F(GatewayOrderTest, SavesFromWhereItIsCalled)
     EXPECT_EQ(run({"gateway", "save", path("saved.json")}).exit, 0);
     std::ifstream file(path("saved.json"));
     EXPECT_EQ(Json::parse(file).at("radios").size(), 2u);
+}
+
+TEST_F(GatewayOrderTest, PassesListsOnAsTheyAre)
+{
+    EXPECT_EQ(run({"gateway", "set", "/radios/0/interfaces/0/macFilter", R"(["02:00:00:00:09:01","02:00:00:00:09:02"])"}).exit,
+              0);
+    EXPECT_EQ(runJson({"gateway", "state", "/radios/0/interfaces/0/macFilter"}).document.at("answer").size(), 2u);
+    EXPECT_EQ(run({"gateway", "set", "/radios/0/interfaces/0/macFilter", "[]"}).exit, 0);
+    EXPECT_EQ(runJson({"gateway", "state", "/radios/0/interfaces/0/macFilter"}).document.at("answer").size(), 0u);
 }
 
 TEST_F(GatewayOrderTest, LetsThingsGoWrong)

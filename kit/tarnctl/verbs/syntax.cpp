@@ -13,18 +13,25 @@ namespace tarn::ctl
 namespace
 {
 
+std::string textOf(const std::string& word)
+{
+    return !word.empty() && word.back() == kWhole ? word.substr(0, word.size() - 1) : word;
+}
+
 // Texts as they are given: the parser's own conversion takes an empty one for none, and braces for an empty list.
 template <typename Text>
 auto storeText(Text& text)
 {
-    return [&text](const std::string& given) { text = given; };
+    return [&text](const std::string& given) { text = textOf(given); };
 }
 
 CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>& texts, const char* description)
 {
     const auto store = [&texts](const CLI::results_t& given)
     {
-        texts = given;
+        texts.clear();
+        for (const std::string& word : given)
+            texts.push_back(textOf(word));
         return true;
     };
     return verb.add_option(name, store, description)->type_name("TEXT");
@@ -56,7 +63,7 @@ void Syntax::text(const char* name, bool& isGiven, std::optional<std::string>& t
     {
         isGiven = true;
         if (!given.front().empty())
-            text = given.front();
+            text = textOf(given.front());
         return true;
     };
     verb_.add_option(name, store, description)->expected(0, 1)->type_name(value);

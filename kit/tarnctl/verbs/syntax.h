@@ -16,6 +16,9 @@ class App;
 namespace tarn::ctl
 {
 
+// Behind a word that the parser is not to take for a list; no argument of a program has it.
+constexpr char kWhole = '\0';
+
 // Names in capitals are arguments by their position, names with -- are options. Texts are taken as they are given, even empty;
 // the help calls one by the word in `value`.
 class Syntax
