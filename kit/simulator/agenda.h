@@ -78,8 +78,9 @@ public:
     // In place of an earlier time for the same, if there is one.
     void set(const Due& due, Milliseconds time)
     {
-        cancel(due);
-        times_[due] = time;
+        const auto [entry, isNew] = times_.try_emplace(due, time);
+        if (!isNew)
+            queue_.erase({std::exchange(entry->second, time), due});
         queue_.insert({time, due});
     }
 

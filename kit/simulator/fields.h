@@ -8,11 +8,11 @@
 #include "reply_status.h"
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -133,7 +133,7 @@ public:
 
 private:
     Fields fields_;
-    std::map<std::string, const Field<Object>*, std::less<>> byName_;
+    std::unordered_map<std::string_view, const Field<Object>*> byName_;
 };
 
 // Every kind of object has one; objects.h says which kinds there are.
