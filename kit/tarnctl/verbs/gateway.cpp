@@ -86,10 +86,6 @@ ExitCode gateway(const Console& console, const GatewayOptions& options)
         throw UsageError("gateway: expected an order of at most " + std::to_string(TARN_GATEWAY_ORDER_SIZE - 1) +
                          " characters; got " + std::to_string(line.size()));
 
-    if (line.size() >= TARN_GATEWAY_ORDER_SIZE)
-        throw UsageError("gateway: expected an order of at most " + std::to_string(TARN_GATEWAY_ORDER_SIZE - 1) +
-                         " characters; got " + std::to_string(line.size()));
-
     const tarn::gateway::OrderAnswer answer = tarn::gateway::giveOrder(kOwnCallerId, line, kOrderWait);
     if (answer.ipcStatus != 0)
         return simulatorFailure(console, answer.ipcStatus, "takes orders");
