@@ -218,6 +218,7 @@ void Model::settle(Interface& interface)
 void Model::settle()
 {
     std::vector<Radio*> all;
+    all.reserve(radios.size());
     for (Radio& radio : radios)
         all.push_back(&radio);
     settle(all);

@@ -173,7 +173,7 @@ private:
     bool admits(const Interface& interface, const MacAddress& address, std::size_t associated) const;
     bool isGroupFull(const Interface& interface, const MacAddress& address) const;
     std::vector<Interface*> allInterfaces();
-    Radio* seek(std::size_t client, const std::vector<Interface*>& candidates);
+    Radio* seek(std::size_t index, const std::vector<Interface*>& candidates);
     std::set<Radio*> seekAll();
     void dismiss(Interface& interface);
     void refresh(Radio& radio);

@@ -16,6 +16,7 @@ void Model::change(Radio& radio, const Changes<RadioSettings>& changes)
 void Model::change(const std::vector<Radio*>& changing, const Changes<RadioSettings>& changes)
 {
     std::vector<RadioSettings> settings;
+    settings.reserve(changing.size());
     for (const Radio* const radio : changing)
         settings.push_back(changed(*radio, changes));
     for (std::size_t i = 0; i < changing.size(); ++i)
