@@ -83,7 +83,8 @@ TEST_F(FaultTest, ThatCannotBeIsRefused)
               "17: the state: /faults/0/probability: 5; expected 100, as a service hangs until the fault is taken away");
     EXPECT_EQ(why("garbage milliseconds=5"),
               "17: the state: /faults/0/milliseconds: 5; expected the key milliseconds with delay and eventLate only");
-    EXPECT_EQ(why("delay milliseconds=soon"), "17: milliseconds: expected a JSON value, in which texts are in quotation marks; got \"soon\"");
+    EXPECT_EQ(why("delay milliseconds=soon"),
+              "17: milliseconds: expected a JSON value, in which texts are in quotation marks; got \"soon\"");
     EXPECT_EQ(order("faults"), Json::array());
 }
 
