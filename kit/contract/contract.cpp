@@ -144,4 +144,9 @@ const char* toString(When when)
     return wordOf(kWhenWords, when);
 }
 
+const char* toString(Effect effect)
+{
+    return wordOf(kEffectWords, effect);
+}
+
 } // namespace tarn::contract

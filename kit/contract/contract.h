@@ -50,6 +50,13 @@ enum class When
     kZero
 };
 
+// What a call leaves behind on the gateway.
+enum class Effect
+{
+    kReads, // nothing, as far as is known
+    kChanges
+};
+
 struct Argument
 {
     std::string name;
@@ -83,6 +90,8 @@ struct Command
     std::string group;
     std::string description;
     std::string note; // what is odd and meant so, or empty
+    Effect effect = Effect::kChanges;
+    std::string effectReason; // why that, where one may doubt it, or empty
     std::uint32_t wait = 0;
     std::uint32_t length = 0;
     std::vector<Argument> arguments;
@@ -172,5 +181,6 @@ const char* toString(Type type);
 const char* toString(Direction direction);
 const char* toString(Encoding encoding);
 const char* toString(When when);
+const char* toString(Effect effect);
 
 } // namespace tarn::contract

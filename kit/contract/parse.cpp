@@ -112,6 +112,9 @@ Command readCommand(JsonObject& object, const Contract& contract)
     command.description = filledText(object["description"]);
     if (const JsonValue note = object["note"])
         command.note = filledText(note);
+    command.effect = object["effect"].oneOf<Effect>(kEffectWords);
+    if (const JsonValue reason = object["effect_reason"])
+        command.effectReason = filledText(reason);
     command.wait = object["wait"].number<std::uint32_t>(1);
     command.length = object["length"].number<std::uint32_t>(8);
     for (JsonObject& argument : object["arguments"].objects())

@@ -242,6 +242,8 @@ std::vector<std::string> problems(const Contract& contract)
         if (previous != nullptr && command.command < previous->command)
             found.push_back(command.function + ": command " + std::to_string(command.command) + " comes after command " +
                             std::to_string(previous->command) + "; expected ascending order");
+        if (previous != nullptr && command.command == previous->command && command.effect != previous->effect)
+            found.push_back(command.function + ": effect: " + previous->function + " has the same command and another effect");
         previous = &command;
         CommandProblems(contract, command, found).find();
     }

@@ -8,6 +8,7 @@ inline constexpr const char* kTypeWords[] = {"u32", "u16", "u8", "text", "bytes"
 inline constexpr const char* kDirectionWords[] = {"in", "out"};
 inline constexpr const char* kEncodingWords[] = {"id",    "word",  "byte",   "inverted", "text",
                                                  "block", "words", "record", "size",     "nothing"};
+inline constexpr const char* kEffectWords[] = {"reads", "changes"};
 inline constexpr const char* kWhenWords[] = {"null", "null or empty", "zero"};
 
 } // namespace tarn::contract

@@ -7,24 +7,26 @@ namespace tarn::fleet
 
 // The list is read three times, each time for one kind of its lines.
 #define TARN_SERVICE(name, events) {name, events},
-#define TARN_COMMAND(service, command, length)
+#define TARN_FUNCTION(service, command, length, name, effect)
 #define TARN_LAYOUT(text)
-const ContractService kContractServices[] = {
+const ContractService kContractServices[kContractServiceCount] = {
 #include "contract_list.inc"
 };
-const std::size_t kContractServiceCount = sizeof kContractServices / sizeof kContractServices[0];
 
 #undef TARN_SERVICE
 #define TARN_SERVICE(name, events)
-#undef TARN_COMMAND
-#define TARN_COMMAND(service, command, length) {service, command, length},
-const ContractCommand kContractCommands[] = {
+#undef TARN_FUNCTION
+#define TARN_FUNCTION(service, command, length, name, effect) {#name, length, service, command, effect},
+namespace
+{
+constexpr bool reads = true, changes = false; // NOLINT(readability-identifier-naming): the words of the list
+} // namespace
+const ContractFunction kContractFunctions[kContractFunctionCount] = {
 #include "contract_list.inc"
 };
-const std::size_t kContractCommandCount = sizeof kContractCommands / sizeof kContractCommands[0];
 
-#undef TARN_COMMAND
-#define TARN_COMMAND(service, command, length)
+#undef TARN_FUNCTION
+#define TARN_FUNCTION(service, command, length, name, effect)
 #undef TARN_LAYOUT
 #define TARN_LAYOUT(text) text
 namespace
@@ -44,13 +46,14 @@ std::size_t findService(const char* service)
     return index;
 }
 
-const ContractCommand* findCommand(const char* service, std::uint32_t command)
+std::size_t findCommand(const char* service, std::uint32_t command)
 {
     const std::size_t index = findService(service);
-    for (const ContractCommand& each : kContractCommands)
-        if (each.service == index && each.command == command)
-            return &each;
-    return nullptr;
+    std::size_t at = 0;
+    while (at < kContractFunctionCount &&
+           (kContractFunctions[at].service != index || kContractFunctions[at].command != command))
+        ++at;
+    return at;
 }
 
 } // namespace tarn::fleet

@@ -1,5 +1,5 @@
-/* What both sides of the fleet have of the contract without reading it: its hash, and for the bridge the length of each
- * command's message. Written by the build from the files of kit/contract. Needs no C++ run-time library. */
+/* What both sides of the fleet have of the contract without reading it: its hash, and for the bridge each function's command,
+ * length and effect. Written by the build from the files of kit/contract. Needs no C++ run-time library. */
 #pragma once
 
 #include <cstddef>
@@ -21,11 +21,13 @@ constexpr std::uint64_t hashOf(const char* text, std::size_t size, std::uint64_t
 // argument; not of names and descriptions. Two programs with the same hash mean the same by the same bytes.
 extern const std::uint64_t kContractHash;
 
-struct ContractCommand
+struct ContractFunction
 {
+    const char* name;
+    std::uint16_t length; // bytes of its message
     std::uint8_t service; // index into kContractServices
     std::uint8_t command;
-    std::uint16_t length; // bytes of its message
+    bool reads; // a call leaves nothing behind on the gateway
 };
 
 struct ContractService
@@ -34,15 +36,16 @@ struct ContractService
     std::uint32_t events; // it publishes those from 1 to this number
 };
 
-extern const ContractService kContractServices[];
-extern const std::size_t kContractServiceCount;
-extern const ContractCommand kContractCommands[];
-extern const std::size_t kContractCommandCount;
+inline constexpr std::size_t kContractServiceCount = 3;
+inline constexpr std::size_t kContractFunctionCount = 247;
+extern const ContractService kContractServices[kContractServiceCount];
+extern const ContractFunction kContractFunctions[kContractFunctionCount]; // by service and command
 
 // The index of that service, or kContractServiceCount.
 std::size_t findService(const char* service);
 
-// That command, or null.
-const ContractCommand* findCommand(const char* service, std::uint32_t command);
+// The index of the first function that has this command, or kContractFunctionCount. Others of the same command are behind it, and
+// have the same length and effect.
+std::size_t findCommand(const char* service, std::uint32_t command);
 
 } // namespace tarn::fleet

@@ -1,6 +1,6 @@
 # Writes OUTPUT, what the bridge and the operator's side have of the contract files FILES (separated by commas): a line
-# TARN_SERVICE(name, number of its events) for each, TARN_COMMAND(index of the service, number, length) for each command, and
-# TARN_LAYOUT(text) for all that a function puts on the wire.
+# TARN_SERVICE(name, number of its events) for each, TARN_FUNCTION(index of the service, command, length, name, effect) for each
+# function, and TARN_LAYOUT(text) for all that it puts on the wire.
 string(REPLACE "," ";" files "${FILES}")
 
 # VALUE of a member, or DEFAULT if there is no such member.
@@ -36,14 +36,15 @@ foreach(file IN LISTS files)
     string(JSON event_count LENGTH "${events}")
     string(APPEND lines "TARN_SERVICE(\"${service}\", ${event_count})\n")
 
-    set(previous "")
     string(JSON commands GET "${json}" commands)
     string(JSON count LENGTH "${commands}")
     math(EXPR last "${count} - 1")
     foreach(at RANGE ${last})
         string(JSON command GET "${commands}" ${at})
         string(JSON number GET "${command}" command)
-        string(JSON length GET "${command}" length)
+        foreach(key function length effect)
+            string(JSON ${key} GET "${command}" ${key})
+        endforeach()
         set(layout "${service} ${number} ${length}")
         string(JSON arguments GET "${command}" arguments)
         string(JSON argument_count LENGTH "${arguments}")
@@ -55,11 +56,8 @@ foreach(file IN LISTS files)
                 string(APPEND layout "${described}")
             endforeach()
         endif()
-        if(NOT number STREQUAL previous)
-            string(APPEND lines "TARN_COMMAND(${index}, ${number}, ${length})\n")
-        endif()
+        string(APPEND lines "TARN_FUNCTION(${index}, ${number}, ${length}, ${function}, ${effect})\n")
         string(APPEND lines "TARN_LAYOUT(\"${layout}\\n\")\n")
-        set(previous ${number})
     endforeach()
     math(EXPR index "${index} + 1")
 endforeach()

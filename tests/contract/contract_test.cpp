@@ -51,6 +51,25 @@ TEST(Contracts, LeaveOneProxyCommandOutAndUseOneTwice)
     }
 }
 
+// What may be asked from afar goes by this, so a name that says otherwise needs a reason.
+TEST(Contracts, ReasonWhereAnEffectIsNotWhatTheNameSays)
+{
+    for (const contract::Row& row : contract::rows())
+    {
+        const std::string& name = row.command->function;
+        const bool isGetter = name.rfind("TarnGet", 0) == 0 || name.find("get_") != std::string::npos;
+        if (isGetter != (row.command->effect == contract::Effect::kReads))
+        {
+            EXPECT_NE(row.command->effectReason, "") << name;
+        }
+        if (name.rfind("TarnSet", 0) == 0 || name.find("_set_") != std::string::npos)
+        {
+            EXPECT_EQ(row.command->effect, contract::Effect::kChanges) << name;
+        }
+    }
+    EXPECT_EQ(contract::find("TarnGetQuantennaSmartWiFiCfgToFile").command->effect, contract::Effect::kChanges);
+}
+
 TEST(Contracts, TellResultsApart)
 {
     const contract::Result& device = contract::findService("TARN")->result;
@@ -114,6 +133,7 @@ TEST(Words, AreThoseOfTheFiles)
     EXPECT_STREQ(contract::toString(contract::Direction::kOut), "out");
     EXPECT_STREQ(contract::toString(contract::Encoding::kNothing), "nothing");
     EXPECT_STREQ(contract::toString(contract::When::kNullOrEmpty), "null or empty");
+    EXPECT_STREQ(contract::toString(contract::Effect::kReads), "reads");
 }
 
 } // namespace

@@ -25,14 +25,15 @@ const std::string kSound = R"({
   "records": { "LampCfg": 8 },
   "events": [ { "event": 1, "name": "EVT_ON" }, { "event": 2, "name": "EVT_OFF" } ],
   "commands": [
-    { "command": 0, "function": "LampGet", "group": "Lamps", "description": "Reads a lamp.",
+    { "command": 0, "function": "LampGet", "group": "Lamps", "effect": "reads", "description": "Reads a lamp.",
       "wait": 3, "length": 40,
       "arguments": [
         { "name": "lampId", "type": "u32", "direction": "in", "encoding": "id", "offset": 0 },
         { "name": "place", "type": "text", "direction": "out", "encoding": "text", "offset": 4, "size_argument": "placeSize" },
         { "name": "placeSize", "type": "u32", "direction": "in", "encoding": "size" } ],
       "checks": [ { "argument": "place", "when": "null", "message": "place is NULL" } ] },
-    { "command": 1, "function": "LampSet", "group": "Lamps", "description": "Sets a lamp.",
+    { "command": 1, "function": "LampSet", "group": "Lamps", "effect": "changes", "description": "Sets a lamp.",
+      "effect_reason": "It may be dark afterwards.",
       "wait": 4, "length": 40,
       "arguments": [
         { "name": "lampId", "type": "u32", "direction": "in", "encoding": "id", "offset": 0 },
@@ -76,11 +77,15 @@ TEST(Parse, TakesASoundText)
     EXPECT_EQ(lamp.record("Lamp"), nullptr);
     ASSERT_THAT(lamp.commands, SizeIs(2));
     EXPECT_EQ(lamp.commands[0].note, "");
+    EXPECT_EQ(lamp.commands[0].effect, contract::Effect::kReads);
+    EXPECT_EQ(lamp.commands[0].effectReason, "");
     EXPECT_EQ(lamp.commands[0].arguments[1].sizeArgument, "placeSize");
     EXPECT_EQ(lamp.commands[0].arguments[1].size, 0u);
     EXPECT_EQ(lamp.commands[1].arguments[1].record, "LampCfg");
     EXPECT_EQ(lamp.commands[1].checks[0].when, contract::When::kNullOrEmpty);
     EXPECT_EQ(lamp.commands[1].note, "Nothing odd.");
+    EXPECT_EQ(lamp.commands[1].effect, contract::Effect::kChanges);
+    EXPECT_EQ(lamp.commands[1].effectReason, "It may be dark afterwards.");
 }
 
 struct Refusal
@@ -179,6 +184,12 @@ const Refusal kRefusals[] = {
     {"CommandsOutOfOrder", "\"command\": 0", "\"command\": 2", "LampSet: command 1 comes after command 2"},
     {"EventNumberTwice", "\"event\": 2", "\"event\": 1", "events: the number 1 is given twice"},
     {"EventNameTwice", "EVT_OFF", "EVT_ON", "events: the name EVT_ON is given twice"},
+    {"NoEffect", "\"effect\": \"reads\", ", "", "LampGet: /commands/0/effect: missing; expected one of reads, changes"},
+    {"UnknownEffect", "\"reads\"", "\"writes\"", "LampGet: /commands/0/effect: \"writes\"; expected one of reads, changes"},
+    {"EmptyReason", "It may be dark afterwards.", "",
+     "LampSet: /commands/1/effect_reason: \"\"; expected a text that is not empty"},
+    {"EffectsOfOneCommand", "\"command\": 0", "\"command\": 1",
+     "LampSet: effect: LampGet has the same command and another effect"},
     {"LongService", "\"LAMP\"", "\"LAMP_LAMP_LAMP_LAMP_LAMP_LAMP_32\"", "service: expected 1 to 31 characters"},
 };
 

@@ -3,10 +3,7 @@
 
 #include "contract/contract.h"
 
-#include <iterator>
-#include <set>
 #include <string>
-#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -51,19 +48,33 @@ TEST(ContractTableTest, TheHashIsTheOneThatOthersCanCompute)
     EXPECT_EQ(hashOf("bar", 3, hashOf("foo", 3)), hashOf("foobar", 6));
 }
 
-TEST(ContractTableTest, EveryCommandIsThereOnceWithItsLength)
+TEST(ContractTableTest, EveryFunctionIsThereInTheContractsOrder)
 {
-    std::set<std::pair<std::string, std::uint32_t>> commands;
+    ASSERT_EQ(kContractFunctionCount, contract::rows().size());
+    for (std::size_t at = 0; at < kContractFunctionCount; ++at)
+    {
+        const ContractFunction& function = kContractFunctions[at];
+        const contract::Row& row = contract::rows()[at];
+        EXPECT_EQ(function.name, row.command->function);
+        EXPECT_EQ(function.command, row.command->command) << function.name;
+        EXPECT_EQ(function.length, row.command->length) << function.name;
+        EXPECT_EQ(function.reads, row.command->effect == contract::Effect::kReads) << function.name;
+        EXPECT_EQ(kContractServices[function.service].name, row.contract->service) << function.name;
+    }
+}
+
+TEST(ContractTableTest, EveryCommandIsFoundWithTheFirstFunctionThatHasIt)
+{
     for (const contract::Row& row : contract::rows())
     {
-        const std::string& service = row.contract->service;
-        commands.emplace(service, row.command->command);
-        const ContractCommand* found = findCommand(service.c_str(), row.command->command);
-        ASSERT_NE(found, nullptr) << row.command->function;
-        EXPECT_EQ(found->length, row.command->length) << row.command->function;
-        EXPECT_STREQ(kContractServices[found->service].name, service.c_str());
+        const std::size_t found = findCommand(row.contract->service.c_str(), row.command->command);
+        ASSERT_LT(found, kContractFunctionCount) << row.command->function;
+        EXPECT_EQ(kContractFunctions[found].command, row.command->command);
+        EXPECT_EQ(kContractFunctions[found].length, row.command->length) << "all functions of a command agree";
+        EXPECT_EQ(kContractFunctions[found].reads, row.command->effect == contract::Effect::kReads);
+        EXPECT_EQ(kContractServices[kContractFunctions[found].service].name, row.contract->service);
     }
-    EXPECT_EQ(kContractCommandCount, commands.size());
+    EXPECT_STREQ(kContractFunctions[findCommand("QTN_MIRROR", 0)].name, "tarn_qtn_mirror_get_mirror_status");
 }
 
 TEST(ContractTableTest, EveryServiceIsThereWithItsEvents)
@@ -79,8 +90,8 @@ TEST(ContractTableTest, EveryServiceIsThereWithItsEvents)
         EXPECT_EQ(findService(expected.service.c_str()), index);
     }
     EXPECT_EQ(findService("OTHER"), kContractServiceCount);
-    EXPECT_EQ(findCommand("OTHER", 0), nullptr);
-    EXPECT_EQ(findCommand("QTN_RPC_PROXY", 9), nullptr) << "no function has it";
+    EXPECT_EQ(findCommand("OTHER", 0), kContractFunctionCount);
+    EXPECT_EQ(findCommand("QTN_RPC_PROXY", 9), kContractFunctionCount) << "no function has it";
 }
 
 } // namespace

@@ -1,0 +1,213 @@
+#include "policy.h"
+
+#include <cctype>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace tarn::fleet
+{
+
+namespace
+{
+
+constexpr std::size_t kLongestLine = 255;
+constexpr std::uint32_t kMostCalls = 1000000;
+
+bool equal(const char* one, const char* other)
+{
+    return std::strcmp(one, other) == 0;
+}
+
+// 0 if it is no unit.
+std::uint32_t millisecondsOf(const char* unit)
+{
+    if (equal(unit, "s"))
+        return 1000;
+    if (equal(unit, "min"))
+        return 60 * 1000;
+    return equal(unit, "h") ? 60 * 60 * 1000 : 0;
+}
+
+bool parseRate(const char* text, Rate& rate)
+{
+    if (std::isdigit(static_cast<unsigned char>(*text)) == 0)
+        return false;
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long calls = std::strtoul(text, &end, 10);
+    if (errno != 0 || calls == 0 || calls > kMostCalls || *end != '/')
+        return false;
+    rate.calls = static_cast<std::uint32_t>(calls);
+    rate.milliseconds = millisecondsOf(end + 1);
+    return rate.milliseconds != 0;
+}
+
+// Which functions a rule is about.
+struct Selection
+{
+    std::size_t service = kContractServiceCount; // all services
+    bool reads = true;
+    bool changes = true;
+    std::size_t function = kContractFunctionCount; // any
+
+    bool matches(std::size_t at) const
+    {
+        const ContractFunction& each = kContractFunctions[at];
+        if (service != kContractServiceCount && each.service != service)
+            return false;
+        // A command may have several functions, and the gateway sees the command.
+        if (function != kContractFunctionCount)
+            return each.command == kContractFunctions[function].command;
+        return each.reads ? reads : changes;
+    }
+};
+
+// `reads`, `changes` and `*` say which of the functions.
+bool selectKind(const char* word, Selection& selection)
+{
+    selection.reads = equal(word, "reads") || equal(word, "*");
+    selection.changes = equal(word, "changes") || equal(word, "*");
+    return selection.reads || selection.changes;
+}
+
+bool selectFunction(const char* name, Selection& selection)
+{
+    for (std::size_t at = 0; at < kContractFunctionCount; ++at)
+        if (kContractFunctions[at].service == selection.service && equal(kContractFunctions[at].name, name))
+            selection.function = at;
+    return selection.function != kContractFunctionCount;
+}
+
+} // namespace
+
+// The words of a line, and the place for what is wrong with it.
+class Policy::Line
+{
+public:
+    static constexpr std::size_t kMostWords = 4; // one more than any rule has
+
+    Line(const char* text, char* problem, std::size_t size) : problem_(problem), size_(size)
+    {
+        std::snprintf(text_, sizeof text_, "%s", text);
+        text_[std::strcspn(text_, "#")] = '\0';
+        char* rest = nullptr;
+        for (char* word = strtok_r(text_, " \t\r", &rest); word != nullptr && count_ < kMostWords;
+             word = strtok_r(nullptr, " \t\r", &rest))
+            words_[count_++] = word;
+    }
+
+    std::size_t count() const
+    {
+        return count_;
+    }
+    const char* word(std::size_t at) const
+    {
+        return words_[at];
+    }
+
+    __attribute__((format(printf, 2, 3))) bool fail(const char* format, ...)
+    {
+        std::va_list arguments;
+        va_start(arguments, format);
+        std::vsnprintf(problem_, size_, format, arguments);
+        va_end(arguments);
+        return false;
+    }
+
+private:
+    char text_[kLongestLine + 1];
+    const char* words_[kMostWords] = {};
+    std::size_t count_ = 0;
+    char* problem_;
+    std::size_t size_;
+};
+
+Policy Policy::ofReading()
+{
+    Policy policy;
+    for (std::size_t at = 0; at < kContractFunctionCount; ++at)
+        policy.allowed_[at] = kContractFunctions[at].reads;
+    return policy;
+}
+
+bool Policy::add(const char* text, char* problem, std::size_t size)
+{
+    Line line(text, problem, size);
+    if (std::strlen(text) > kLongestLine)
+        return line.fail("expected at most %u characters in a line", static_cast<unsigned>(kLongestLine));
+    if (line.count() == 0)
+        return true;
+    if (equal(line.word(0), "allow"))
+        return addRule(true, line);
+    if (equal(line.word(0), "deny"))
+        return addRule(false, line);
+    if (equal(line.word(0), "rate"))
+        return addRate(line);
+    return line.fail("expected allow, deny or rate, not %s", line.word(0));
+}
+
+bool Policy::addRule(bool isAllowed, Line& line)
+{
+    Selection selection;
+    const char* action = line.word(0);
+    if (line.count() != 2 && line.count() != 3)
+        return line.fail("expected %s reads, %s changes, %s *, or %s SERVICE and one of these or a function", action, action,
+                         action, action);
+    if (line.count() == 2 && !selectKind(line.word(1), selection))
+        return line.fail("expected reads, changes, *, or a service and a function, not %s alone", line.word(1));
+    if (line.count() == 3)
+    {
+        selection.service = findService(line.word(1));
+        if (selection.service == kContractServiceCount)
+            return line.fail("expected the service TARN, QTN_RPC_PROXY or QTN_MIRROR, not %s", line.word(1));
+        if (!selectKind(line.word(2), selection) && !selectFunction(line.word(2), selection))
+            return line.fail("expected reads, changes, * or a function of %s, not %s", line.word(1), line.word(2));
+    }
+    for (std::size_t at = 0; at < kContractFunctionCount; ++at)
+        if (selection.matches(at))
+            allowed_[at] = isAllowed;
+    return true;
+}
+
+bool Policy::addRate(Line& line)
+{
+    const bool isOfChanges = line.count() == 3 && equal(line.word(1), "changes");
+    Rate rate;
+    if ((line.count() != 2 && !isOfChanges) || !parseRate(line.word(line.count() - 1), rate))
+        return line.fail("expected rate NUMBER/s or rate changes NUMBER/s, with 1 to %u, and s, min or h",
+                         unsigned{kMostCalls});
+    (isOfChanges ? rateOfChanges_ : rate_) = rate;
+    return true;
+}
+
+bool Policy::read(const char* fileName, char* problem, std::size_t size)
+{
+    std::FILE* file = std::fopen(fileName, "re");
+    if (file == nullptr)
+    {
+        std::snprintf(problem, size, "%s: %s", fileName, std::strerror(errno));
+        return false;
+    }
+    bool isGood = true;
+    char text[kLongestLine + 3]; // a line that is too long shows by one character more
+    for (unsigned number = 1; isGood && std::fgets(text, sizeof text, file) != nullptr; ++number)
+    {
+        text[std::strcspn(text, "\n")] = '\0';
+        char expected[256];
+        isGood = add(text, expected, sizeof expected);
+        if (!isGood)
+            std::snprintf(problem, size, "%s:%u: %s", fileName, number, expected);
+    }
+    if (std::ferror(file) != 0)
+    {
+        std::snprintf(problem, size, "%s: %s", fileName, std::strerror(errno));
+        isGood = false;
+    }
+    std::fclose(file);
+    return isGood;
+}
+
+} // namespace tarn::fleet
