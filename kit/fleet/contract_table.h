@@ -17,6 +17,8 @@ constexpr std::uint64_t hashOf(const char* text, std::size_t size, std::uint64_t
     return hash;
 }
 
+// NOLINTBEGIN(bugprone-dynamic-static-initializers): all that is declared here is initialised by the compiler.
+
 // Of all that the functions put on the wire: services, numbers, lengths, and direction, encoding, offset and size of each
 // argument; not of names and descriptions. Two programs with the same hash mean the same by the same bytes.
 extern const std::uint64_t kContractHash;
@@ -41,11 +43,13 @@ inline constexpr std::size_t kContractFunctionCount = 247;
 extern const ContractService kContractServices[kContractServiceCount];
 extern const ContractFunction kContractFunctions[kContractFunctionCount]; // by service and command
 
+// NOLINTEND(bugprone-dynamic-static-initializers)
+
 // The index of that service, or kContractServiceCount.
 std::size_t findService(const char* service);
 
-// The index of the first function that has this command, or kContractFunctionCount. Others of the same command are behind it, and
-// have the same length and effect.
+// The index of the first function that has this command, or kContractFunctionCount. Others of the same command are behind it,
+// and have the same length and effect.
 std::size_t findCommand(const char* service, std::uint32_t command);
 
 } // namespace tarn::fleet

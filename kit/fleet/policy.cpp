@@ -133,20 +133,20 @@ Policy Policy::ofReading()
     return policy;
 }
 
-bool Policy::add(const char* text, char* problem, std::size_t size)
+bool Policy::add(const char* line, char* problem, std::size_t size)
 {
-    Line line(text, problem, size);
-    if (std::strlen(text) > kLongestLine)
-        return line.fail("expected at most %u characters in a line", static_cast<unsigned>(kLongestLine));
-    if (line.count() == 0)
+    Line words(line, problem, size);
+    if (std::strlen(line) > kLongestLine)
+        return words.fail("expected at most %u characters in a line", static_cast<unsigned>(kLongestLine));
+    if (words.count() == 0)
         return true;
-    if (equal(line.word(0), "allow"))
-        return addRule(true, line);
-    if (equal(line.word(0), "deny"))
-        return addRule(false, line);
-    if (equal(line.word(0), "rate"))
-        return addRate(line);
-    return line.fail("expected allow, deny or rate, not %s", line.word(0));
+    if (equal(words.word(0), "allow"))
+        return addRule(true, words);
+    if (equal(words.word(0), "deny"))
+        return addRule(false, words);
+    if (equal(words.word(0), "rate"))
+        return addRate(words);
+    return words.fail("expected allow, deny or rate, not %s", words.word(0));
 }
 
 bool Policy::addRule(bool isAllowed, Line& line)

@@ -1,0 +1,667 @@
+#include "bridge.h"
+#include "clock.h"
+#include "random_number.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tarn::fleet
+{
+
+namespace
+{
+
+// What the IPC's statuses mean is in tarn_frame.h; these are those that a refusal has.
+struct RefusalStatus
+{
+    Refusal refusal;
+    std::uint32_t status;
+};
+constexpr RefusalStatus kStatuses[] = {
+    {Refusal::kPolicy, 12},  {Refusal::kRate, 21},    {Refusal::kBusy, 21},          {Refusal::kLate, 7},
+    {Refusal::kOtherRun, 6}, {Refusal::kNoRun, 3},    {Refusal::kOtherContract, 11}, {Refusal::kOtherByteOrder, 11},
+    {Refusal::kLength, 16},  {Refusal::kStopping, 5},
+};
+
+std::uint32_t statusOf(Refusal refusal)
+{
+    for (const RefusalStatus& each : kStatuses)
+        if (each.refusal == refusal)
+            return each.status;
+    return 0;
+}
+
+// An operator's clocks and ours may come apart by so much between two envelopes; a request that is further ahead is not from
+// this run.
+constexpr std::uint64_t kClockTolerance = 60000;
+// An answer or an event that the broker has not taken by then is dropped.
+constexpr std::uint64_t kParcelLife = 30000;
+// What serves a call's message, TLS and the IPC library.
+constexpr std::size_t kStackSize = 262144;
+constexpr int kTurn = 1000;
+constexpr Rate kMostLines = {50, 1000};
+
+} // namespace
+
+// A request that waits for its turn, or is under way.
+struct Bridge::Call
+{
+    Call* next;
+    std::uint64_t session;
+    std::uint64_t dead; // when its time to live is over, on this object's clock
+    std::uint32_t sequence;
+    std::uint32_t command;
+    std::uint32_t wait;
+    std::uint32_t length;
+    std::uint32_t present;
+    std::size_t function; // kContractFunctionCount if the contract has no such command
+    char operatorId[kIdSize];
+    char service[kServiceSize];
+    std::uint8_t message[1]; // `present` bytes
+};
+
+// What waits for the broker.
+struct Bridge::Parcel
+{
+    Parcel* next;
+    std::uint64_t postedAt;
+    std::size_t size;
+    Topic topic;
+    bool isEvent;
+    std::uint8_t payload[1]; // `size` bytes
+};
+
+class Bridge::Guard
+{
+public:
+    explicit Guard(const Bridge& bridge) : mutex_(bridge.mutex_)
+    {
+        pthread_mutex_lock(&mutex_);
+    }
+    ~Guard()
+    {
+        pthread_mutex_unlock(&mutex_);
+    }
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+
+private:
+    pthread_mutex_t& mutex_;
+};
+
+template <typename Item>
+void Bridge::Queue<Item>::add(Item* item)
+{
+    item->next = nullptr;
+    (last == nullptr ? first : last->next) = item;
+    last = item;
+    ++count;
+}
+
+template <typename Item>
+Item* Bridge::Queue<Item>::take()
+{
+    Item* item = first;
+    if (item == nullptr)
+        return nullptr;
+    first = item->next;
+    if (first == nullptr)
+        last = nullptr;
+    --count;
+    return item;
+}
+
+// --- Beginning and end ------------------------------------------------------------------------------------------------------
+
+Bridge::Bridge(const BridgeSettings& settings, const BridgePlatform& platform, const Policy& policy)
+    : settings_(settings),
+      platform_(platform),
+      startedAt_(monotonicMilliseconds()),
+      link_(settings.link, LinkHandlers{this, prepare, connected, received, lost}),
+      policy_(policy)
+{
+    for (Worker& worker : workers_)
+    {
+        worker.bridge = this;
+        pthread_cond_init(&worker.changed, nullptr);
+    }
+}
+
+Bridge::~Bridge()
+{
+    stop();
+    while (Parcel* parcel = parcels_.take())
+        std::free(parcel);
+    for (Worker& worker : workers_)
+    {
+        while (Call* call = worker.calls.take())
+            std::free(call);
+        pthread_cond_destroy(&worker.changed);
+    }
+    for (const int end : wakeup_)
+        if (end >= 0)
+            close(end);
+}
+
+namespace
+{
+
+bool startThread(pthread_t& thread, void* (*function)(void*), void* argument)
+{
+    pthread_attr_t attributes;
+    if (pthread_attr_init(&attributes) != 0)
+        return false;
+    pthread_attr_setstacksize(&attributes, kStackSize);
+    const bool isStarted = pthread_create(&thread, &attributes, function, argument) == 0;
+    pthread_attr_destroy(&attributes);
+    return isStarted;
+}
+
+} // namespace
+
+bool Bridge::start()
+{
+    run_ = randomNumber();
+    isRunning_ = run_ != 0 && pipe2(wakeup_, O_CLOEXEC | O_NONBLOCK) == 0 && startThread(thread_, brokerThread, this);
+    return isRunning_;
+}
+
+void Bridge::stop()
+{
+    if (!isRunning_)
+        return;
+    {
+        const Guard guard(*this);
+        isStopping_ = true;
+        for (Worker& worker : workers_)
+            pthread_cond_signal(&worker.changed);
+    }
+    wake();
+    for (const Worker& worker : workers_)
+        if (worker.isRunning)
+            pthread_join(worker.thread, nullptr);
+    // All answers are posted now, and the broker's thread may end.
+    {
+        const Guard guard(*this);
+        for (Worker& worker : workers_)
+            worker.isRunning = false;
+    }
+    wake();
+    pthread_join(thread_, nullptr);
+    isRunning_ = false;
+}
+
+void Bridge::setPolicy(const Policy& policy)
+{
+    const Guard guard(*this);
+    policy_ = policy;
+}
+
+BridgeCounters Bridge::counters() const
+{
+    const Guard guard(*this);
+    return counters_;
+}
+
+void Bridge::wake() const
+{
+    const char byte = 0;
+    if (write(wakeup_[1], &byte, 1) != 1)
+        return; // it is full, so the thread will wake
+}
+
+std::uint64_t Bridge::clock() const
+{
+    return monotonicMilliseconds() - startedAt_;
+}
+
+// --- The broker's thread ----------------------------------------------------------------------------------------------------
+
+void* Bridge::brokerThread(void* self)
+{
+    static_cast<Bridge*>(self)->serveBroker();
+    return nullptr;
+}
+
+void Bridge::serveBroker()
+{
+    for (bool isDone = false; !isDone;)
+    {
+        link_.turn(wakeup_[0], kTurn);
+        char bytes[64];
+        while (read(wakeup_[0], bytes, sizeof bytes) > 0)
+            ;
+        sendParcels();
+        const Guard guard(*this);
+        isDone = isStopping_;
+        for (const Worker& worker : workers_)
+            isDone = isDone && !worker.isRunning;
+        isDone = isDone && (parcels_.first == nullptr || !link_.isUp());
+    }
+    takeLeave();
+}
+
+void Bridge::takeLeave()
+{
+    if (link_.isUp())
+        announce(Kind::kWill);
+    link_.close();
+}
+
+Envelope Bridge::presence(Kind kind) const
+{
+    Envelope envelope;
+    envelope.kind = kind;
+    envelope.byteOrder = kOwnByteOrder;
+    envelope.sequence = connection_;
+    envelope.run = run_;
+    envelope.clock = clock();
+    envelope.contract = kContractHash;
+    if (kind != Kind::kWill)
+    {
+        envelope.message = settings_.programVersion;
+        envelope.length = envelope.present = static_cast<std::uint32_t>(std::strlen(settings_.programVersion));
+    }
+    return envelope;
+}
+
+void Bridge::announce(Kind kind)
+{
+    std::uint8_t bytes[kHeaderSize + kLongestProgramVersion];
+    std::size_t size = 0;
+    if (encode(presence(kind), bytes, sizeof bytes, size) == Fault::kNone)
+        link_.publish(stateTopic(settings_.link.clientId).text, bytes, size, true);
+}
+
+void Bridge::prepare(void* self, std::uint32_t connection, Will& will)
+{
+    auto* bridge = static_cast<Bridge*>(self);
+    bridge->connection_ = connection;
+    will.topic = stateTopic(bridge->settings_.link.clientId);
+    if (encode(bridge->presence(Kind::kWill), will.payload, sizeof will.payload, will.size) != Fault::kNone)
+        will.size = 0;
+}
+
+void Bridge::connected(void* self)
+{
+    auto* bridge = static_cast<Bridge*>(self);
+    // In this order: who sees the birth can ask.
+    bridge->link_.subscribe(requestTopic(bridge->settings_.link.clientId).text);
+    bridge->announce(Kind::kBirth);
+    {
+        const Guard guard(*bridge);
+        ++bridge->counters_.births;
+    }
+    bridge->log(kLogNotice, "connected, the %u. time", bridge->connection_);
+}
+
+void Bridge::lost(void* self, const char* broker, const char* reason)
+{
+    auto* bridge = static_cast<Bridge*>(self);
+    bridge->log(kLogWarning, "no connection to the broker %s: %s", broker, reason);
+}
+
+void Bridge::received(void* self, const char* /*topic*/, const void* payload, std::size_t size)
+{
+    static_cast<Bridge*>(self)->receive(payload, size);
+}
+
+// Sends what waits, as long as the connection takes it at once.
+void Bridge::sendParcels()
+{
+    const std::uint64_t now = clock();
+    for (;;)
+    {
+        Parcel* parcel = nullptr;
+        bool isTooOld = false;
+        {
+            const Guard guard(*this);
+            if (parcels_.first == nullptr)
+                return;
+            isTooOld = now - parcels_.first->postedAt >= kParcelLife;
+            if (!isTooOld && !link_.isClear())
+                return;
+            parcel = parcels_.take();
+            --(parcel->isEvent ? events_ : answers_);
+            if (isTooOld)
+                ++(parcel->isEvent ? counters_.lostEvents : counters_.unanswered);
+        }
+        if (!isTooOld)
+            link_.publish(parcel->topic.text, parcel->payload, parcel->size, false);
+        std::free(parcel);
+    }
+}
+
+// --- Requests ---------------------------------------------------------------------------------------------------------------
+
+void Bridge::receive(const void* payload, std::size_t size)
+{
+    Envelope envelope;
+    const Fault fault = decode(payload, size, envelope);
+    const bool isForGateways = envelope.kind == Kind::kRequest || envelope.kind == Kind::kPing;
+    if (fault != Fault::kNone || !isForGateways)
+    {
+        {
+            const Guard guard(*this);
+            ++counters_.malformed;
+        }
+        return log(kLogWarning, "dropped %zu bytes: %s", size,
+                   fault != Fault::kNone ? describe(fault) : "expected a request or a ping");
+    }
+    if (envelope.kind == Kind::kPing)
+        answerPing(envelope);
+    else
+        admit(envelope);
+}
+
+void Bridge::answerPing(const Envelope& ping)
+{
+    Envelope pong = presence(Kind::kPong);
+    pong.session = ping.session;
+    pong.sequence = ping.sequence;
+    {
+        const Guard guard(*this);
+        ++counters_.pings;
+        if (answers_ >= kMostAnswers)
+        {
+            ++counters_.unanswered;
+            return;
+        }
+        ++answers_;
+    }
+    post(replyTopic(ping.operatorId, settings_.link.clientId), pong, false);
+}
+
+// Why a request is not to be carried out, as far as it can be told on arrival.
+Refusal Bridge::judge(const Envelope& request, std::size_t function, std::uint64_t now)
+{
+    if (request.run != 0 && (request.run != run_ || request.clock > now + kClockTolerance))
+        return Refusal::kOtherRun;
+    if (request.contract != kContractHash)
+        return Refusal::kOtherContract;
+    if (request.byteOrder != kOwnByteOrder)
+        return Refusal::kOtherByteOrder;
+    if (function == kContractFunctionCount)
+        return Refusal::kPolicy;
+    if (request.length != kContractFunctions[function].length)
+        return Refusal::kLength;
+    if (request.run == 0 && !kContractFunctions[function].reads)
+        return Refusal::kNoRun;
+    if (request.run != 0 && request.clock + request.live <= now)
+        return Refusal::kLate;
+
+    const Guard guard(*this);
+    if (isStopping_)
+        return Refusal::kStopping;
+    if (!policy_.allows(function))
+        return Refusal::kPolicy;
+    if (!kContractFunctions[function].reads && !changes_.take(policy_.rateOfChanges(), now))
+        return Refusal::kRate;
+    return calls_.take(policy_.rate(), now) ? Refusal::kNone : Refusal::kRate;
+}
+
+void Bridge::admit(const Envelope& request)
+{
+    const std::uint64_t now = clock();
+    const bool isOfThisRun = request.run == run_ && request.clock <= now + kClockTolerance;
+    // When it can no longer be carried out if it comes again. Where no run is named the call only reads, and may as well be
+    // made again.
+    const std::uint64_t dead = isOfThisRun ? request.clock + request.live : 0;
+    const SeenRequests::Verdict verdict = seen_.see(request.session, request.sequence, dead, now);
+    const char* dropped = nullptr;
+    {
+        const Guard guard(*this);
+        ++counters_.requests;
+        if (verdict == SeenRequests::Verdict::kSeen)
+        {
+            ++counters_.repeated;
+            dropped = "it has been here before";
+        }
+        else if (answers_ >= kMostAnswers)
+        {
+            ++counters_.unanswered;
+            dropped = "too many answers wait for the broker";
+        }
+        else
+            ++answers_; // its answer has its place
+    }
+    if (dropped != nullptr)
+        return log(kLogWarning, "dropped a request of %s: %s", request.operatorId, dropped);
+
+    auto* call = static_cast<Call*>(std::malloc(sizeof(Call) + request.present));
+    if (call == nullptr)
+        return giveUpAnswer();
+    call->session = request.session;
+    call->sequence = request.sequence;
+    call->dead = request.live + (request.run != 0 && request.clock < now ? request.clock : now);
+    call->command = request.command;
+    call->wait = request.wait;
+    call->length = request.length;
+    call->present = request.present;
+    call->function = findCommand(request.service, request.command);
+    std::memcpy(call->operatorId, request.operatorId, sizeof call->operatorId);
+    std::memcpy(call->service, request.service, sizeof call->service);
+    if (request.present > 0)
+        std::memcpy(call->message, request.message, request.present);
+
+    Refusal refusal = verdict == SeenRequests::Verdict::kNoRoom ? Refusal::kBusy : judge(request, call->function, now);
+    if (refusal == Refusal::kNone)
+        refusal = queue(call);
+    if (refusal != Refusal::kNone)
+        refuse(call, refusal);
+}
+
+// Gives the request to its service's thread, which then owns it.
+Refusal Bridge::queue(Call* call)
+{
+    Worker& worker = workers_[kContractFunctions[call->function].service];
+    const Guard guard(*this);
+    if (isStopping_)
+        return Refusal::kStopping;
+    if (worker.calls.count >= kMostWaiting)
+        return Refusal::kBusy;
+    if (!worker.isRunning)
+        worker.isRunning = startThread(worker.thread, workerThread, &worker);
+    if (!worker.isRunning)
+        return Refusal::kBusy;
+    worker.calls.add(call);
+    pthread_cond_signal(&worker.changed);
+    return Refusal::kNone;
+}
+
+// --- A service's thread -----------------------------------------------------------------------------------------------------
+
+void* Bridge::workerThread(void* worker)
+{
+    auto* self = static_cast<Worker*>(worker);
+    self->bridge->serve(*self);
+    return nullptr;
+}
+
+void Bridge::serve(Worker& worker)
+{
+    void* message = std::malloc(kLongestMessage);
+    for (;;)
+    {
+        Call* call = nullptr;
+        Refusal refusal = Refusal::kNone;
+        {
+            const Guard guard(*this);
+            while (!isStopping_ && worker.calls.first == nullptr)
+                pthread_cond_wait(&worker.changed, &mutex_);
+            call = worker.calls.take();
+            if (call == nullptr)
+                break;
+            if (isStopping_)
+                refusal = Refusal::kStopping;
+            else if (!policy_.allows(call->function))
+                refusal = Refusal::kPolicy; // it has changed meanwhile
+            else if (message == nullptr)
+                refusal = Refusal::kBusy;
+        }
+        if (refusal == Refusal::kNone && clock() >= call->dead)
+            refusal = Refusal::kLate;
+        if (refusal == Refusal::kNone)
+            carryOut(call, message);
+        else
+            refuse(call, refusal);
+    }
+    std::free(message);
+}
+
+void Bridge::carryOut(Call* call, void* message)
+{
+    Envelope packed;
+    packed.length = call->length;
+    packed.present = call->present;
+    packed.message = call->message;
+    unpack(packed, message);
+    const std::uint32_t status =
+        platform_.execute(platform_.context, kCallerId, call->service, call->wait, call->command, call->length, message);
+    {
+        const Guard guard(*this);
+        ++counters_.executed;
+    }
+    if (!kContractFunctions[call->function].reads)
+        log(kLogNotice, "%s called %s: IPC status %u", call->operatorId, kContractFunctions[call->function].name, status);
+    answer(*call, Refusal::kNone, status, message);
+    std::free(call);
+}
+
+void Bridge::refuse(Call* call, Refusal refusal)
+{
+    {
+        const Guard guard(*this);
+        ++counters_.refused;
+    }
+    const bool isKnown = call->function != kContractFunctionCount;
+    log(kLogWarning, "refused %s a call of %s (%s %u): %s", call->operatorId,
+        isKnown ? kContractFunctions[call->function].name : "no function", call->service, call->command, describe(refusal));
+    answer(*call, refusal, statusOf(refusal), nullptr);
+    std::free(call);
+}
+
+void Bridge::answer(const Call& call, Refusal refusal, std::uint32_t status, const void* message)
+{
+    Envelope reply;
+    reply.kind = Kind::kReply;
+    reply.byteOrder = kOwnByteOrder;
+    reply.refusal = refusal;
+    reply.session = call.session;
+    reply.sequence = call.sequence;
+    reply.run = run_;
+    reply.clock = clock();
+    reply.command = call.command;
+    reply.status = status;
+    reply.contract = kContractHash;
+    std::memcpy(reply.service, call.service, sizeof reply.service);
+    if (status == 0)
+    {
+        reply.length = reply.present = call.length;
+        reply.message = message;
+    }
+    post(replyTopic(call.operatorId, settings_.link.clientId), reply, false);
+}
+
+// The place that an answer had is free again, without one.
+void Bridge::giveUpAnswer()
+{
+    const Guard guard(*this);
+    --answers_;
+    ++counters_.unanswered;
+}
+
+// --- What goes out ----------------------------------------------------------------------------------------------------------
+
+// Gives it to the broker's thread. It has its place among the answers or events already.
+void Bridge::post(const Topic& topic, const Envelope& envelope, bool isEvent)
+{
+    const std::size_t room = kHeaderSize + kIdSize + kServiceSize + envelope.present;
+    auto* parcel = static_cast<Parcel*>(std::malloc(sizeof(Parcel) + room));
+    if (parcel == nullptr || encode(envelope, parcel->payload, room, parcel->size) != Fault::kNone)
+    {
+        std::free(parcel);
+        if (!isEvent)
+            return giveUpAnswer();
+        const Guard guard(*this);
+        --events_;
+        ++counters_.lostEvents;
+        return;
+    }
+    // Most messages end in many zeros, which are not kept.
+    if (void* smaller = std::realloc(parcel, sizeof(Parcel) + parcel->size); smaller != nullptr)
+        parcel = static_cast<Parcel*>(smaller);
+    parcel->topic = topic;
+    parcel->isEvent = isEvent;
+    parcel->postedAt = clock();
+    {
+        const Guard guard(*this);
+        parcels_.add(parcel);
+    }
+    wake();
+}
+
+void Bridge::publishEvent(const char* service, std::uint32_t event, const void* data, std::uint32_t length)
+{
+    const std::size_t index = findService(service);
+    if (index == kContractServiceCount)
+        return log(kLogWarning, "dropped event %u of %s: the contract has no such service", event, service);
+    Envelope envelope;
+    envelope.kind = Kind::kEvent;
+    envelope.byteOrder = kOwnByteOrder;
+    envelope.run = run_;
+    envelope.clock = clock();
+    envelope.command = event;
+    envelope.contract = kContractHash;
+    envelope.length = envelope.present = length;
+    envelope.message = data;
+    std::snprintf(envelope.service, sizeof envelope.service, "%s", service);
+    {
+        const Guard guard(*this);
+        ++counters_.events;
+        envelope.sequence = ++eventNumbers_[index];
+        if (events_ >= kMostEvents || check(envelope) != Fault::kNone)
+        {
+            ++counters_.lostEvents;
+            return;
+        }
+        ++events_;
+    }
+    post(eventTopic(settings_.link.clientId, service), envelope, true);
+}
+
+// Not more lines than somebody may want to read, whatever arrives.
+void Bridge::log(int priority, const char* format, ...)
+{
+    std::uint32_t hidden = 0;
+    {
+        const Guard guard(*this);
+        if (!lines_.take(kMostLines, clock()))
+        {
+            ++hiddenLines_;
+            return;
+        }
+        hidden = hiddenLines_;
+        hiddenLines_ = 0;
+    }
+    if (platform_.log == nullptr)
+        return;
+    char line[512];
+    if (hidden > 0)
+    {
+        std::snprintf(line, sizeof line, "%u lines are left out here", hidden);
+        platform_.log(platform_.context, kLogWarning, line);
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    platform_.log(platform_.context, priority, line);
+}
+
+} // namespace tarn::fleet

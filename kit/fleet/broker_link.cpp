@@ -1,0 +1,239 @@
+#include "broker_link.h"
+#include "clock.h"
+#include "random_number.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <mosquitto.h>
+#include <poll.h>
+
+namespace tarn::fleet
+{
+
+namespace
+{
+
+// For TCP, TLS and the broker's answer together: a broker that takes longer is given up for the next one.
+constexpr std::uint64_t kConnectTime = 10000;
+// A connection that has lasted so long was a good one: the next attempt comes soon.
+constexpr std::uint64_t kGoodTime = 10000;
+// libmosquitto's own keeping alive counts in seconds.
+constexpr std::uint64_t kTendTime = 500;
+// libmosquitto does not say whether the TLS handshake waits for reading or writing.
+constexpr int kGreetingTurn = 20;
+
+const char* reasonOf(int result)
+{
+    return result == MOSQ_ERR_ERRNO ? std::strerror(errno) : mosquitto_strerror(result);
+}
+
+} // namespace
+
+BrokerLink::BrokerLink(const LinkSettings& settings, const LinkHandlers& handlers) : settings_(settings), handlers_(handlers)
+{
+}
+
+BrokerLink::~BrokerLink()
+{
+    drop();
+}
+
+void BrokerLink::drop()
+{
+    if (client_ != nullptr)
+        mosquitto_destroy(client_);
+    client_ = nullptr;
+}
+
+// Between half of what the failures so far ask for and all of it, so that gateways that lost the same broker come apart.
+std::uint32_t BrokerLink::pause() const
+{
+    std::uint64_t longest = settings_.firstPause;
+    for (std::uint32_t failure = 1; failure < failures_ && longest < settings_.longestPause; ++failure)
+        longest *= 2;
+    const auto bound = static_cast<std::uint32_t>(std::min<std::uint64_t>(longest, settings_.longestPause));
+    return bound / 2 + static_cast<std::uint32_t>(randomNumber() % (bound / 2 + 1));
+}
+
+void BrokerLink::lose(const char* reason)
+{
+    const std::uint64_t now = monotonicMilliseconds();
+    if (state_ == State::kUp && now - upSince_ >= kGoodTime)
+        failures_ = 0;
+    ++failures_;
+    state_ = State::kDown;
+    attemptAt_ = now + pause();
+    if (handlers_.lost != nullptr)
+        handlers_.lost(handlers_.context, broker().host, reason);
+    next_ = (next_ + 1) % settings_.brokerCount;
+    drop();
+}
+
+bool BrokerLink::prepareTls()
+{
+    if (settings_.authorities[0] == '\0')
+        return true;
+    const bool hasOwn = settings_.certificate[0] != '\0';
+    const int result = mosquitto_tls_set(client_, settings_.authorities, nullptr, hasOwn ? settings_.certificate : nullptr,
+                                         hasOwn ? settings_.key : nullptr, nullptr);
+    if (result != MOSQ_ERR_SUCCESS)
+        lose(result == MOSQ_ERR_INVAL ? "the files of the certificates cannot be read" : reasonOf(result));
+    return result == MOSQ_ERR_SUCCESS;
+}
+
+bool BrokerLink::prepareClient()
+{
+    client_ = mosquitto_new(settings_.clientId, true, this);
+    if (client_ == nullptr)
+    {
+        lose(std::strerror(errno));
+        return false;
+    }
+    mosquitto_connect_callback_set(client_, onConnect);
+    mosquitto_disconnect_callback_set(client_, onDisconnect);
+    mosquitto_message_callback_set(client_, onMessage);
+    // A small packet would wait for the acknowledgement of the one before it: 40 ms a call.
+    mosquitto_int_option(client_, MOSQ_OPT_TCP_NODELAY, 1);
+    if (!prepareTls())
+        return false;
+    Will will;
+    if (handlers_.prepare != nullptr)
+        handlers_.prepare(handlers_.context, connections_, will);
+    if (will.size > 0)
+        mosquitto_will_set(client_, will.topic.text, static_cast<int>(will.size), will.payload, 0, true);
+    return true;
+}
+
+void BrokerLink::attempt()
+{
+    ++connections_;
+    ended_ = nullptr;
+    if (!prepareClient())
+        return;
+    const int result = mosquitto_connect_async(client_, broker().host, broker().port, settings_.keepAlive);
+    if (result != MOSQ_ERR_SUCCESS)
+    {
+        lose(reasonOf(result));
+        return;
+    }
+    state_ = State::kConnecting;
+    attemptAt_ = monotonicMilliseconds() + kConnectTime;
+}
+
+// What poll says has happened on the connection.
+void BrokerLink::work(short happened)
+{
+    const std::uint64_t now = monotonicMilliseconds();
+    if (state_ != State::kUp && now >= attemptAt_)
+        return lose("no answer within 10 s");
+    if (state_ == State::kConnecting && happened != 0)
+        state_ = State::kGreeting;
+    // In a TLS handshake libmosquitto takes a broken connection for one that needs time.
+    const bool isBroken = (happened & (POLLERR | POLLHUP | POLLNVAL)) != 0;
+    int result = MOSQ_ERR_SUCCESS;
+    // Reading also goes on with the handshake, whichever direction it waits for.
+    if (happened != 0 || state_ == State::kGreeting)
+        result = mosquitto_loop_read(client_, 1);
+    if (result == MOSQ_ERR_SUCCESS && ended_ == nullptr && state_ != State::kConnecting && mosquitto_want_write(client_))
+        result = mosquitto_loop_write(client_, 1);
+    if (result == MOSQ_ERR_SUCCESS && ended_ == nullptr && now - tendedAt_ >= kTendTime)
+    {
+        tendedAt_ = now;
+        result = mosquitto_loop_misc(client_);
+    }
+    if (ended_ != nullptr)
+        lose(ended_);
+    else if (result != MOSQ_ERR_SUCCESS)
+        lose(reasonOf(result));
+    else if (isBroken || mosquitto_socket(client_) < 0)
+        lose("the connection broke");
+}
+
+void BrokerLink::turn(int wakeup, int milliseconds)
+{
+    if (state_ == State::kDown && monotonicMilliseconds() >= attemptAt_)
+        attempt();
+
+    pollfd descriptors[2] = {{wakeup, POLLIN, 0}, {-1, POLLIN, 0}};
+    if (state_ == State::kConnecting || state_ == State::kGreeting || state_ == State::kUp)
+        descriptors[1].fd = mosquitto_socket(client_);
+    if (state_ == State::kConnecting || (state_ == State::kUp && mosquitto_want_write(client_)))
+        descriptors[1].events |= POLLOUT;
+    std::uint64_t longest = static_cast<std::uint64_t>(std::max(milliseconds, 0));
+    if (state_ == State::kGreeting)
+        longest = std::min<std::uint64_t>(longest, kGreetingTurn);
+    else if (state_ == State::kUp || state_ == State::kConnecting)
+        longest = std::min(longest, kTendTime);
+    else if (state_ == State::kDown)
+        longest = std::min(longest, attemptAt_ - std::min(attemptAt_, monotonicMilliseconds()));
+    const int ready = poll(descriptors, 2, static_cast<int>(longest));
+    if (client_ != nullptr)
+        work(ready > 0 ? descriptors[1].revents : short{0});
+}
+
+bool BrokerLink::isClear() const
+{
+    return isUp() && !mosquitto_want_write(client_);
+}
+
+bool BrokerLink::subscribe(const char* filter)
+{
+    return isUp() && mosquitto_subscribe(client_, nullptr, filter, 0) == MOSQ_ERR_SUCCESS;
+}
+
+bool BrokerLink::publish(const char* topic, const void* payload, std::size_t size, bool isRetained)
+{
+    return isUp() &&
+           mosquitto_publish(client_, nullptr, topic, static_cast<int>(size), payload, 0, isRetained) == MOSQ_ERR_SUCCESS;
+}
+
+void BrokerLink::close()
+{
+    if (isUp())
+    {
+        state_ = State::kClosed;
+        mosquitto_disconnect(client_);
+        for (int turns = 0; turns < 100 && mosquitto_socket(client_) >= 0 && mosquitto_want_write(client_); ++turns)
+        {
+            pollfd writable = {mosquitto_socket(client_), POLLOUT, 0};
+            poll(&writable, 1, 10);
+            if (mosquitto_loop_write(client_, 1) != MOSQ_ERR_SUCCESS)
+                break;
+        }
+    }
+    state_ = State::kClosed;
+    drop();
+}
+
+void BrokerLink::onConnect(mosquitto* /*client*/, void* self, int code)
+{
+    auto* link = static_cast<BrokerLink*>(self);
+    if (code != 0)
+    {
+        link->ended_ = mosquitto_connack_string(code);
+        return;
+    }
+    link->state_ = State::kUp;
+    link->upSince_ = monotonicMilliseconds();
+    if (link->handlers_.connected != nullptr)
+        link->handlers_.connected(link->handlers_.context);
+}
+
+void BrokerLink::onDisconnect(mosquitto* /*client*/, void* self, int code)
+{
+    auto* link = static_cast<BrokerLink*>(self);
+    if (link->ended_ == nullptr)
+        link->ended_ = reasonOf(code);
+}
+
+void BrokerLink::onMessage(mosquitto* /*client*/, void* self, const mosquitto_message* message)
+{
+    auto* link = static_cast<BrokerLink*>(self);
+    if (link->handlers_.received != nullptr)
+        link->handlers_.received(link->handlers_.context, message->topic, message->payload,
+                                 static_cast<std::size_t>(message->payloadlen));
+}
+
+} // namespace tarn::fleet

@@ -1,0 +1,43 @@
+// A mosquitto of the test's own: on the loopback interface, with its files in a directory that is removed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <sys/types.h>
+
+namespace fleet_test
+{
+
+class MosquittoBroker
+{
+public:
+    // `configuration`: lines in addition to a listener's, or in its place if they have one; @PORT@ stands for the port and
+    // @DIRECTORY@ for the directory.
+    explicit MosquittoBroker(const std::string& configuration = "listener @PORT@ 127.0.0.1\nallow_anonymous true\n");
+    ~MosquittoBroker();
+    MosquittoBroker(const MosquittoBroker&) = delete;
+    MosquittoBroker& operator=(const MosquittoBroker&) = delete;
+
+    std::uint16_t port() const
+    {
+        return port_;
+    }
+
+    void kill();
+    // Again on the same port.
+    void start();
+    // Holds all connections without delivering anything.
+    void pause() const;
+    void resume() const;
+
+private:
+    bool tryStart();
+
+    std::string directory_;
+    std::string configuration_;
+    std::uint16_t port_ = 0;
+    pid_t processId_ = -1;
+};
+
+} // namespace fleet_test
