@@ -3,8 +3,7 @@
 #include "bridge_settings.h"
 #include "clock.h"
 #include "event_source.h"
-
-#include <kor_iil.h>
+#include "kor_iil.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,7 +1,6 @@
 #include "event_source.h"
 #include "bridge.h"
-
-#include <kor_iil.h>
+#include "kor_iil.h"
 
 #include <cerrno>
 #include <ctime>
