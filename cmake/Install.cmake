@@ -39,6 +39,9 @@ if(TARN_BUILD_KIT)
     tarn_install_pkg_config(libtarn_mock kit)
 
     install(TARGETS tarn-gateway tarnctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
+    if(TARGET tarn-bridge) # it needs libmosquitto for the target
+        install(TARGETS tarn-bridge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
+    endif()
     install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json
         kit/contract/contract.schema.json kit/contract/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/contract COMPONENT kit)

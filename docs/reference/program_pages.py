@@ -1,4 +1,4 @@
-"""The pages of the programs, from the help that they print: tarnctl, each of its commands, tarn-gateway."""
+"""The pages of the programs, from the help that they print: tarnctl, each of its commands, tarn-gateway, tarn-bridge."""
 import itertools
 import re
 import subprocess
@@ -68,8 +68,8 @@ def parse(text, is_main=False):
 
 
 class Programs:
-    def __init__(self, tarnctl, gateway):
-        self._gateway_help = _output(gateway, "--help")
+    def __init__(self, tarnctl, gateway, bridge):
+        self._others = {"tarn-gateway": _output(gateway, "--help"), "tarn-bridge": _output(bridge, "--help")}
         self._main_help = _output(tarnctl, "--help")
         self.verbs = {}
         _, _, parts = parse(self._main_help, is_main=True)
@@ -78,10 +78,10 @@ class Programs:
                 self.verbs.update({name: _output(tarnctl, "help", name) for name, _ in part.pairs})
 
     def names(self):
-        return ["tarnctl", "tarn-gateway", *("tarnctl-" + each for each in self.verbs)]
+        return ["tarnctl", *self._others, *("tarnctl-" + each for each in self.verbs)]
 
     def help_of(self, name):
-        return {"tarnctl": self._main_help, "tarn-gateway": self._gateway_help}.get(name) or self.verbs[name[len("tarnctl-"):]]
+        return {"tarnctl": self._main_help, **self._others}.get(name) or self.verbs[name[len("tarnctl-"):]]
 
 
 def _summary(text):
@@ -184,4 +184,10 @@ def pages(reference):
                   "Faults", "One for several users"):
         markdown.write(page, Writer(reference.sections, "tarn-gateway"), document[title], title)
     result["tarn-gateway", 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn-scenario", 5), ("tarn", 7)])
+    page, later = _page(reference, "tarn-bridge", "tarn-bridge")
+    for path, section, title in (("docs/fleet-policy.md", "", "Policy"), ("docs/fleet-envelope.md", "Topics", "Topics"),
+                                 ("docs/fleet-envelope.md", "How both sides behave", "Behaviour")):
+        document = markdown.sections(reference.read(path))
+        markdown.write(page, Writer(reference.sections, "tarn-bridge"), document[section], title)
+    result["tarn-bridge", 1] = _finish(page, later, [("tarn-gateway", 1), ("tarn", 7)])
     return result
