@@ -1,5 +1,5 @@
-/* The gateway's side: takes requests for one gateway from a broker, makes the calls with the platform's IPC, and answers. Carries
- * events, and says when it comes and goes. docs/fleet-envelope.md has what travels.
+/* The gateway's side: takes requests for one gateway from a broker, makes the calls with the platform's IPC, and answers.
+ * Carries events, and says when it comes and goes. docs/fleet-envelope.md has what travels.
  *
  * An object has a thread for the broker and, from the first request on, one for each service. There is nothing global, so that
  * one process can have many. Memory is bounded: so many requests wait, so many answers and events, so many sessions are
@@ -77,7 +77,7 @@ public:
     Bridge(const Bridge&) = delete;
     Bridge& operator=(const Bridge&) = delete;
 
-    // Connects to the broker, and goes on until stop. False if the system has no thread, no descriptor or no random numbers left.
+    // Connects to the broker, and goes on until stop. False if the system has no thread, descriptor or random number left.
     bool start();
     // Refuses what waits, lets calls that are under way end and answers them, takes leave of the broker. Returns when all is
     // done: at the latest when the longest call ends.

@@ -68,8 +68,8 @@ public:
     BrokerLink(const BrokerLink&) = delete;
     BrokerLink& operator=(const BrokerLink&) = delete;
 
-    // Waits for at most so long for something to happen, on the connection or on `wakeup` (a descriptor that becomes readable, or
-    // -1), and does it; connects if it is time to.
+    // Waits for at most so long for something to happen, on the connection or on `wakeup` (a descriptor that becomes readable,
+    // or -1), and does it; connects if it is time to.
     void turn(int wakeup, int milliseconds);
 
     bool isUp() const

@@ -1,5 +1,5 @@
-/* Which requests have been here already, so that none is carried out twice: of each session the latest sequence number, and which
- * of the 63 before it. */
+/* Which requests have been here already, so that none is carried out twice: of each session the latest sequence number, and
+ * which of the 63 before it. */
 #pragma once
 
 #include <cstddef>

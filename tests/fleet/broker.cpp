@@ -85,7 +85,7 @@ MosquittoBroker::~MosquittoBroker()
 bool MosquittoBroker::tryStart()
 {
     const std::string file = directory_ + "/mosquitto.conf";
-    std::ofstream(file) << "user root\nset_tcp_nodelay true\n"
+    std::ofstream(file) << "user root\n"
                         << replaced(replaced(configuration_, "@PORT@", std::to_string(port_)), "@DIRECTORY@", directory_);
     processId_ = fork();
     if (processId_ == 0)

@@ -14,7 +14,9 @@ class MosquittoBroker
 public:
     // `configuration`: lines in addition to a listener's, or in its place if they have one; @PORT@ stands for the port and
     // @DIRECTORY@ for the directory.
-    explicit MosquittoBroker(const std::string& configuration = "listener @PORT@ 127.0.0.1\nallow_anonymous true\n");
+    explicit MosquittoBroker(const std::string& configuration = "listener @PORT@ 127.0.0.1\n"
+                                                                "allow_anonymous true\n"
+                                                                "set_tcp_nodelay true\n");
     ~MosquittoBroker();
     MosquittoBroker(const MosquittoBroker&) = delete;
     MosquittoBroker& operator=(const MosquittoBroker&) = delete;

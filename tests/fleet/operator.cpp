@@ -12,18 +12,39 @@ using namespace tarn::fleet;
 namespace
 {
 
-constexpr std::uint64_t kSession = 0x5E55104E00000001u;
+// Each a session of its own.
+std::uint64_t nextSession()
+{
+    static std::uint64_t last = 0x5E55104E00000000u;
+    return ++last;
+}
 
 } // namespace
 
-Operator::Operator(std::uint16_t port, const std::string& name) : name_(name)
+namespace
 {
-    std::snprintf(settings_.clientId, sizeof settings_.clientId, "%s", name.c_str());
-    std::snprintf(settings_.brokers[0].host, sizeof settings_.brokers[0].host, "127.0.0.1");
-    settings_.brokers[0].port = port;
-    settings_.brokerCount = 1;
-    settings_.firstPause = 50;
-    settings_.longestPause = 200;
+
+LinkSettings settingsOf(std::uint16_t port, const std::string& name)
+{
+    LinkSettings settings;
+    std::snprintf(settings.clientId, sizeof settings.clientId, "%s", name.c_str());
+    std::snprintf(settings.brokers[0].host, sizeof settings.brokers[0].host, "127.0.0.1");
+    settings.brokers[0].port = port;
+    settings.brokerCount = 1;
+    settings.firstPause = 50;
+    settings.longestPause = 200;
+    return settings;
+}
+
+} // namespace
+
+Operator::Operator(std::uint16_t port, const std::string& name) : Operator(settingsOf(port, name))
+{
+    EXPECT_TRUE(await([this] { return isConnected(); })) << reason_;
+}
+
+Operator::Operator(const LinkSettings& settings) : settings_(settings), session_(nextSession())
+{
     LinkHandlers handlers;
     handlers.context = this;
     handlers.connected = [](void* self)
@@ -40,8 +61,9 @@ Operator::Operator(std::uint16_t port, const std::string& name) : name_(name)
         EXPECT_EQ(decode(arrived.bytes.data(), size, arrived.envelope), Fault::kNone) << topic;
         static_cast<Operator*>(self)->arrived_.push_back(std::move(arrived));
     };
+    handlers.lost = [](void* self, const char* /*broker*/, const char* reason)
+    { static_cast<Operator*>(self)->reason_ = reason; };
     link_.emplace(settings_, handlers);
-    EXPECT_TRUE(await([this] { return link_->isUp(); }));
 }
 
 Operator::~Operator()
@@ -88,7 +110,7 @@ std::optional<Arrived> Operator::ping(const std::string& gateway)
 {
     Envelope ping;
     ping.kind = Kind::kPing;
-    ping.session = kSession;
+    ping.session = session_;
     ping.live = 3000;
     std::snprintf(ping.operatorId, sizeof ping.operatorId, "%s", name_.c_str());
     std::optional<Arrived> pong;
@@ -115,7 +137,7 @@ Envelope Operator::request(const std::string& service, std::uint32_t command, st
     Envelope request;
     request.kind = Kind::kRequest;
     request.byteOrder = kOwnByteOrder;
-    request.session = kSession;
+    request.session = session_;
     request.sequence = ++sequence_;
     request.run = run_;
     request.clock = run_ == 0 ? 0 : clock_ + static_cast<std::uint64_t>(passed);
@@ -136,6 +158,11 @@ void Operator::send(const std::string& gateway, const Envelope& envelope)
     const Bytes bytes = encoded(envelope);
     EXPECT_FALSE(bytes.empty()) << describe(check(envelope));
     sendBytes(requestTopic(gateway.c_str()).text, bytes);
+}
+
+void Operator::subscribe(const std::string& filter)
+{
+    EXPECT_TRUE(link_->subscribe(filter.c_str()));
 }
 
 void Operator::sendBytes(const std::string& topic, const Bytes& bytes)

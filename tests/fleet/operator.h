@@ -29,6 +29,8 @@ class Operator
 {
 public:
     explicit Operator(std::uint16_t port, const std::string& name = "noc-1");
+    // With all settings: where they do not lead to a connection there is none.
+    explicit Operator(const tarn::fleet::LinkSettings& settings);
     ~Operator();
     Operator(const Operator&) = delete;
     Operator& operator=(const Operator&) = delete;
@@ -45,22 +47,26 @@ public:
     tarn::fleet::Envelope request(const std::string& service, std::uint32_t command, std::uint32_t length,
                                   const Bytes& message = {});
     void send(const std::string& gateway, const tarn::fleet::Envelope& envelope);
+    void subscribe(const std::string& filter);
     void sendBytes(const std::string& topic, const Bytes& bytes);
     // Sends it and takes its reply.
     std::optional<Arrived> call(const std::string& gateway, const tarn::fleet::Envelope& envelope);
 
-    std::size_t waiting() const
+    bool isConnected() const
     {
-        return arrived_.size();
+        return link_->isUp();
     }
-    const std::string& name() const
+    // Why the connection was lost or could not be made, the latest reason.
+    const std::string& reason() const
     {
-        return name_;
+        return reason_;
     }
 
 private:
-    std::string name_;
-    tarn::fleet::LinkSettings settings_;
+    const tarn::fleet::LinkSettings settings_;
+    const std::string name_{settings_.clientId};
+    const std::uint64_t session_;
+    std::string reason_;
     std::optional<tarn::fleet::BrokerLink> link_;
     std::deque<Arrived> arrived_;
     std::deque<Bytes> kept_; // the messages of requests
