@@ -314,7 +314,6 @@ void Bridge::received(void* self, const char* /*topic*/, const void* payload, st
 // Sends what waits, as long as the connection takes it at once.
 void Bridge::sendParcels()
 {
-    const std::uint64_t now = clock();
     for (;;)
     {
         Parcel* parcel = nullptr;
@@ -323,16 +322,17 @@ void Bridge::sendParcels()
             const Guard guard(*this);
             if (parcels_.first == nullptr)
                 return;
-            isTooOld = now - parcels_.first->postedAt >= kParcelLife;
+            isTooOld = clock() - parcels_.first->postedAt >= kParcelLife; // in this order: it is posted by another thread
             if (!isTooOld && !link_.isClear())
                 return;
             parcel = parcels_.take();
             --(parcel->isEvent ? events_ : answers_);
-            if (isTooOld)
-                ++(parcel->isEvent ? counters_.lostEvents : counters_.unanswered);
         }
-        if (!isTooOld)
-            link_.publish(parcel->topic.text, parcel->payload, parcel->size, false);
+        if (isTooOld || !link_.publish(parcel->topic.text, parcel->payload, parcel->size, false))
+        {
+            const Guard guard(*this);
+            ++(parcel->isEvent ? counters_.lostEvents : counters_.unanswered);
+        }
         std::free(parcel);
     }
 }

@@ -178,6 +178,23 @@ TEST_F(BridgeTest, ACallIsMadeWithThePlatformAndAnswered)
     EXPECT_EQ(asked[0].length, kLong);
 }
 
+TEST_F(BridgeTest, EveryOneOfManyCallsIsAnswered)
+{
+    start();
+    constexpr std::uint32_t kCalls = 5000;
+    std::size_t waiting = 0;
+    for (std::uint32_t call = 0; call < kCalls; ++call)
+    {
+        operator_.send("home-1", operator_.request(call % 2 == 0 ? "TARN" : "QTN_RPC_PROXY",
+                                                   call % 2 == 0 ? kGetRadioNum : kGetChannel, call % 2 == 0 ? kLong : 9376));
+        for (++waiting; waiting >= 8 || (waiting > 0 && call + 1 == kCalls); --waiting)
+            ASSERT_TRUE(operator_.take(Kind::kReply)) << call;
+    }
+    EXPECT_EQ(platform_.asked().size(), kCalls);
+    EXPECT_EQ(bridge_->counters().executed, kCalls);
+    EXPECT_EQ(bridge_->counters().unanswered, 0u);
+}
+
 TEST_F(BridgeTest, AFailureOfThePlatformIsPassedOnWithoutAMessage)
 {
     start();
