@@ -17,6 +17,8 @@ CHAPTERS = (
         ("libkoriil.html", "kit/host/README.md"),
         ("layout-files.html", "kit/layout/README.md"),
         ("contract.html", "kit/contract/README.md"),
+        ("fleet-policy.html", "docs/fleet-policy.md"),
+        ("fleet-envelope.html", "docs/fleet-envelope.md"),
     )),
     ("Project", (
         ("architecture.html", "ARCHITECTURE.md"),
