@@ -289,7 +289,8 @@ void unpack(const Envelope& envelope, void* message)
     auto* bytes = static_cast<std::uint8_t*>(message);
     if (envelope.present > 0)
         std::memcpy(bytes, envelope.message, envelope.present);
-    std::memset(bytes + envelope.present, 0, envelope.length - envelope.present);
+    if (envelope.length > envelope.present)
+        std::memset(bytes + envelope.present, 0, envelope.length - envelope.present);
 }
 
 const char* describe(Fault fault)

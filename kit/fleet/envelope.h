@@ -132,7 +132,7 @@ Fault encode(const Envelope& envelope, void* bytes, std::size_t room, std::size_
 // Reads an envelope; `envelope.message` then points into `bytes`. `envelope` is changed only if the result is kNone.
 Fault decode(const void* bytes, std::size_t size, Envelope& envelope);
 
-// Writes the whole message of a decoded envelope, `envelope.length` bytes.
+// Writes the whole message of a decoded envelope, `envelope.length` bytes; if that is 0, `message` may be null.
 void unpack(const Envelope& envelope, void* message);
 
 } // namespace tarn::fleet
