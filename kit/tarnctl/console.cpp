@@ -29,7 +29,7 @@ void Console::write(const Json& document) const
 
 void Console::remark(const std::string& text) const
 {
-    err << "tarnctl: " << text << '\n';
+    err << program << ": " << text << '\n';
 }
 
 ExitCode Console::fail(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions) const

@@ -32,6 +32,7 @@ public:
     bool colours = false; // results may be coloured
     bool repeats = false; // the results have been written before, and are written again
     Terminal terminal;
+    const char* program = "tarnctl"; // in front of remarks
 
     // A JSON document of that kind, still to be filled.
     static Json document(const char* kind);

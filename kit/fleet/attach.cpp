@@ -1,0 +1,91 @@
+// `tarn-fleet attach`: a gateway behind the broker as if it were here.
+#include "attachment.h"
+#include "fleet_verbs.h"
+#include "tarnctl/layout_in_use.h"
+#include "tarnctl/usage_error.h"
+#include "tarnctl/wakeup.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace tarn::fleet
+{
+
+namespace
+{
+
+constexpr char kHelp[] = R"(Until SIGINT or SIGTERM, every program that finds its services in DIRECTORY
+(KORIIL_DIR) talks to that gateway. A call that fails has an IPC status, and a
+line on standard error says why:
+  UNKNOWN_DST_ID  the gateway does not answer: it is not connected
+  TX_FAIL         no connection to a broker, or the bridge is about to end
+  RX_FAIL         the connection broke after the call was sent: outcome unknown
+  TIMEOUT         no answer within the caller's wait: outcome unknown
+  UNSUPPORT       the gateway's policy does not allow the call; or it has the
+                  other byte order, and no layout tells of a record
+  BUSY            too many calls wait on the gateway, or its policy's rate
+  MISMATCH_COMM   the gateway has another contract
+  OVERSIZE        a message of more than 16384 bytes
+Any other status is what the gateway's own IPC returned.)";
+
+struct AttachOptions
+{
+    std::string gateway;
+    std::optional<std::string> directory;
+    std::optional<std::uint32_t> readyDescriptor;
+};
+
+void declareAttach(ctl::Syntax& syntax, AttachOptions& options)
+{
+    syntax.text("GATEWAY", options.gateway, "The gateway's name");
+    syntax.text("--directory", options.directory, "Where its services are to be found, instead of KORIIL_DIR", "DIRECTORY");
+    syntax.count("--ready-descriptor", options.readyDescriptor,
+                 "Write a line to this descriptor once the gateway has answered, or has not within 5 s");
+    syntax.footer(kHelp);
+}
+
+void sayReady(const ctl::Console& console, std::uint32_t descriptor)
+{
+    static constexpr char kReady[] = "ready\n";
+    if (write(static_cast<int>(descriptor), kReady, sizeof kReady - 1) < 0)
+        console.remark("the descriptor of --ready-descriptor cannot be written to");
+}
+
+ctl::ExitCode attach(const ctl::Console& console, const AttachOptions& options, const LinkSettings& link)
+{
+    constexpr std::chrono::seconds kMeetingTime{5};
+    if (!isId(options.gateway.c_str()))
+        throw ctl::UsageError("GATEWAY: expected 1 to 64 printable characters without space / + #, not " + options.gateway);
+    ctl::checkNamedLayout();
+    if (options.directory)
+        setenv("KORIIL_DIR", std::filesystem::absolute(*options.directory).c_str(), 1);
+
+    const ctl::Wakeup wakeup;
+    const ctl::StopSignals signals(wakeup);
+    Attachment attachment(link, options.gateway, layoutOrNull());
+    attachment.awaitGateway(kMeetingTime);
+    if (options.readyDescriptor)
+        sayReady(console, *options.readyDescriptor);
+    while (!signals.haveCome())
+        wakeup.wait(std::nullopt);
+    return ctl::ExitCode::kSuccess;
+}
+
+} // namespace
+
+void addAttach(ctl::Verbs& verbs, const SettingsSource& settings)
+{
+    verbs.add<AttachOptions>("attach", "Lets every program here talk to one gateway", declareAttach,
+                             [settings](const ctl::Console& console, const AttachOptions& options)
+                             { return attach(console, options, settings()); });
+}
+
+const layout::Layout* layoutOrNull()
+{
+    const ctl::LayoutInUse* const inUse = ctl::layoutInUse();
+    return inUse == nullptr ? nullptr : &inUse->layout;
+}
+
+} // namespace tarn::fleet

@@ -1,0 +1,25 @@
+// The verbs of tarn-fleet, one file each.
+#pragma once
+
+#include "broker_link.h"
+#include "layout/layout.h"
+#include "tarnctl/verbs/verbs.h"
+
+#include <chrono>
+#include <functional>
+
+namespace tarn::fleet
+{
+
+// Reads the settings when a verb needs them: what is wrong with them is the verb's failure.
+using SettingsSource = std::function<LinkSettings()>;
+
+void addAttach(ctl::Verbs& verbs, const SettingsSource& settings);
+
+// How long a connection to a broker may take before a verb gives up.
+inline constexpr std::chrono::seconds kConnectTime{10};
+
+// The layout in use, or null.
+const layout::Layout* layoutOrNull();
+
+} // namespace tarn::fleet
