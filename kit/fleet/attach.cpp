@@ -5,8 +5,12 @@
 #include "tarnctl/usage_error.h"
 #include "tarnctl/wakeup.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <memory>
+#include <stdexcept>
 
 #include <unistd.h>
 
@@ -34,6 +38,7 @@ struct AttachOptions
 {
     std::string gateway;
     std::optional<std::string> directory;
+    bool isTemporary = false;
     std::optional<std::uint32_t> readyDescriptor;
 };
 
@@ -41,25 +46,58 @@ void declareAttach(ctl::Syntax& syntax, AttachOptions& options)
 {
     syntax.text("GATEWAY", options.gateway, "The gateway's name");
     syntax.text("--directory", options.directory, "Where its services are to be found, instead of KORIIL_DIR", "DIRECTORY");
+    syntax.flag("--temporary", options.isTemporary, "In a new directory of /tmp, which is removed at the end");
+    syntax.exclude("--temporary", "--directory");
     syntax.count("--ready-descriptor", options.readyDescriptor,
-                 "Write a line to this descriptor once the gateway has answered, or has not within 5 s");
+                 "Write \"ready DIRECTORY\" to this descriptor once the gateway has answered, or has not within 3 s");
     syntax.footer(kHelp);
 }
 
 void sayReady(const ctl::Console& console, std::uint32_t descriptor)
 {
-    static constexpr char kReady[] = "ready\n";
-    if (write(static_cast<int>(descriptor), kReady, sizeof kReady - 1) < 0)
+    const std::string line = "ready " + ctl::runtimeDirectory() + "\n";
+    if (write(static_cast<int>(descriptor), line.data(), line.size()) < 0)
         console.remark("the descriptor of --ready-descriptor cannot be written to");
 }
 
+// A new directory, which goes with it.
+class TemporaryDirectory
+{
+public:
+    TemporaryDirectory()
+    {
+        char path[] = "/tmp/tarn-fleet-XXXXXX"; // short: a socket's whole path has at most 107 characters
+        if (mkdtemp(path) == nullptr)
+            throw std::runtime_error(std::string("a directory in /tmp: ") + std::strerror(errno));
+        path_ = path;
+    }
+    ~TemporaryDirectory()
+    {
+        std::error_code none;
+        std::filesystem::remove_all(path_, none);
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    const std::string& path() const
+    {
+        return path_;
+    }
+
+private:
+    std::string path_;
+};
+
 ctl::ExitCode attach(const ctl::Console& console, const AttachOptions& options, const LinkSettings& link)
 {
-    constexpr std::chrono::seconds kMeetingTime{5};
+    constexpr std::chrono::seconds kMeetingTime{3};
     if (!isId(options.gateway.c_str()))
         throw ctl::UsageError("GATEWAY: expected 1 to 64 printable characters without space / + #, not " + options.gateway);
     ctl::checkNamedLayout();
-    if (options.directory)
+    const auto temporary = options.isTemporary ? std::make_unique<TemporaryDirectory>() : nullptr;
+    if (temporary != nullptr)
+        setenv("KORIIL_DIR", temporary->path().c_str(), 1);
+    else if (options.directory)
         setenv("KORIIL_DIR", std::filesystem::absolute(*options.directory).c_str(), 1);
 
     const ctl::Wakeup wakeup;

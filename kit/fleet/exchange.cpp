@@ -255,6 +255,14 @@ void Exchange::receiveState(const std::string& gateway, const Envelope& envelope
             if (isGone)
                 known_.erase(known);
         }
+        if (envelope.kind == Kind::kBirth)
+            for (const auto& [sequence, waiting] : waiting_)
+                if (*waiting->gateway == gateway && waiting->asked.kind == Kind::kPing && waiting->stage == Stage::kSent)
+                {
+                    // It may have been sent before the gateway was there to hear it.
+                    waiting->stage = Stage::kQueued;
+                    queue_.push_back(sequence);
+                }
     }
     if (isGone)
         breakCalls(&gateway, "the gateway has lost its connection");

@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include "program.h"
+#include "remote_gateway.h"
 #include "verbs/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -84,17 +85,24 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     console.terminal = terminal;
     console.colours = terminal.showsResults && terminal.obeysColours;
     std::optional<std::string> layout;
-    std::string directory;
+    std::string directory, gateway;
+    std::optional<RemoteGateway> remote;
     CLI::App parser("Shows and sets what a gateway's Wi-Fi does, and calls every function of its client library by its name.",
                     "tarnctl");
     addCommonOptions(parser, console, layout, TARNCTL_VERSION);
-    parser.add_option("--directory", directory, "Directory of the services' sockets, instead of KORIIL_DIR")
-        ->type_name("DIRECTORY");
+    CLI::Option* const local =
+        parser.add_option("--directory", directory, "Directory of the services' sockets, instead of KORIIL_DIR")
+            ->type_name("DIRECTORY");
+    parser.add_option("--gateway", gateway, "A gateway behind a message broker, reached with tarn-fleet as that is set up")
+        ->type_name("NAME")
+        ->excludes(local);
     parser.footer(kHelp);
     Verbs verbs(parser, console);
     addVerbs(verbs);
-    const auto prepare = [&directory]
+    const auto prepare = [&]
     {
+        if (!gateway.empty())
+            remote.emplace(gateway);
         if (!directory.empty())
             setenv("KORIIL_DIR", directory.c_str(), 1);
     };
