@@ -49,6 +49,12 @@ int main(int count, char** arguments)
     parser.footer(kHelp);
     ctl::Verbs verbs(parser, console);
     const fleet::SettingsSource settings = [&options] { return fleet::linkSettings(options); };
+    verbs.group("Many gateways", true);
+    fleet::addList(verbs, settings);
+    fleet::addCall(verbs, settings);
+    verbs.group("Many gateways", false);
+    fleet::addEvents(verbs, settings);
+    verbs.group("One gateway", false);
     fleet::addAttach(verbs, settings);
     return static_cast<int>(ctl::carryOut(parser, verbs, console, layout, {arguments + 1, arguments + count}, [] {}));
 }

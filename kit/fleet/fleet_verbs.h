@@ -15,6 +15,9 @@ namespace tarn::fleet
 using SettingsSource = std::function<LinkSettings()>;
 
 void addAttach(ctl::Verbs& verbs, const SettingsSource& settings);
+void addList(ctl::Verbs& verbs, const SettingsSource& settings);
+void addEvents(ctl::Verbs& verbs, const SettingsSource& settings);
+void addCall(ctl::Verbs& verbs, const SettingsSource& settings);
 
 // How long a connection to a broker may take before a verb gives up.
 inline constexpr std::chrono::seconds kConnectTime{10};

@@ -107,7 +107,10 @@ CallFailure::CallFailure(Report failed) : std::runtime_error(failureText(failed)
 {
 }
 
-Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Passage passage)
+namespace
+{
+
+Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Observer& observer)
 {
     checkNamedLayout();
     Report report;
@@ -115,11 +118,25 @@ Report perform(const LibraryFunction& function, PreparedArguments arguments, con
     report.callerId = callerId;
     report.arguments = std::move(arguments);
 
-    const Observer observer(passage);
     report.result = invoke(function, callerId ? callerId->c_str() : nullptr, report.arguments.values());
     report.seen = observer.seen;
     report.outcome = outcomeOf(report);
     return report;
+}
+
+} // namespace
+
+Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Passage passage)
+{
+    Observer observer(passage);
+    return perform(function, std::move(arguments), callerId, observer);
+}
+
+Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Sender sender)
+{
+    Observer observer(Passage::kSend);
+    observer.sender = std::move(sender);
+    return perform(function, std::move(arguments), callerId, observer);
 }
 
 Report perform(const std::string& function, const std::vector<std::string>& assignments)

@@ -61,6 +61,9 @@ public:
 Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId = kOwnCallerId,
                Passage passage = Passage::kSend);
 
+// The same for a call that is not made with the platform.
+Report perform(const LibraryFunction& function, PreparedArguments arguments, const CallerId& callerId, Sender sender);
+
 // The same for arguments as they are written on the command line.
 Report perform(const std::string& function, const std::vector<std::string>& assignments = {});
 

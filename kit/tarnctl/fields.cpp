@@ -145,4 +145,31 @@ Json layoutDocument(const LayoutInUse* inUse)
     return {{"name", inUse->layout.name}, {"version", inUse->layout.version}, {"owner", inUse->layout.owner}};
 }
 
+std::string eventDataText(const contract::Event& event, const Bytes& data)
+{
+    const layout::Structure* const structure = structureOf(event);
+    const bool isExplained = structure != nullptr && data.size() == structure->size;
+    std::string text = isExplained || data.empty() ? "" : " " + hexText(data);
+    if (structure == nullptr)
+        return text;
+    for (const layout::FieldLine& line : layout::linesOf(layout::decode(*structure, data)))
+        text += " " + line.name + "=" + line.value + (line.unit.empty() ? "" : " " + line.unit);
+    return text;
+}
+
+Json eventDocument(const std::string& time, const std::string& service, const contract::Event& event, const Bytes& data)
+{
+    const layout::Structure* const structure = structureOf(event);
+    Json document = Console::document("event");
+    document["time"] = time;
+    document["service"] = service;
+    document["event"] = event.event;
+    document["name"] = event.name;
+    document["data"] = hexText(data);
+    if (structure != nullptr)
+        document["fields"] = fieldsDocument(layout::decode(*structure, data));
+    document["layout"] = layoutDocument(structure == nullptr ? nullptr : layoutInUse());
+    return document;
+}
+
 } // namespace tarn::ctl

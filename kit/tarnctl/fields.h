@@ -37,4 +37,9 @@ void addMeaning(Json& document, std::int64_t number, const layout::Meaning& mean
 // Name, version and owner of the layout in use, or null.
 Json layoutDocument(const LayoutInUse* inUse);
 
+// What an event carries: " radioId=1 channel=44" where there is a layout, and in hexadecimal where none tells of all the bytes.
+std::string eventDataText(const contract::Event& event, const Bytes& data);
+// The document of kind "event".
+Json eventDocument(const std::string& time, const std::string& service, const contract::Event& event, const Bytes& data);
+
 } // namespace tarn::ctl

@@ -80,7 +80,12 @@ uint32_t __wrap_KorIilExecute(const char* callerId, const char* serviceId, uint3
 {
     const auto* const bytes = static_cast<const unsigned char*>(msg);
     return observed({serviceId, wait, cmdId, tarn::ctl::Bytes(bytes, bytes + msgLen)},
-                    [&] { return __real_KorIilExecute(callerId, serviceId, wait, cmdId, msgLen, msg); });
+                    [&]
+                    {
+                        if (observing != nullptr && observing->sender)
+                            return observing->sender(*observing->seen.request, msg);
+                        return __real_KorIilExecute(callerId, serviceId, wait, cmdId, msgLen, msg);
+                    });
 }
 
 uint32_t __wrap_KorIilSubscribeEvent(const char* callerId, const char* serviceId, uint32_t evt, KorIilEventHandler handler)
@@ -110,6 +115,8 @@ void __wrap_KorIilTrace(uint32_t level, const char* fileTag, uint32_t line, cons
     if (observing != nullptr)
         observing->seen.traces.push_back({level, fileTag, line, text});
     errno = callersErrno;
+    if (observing != nullptr && observing->sender)
+        return;
     __real_KorIilTrace(level, fileTag, line, "%s", text.c_str());
     errno = callersErrno;
 }

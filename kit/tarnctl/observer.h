@@ -11,6 +11,7 @@
 #include "values.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,6 +49,9 @@ enum class Passage
     kHold  // requests are recorded only; the library gets its own message back as the reply, with success
 };
 
+// Takes a request's message to where it is answered, in the platform's place; returns an IPC status.
+using Sender = std::function<std::uint32_t(const Request& request, void* message)>;
+
 // Observes this thread for as long as it lives. The latest one sees what passes.
 class Observer
 {
@@ -59,6 +63,9 @@ public:
 
     Observation seen;
     const Passage passage;
+
+    // Set: requests of commands go here, and traces are only recorded.
+    Sender sender;
 
     // Set: subscriptions are made such that they outlive a restart of the service, and this is told of it, without a context.
     // Has no effect on a platform that cannot do so.

@@ -58,19 +58,6 @@ std::vector<contract::Event> chosenEvents(const std::vector<std::string>& texts)
     return chosen;
 }
 
-// " radioId=1 channel=44" where there is a layout, and in hexadecimal where none tells of all the bytes.
-std::string eventText(const contract::Event& event, const Bytes& data)
-{
-    const layout::Structure* const structure = structureOf(event);
-    const bool isExplained = structure != nullptr && data.size() == structure->size;
-    std::string text = isExplained || data.empty() ? "" : " " + hexText(data);
-    if (structure == nullptr)
-        return text;
-    for (const layout::FieldLine& line : layout::linesOf(layout::decode(*structure, data)))
-        text += " " + line.name + "=" + line.value + (line.unit.empty() ? "" : " " + line.unit);
-    return text;
-}
-
 void write(const Console& console, const ReceivedEvent& event)
 {
     const contract::Event& known = eventNamed(std::to_string(event.number));
@@ -78,21 +65,11 @@ void write(const Console& console, const ReceivedEvent& event)
     if (!console.json)
     {
         console.out << event.time << ' ' << event.service << ' ' << event.number << ' ' << name << ' ' << event.data.size()
-                    << " bytes" << eventText(known, event.data) << '\n'
+                    << " bytes" << eventDataText(known, event.data) << '\n'
                     << std::flush;
         return;
     }
-    const layout::Structure* const structure = structureOf(known);
-    Json document = Console::document("event");
-    document["time"] = event.time;
-    document["service"] = event.service;
-    document["event"] = event.number;
-    document["name"] = name;
-    document["data"] = hexText(event.data);
-    if (structure != nullptr)
-        document["fields"] = fieldsDocument(layout::decode(*structure, event.data));
-    document["layout"] = layoutDocument(structure == nullptr ? nullptr : layoutInUse());
-    console.write(document);
+    console.write(eventDocument(event.time, event.service, known, event.data));
 }
 
 void write(const Console& console, const SubscriptionChange& change)

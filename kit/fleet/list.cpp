@@ -1,0 +1,176 @@
+// `tarn-fleet list`: which gateways are there. Births and wills say which there may be; who answers a ping is there.
+#include "contract_table.h"
+#include "fleet_verbs.h"
+#include "roll.h"
+
+#include "base/timestamp.h"
+#include "tarnctl/listing.h"
+#include "tarnctl/wakeup.h"
+
+#include <deque>
+#include <mutex>
+
+#include <nlohmann/json.hpp>
+
+namespace tarn::fleet
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds kPingTime{2000};
+constexpr std::size_t kPingWindow = 64;
+
+struct ListOptions
+{
+    std::optional<std::string> filter;
+    bool isWatching = false;
+};
+
+void declareList(ctl::Syntax& syntax, ListOptions& options)
+{
+    syntax.text("FILTER", options.filter, "A name, a pattern with * and ?, or @FILE with a name a line; all if left out");
+    syntax.flag("--watch", options.isWatching, "Go on, and show who comes and goes, until SIGINT or SIGTERM comes");
+    syntax.footer("Each gateway that has told the broker of itself is asked whether it is there:\n"
+                  "  there      it has answered\n"
+                  "  no answer  the broker has it connected, but it has not answered within 2 s\n"
+                  "  gone       it has not answered, and the broker knows that it has gone\n"
+                  "since is when it connected to the broker, up how long its bridge runs.\n"
+                  "Exit code 0 if one is there, else 4.");
+}
+
+std::string timeBefore(std::uint64_t milliseconds)
+{
+    timespec time = {};
+    clock_gettime(CLOCK_REALTIME, &time);
+    time.tv_sec -= static_cast<std::time_t>(milliseconds / 1000);
+    return base::Timestamp(time).text;
+}
+
+ctl::Fields fieldsOf(const std::string& name, const std::optional<Presence>& presence, const State& state)
+{
+    ctl::Fields fields;
+    fields.set("gateway", ctl::textCell(name));
+    fields.set("state", ctl::textCell(presence ? "there" : state.isConnected ? "no answer" : "gone"));
+    if (!presence)
+        return fields;
+    const std::uint64_t second = 1000;
+    if (presence->run == state.run && presence->clock >= state.clock)
+        fields.set("since", ctl::textCell(timeBefore(presence->clock - state.clock)));
+    fields.set("up", ctl::withDuration(ctl::numberCell(static_cast<std::int64_t>(presence->clock / second), "seconds")));
+    fields.set("version", ctl::textCell(presence->version));
+    fields.set("byte_order", ctl::textCell(presence->byteOrder == ByteOrder::kBig ? "big" : "little"));
+    fields.set("contract", ctl::textCell(presence->isSameContract ? "same" : "other"));
+    fields.set("round_trip", ctl::numberCell(presence->roundTrip.count(), "us"));
+    return fields;
+}
+
+const std::vector<ctl::Column>& columns()
+{
+    static const std::vector<ctl::Column> kColumns = {
+        {"gateway", "gateway"}, {"state", "state"},           {"since", "since"},       {"up", "up"},
+        {"version", "version"}, {"byte_order", "byte_order"}, {"contract", "contract"}, {"round_trip", "round_trip"}};
+    return kColumns;
+}
+
+// Births and wills in the order in which they were heard, for the thread that shows them.
+struct News
+{
+    std::mutex mutex;
+    std::deque<std::string> gateways;
+    ctl::Wakeup wakeup;
+
+    void add(const std::string& gateway)
+    {
+        const std::lock_guard guard(mutex);
+        gateways.push_back(gateway);
+        wakeup.wake();
+    }
+    std::optional<std::string> take()
+    {
+        const std::lock_guard guard(mutex);
+        if (gateways.empty())
+            return std::nullopt;
+        std::string first = gateways.front();
+        gateways.pop_front();
+        return first;
+    }
+};
+
+void showChange(const ctl::Console& console, const ctl::Fields& fields)
+{
+    const std::string time = base::Timestamp().text;
+    if (!console.json)
+    {
+        console.out << time;
+        for (const auto& [name, cell] : fields.all())
+            if (name == "gateway" || name == "state" || name == "version")
+                console.out << ' ' << cell.text();
+        console.out << '\n' << std::flush;
+        return;
+    }
+    ctl::Json document = ctl::Console::document("presence");
+    document["time"] = time;
+    for (const char* key : {"gateway", "state", "version"})
+        document[key] = fields[key].isKnown() ? ctl::Json(fields[key].text()) : ctl::Json(nullptr);
+    console.write(document);
+}
+
+ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const LinkSettings& link)
+{
+    ctl::Console console = plain;
+    console.oneLine = options.isWatching;
+    const GatewayFilter filter(options.filter.value_or("*"));
+    Roll roll;
+    News news;
+    const ctl::StopSignals signals(news.wakeup);
+    ExchangeWatcher watcher;
+    watcher.state = [&](const std::string& gateway, const Envelope& envelope)
+    {
+        if (roll.hear(gateway, envelope) && filter.accepts(gateway))
+            news.add(gateway);
+    };
+    Exchange exchange(link, {kAllStates}, watcher, nullptr);
+    if (!exchange.awaitUp(kConnectTime))
+        return console.fail(ctl::ExitCode::kIpcFailed, "no connection to a broker: " + exchange.lastLoss());
+
+    const std::vector<std::string> names = gatewaysOf(filter, roll);
+    while (news.take())
+        ; // they are in the list
+    const std::map<std::string, State> states = roll.states();
+    std::vector<std::optional<Presence>> found(names.size());
+    forEach(names, kPingWindow,
+            [&](std::size_t index)
+            {
+                found[index] = exchange.ping(names[index], kPingTime);
+                return !signals.haveCome();
+            });
+    ctl::Page page("gateways");
+    ctl::Listing& listing = page.list("gateways", columns());
+    bool isAnyThere = false;
+    for (std::size_t index = 0; index < names.size(); ++index)
+    {
+        const auto state = states.find(names[index]);
+        listing.rows.push_back(fieldsOf(names[index], found[index], state == states.end() ? State() : state->second));
+        isAnyThere = isAnyThere || found[index];
+    }
+    page.writeUndecoded(console);
+    while (options.isWatching && !signals.haveCome())
+    {
+        while (const std::optional<std::string> gateway = news.take())
+            showChange(console, fieldsOf(*gateway, exchange.ping(*gateway, kPingTime), roll.states()[*gateway]));
+        news.wakeup.wait(std::nullopt);
+    }
+    return isAnyThere || options.isWatching ? ctl::ExitCode::kSuccess : ctl::ExitCode::kNoService;
+}
+
+} // namespace
+
+void addList(ctl::Verbs& verbs, const SettingsSource& settings)
+{
+    verbs.add<ListOptions>("list", "Which gateways are there, since when, and what runs on them", declareList,
+                           [settings](const ctl::Console& console, const ListOptions& options)
+                           { return list(console, options, settings()); });
+}
+
+} // namespace tarn::fleet
