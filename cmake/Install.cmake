@@ -40,7 +40,7 @@ if(TARN_BUILD_KIT)
 
     install(TARGETS tarn-gateway tarnctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
     if(TARGET tarn-bridge) # it needs libmosquitto for the target
-        install(TARGETS tarn-bridge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
+        install(TARGETS tarn-bridge tarn-fleet RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
     endif()
     install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json
         kit/contract/contract.schema.json kit/contract/README.md

@@ -68,8 +68,9 @@ def parse(text, is_main=False):
 
 
 class Programs:
-    def __init__(self, tarnctl, gateway, bridge):
-        self._others = {"tarn-gateway": _output(gateway, "--help"), "tarn-bridge": _output(bridge, "--help")}
+    def __init__(self, tarnctl, gateway, bridge, fleet):
+        self._others = {"tarn-gateway": _output(gateway, "--help"), "tarn-bridge": _output(bridge, "--help"),
+                        "tarn-fleet": _output(fleet, "--help")}
         self._main_help = _output(tarnctl, "--help")
         self.verbs = {}
         _, _, parts = parse(self._main_help, is_main=True)
@@ -91,7 +92,7 @@ def _summary(text):
 
 def _page(reference, name, command):
     """NAME, SYNOPSIS and DESCRIPTION of a program; the parts of its help that come behind these."""
-    text, usage, parts = parse(reference.programs.help_of(name), name == "tarnctl")
+    text, usage, parts = parse(reference.programs.help_of(name), name in ("tarnctl", "tarn-fleet"))
     summary = "simulated gateway" if text.startswith("The simulated gateway:") else _summary(text)
     page = Page(name, 1, summary, reference.date)
     page.section("SYNOPSIS")
@@ -190,4 +191,9 @@ def pages(reference):
         document = markdown.sections(reference.read(path))
         markdown.write(page, Writer(reference.sections, "tarn-bridge"), document[section], title)
     result["tarn-bridge", 1] = _finish(page, later, [("tarn-gateway", 1), ("tarn", 7)])
+    page, later = _page(reference, "tarn-fleet", "tarn-fleet")
+    document = markdown.sections(reference.read("docs/fleet.md"))
+    for title in ("Settings", "One gateway", "Many gateways", "Byte order", "What is promised, and what is not"):
+        markdown.write(page, Writer(reference.sections, "tarn-fleet"), document[title], title)
+    result["tarn-fleet", 1] = _finish(page, later, [("tarnctl", 1), ("tarn-bridge", 1), ("tarn-layout", 5), ("tarn", 7)])
     return result

@@ -20,7 +20,7 @@ namespace tarn::fleet
 namespace
 {
 
-constexpr char kHelp[] = R"(Until SIGINT or SIGTERM, every program that finds its services in DIRECTORY
+constexpr char kAttachHelp[] = R"(Until SIGINT or SIGTERM, every program that finds its services in DIRECTORY
 (KORIIL_DIR) talks to that gateway. A call that fails has an IPC status, and a
 line on standard error says why:
   UNKNOWN_DST_ID  the gateway does not answer: it is not connected
@@ -50,7 +50,7 @@ void declareAttach(ctl::Syntax& syntax, AttachOptions& options)
     syntax.exclude("--temporary", "--directory");
     syntax.count("--ready-descriptor", options.readyDescriptor,
                  "Write \"ready DIRECTORY\" to this descriptor once the gateway has answered, or has not within 3 s");
-    syntax.footer(kHelp);
+    syntax.footer(kAttachHelp);
 }
 
 void sayReady(const ctl::Console& console, std::uint32_t descriptor)

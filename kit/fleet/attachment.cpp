@@ -220,7 +220,7 @@ void Attachment::publish(Door& door, const Envelope& envelope)
                     static_cast<unsigned long>(envelope.command), envelope.service, tarnIpcStatusName(status));
 }
 
-// Restarts the services that have events, which ends the subscriptions: that is how a subscriber learns that it has missed some.
+// Restarts the services that have events, which ends the subscriptions: so a subscriber learns that it has missed some.
 void Attachment::loseEvents()
 {
     for (Door& door : doors_)

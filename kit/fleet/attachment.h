@@ -19,8 +19,8 @@ namespace tarn::fleet
 class Attachment
 {
 public:
-    // Opens the services in the runtime directory. `layout` may be null; it and the settings have to stay where they are. Throws
-    // std::runtime_error if a service cannot be opened, and what Exchange throws.
+    // Opens the services in the runtime directory. `layout` may be null; it and the settings have to stay where they are.
+    // Throws std::runtime_error if a service cannot be opened, and what Exchange throws.
     Attachment(const LinkSettings& settings, const std::string& gateway, const layout::Layout* layout);
     ~Attachment();
     Attachment(const Attachment&) = delete;

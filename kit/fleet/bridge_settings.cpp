@@ -9,7 +9,7 @@ namespace tarn::fleet
 namespace
 {
 
-bool equal(const char* one, const char* other)
+bool isEqual(const char* one, const char* other)
 {
     return std::strcmp(one, other) == 0;
 }
@@ -17,11 +17,11 @@ bool equal(const char* one, const char* other)
 // Those that are switched on by their name alone.
 bool setSwitch(BridgeOptions& options, const char* name)
 {
-    if (equal(name, "no-events"))
+    if (isEqual(name, "no-events"))
         options.isEvents = false;
-    else if (equal(name, "help"))
+    else if (isEqual(name, "help"))
         options.isHelp = true;
-    else if (equal(name, "version"))
+    else if (isEqual(name, "version"))
         options.isVersion = true;
     else
         return false;
@@ -68,11 +68,11 @@ bool set(BridgeOptions& options, const char* name, const char* value, char* prob
     const Problem wrong = {problem, size};
     if (isLinkSetting(name))
         return setLink(options.bridge.link, name, value, wrong);
-    if (equal(name, "policy"))
+    if (isEqual(name, "policy"))
         return setText(name, value, options.policyFile, sizeof options.policyFile, wrong);
-    if (equal(name, "renew"))
+    if (isEqual(name, "renew"))
         return setNumber(name, value, 0, 3600, options.renewSeconds, wrong);
-    if (equal(name, "ready-descriptor"))
+    if (isEqual(name, "ready-descriptor"))
         return setNumber(name, value, 1, 1023, options.readyDescriptor, wrong);
     return wrong.say("expected a setting of tarn-bridge --help, not %s", name);
 }
@@ -102,7 +102,7 @@ bool readArguments(BridgeOptions& options, int count, const char* const* argumen
             return wrong.say("--%s: expected an option of tarn-bridge --help, with its value", name);
         const char* value = arguments[++at];
         const bool isGood =
-            equal(name, "config") ? readSettings(options, value, problem, size) : set(options, name, value, problem, size);
+            isEqual(name, "config") ? readSettings(options, value, problem, size) : set(options, name, value, problem, size);
         if (!isGood)
             return false;
     }

@@ -33,7 +33,7 @@ constexpr std::uint32_t kLargestWindow = 1000;
 // For the way there and back, beside the wait of the gateway's IPC.
 constexpr std::chrono::seconds kWay{2};
 
-constexpr char kHelp[] = R"(The call is made on each gateway that FILTER means, never as one broadcast, and
+constexpr char kCallHelp[] = R"(The call is made on each gateway that FILTER means, never as one broadcast, and
 the arguments are written as for tarnctl call. Each gateway has a result:
   done             the service has answered with status 0
   service-status   it has answered with another one
@@ -77,7 +77,7 @@ void declareCall(ctl::Syntax& syntax, CallOptions& options)
     syntax.count("--stop-after", options.stopAfter, "Send nothing more after so many gateways that are not done");
     syntax.text("--resume", options.journal, "Keep in FILE what was sent, and go on where it ends", "FILE");
     syntax.flag("--dry-run", options.isDryRun, "Show the message and the gateways instead of sending it");
-    syntax.footer(kHelp);
+    syntax.footer(kCallHelp);
 }
 
 enum class What

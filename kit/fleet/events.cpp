@@ -100,7 +100,7 @@ const contract::Event* eventOf(const Envelope& envelope)
     return nullptr;
 }
 
-void show(const ctl::Console& console, Received event)
+void showEvent(const ctl::Console& console, Received event)
 {
     const Envelope& envelope = event.envelope;
     if (event.lost > 0)
@@ -157,7 +157,7 @@ ctl::ExitCode events(const ctl::Console& plain, const EventsOptions& options, co
     {
         while (std::optional<Received> event = inbox.take())
         {
-            show(console, std::move(*event));
+            showEvent(console, std::move(*event));
             if (++shown == options.count)
                 return ctl::ExitCode::kSuccess;
         }

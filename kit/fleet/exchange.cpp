@@ -26,10 +26,10 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 
 // A gateway that is there answers a ping within that time, or within half of the call's wait if that is shorter.
-constexpr milliseconds kPingTime{2000};
+constexpr milliseconds kLongestPing{2000};
 // A gateway's clock goes on as ours for so long; then it is asked again.
 constexpr milliseconds kFreshFor{60000};
-constexpr int kTurn = 1000;
+constexpr int kExchangeTurn = 1000;
 constexpr int kMostRuns = 2; // that one call is meant for, one after the other
 
 std::uint64_t sessionNumber()
@@ -140,7 +140,7 @@ void Exchange::serveBroker()
 {
     for (bool isDone = false; !isDone;)
     {
-        link_.turn(wakeup_, kTurn);
+        link_.turn(wakeup_, kExchangeTurn);
         std::uint64_t signals = 0;
         [[maybe_unused]] const ssize_t taken = read(wakeup_, &signals, sizeof signals);
         sendQueued();
@@ -361,7 +361,7 @@ std::optional<Exchange::Acquaintance> Exchange::acquaintance(const std::string& 
                 return known->second;
         }
         const Clock::time_point now = Clock::now();
-        if (hasAsked || !pingUntil(gateway, now + std::min<Clock::duration>(kPingTime, (end - now) / 2)))
+        if (hasAsked || !pingUntil(gateway, now + std::min<Clock::duration>(kLongestPing, (end - now) / 2)))
             return std::nullopt;
     }
 }

@@ -35,8 +35,8 @@ bool setLink(LinkSettings& link, const char* name, const char* value, const Prob
 // What has to be there, and what goes together; adds ports that were left out. `owner` is whose name the id is.
 bool completeLink(LinkSettings& link, const char* owner, const Problem& problem);
 
-// A file: a setting a line, its name and its value with a space between; `#` begins a comment. `take` is given each of them, and
-// returns false if it is wrong.
+// A file: a setting a line, its name and its value with a space between; `#` begins a comment. `take` is given each of them,
+// and returns false if it is wrong.
 bool readSettingsFile(const char* fileName,
                       bool (*take)(void* context, const char* name, const char* value, const Problem& problem), void* context,
                       const Problem& problem);

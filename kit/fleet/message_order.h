@@ -1,5 +1,5 @@
-// Messages and events of a gateway whose processor has the other byte order: which of their bytes are numbers, and turning these
-// round. Where numbers are follows from the contract, and inside records and blocks from a layout. Texts, addresses and other
+// Messages and events of a gateway whose processor has the other byte order: which of their bytes are numbers, and turning
+// these round. Where numbers are follows from the contract, and inside records and blocks from a layout. Texts, addresses and other
 // bytes stay as they are.
 #pragma once
 
@@ -30,8 +30,8 @@ struct OrderTable
     std::vector<std::string> unknownOutputs;
 };
 
-// Functions that share a command share its table. Of a command that the contract does not have, nothing is a number. `layout` may
-// be null.
+// Functions that share a command share its table. Of a command that the contract does not have, nothing is a number. `layout`
+// may be null.
 OrderTable orderTableOf(std::string_view service, std::uint32_t command, const layout::Layout* layout);
 OrderTable orderTableOfEvent(std::string_view service, std::uint32_t event, const layout::Layout* layout);
 

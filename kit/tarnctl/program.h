@@ -1,5 +1,5 @@
-// What the programs with verbs have in common: the options that every verb has, and what becomes of a command line that is wrong
-// and of a call that fails.
+// What the programs with verbs have in common: the options that every verb has, and what becomes of a command line that is
+// wrong and of a call that fails.
 #pragma once
 
 #include "console.h"

@@ -1,5 +1,5 @@
-// Messages between machines of unlike byte orders, for every function. big_endian_vectors.txt has what a big-endian build sends,
-// and what it makes of a reply of given bytes; this machine's has to become the same when it is turned round.
+// Messages between machines of unlike byte orders, for every function. big_endian_vectors.txt has what a big-endian build
+// sends, and what it makes of a reply of given bytes; this machine's has to become the same when it is turned round.
 #include "fleet/contract_table.h"
 #include "fleet/message_order.h"
 

@@ -48,7 +48,7 @@ def commands_have_pages(pages):
     offered = subprocess.check_output([pages.tarnctl, "complete", "--", ""], text=True).split("\n")
     verbs = {each.split("\t")[0].strip() for each in offered if re.match("[a-z]", each)}
     assert len(verbs) > 30, verbs
-    expected = {"tarnctl", "tarn-gateway", "tarn-bridge"} | {"tarnctl-" + each for each in verbs}
+    expected = {"tarnctl", "tarn-gateway", "tarn-bridge", "tarn-fleet"} | {"tarnctl-" + each for each in verbs}
     assert set(pages.names(1)) == expected, set(pages.names(1)) ^ expected
 
 
