@@ -69,20 +69,21 @@ def parse(text, is_main=False):
 
 class Programs:
     def __init__(self, tarnctl, gateway, bridge, fleet):
-        self._others = {"tarn-gateway": _output(gateway, "--help"), "tarn-bridge": _output(bridge, "--help"),
-                        "tarn-fleet": _output(fleet, "--help")}
-        self._main_help = _output(tarnctl, "--help")
-        self.verbs = {}
-        _, _, parts = parse(self._main_help, is_main=True)
-        for part in parts:
-            if part.pairs and part.title not in ("Options", "Exit codes", "Environment"):
-                self.verbs.update({name: _output(tarnctl, "help", name) for name, _ in part.pairs})
+        self._main = {name: _output(program, "--help") for name, program in (
+            ("tarnctl", tarnctl), ("tarn-gateway", gateway), ("tarn-bridge", bridge), ("tarn-fleet", fleet))}
+        self.verbs = {}  # by the names of their pages: the command, and its help
+        for name, program in (("tarnctl", tarnctl), ("tarn-fleet", fleet)):
+            _, _, parts = parse(self._main[name], is_main=True)
+            for part in parts:
+                if part.pairs and part.title not in ("Options", "Exit codes", "Environment"):
+                    for verb, _ in part.pairs:
+                        self.verbs[name + "-" + verb] = (name + " " + verb, _output(program, verb, "--help"))
 
     def names(self):
-        return ["tarnctl", *self._others, *("tarnctl-" + each for each in self.verbs)]
+        return [*self._main, *self.verbs]
 
     def help_of(self, name):
-        return {"tarnctl": self._main_help, **self._others}.get(name) or self.verbs[name[len("tarnctl-"):]]
+        return self._main.get(name) or self.verbs[name][1]
 
 
 def _summary(text):
@@ -129,7 +130,7 @@ def _free(page, writer, part):
 def _item(name, part, term, description, writer, reference):
     """A term and what it means, as a list has them."""
     if part.title not in _COLUMNS:
-        page = "tarnctl-" + term
+        page = name + "-" + term
         return "Xr %s 1" % page if page in reference.sections else "Cm " + words(term), writer.text(description + ".")
     head, remarks = _option(term) if part.title == "Options" else ("Ar " + words(term.split()[0]), [])
     return head, "\n".join(writer.text(each + ".") for each in [description, *remarks])
@@ -175,9 +176,9 @@ def pages(reference):
     page, later = _page(reference, "tarnctl", "tarnctl")
     others = [(each, 1) for each in reference.programs.names() if each != "tarnctl"]
     result["tarnctl", 1] = _finish(page, later, [*others, ("tarn-layout", 5), ("tarn", 7)])
-    for verb in reference.programs.verbs:
-        page, later = _page(reference, "tarnctl-" + verb, "tarnctl " + verb)
-        result["tarnctl-" + verb, 1] = _finish(page, later, [("tarnctl", 1), ("tarn-layout", 5), ("tarn", 7)])
+    for verb, (command, _) in reference.programs.verbs.items():
+        page, later = _page(reference, verb, command)
+        result[verb, 1] = _finish(page, later, [(command.split()[0], 1), ("tarn-layout", 5), ("tarn", 7)])
     page, later = _page(reference, "tarn-gateway", "tarn-gateway")
     document = markdown.sections(reference.read("kit/simulator/README.md"))
     for title in ("What is the simulator's own", "Statuses", "The log", "Another layout", "The model", "Time", "Control",

@@ -1,6 +1,7 @@
 // `tarn-fleet attach`: a gateway behind the broker as if it were here.
 #include "attachment.h"
 #include "fleet_verbs.h"
+#include "link_settings.h"
 #include "tarnctl/layout_in_use.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/wakeup.h"
@@ -39,7 +40,7 @@ struct AttachOptions
     std::string gateway;
     std::optional<std::string> directory;
     bool isTemporary = false;
-    std::optional<std::uint32_t> readyDescriptor;
+    std::optional<std::string> readyDescriptor;
 };
 
 void declareAttach(ctl::Syntax& syntax, AttachOptions& options)
@@ -48,9 +49,19 @@ void declareAttach(ctl::Syntax& syntax, AttachOptions& options)
     syntax.text("--directory", options.directory, "Where its services are to be found, instead of KORIIL_DIR", "DIRECTORY");
     syntax.flag("--temporary", options.isTemporary, "In a new directory of /tmp, which is removed at the end");
     syntax.exclude("--temporary", "--directory");
-    syntax.count("--ready-descriptor", options.readyDescriptor,
-                 "Write \"ready DIRECTORY\" to this descriptor once the gateway has answered, or has not within 3 s");
+    syntax.text("--ready-descriptor", options.readyDescriptor,
+                "Write \"ready DIRECTORY\" to this descriptor once the gateway has answered, or has not within 3 s", "NUMBER");
     syntax.footer(kAttachHelp);
+}
+
+std::uint32_t descriptorOf(const std::string& text)
+{
+    constexpr std::uint32_t kHighest = 1023;
+    char expected[256];
+    std::uint32_t number = 0;
+    if (!setNumber("--ready-descriptor", text.c_str(), 1, kHighest, number, Problem{expected, sizeof expected}))
+        throw ctl::UsageError(expected);
+    return number;
 }
 
 void sayReady(const ctl::Console& console, std::uint32_t descriptor)
@@ -93,6 +104,7 @@ ctl::ExitCode attach(const ctl::Console& console, const AttachOptions& options, 
     constexpr std::chrono::seconds kMeetingTime{3};
     if (!isId(options.gateway.c_str()))
         throw ctl::UsageError("GATEWAY: expected 1 to 64 printable characters without space / + #, not " + options.gateway);
+    const std::uint32_t ready = options.readyDescriptor ? descriptorOf(*options.readyDescriptor) : 0;
     ctl::checkNamedLayout();
     const auto temporary = options.isTemporary ? std::make_unique<TemporaryDirectory>() : nullptr;
     if (temporary != nullptr)
@@ -104,8 +116,8 @@ ctl::ExitCode attach(const ctl::Console& console, const AttachOptions& options, 
     const ctl::StopSignals signals(wakeup);
     Attachment attachment(link, options.gateway, layoutOrNull());
     attachment.awaitGateway(kMeetingTime);
-    if (options.readyDescriptor)
-        sayReady(console, *options.readyDescriptor);
+    if (ready != 0)
+        sayReady(console, ready);
     while (!signals.haveCome())
         wakeup.wait(std::nullopt);
     return ctl::ExitCode::kSuccess;

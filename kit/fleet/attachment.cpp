@@ -49,9 +49,9 @@ Attachment::Attachment(const LinkSettings& settings, const std::string& gateway,
     { KorIilTrace(kWarning, kTag, __LINE__, "no connection to the broker %s: %s", broker.c_str(), reason.c_str()); };
     try
     {
-        exchange_.emplace(settings,
-                          std::vector<std::string>{stateTopic(gateway.c_str()).text, eventTopic(gateway.c_str(), "+").text},
-                          watcher, layout);
+        exchange_ = std::make_unique<Exchange>(
+            settings, std::vector<std::string>{stateTopic(gateway.c_str()).text, eventTopic(gateway.c_str(), "+").text},
+            watcher, layout);
     }
     catch (...)
     {

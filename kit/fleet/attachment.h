@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -47,7 +48,7 @@ private:
     };
 
     static std::uint32_t handle(void* door, const KorIilRequest* request, void* message);
-    std::uint32_t open(Door& door);
+    static std::uint32_t open(Door& door);
     void serve(Door& door);
     void closeAll();
 
@@ -66,7 +67,7 @@ private:
     std::uint32_t connection_ = 0;
     bool hasConnected_ = false;
 
-    std::optional<Exchange> exchange_; // the last to be made and the first to end
+    std::unique_ptr<Exchange> exchange_; // the last to be made and the first to end
 };
 
 } // namespace tarn::fleet

@@ -1,12 +1,13 @@
 #include "link_settings.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
+#include <iterator>
 
 namespace tarn::fleet
 {
@@ -122,10 +123,8 @@ bool setText(const char* name, const char* value, char* text, std::size_t size, 
 
 bool isLinkSetting(const char* name)
 {
-    for (const char* each : {"id", "broker", "cafile", "cert", "key", "keep-alive"})
-        if (equal(name, each))
-            return true;
-    return false;
+    static constexpr const char* kNames[] = {"id", "broker", "cafile", "cert", "key", "keep-alive"};
+    return std::any_of(std::begin(kNames), std::end(kNames), [name](const char* each) { return equal(name, each); });
 }
 
 bool setLink(LinkSettings& link, const char* name, const char* value, const Problem& problem)

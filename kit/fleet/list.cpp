@@ -51,7 +51,8 @@ ctl::Fields fieldsOf(const std::string& name, const std::optional<Presence>& pre
 {
     ctl::Fields fields;
     fields.set("gateway", ctl::textCell(name));
-    fields.set("state", ctl::textCell(presence ? "there" : state.isConnected ? "no answer" : "gone"));
+    const char* const absence = state.isConnected ? "no answer" : "gone";
+    fields.set("state", ctl::textCell(presence ? "there" : absence));
     if (!presence)
         return fields;
     const std::uint64_t second = 1000;

@@ -1,5 +1,6 @@
 #include "roll.h"
 
+#include "base/format.h"
 #include "base/json_reader.h"
 #include "tarnctl/usage_error.h"
 
@@ -29,7 +30,7 @@ std::vector<std::string> readNames(const std::string& path)
         if (line.empty() || line.front() == '#')
             continue;
         if (!isId(line.c_str()))
-            throw ctl::UsageError(path + ": expected a gateway's name a line, not " + line);
+            throw ctl::UsageError(base::format("%s: expected a gateway's name a line, not %s", path.c_str(), line.c_str()));
         names.push_back(line);
     }
     std::sort(names.begin(), names.end());

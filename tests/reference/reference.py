@@ -49,6 +49,7 @@ def commands_have_pages(pages):
     verbs = {each.split("\t")[0].strip() for each in offered if re.match("[a-z]", each)}
     assert len(verbs) > 30, verbs
     expected = {"tarnctl", "tarn-gateway", "tarn-bridge", "tarn-fleet"} | {"tarnctl-" + each for each in verbs}
+    expected |= {"tarn-fleet-" + each for each in ("attach", "call", "events", "list")}
     assert set(pages.names(1)) == expected, set(pages.names(1)) ^ expected
 
 
