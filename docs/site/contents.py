@@ -17,6 +17,7 @@ CHAPTERS = (
         ("libkoriil.html", "kit/host/README.md"),
         ("layout-files.html", "kit/layout/README.md"),
         ("contract.html", "kit/contract/README.md"),
+        ("fleet.html", "docs/fleet.md"),
         ("fleet-policy.html", "docs/fleet-policy.md"),
         ("fleet-envelope.html", "docs/fleet-envelope.md"),
     )),

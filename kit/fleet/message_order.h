@@ -1,6 +1,6 @@
 // Messages and events of a gateway whose processor has the other byte order: which of their bytes are numbers, and turning
-// these round. Where numbers are follows from the contract, and inside records and blocks from a layout. Texts, addresses and other
-// bytes stay as they are.
+// these round. Where numbers are follows from the contract, and inside records and blocks from a layout. Texts, addresses and
+// other bytes stay as they are.
 #pragma once
 
 #include "layout/layout.h"
