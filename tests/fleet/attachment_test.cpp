@@ -1,5 +1,6 @@
 // Programs of this machine, which know nothing of a broker, and a gateway behind one.
 #include "broker.h"
+#include "link.h"
 #include "operator.h"
 #include "scripted_gateway.h"
 
@@ -80,24 +81,12 @@ private:
     bool isHeld_ = false;
 };
 
-LinkSettings linkOf(const std::string& name, std::uint16_t port)
-{
-    LinkSettings link;
-    std::snprintf(link.clientId, sizeof link.clientId, "%s", name.c_str());
-    std::snprintf(link.brokers[0].host, sizeof link.brokers[0].host, "127.0.0.1");
-    link.brokers[0].port = port;
-    link.brokerCount = 1;
-    link.firstPause = 50;
-    link.longestPause = 200;
-    return link;
-}
-
 class AttachmentTest : public ::testing::Test
 {
 protected:
     void startBridge(const char* policyLine = "allow *")
     {
-        bridgeSettings_.link = linkOf("home-1", broker_.port());
+        bridgeSettings_.link = linkOf("home-1", {broker_.port()});
         std::snprintf(bridgeSettings_.programVersion, sizeof bridgeSettings_.programVersion, "1.2.3");
         Policy policy;
         char problem[256];
@@ -119,7 +108,7 @@ protected:
 
     tarn::test::TemporaryRuntimeDirectory directory_;
     MosquittoBroker broker_;
-    LinkSettings link_ = linkOf("noc-1", broker_.port());
+    LinkSettings link_ = linkOf("noc-1", {broker_.port()});
     Platform platform_;
     BridgeSettings bridgeSettings_;
     std::unique_ptr<Bridge> bridge_;

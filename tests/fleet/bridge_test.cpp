@@ -1,5 +1,6 @@
 // The bridge between a real broker and a platform of the test's own.
 #include "broker.h"
+#include "link.h"
 #include "operator.h"
 
 #include "fleet/bridge.h"
@@ -97,16 +98,8 @@ private:
 BridgeSettings settingsOf(const std::string& gateway, std::initializer_list<std::uint16_t> ports)
 {
     BridgeSettings settings;
-    std::snprintf(settings.link.clientId, sizeof settings.link.clientId, "%s", gateway.c_str());
+    settings.link = linkOf(gateway, ports);
     std::snprintf(settings.programVersion, sizeof settings.programVersion, "7.8.9");
-    for (const std::uint16_t port : ports)
-    {
-        Broker& broker = settings.link.brokers[settings.link.brokerCount++];
-        std::snprintf(broker.host, sizeof broker.host, "127.0.0.1");
-        broker.port = port;
-    }
-    settings.link.firstPause = 50;
-    settings.link.longestPause = 200;
     return settings;
 }
 

@@ -1,5 +1,7 @@
 #include "operator.h"
 
+#include "link.h"
+
 #include <cstdio>
 
 #include <gtest/gtest.h>
@@ -21,24 +23,7 @@ std::uint64_t nextSession()
 
 } // namespace
 
-namespace
-{
-
-LinkSettings settingsOf(std::uint16_t port, const std::string& name)
-{
-    LinkSettings settings;
-    std::snprintf(settings.clientId, sizeof settings.clientId, "%s", name.c_str());
-    std::snprintf(settings.brokers[0].host, sizeof settings.brokers[0].host, "127.0.0.1");
-    settings.brokers[0].port = port;
-    settings.brokerCount = 1;
-    settings.firstPause = 50;
-    settings.longestPause = 200;
-    return settings;
-}
-
-} // namespace
-
-Operator::Operator(std::uint16_t port, const std::string& name) : Operator(settingsOf(port, name))
+Operator::Operator(std::uint16_t port, const std::string& name) : Operator(linkOf(name, {port}))
 {
     EXPECT_TRUE(await([this] { return isConnected(); })) << reason_;
 }

@@ -1,6 +1,7 @@
 #include "scripted_gateway.h"
 
 #include "fleet/contract_table.h"
+#include "link.h"
 
 #include <cstdio>
 #include <utility>
@@ -12,29 +13,12 @@ namespace fleet_test
 
 using namespace tarn::fleet;
 
-namespace
-{
-
-LinkSettings settingsOf(const std::string& name, std::uint16_t port)
-{
-    LinkSettings settings;
-    std::snprintf(settings.clientId, sizeof settings.clientId, "%s", name.c_str());
-    std::snprintf(settings.brokers[0].host, sizeof settings.brokers[0].host, "127.0.0.1");
-    settings.brokers[0].port = port;
-    settings.brokerCount = 1;
-    settings.firstPause = 50;
-    settings.longestPause = 200;
-    return settings;
-}
-
-} // namespace
-
 ScriptedGateway::ScriptedGateway(std::uint16_t port, std::string name, ByteOrder byteOrder, Script script, std::string speaksAs)
     : name_(std::move(name)),
       speaksAs_(speaksAs.empty() ? name_ : std::move(speaksAs)),
       byteOrder_(byteOrder),
       script_(std::move(script)),
-      settings_(settingsOf(name_ + "-scripted", port)),
+      settings_(linkOf(name_ + "-scripted", {port})),
       link_(settings_, LinkHandlers{this, nullptr,
                                     [](void* self)
                                     {
@@ -70,16 +54,9 @@ ScriptedGateway::~ScriptedGateway()
 Envelope ScriptedGateway::reply(const Envelope& asked, std::uint32_t status, const Bytes& message)
 {
     kept_.push_back(message);
-    Envelope reply;
-    reply.kind = Kind::kReply;
-    reply.byteOrder = byteOrder_;
-    reply.session = asked.session;
-    reply.sequence = asked.sequence;
-    reply.run = kRun;
-    reply.clock = 1;
+    Envelope reply = answer(asked, Kind::kReply);
     reply.command = asked.command;
     reply.status = status;
-    reply.contract = kContractHash;
     std::snprintf(reply.service, sizeof reply.service, "%s", asked.service);
     if (status == 0)
         setMessage(reply, reinterpret_cast<const char*>(kept_.back().data()), static_cast<std::uint32_t>(kept_.back().size()),
@@ -87,16 +64,22 @@ Envelope ScriptedGateway::reply(const Envelope& asked, std::uint32_t status, con
     return reply;
 }
 
+Envelope ScriptedGateway::answer(const Envelope& asked, Kind kind) const
+{
+    Envelope answer;
+    answer.kind = kind;
+    answer.byteOrder = byteOrder_;
+    answer.session = asked.session;
+    answer.sequence = asked.sequence;
+    answer.run = kRun;
+    answer.clock = 1;
+    answer.contract = kContractHash;
+    return answer;
+}
+
 Envelope ScriptedGateway::pong(const Envelope& ping) const
 {
-    Envelope pong;
-    pong.kind = Kind::kPong;
-    pong.byteOrder = byteOrder_;
-    pong.session = ping.session;
-    pong.sequence = ping.sequence;
-    pong.run = kRun;
-    pong.clock = 1;
-    pong.contract = kContractHash;
+    Envelope pong = answer(ping, Kind::kPong);
     setMessage(pong, "1.2.3", 5, 5);
     return pong;
 }

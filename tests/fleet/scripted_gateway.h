@@ -39,6 +39,7 @@ public:
     static constexpr std::uint64_t kRun = 0x5C21970000000001u;
 
 private:
+    tarn::fleet::Envelope answer(const tarn::fleet::Envelope& asked, tarn::fleet::Kind kind) const;
     tarn::fleet::Envelope pong(const tarn::fleet::Envelope& ping) const;
     void receive(const void* payload, std::size_t size);
     void sendQueued();
