@@ -6,6 +6,8 @@
 #include <CLI/CLI.hpp>
 
 #include <csignal>
+#include <cstdio>
+#include <exception>
 #include <iostream>
 
 #include <mosquitto.h>
@@ -33,6 +35,7 @@ Environment:
 } // namespace
 
 int main(int count, char** arguments)
+try
 {
     using namespace tarn;
     std::signal(SIGPIPE, SIG_IGN);
@@ -57,4 +60,9 @@ int main(int count, char** arguments)
     verbs.group("One gateway", false);
     fleet::addAttach(verbs, settings);
     return static_cast<int>(ctl::carryOut(parser, verbs, console, layout, {arguments + 1, arguments + count}, [] {}));
+}
+catch (const std::exception& error)
+{
+    std::fprintf(stderr, "tarn-fleet: %s\n", error.what());
+    return static_cast<int>(tarn::ctl::ExitCode::kOther);
 }
