@@ -9,11 +9,6 @@ namespace tarn::fleet
 namespace
 {
 
-bool isEqual(const char* one, const char* other)
-{
-    return std::strcmp(one, other) == 0;
-}
-
 // Those that are switched on by their name alone.
 bool setSwitch(BridgeOptions& options, const char* name)
 {

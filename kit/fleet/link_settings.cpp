@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,14 +14,8 @@ namespace tarn::fleet
 namespace
 {
 
-constexpr std::size_t kLongestLine = 1023;
 constexpr std::uint16_t kPort = 1883;    // MQTT
 constexpr std::uint16_t kTlsPort = 8883; // MQTT with TLS
-
-bool equal(const char* one, const char* other)
-{
-    return std::strcmp(one, other) == 0;
-}
 
 bool parseNumber(const char* text, std::uint32_t least, std::uint32_t most, std::uint32_t& number)
 {
@@ -97,15 +90,6 @@ void split(char* line, const char*& name, const char*& value)
 
 } // namespace
 
-bool Problem::say(const char* format, ...) const
-{
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, size, format, arguments);
-    va_end(arguments);
-    return false;
-}
-
 bool setNumber(const char* name, const char* value, std::uint32_t least, std::uint32_t most, std::uint32_t& number,
                const Problem& problem)
 {
@@ -124,20 +108,20 @@ bool setText(const char* name, const char* value, char* text, std::size_t size, 
 bool isLinkSetting(const char* name)
 {
     static constexpr const char* kNames[] = {"id", "broker", "cafile", "cert", "key", "keep-alive"};
-    return std::any_of(std::begin(kNames), std::end(kNames), [name](const char* each) { return equal(name, each); });
+    return std::any_of(std::begin(kNames), std::end(kNames), [name](const char* each) { return isEqual(name, each); });
 }
 
 bool setLink(LinkSettings& link, const char* name, const char* value, const Problem& problem)
 {
-    if (equal(name, "id"))
+    if (isEqual(name, "id"))
         return setId(link, value, problem);
-    if (equal(name, "broker"))
+    if (isEqual(name, "broker"))
         return addBroker(link, value, problem);
-    if (equal(name, "cafile"))
+    if (isEqual(name, "cafile"))
         return setText(name, value, link.authorities, sizeof link.authorities, problem);
-    if (equal(name, "cert"))
+    if (isEqual(name, "cert"))
         return setText(name, value, link.certificate, sizeof link.certificate, problem);
-    if (equal(name, "key"))
+    if (isEqual(name, "key"))
         return setText(name, value, link.key, sizeof link.key, problem);
     return setKeepAlive(link, value, problem);
 }
@@ -162,28 +146,20 @@ bool readSettingsFile(const char* fileName,
                       bool (*take)(void* context, const char* name, const char* value, const Problem& problem), void* context,
                       const Problem& problem)
 {
-    std::FILE* file = std::fopen(fileName, "re");
-    if (file == nullptr)
-        return problem.say("%s: %s", fileName, std::strerror(errno));
-    bool isGood = true;
-    char line[kLongestLine + 3]; // a line that is too long shows by one character more
-    for (unsigned number = 1; isGood && std::fgets(line, sizeof line, file) != nullptr; ++number)
+    struct Taker
     {
-        char expected[512];
-        const bool isTooLong = std::strcspn(line, "\n") > kLongestLine;
-        line[std::strcspn(line, "#\n")] = '\0';
+        bool (*take)(void* context, const char* name, const char* value, const Problem& problem);
+        void* context;
+    } taker = {take, context};
+    const auto takeLine = [](void* self, char* line, const Problem& wrong)
+    {
+        const auto& each = *static_cast<const Taker*>(self);
+        line[std::strcspn(line, "#")] = '\0';
         const char *name = nullptr, *value = nullptr;
         split(line, name, value);
-        if (isTooLong)
-            isGood = problem.say("%s:%u: expected at most %u characters in a line", fileName, number,
-                                 static_cast<unsigned>(kLongestLine));
-        else if (*name != '\0' && !take(context, name, value, Problem{expected, sizeof expected}))
-            isGood = problem.say("%s:%u: %s", fileName, number, expected);
-    }
-    if (isGood && std::ferror(file) != 0)
-        isGood = problem.say("%s: %s", fileName, std::strerror(errno));
-    std::fclose(file);
-    return isGood;
+        return *name == '\0' || each.take(each.context, name, value, wrong);
+    };
+    return readLines(fileName, kLongestLine, takeLine, &taker, problem);
 }
 
 } // namespace tarn::fleet

@@ -3,22 +3,13 @@
 #pragma once
 
 #include "broker_link.h"
+#include "lines.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace tarn::fleet
 {
-
-// Where to write what was expected.
-struct Problem
-{
-    char* text;
-    std::size_t size;
-
-    // Always false.
-    __attribute__((format(printf, 2, 3))) bool say(const char* format, ...) const;
-};
 
 bool setNumber(const char* name, const char* value, std::uint32_t least, std::uint32_t most, std::uint32_t& number,
                const Problem& problem);

@@ -1,5 +1,6 @@
 #include "message_order.h"
 
+#include "base/mac_address.h"
 #include "contract/contract.h"
 #include "contract/message.h"
 
@@ -18,8 +19,6 @@ using contract::Encoding;
 using contract::Type;
 
 constexpr std::uint32_t kWord = 4;
-// A block of this size is an address, and has no numbers.
-constexpr std::uint32_t kAddressSize = 6;
 
 class TableMaker
 {
@@ -90,7 +89,7 @@ private:
         const std::string name = command.function + "." + argument.name;
         if (argument.direction == Direction::kIn && argument.type == Type::kRecord)
             table_.unknownInputs.push_back(name);
-        else if (argument.direction == Direction::kOut && argument.size != kAddressSize)
+        else if (argument.direction == Direction::kOut && argument.size != base::kMacAddressSize) // an address has no numbers
             table_.unknownOutputs.push_back(name);
     }
 

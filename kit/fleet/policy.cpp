@@ -1,8 +1,8 @@
 #include "policy.h"
+#include "lines.h"
 
 #include <cctype>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,22 +13,17 @@ namespace tarn::fleet
 namespace
 {
 
-constexpr std::size_t kLongestLine = 255;
+constexpr std::size_t kLongestRule = 255;
 constexpr std::uint32_t kMostCalls = 1000000;
-
-bool equal(const char* one, const char* other)
-{
-    return std::strcmp(one, other) == 0;
-}
 
 // 0 if it is no unit.
 std::uint32_t millisecondsOf(const char* unit)
 {
-    if (equal(unit, "s"))
+    if (isEqual(unit, "s"))
         return 1000;
-    if (equal(unit, "min"))
+    if (isEqual(unit, "min"))
         return 60 * 1000;
-    return equal(unit, "h") ? 60 * 60 * 1000 : 0;
+    return isEqual(unit, "h") ? 60 * 60 * 1000 : 0;
 }
 
 bool parseRate(const char* text, Rate& rate)
@@ -68,15 +63,15 @@ struct Selection
 // `reads`, `changes` and `*` say which of the functions.
 bool selectKind(const char* word, Selection& selection)
 {
-    selection.reads = equal(word, "reads") || equal(word, "*");
-    selection.changes = equal(word, "changes") || equal(word, "*");
+    selection.reads = isEqual(word, "reads") || isEqual(word, "*");
+    selection.changes = isEqual(word, "changes") || isEqual(word, "*");
     return selection.reads || selection.changes;
 }
 
 bool selectFunction(const char* name, Selection& selection)
 {
     for (std::size_t at = 0; at < kContractFunctionCount; ++at)
-        if (kContractFunctions[at].service == selection.service && equal(kContractFunctions[at].name, name))
+        if (kContractFunctions[at].service == selection.service && isEqual(kContractFunctions[at].name, name))
             selection.function = at;
     return selection.function != kContractFunctionCount;
 }
@@ -89,7 +84,7 @@ class Policy::Line
 public:
     static constexpr std::size_t kMostWords = 4; // one more than any rule has
 
-    Line(const char* text, char* problem, std::size_t size) : problem_(problem), size_(size)
+    explicit Line(const char* text, const Problem& wrong) : problem(wrong)
     {
         std::snprintf(text_, sizeof text_, "%s", text);
         text_[std::strcspn(text_, "#")] = '\0';
@@ -108,21 +103,12 @@ public:
         return words_[at];
     }
 
-    __attribute__((format(printf, 2, 3))) bool fail(const char* format, ...)
-    {
-        std::va_list arguments;
-        va_start(arguments, format);
-        std::vsnprintf(problem_, size_, format, arguments);
-        va_end(arguments);
-        return false;
-    }
+    const Problem problem;
 
 private:
-    char text_[kLongestLine + 1];
+    char text_[kLongestRule + 1];
     const char* words_[kMostWords] = {};
     std::size_t count_ = 0;
-    char* problem_;
-    std::size_t size_;
 };
 
 Policy Policy::ofReading()
@@ -135,36 +121,36 @@ Policy Policy::ofReading()
 
 bool Policy::add(const char* line, char* problem, std::size_t size)
 {
-    Line words(line, problem, size);
-    if (std::strlen(line) > kLongestLine)
-        return words.fail("expected at most %u characters in a line", static_cast<unsigned>(kLongestLine));
+    const Line words(line, Problem{problem, size});
+    if (std::strlen(line) > kLongestRule)
+        return words.problem.say("expected at most %u characters in a line", static_cast<unsigned>(kLongestRule));
     if (words.count() == 0)
         return true;
-    if (equal(words.word(0), "allow"))
+    if (isEqual(words.word(0), "allow"))
         return addRule(true, words);
-    if (equal(words.word(0), "deny"))
+    if (isEqual(words.word(0), "deny"))
         return addRule(false, words);
-    if (equal(words.word(0), "rate"))
+    if (isEqual(words.word(0), "rate"))
         return addRate(words);
-    return words.fail("expected allow, deny or rate, not %s", words.word(0));
+    return words.problem.say("expected allow, deny or rate, not %s", words.word(0));
 }
 
-bool Policy::addRule(bool isAllowed, Line& line)
+bool Policy::addRule(bool isAllowed, const Line& line)
 {
     Selection selection;
     const char* action = line.word(0);
     if (line.count() != 2 && line.count() != 3)
-        return line.fail("expected %s reads, %s changes, %s *, or %s SERVICE and one of these or a function", action, action,
-                         action, action);
+        return line.problem.say("expected %s reads, %s changes, %s *, or %s SERVICE and one of these or a function", action,
+                                action, action, action);
     if (line.count() == 2 && !selectKind(line.word(1), selection))
-        return line.fail("expected reads, changes, *, or a service and a function, not %s alone", line.word(1));
+        return line.problem.say("expected reads, changes, *, or a service and a function, not %s alone", line.word(1));
     if (line.count() == 3)
     {
         selection.service = findService(line.word(1));
         if (selection.service == kContractServiceCount)
-            return line.fail("expected the service TARN, QTN_RPC_PROXY or QTN_MIRROR, not %s", line.word(1));
+            return line.problem.say("expected the service TARN, QTN_RPC_PROXY or QTN_MIRROR, not %s", line.word(1));
         if (!selectKind(line.word(2), selection) && !selectFunction(line.word(2), selection))
-            return line.fail("expected reads, changes, * or a function of %s, not %s", line.word(1), line.word(2));
+            return line.problem.say("expected reads, changes, * or a function of %s, not %s", line.word(1), line.word(2));
     }
     for (std::size_t at = 0; at < kContractFunctionCount; ++at)
         if (selection.matches(at))
@@ -172,42 +158,22 @@ bool Policy::addRule(bool isAllowed, Line& line)
     return true;
 }
 
-bool Policy::addRate(Line& line)
+bool Policy::addRate(const Line& line)
 {
-    const bool isOfChanges = line.count() == 3 && equal(line.word(1), "changes");
+    const bool isOfChanges = line.count() == 3 && isEqual(line.word(1), "changes");
     Rate rate;
     if ((line.count() != 2 && !isOfChanges) || !parseRate(line.word(line.count() - 1), rate))
-        return line.fail("expected rate NUMBER/s or rate changes NUMBER/s, with 1 to %u, and s, min or h",
-                         unsigned{kMostCalls});
+        return line.problem.say("expected rate NUMBER/s or rate changes NUMBER/s, with 1 to %u, and s, min or h",
+                                unsigned{kMostCalls});
     (isOfChanges ? rateOfChanges_ : rate_) = rate;
     return true;
 }
 
 bool Policy::read(const char* fileName, char* problem, std::size_t size)
 {
-    std::FILE* file = std::fopen(fileName, "re");
-    if (file == nullptr)
-    {
-        std::snprintf(problem, size, "%s: %s", fileName, std::strerror(errno));
-        return false;
-    }
-    bool isGood = true;
-    char text[kLongestLine + 3]; // a line that is too long shows by one character more
-    for (unsigned number = 1; isGood && std::fgets(text, sizeof text, file) != nullptr; ++number)
-    {
-        text[std::strcspn(text, "\n")] = '\0';
-        char expected[256];
-        isGood = add(text, expected, sizeof expected);
-        if (!isGood)
-            std::snprintf(problem, size, "%s:%u: %s", fileName, number, expected);
-    }
-    if (std::ferror(file) != 0)
-    {
-        std::snprintf(problem, size, "%s: %s", fileName, std::strerror(errno));
-        isGood = false;
-    }
-    std::fclose(file);
-    return isGood;
+    const auto take = [](void* self, char* line, const Problem& wrong)
+    { return static_cast<Policy*>(self)->add(line, wrong.text, wrong.size); };
+    return readLines(fileName, kLongestRule, take, this, Problem{problem, size});
 }
 
 } // namespace tarn::fleet

@@ -43,8 +43,8 @@ public:
 private:
     class Line;
 
-    bool addRule(bool isAllowed, Line& line);
-    bool addRate(Line& line);
+    bool addRule(bool isAllowed, const Line& line);
+    bool addRate(const Line& line);
 
     bool allowed_[kContractFunctionCount] = {};
     Rate rate_; // of all calls, those that change something included

@@ -1,5 +1,6 @@
 // tarn-fleet itself, with a real broker and a fleet of bridges in this process.
 #include "broker.h"
+#include "link.h"
 #include "scripted_gateway.h"
 
 #include "fleet/bridge.h"
@@ -57,12 +58,7 @@ class Home
 public:
     Home(std::uint16_t port, unsigned number) : number_(number)
     {
-        std::snprintf(settings_.link.clientId, sizeof settings_.link.clientId, "home-%02u", number);
-        std::snprintf(settings_.link.brokers[0].host, sizeof settings_.link.brokers[0].host, "127.0.0.1");
-        settings_.link.brokers[0].port = port;
-        settings_.link.brokerCount = 1;
-        settings_.link.firstPause = 50;
-        settings_.link.longestPause = 200;
+        settings_.link = linkOf((number < 10 ? "home-0" : "home-") + std::to_string(number), {port});
         std::snprintf(settings_.programVersion, sizeof settings_.programVersion, "1.2.3");
         allow("allow *");
     }
