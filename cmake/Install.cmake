@@ -41,6 +41,9 @@ if(TARN_BUILD_KIT)
     install(TARGETS tarn-gateway tarnctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
     if(TARGET tarn-bridge) # it needs libmosquitto for the target
         install(TARGETS tarn-bridge tarn-fleet RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
+        # What an operator begins with.
+        install(DIRECTORY packaging/mosquitto DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/broker COMPONENT kit)
+        install(PROGRAMS packaging/make-test-authority DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/broker COMPONENT kit)
     endif()
     install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json
         kit/contract/contract.schema.json kit/contract/README.md
