@@ -304,6 +304,11 @@ private:
     ctl::Progress progress_;
 };
 
+std::string countOf(std::size_t gateways)
+{
+    return std::to_string(gateways) + (gateways == 1 ? " gateway" : " gateways");
+}
+
 // --- What is shown ----------------------------------------------------------------------------------------------------------
 
 // The outputs by name: numbers, texts, and the fields of records as far as a layout tells of them.
@@ -385,7 +390,7 @@ void Run::writeSummary(const std::array<std::size_t, kWhats.size()>& counts, std
                             (static_cast<What>(what) == What::kNotThere ? " (not there)" : ""));
     if (earlier > 0)
         parts.push_back(std::to_string(earlier) + " in earlier runs");
-    console_.remark(std::to_string(gateways_.size()) + " gateways: " + base::join(parts));
+    console_.remark(countOf(gateways_.size()) + ": " + base::join(parts));
 }
 
 // --- The verb ---------------------------------------------------------------------------------------------------------------
@@ -422,7 +427,7 @@ ctl::ExitCode showDryRun(const ctl::Console& console, const ctl::Report& report,
         console.write(document);
     }
     else
-        console.out << "\nto " << gateways.size() << " gateways: " << base::join(gateways, " ") << '\n';
+        console.out << "\nto " << countOf(gateways.size()) << ": " << base::join(gateways, " ") << '\n';
     return ctl::ExitCode::kSuccess;
 }
 

@@ -35,7 +35,8 @@ void declareEvents(ctl::Syntax& syntax, EventsOptions& options)
     syntax.count("--count", options.count, "End after so many events");
     syntax.seconds("--timeout", options.seconds, 0, kLongest, "End after so many seconds");
     syntax.footer("One line an event, until the count is reached, the time is up, or SIGINT or SIGTERM\n"
-                  "comes (exit code 0). Events that were lost on their way are remarked on.\n"
+                  "comes (exit code 0). Events that were lost on their way are remarked on, and\n"
+                  "whenever there is a connection to a broker again.\n"
                   "Fewer events than --count when the time is up: exit code 5.");
 }
 
@@ -143,6 +144,7 @@ ctl::ExitCode events(const ctl::Console& plain, const EventsOptions& options, co
     const ctl::StopSignals signals(inbox.wakeup);
     ExchangeWatcher watcher;
     watcher.event = [&inbox](const std::string& gateway, const Envelope& envelope) { inbox.add(gateway, envelope); };
+    watcher.connected = [&console, &options] { console.remark("watching the events of " + options.filter.value_or("*")); };
     watcher.lost = [&console](const std::string& broker, const std::string& reason)
     { console.remark("no connection to the broker " + broker + ": " + reason + "; events are missed until there is one"); };
     Exchange exchange(link, {kAllEvents}, watcher, nullptr);

@@ -7,6 +7,7 @@
 #include "tarnctl/listing.h"
 #include "tarnctl/wakeup.h"
 
+#include <atomic>
 #include <deque>
 #include <mutex>
 
@@ -41,9 +42,16 @@ void declareList(ctl::Syntax& syntax, ListOptions& options)
 
 std::string timeBefore(std::uint64_t milliseconds)
 {
+    constexpr long kNanosecondsInSecond = 1000000000;
     timespec time = {};
     clock_gettime(CLOCK_REALTIME, &time);
     time.tv_sec -= static_cast<std::time_t>(milliseconds / 1000);
+    time.tv_nsec -= static_cast<long>(milliseconds % 1000) * 1000000;
+    if (time.tv_nsec < 0)
+    {
+        --time.tv_sec;
+        time.tv_nsec += kNanosecondsInSecond;
+    }
     return base::Timestamp(time).text;
 }
 
@@ -139,22 +147,21 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
     while (news.take())
         ; // they are in the list
     const std::map<std::string, State> states = roll.states();
-    std::vector<std::optional<Presence>> found(names.size());
+    ctl::Page page("gateways");
+    ctl::Listing& listing = page.list("gateways", columns());
+    listing.rows.resize(names.size());
+    std::atomic<bool> isAnyThere{false};
     forEach(names, kPingWindow,
             [&](std::size_t index)
             {
-                found[index] = exchange.ping(names[index], kPingTime);
+                const std::optional<Presence> presence = exchange.ping(names[index], kPingTime);
+                const auto state = states.find(names[index]);
+                // At once: its clock is as it was when it answered.
+                listing.rows[index] = fieldsOf(names[index], presence, state == states.end() ? State() : state->second);
+                if (presence)
+                    isAnyThere = true;
                 return !signals.haveCome();
             });
-    ctl::Page page("gateways");
-    ctl::Listing& listing = page.list("gateways", columns());
-    bool isAnyThere = false;
-    for (std::size_t index = 0; index < names.size(); ++index)
-    {
-        const auto state = states.find(names[index]);
-        listing.rows.push_back(fieldsOf(names[index], found[index], state == states.end() ? State() : state->second));
-        isAnyThere = isAnyThere || found[index];
-    }
     page.writeUndecoded(console);
     while (options.isWatching && !signals.haveCome())
     {
