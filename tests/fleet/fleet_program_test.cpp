@@ -1,9 +1,7 @@
 // tarn-fleet itself, with a real broker and a fleet of bridges in this process.
 #include "broker.h"
-#include "link.h"
-#include "scripted_gateway.h"
+#include "home.h"
 
-#include "fleet/bridge.h"
 #include "support/services.h"
 
 #include <atomic>
@@ -52,56 +50,6 @@ std::size_t linesIn(const std::string& text)
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-// A bridge and the gateway's IPC behind it: answers its log level, which is its number.
-class Home
-{
-public:
-    Home(std::uint16_t port, unsigned number) : number_(number)
-    {
-        settings_.link = linkOf((number < 10 ? "home-0" : "home-") + std::to_string(number), {port});
-        std::snprintf(settings_.programVersion, sizeof settings_.programVersion, "1.2.3");
-        allow("allow *");
-    }
-    void allow(const char* line)
-    {
-        Policy policy;
-        char problem[256];
-        ASSERT_TRUE(policy.add(line, problem, sizeof problem)) << problem;
-        if (bridge_ != nullptr)
-            return bridge_->setPolicy(policy);
-        bridge_ = std::make_unique<Bridge>(settings_, BridgePlatform{this, execute, nullptr}, policy);
-        ASSERT_TRUE(bridge_->start());
-        for (int look = 0; look < 1000 && bridge_->counters().births == 0; ++look)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        ASSERT_GT(bridge_->counters().births, 0u);
-    }
-    void stop()
-    {
-        bridge_->stop();
-    }
-    void publish(std::uint32_t event)
-    {
-        bridge_->publishEvent("TARN", event, nullptr, 0);
-    }
-
-    std::atomic<std::uint32_t> ipcStatus{0}, replyStatus{0}, calls{0};
-
-private:
-    static std::uint32_t execute(void* self, const char* /*callerId*/, const char* /*service*/, std::uint32_t /*wait*/,
-                                 std::uint32_t /*command*/, std::uint32_t length, void* message)
-    {
-        auto* that = static_cast<Home*>(self);
-        ++that->calls;
-        const std::uint32_t words[] = {that->number_, that->replyStatus};
-        std::memcpy(static_cast<std::uint8_t*>(message) + length - sizeof words, words, sizeof words);
-        return that->ipcStatus;
-    }
-
-    const std::uint32_t number_;
-    BridgeSettings settings_;
-    std::unique_ptr<Bridge> bridge_;
-};
-
 class FleetProgramTest : public ::testing::Test
 {
 protected:
@@ -109,6 +57,8 @@ protected:
     {
         for (unsigned number = 1; number <= count; ++number)
             homes_.push_back(std::make_unique<Home>(broker_.port(), number));
+        for (const auto& home : homes_)
+            home->awaitConnection();
     }
     pid_t begin(std::vector<std::string> words, const std::string& program = TARN_FLEET_PROGRAM)
     {
