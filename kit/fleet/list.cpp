@@ -7,6 +7,7 @@
 #include "tarnctl/listing.h"
 #include "tarnctl/wakeup.h"
 
+#include <algorithm>
 #include <atomic>
 #include <deque>
 #include <mutex>
@@ -146,7 +147,6 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
     const std::vector<std::string> names = gatewaysOf(filter, roll);
     while (news.take())
         ; // they are in the list
-    const std::map<std::string, State> states = roll.states();
     ctl::Page page("gateways");
     ctl::Listing& listing = page.list("gateways", columns());
     listing.rows.resize(names.size());
@@ -155,18 +155,19 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
             [&](std::size_t index)
             {
                 const std::optional<Presence> presence = exchange.ping(names[index], kPingTime);
-                const auto state = states.find(names[index]);
-                // At once: its clock is as it was when it answered.
-                listing.rows[index] = fieldsOf(names[index], presence, state == states.end() ? State() : state->second);
+                // At once: its clock is as it was when it answered. What is retained of it came before its answer.
+                listing.rows[index] = fieldsOf(names[index], presence, roll.state(names[index]));
                 if (presence)
                     isAnyThere = true;
                 return !signals.haveCome();
             });
+    const auto wasNotAsked = [](const ctl::Fields& row) { return !row["gateway"].isKnown(); }; // a signal came before
+    listing.rows.erase(std::remove_if(listing.rows.begin(), listing.rows.end(), wasNotAsked), listing.rows.end());
     page.writeUndecoded(console);
     while (options.isWatching && !signals.haveCome())
     {
         while (const std::optional<std::string> gateway = news.take())
-            showChange(console, fieldsOf(*gateway, exchange.ping(*gateway, kPingTime), roll.states()[*gateway]));
+            showChange(console, fieldsOf(*gateway, exchange.ping(*gateway, kPingTime), roll.state(*gateway)));
         news.wakeup.wait(std::nullopt);
     }
     return isAnyThere || options.isWatching ? ctl::ExitCode::kSuccess : ctl::ExitCode::kNoService;

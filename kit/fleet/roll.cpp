@@ -94,6 +94,13 @@ std::map<std::string, State> Roll::states() const
     return states_;
 }
 
+State Roll::state(const std::string& gateway) const
+{
+    const std::lock_guard guard(mutex_);
+    const auto found = states_.find(gateway);
+    return found == states_.end() ? State() : found->second;
+}
+
 std::vector<std::string> gatewaysOf(const GatewayFilter& filter, const Roll& roll)
 {
     if (filter.isNamed())

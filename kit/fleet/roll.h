@@ -56,6 +56,8 @@ public:
     // Returns when nothing new was heard for a while, at the latest at the limit.
     void settle(std::chrono::milliseconds quiet, std::chrono::milliseconds limit) const;
     std::map<std::string, State> states() const;
+    // Of a gateway that has not been heard of, nothing.
+    State state(const std::string& gateway) const;
 
 private:
     mutable std::mutex mutex_;

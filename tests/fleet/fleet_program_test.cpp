@@ -2,12 +2,16 @@
 #include "broker.h"
 #include "home.h"
 
+#include "base/timestamp.h"
 #include "support/services.h"
+#include "tarnctl/schema.h"
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -50,6 +54,33 @@ std::size_t linesIn(const std::string& text)
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
+// What was written with --json, as the schema has it.
+nlohmann::json documentIn(const std::string& text)
+{
+    static const tarnctl_test::Schema schema(nlohmann::json::parse(contents(TARNCTL_SCHEMA)));
+    nlohmann::json document = nlohmann::json::parse(text);
+    EXPECT_THAT(schema.violations(document), ::testing::IsEmpty()) << text;
+    return document;
+}
+
+// A document a line.
+std::vector<nlohmann::json> documentsIn(const std::string& out)
+{
+    std::vector<nlohmann::json> documents;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);)
+        documents.push_back(documentIn(line));
+    return documents;
+}
+
+// False if the condition does not hold in time.
+bool await(const std::function<bool()>& condition)
+{
+    for (int look = 0; look < 4000 && !condition(); ++look)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return condition();
+}
+
 class FleetProgramTest : public ::testing::Test
 {
 protected:
@@ -62,6 +93,8 @@ protected:
     }
     pid_t begin(std::vector<std::string> words, const std::string& program = TARN_FLEET_PROGRAM)
     {
+        std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
+        std::ofstream(path("out")), std::ofstream(path("err")); // not those of the one before
         const pid_t process = fork();
         if (process != 0)
             return process;
@@ -84,9 +117,13 @@ protected:
         waitpid(process, &state, 0);
         return {WIFEXITED(state) ? WEXITSTATUS(state) : -1, contents(path("out")), contents(path("err"))};
     }
+    // Its output so far has the text.
+    bool awaitText(const std::string& stream, const std::string& text) const
+    {
+        return await([&] { return contents(path(stream)).find(text) != std::string::npos; });
+    }
     Ended run(const std::vector<std::string>& words)
     {
-        std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
         return end(begin(words));
     }
     std::string path(const std::string& name) const
@@ -120,6 +157,52 @@ TEST_F(FleetProgramTest, ListAsksWhoIsThereAndDoesNotTrustWhatIsRetained)
     EXPECT_EQ(none.exit, kNoService);
 }
 
+TEST_F(FleetProgramTest, ListTellsSinceWhenAGatewayIsThereThoughAnotherIsWaitedFor)
+{
+    start(1);
+    timespec connected = {};
+    clock_gettime(CLOCK_REALTIME, &connected);
+    connected.tv_sec += 1; // a tolerance; the other one is waited for twice as long
+    std::ofstream(path("names")) << "home-01\nhome-02\n";
+    const nlohmann::json gateways = documentIn(run({"list", "@" + path("names"), "--json"}).out)["gateways"];
+    ASSERT_EQ(gateways.size(), 2u);
+    EXPECT_EQ(gateways[0]["state"], "there");
+    EXPECT_EQ(gateways[1]["state"], "gone");
+    EXPECT_LT(gateways[0]["since"].get<std::string>(), tarn::base::Timestamp(connected).text);
+}
+
+TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
+{
+    start(2);
+    const pid_t process = begin({"list", "home-*", "--watch"});
+    EXPECT_TRUE(awaitText("out", "home-02  there")) << contents(path("err"));
+    homes_[0]->stop();
+    EXPECT_TRUE(awaitText("out", " home-01 gone\n"));
+    Home(broker_.port(), 3).awaitConnection(); // and goes again
+    EXPECT_TRUE(awaitText("out", " home-03 gone\n"));
+    Home back(broker_.port(), 1);
+    EXPECT_TRUE(awaitText("out", " home-01 there 1.2.3\n"));
+    kill(process, SIGINT);
+    EXPECT_EQ(end(process).exit, 0);
+}
+
+TEST_F(FleetProgramTest, ListWatchesForScriptsToo)
+{
+    start(2);
+    const pid_t process = begin({"list", "--watch", "--json"});
+    EXPECT_TRUE(awaitText("out", "home-02"));
+    homes_[1]->stop();
+    EXPECT_TRUE(awaitText("out", "presence"));
+    kill(process, SIGTERM);
+    const Ended ended = end(process);
+    EXPECT_EQ(ended.exit, 0) << ended.err;
+    const std::vector<nlohmann::json> documents = documentsIn(ended.out);
+    ASSERT_EQ(documents.size(), 2u);
+    EXPECT_EQ(documents[0]["kind"], "gateways");
+    EXPECT_EQ(documents[1]["gateway"], "home-02");
+    EXPECT_EQ(documents[1]["state"], "gone");
+}
+
 TEST_F(FleetProgramTest, OneCallOnTwentyGatewaysHasTwentyResults)
 {
     start(20);
@@ -147,23 +230,20 @@ TEST_F(FleetProgramTest, EachGatewayHasTheResultThatIsItsOwn)
     const Ended ended = run({"call", "@" + path("names"), "TarnGetLogLevel", "--json"});
     EXPECT_EQ(ended.exit, kTimedOut);
     std::map<std::string, std::string> results;
-    std::istringstream lines(ended.out);
-    nlohmann::json document;
-    for (std::string line; std::getline(lines, line);)
-    {
-        document = nlohmann::json::parse(line);
+    const std::vector<nlohmann::json> documents = documentsIn(ended.out);
+    ASSERT_EQ(documents.size(), 7u);
+    for (const nlohmann::json& document : documents)
         if (document["kind"] == "fleet-result")
             results[document["gateway"]] = document["result"];
-    }
     EXPECT_EQ(results, (std::map<std::string, std::string>{{"home-01", "done"},
                                                            {"home-02", "refused"},
                                                            {"home-03", "service-status"},
                                                            {"home-04", "ipc-failed"},
                                                            {"home-05", "outcome-unknown"},
                                                            {"home-06", "not-sent"}}));
-    EXPECT_EQ(document["kind"], "fleet-summary");
-    EXPECT_EQ(document["gateways"], 6);
-    EXPECT_EQ(document["results"]["done"], 1);
+    EXPECT_EQ(documents.back()["kind"], "fleet-summary");
+    EXPECT_EQ(documents.back()["gateways"], 6);
+    EXPECT_EQ(documents.back()["results"]["done"], 1);
     EXPECT_EQ(run({"call", "home-03", "TarnGetLogLevel"}).exit, kServiceStatus);
     EXPECT_EQ(run({"call", "home-02", "TarnGetLogLevel"}).exit, kRefused);
     EXPECT_EQ(run({"call", "home-06", "TarnGetLogLevel"}).exit, kNoService);
@@ -207,6 +287,38 @@ TEST_F(FleetProgramTest, WhatWasSentInARunThatWasKilledIsNotSentAgain)
     EXPECT_EQ(homes_[2]->calls, 1u);
 }
 
+TEST_F(FleetProgramTest, AnInterruptedRunLetsEndWhatIsUnderWayAndIsResumedWithTheRest)
+{
+    start(6);
+    for (const auto& home : homes_)
+        home->milliseconds = 1500;
+    const std::vector<std::string> words{"call", "home-*",   "TarnSetLogLevel", "level=4", "--window",
+                                         "2",    "--resume", path("journal"),   "--json"};
+    const pid_t process = begin(words);
+    EXPECT_TRUE(await([&] { return calls() == 2; }));
+    kill(process, SIGINT);
+    const Ended ended = end(process);
+    EXPECT_EQ(ended.exit, 1) << ended.err;
+    EXPECT_EQ(calls(), 2u);
+    std::map<std::string, std::string> results;
+    for (const nlohmann::json& document : documentsIn(ended.out))
+        if (document["kind"] == "fleet-result")
+            results[document["gateway"]] = document["result"].get<std::string>() + ": " + document["why"].get<std::string>();
+    EXPECT_EQ(results, (std::map<std::string, std::string>{{"home-01", "done: "},
+                                                           {"home-02", "done: "},
+                                                           {"home-03", "not-sent: the run was interrupted"},
+                                                           {"home-04", "not-sent: the run was interrupted"},
+                                                           {"home-05", "not-sent: the run was interrupted"},
+                                                           {"home-06", "not-sent: the run was interrupted"}}));
+    for (const auto& home : homes_)
+        home->milliseconds = 0;
+    const Ended resumed = run(words);
+    EXPECT_EQ(resumed.exit, 0) << resumed.err;
+    EXPECT_EQ(documentsIn(resumed.out).back()["earlier"], 2);
+    for (const auto& home : homes_)
+        EXPECT_EQ(home->calls, 1u);
+}
+
 TEST_F(FleetProgramTest, ADryRunShowsTheMessageAndTheGatewaysAndSendsNothing)
 {
     start(2);
@@ -214,6 +326,11 @@ TEST_F(FleetProgramTest, ADryRunShowsTheMessageAndTheGatewaysAndSendsNothing)
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr("command 1"));
     EXPECT_THAT(ended.out, HasSubstr("to 2 gateways: home-01 home-02"));
+    const std::vector<nlohmann::json> documents =
+        documentsIn(run({"call", "home-*", "TarnSetLogLevel", "level=4", "--dry-run", "--json"}).out);
+    ASSERT_EQ(documents.size(), 2u);
+    EXPECT_EQ(documents[1]["kind"], "fleet-plan");
+    EXPECT_EQ(documents[1]["gateways"], (std::vector<std::string>{"home-01", "home-02"}));
     EXPECT_EQ(calls(), 0u);
 }
 
@@ -234,24 +351,40 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
 TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 {
     start(3);
-    std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
     const pid_t process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
-    int state = 0;
-    for (int round = 0; round < 400 && waitpid(process, &state, WNOHANG) == 0; ++round)
-    {
-        homes_[0]->publish(1); // not asked for
-        homes_[1]->publish(2);
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    EXPECT_TRUE(WIFEXITED(state) && WEXITSTATUS(state) == 0) << contents(path("err"));
-    EXPECT_THAT(contents(path("out")), HasSubstr(" home-02 TARN 2 EVT_RADIO_OPR_CHANNEL_CHANGED"));
-    EXPECT_THAT(contents(path("out")), Not(HasSubstr("home-01")));
+    EXPECT_TRUE(awaitText("err", "watching the events of home-02"));
+    homes_[0]->publish(1); // not asked for
+    homes_[1]->publish(2);
+    const Ended ended = end(process);
+    EXPECT_EQ(ended.exit, 0) << ended.err;
+    EXPECT_THAT(ended.out, HasSubstr(" home-02 TARN 2 EVT_RADIO_OPR_CHANNEL_CHANGED"));
+    EXPECT_THAT(ended.out, Not(HasSubstr("home-01")));
+}
+
+TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
+{
+    start(1);
+    const pid_t process = begin({"events", "--count", "2", "--json"});
+    EXPECT_TRUE(awaitText("err", "watching the events of *\n"));
+    homes_[0]->publish(1);
+    EXPECT_TRUE(awaitText("out", "home-01"));
+    broker_.kill();
+    EXPECT_TRUE(awaitText("err", "events are missed until there is one"));
+    broker_.start();
+    EXPECT_TRUE(awaitText("err", "until there is one\ntarn-fleet: watching the events of *\n"));
+    EXPECT_TRUE(await([&] { return homes_[0]->counters().births == 2; }));
+    homes_[0]->publish(2);
+    const Ended ended = end(process);
+    EXPECT_EQ(ended.exit, 0) << ended.err;
+    const std::vector<nlohmann::json> documents = documentsIn(ended.out);
+    ASSERT_EQ(documents.size(), 2u);
+    EXPECT_EQ(documents[0]["event"], 1);
+    EXPECT_EQ(documents[1]["event"], 2);
 }
 
 TEST_F(FleetProgramTest, TarnctlReachesOneGatewayForOneCommand)
 {
     start(2);
-    std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
     setenv(
         "PATH",
         (std::string(TARN_FLEET_PROGRAM).substr(0, std::string(TARN_FLEET_PROGRAM).rfind('/')) + ":" + getenv("PATH")).c_str(),
