@@ -35,7 +35,7 @@ constexpr Fields kFields[] = {
     {kAlways, kNever, kNever, kAlways, kAlways, kMaybe, kNever, kAlways, kNever, kNever, kAlways, kMaybe, kNever, kAlways},
     {kAlways, kNever, kNever, kAlways, kAlways, kMaybe, kNever, kNever, kNever, kNever, kAlways, kAlways, kNever, kNever},
     {kAlways, kNever, kNever, kAlways, kAlways, kMaybe, kNever, kNever, kNever, kNever, kAlways, kNever, kNever, kNever},
-    {kNever, kNever, kAlways, kAlways, kNever, kNever, kAlways, kNever, kNever, kNever, kNever, kNever, kAlways, kNever},
+    {kNever, kNever, kAlways, kAlways, kNever, kNever, kNever, kNever, kNever, kNever, kNever, kNever, kAlways, kNever},
     {kAlways, kNever, kAlways, kAlways, kAlways, kMaybe, kNever, kNever, kNever, kNever, kAlways, kAlways, kNever, kNever},
 };
 
@@ -320,7 +320,7 @@ const char* describe(Fault fault)
     case Fault::kClock:
         return "clock: expected 0 in a ping and in a request that names no run";
     case Fault::kLive:
-        return "time to live: expected 1 to 86400000 ms in requests and pings, else 0";
+        return "time to live: expected 1 to 86400000 ms in requests, else 0";
     case Fault::kCommand:
         return "command: expected the number of a command in requests and replies, 1 or more in events, else 0";
     case Fault::kWait:

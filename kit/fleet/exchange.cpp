@@ -325,7 +325,6 @@ std::optional<Presence> Exchange::pingUntil(const std::string& gateway, Clock::t
     Waiting waiting;
     waiting.gateway = &gateway;
     waiting.asked.kind = Kind::kPing;
-    waiting.asked.live = timeToLive(end);
     const Clock::time_point start = Clock::now();
     if (exchange(waiting, end) != Stage::kAnswered)
         return std::nullopt;

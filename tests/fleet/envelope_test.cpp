@@ -55,7 +55,7 @@ constexpr Golden kGolden[] = {
                   "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 FE DC BA 98 76 54 32 10 00 00 00 00 00 00 00 00 00 00"},
     {Kind::kPing,
      "01 06 00 00 11 22 33 44 55 66 77 88 00 00 00 05 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
-     "00 00 0B B8 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 05 00 6E 6F 63 2D 31"},
+     "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 05 00 6E 6F 63 2D 31"},
     {Kind::kPong,
      "01 07 01 00 11 22 33 44 55 66 77 88 00 00 00 05 A1 B2 C3 D4 E5 F6 07 18 00 00 00 01 02 03 04 05 "
      "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 FE DC BA 98 76 54 32 10 00 00 00 05 00 00 00 05 00 00 31 2E 30 2E 30"},
@@ -204,8 +204,9 @@ constexpr Wrong kWrong[] = {
     {"a clock without its run", Kind::kRequest, 16, "00 00 00 00 00 00 00 00", Fault::kClock},
     {"a ping with a clock", Kind::kPing, 31, "01", Fault::kClock},
     {"no time to live", Kind::kRequest, 32, "00 00 00 00", Fault::kLive},
-    {"more than a day to live", Kind::kPing, 32, "05 26 5C 01", Fault::kLive},
+    {"more than a day to live", Kind::kRequest, 32, "05 26 5C 01", Fault::kLive},
     {"a reply with a time to live", Kind::kReply, 35, "01", Fault::kLive},
+    {"a ping with a time to live", Kind::kPing, 35, "01", Fault::kLive},
     {"event 0", Kind::kEvent, 36, "00 00 00 00", Fault::kCommand},
     {"a birth with a command", Kind::kBirth, 39, "01", Fault::kCommand},
     {"wait 0", Kind::kRequest, 40, "00 00 00 00", Fault::kWait},

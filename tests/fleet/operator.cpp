@@ -96,7 +96,6 @@ std::optional<Arrived> Operator::ping(const std::string& gateway)
     Envelope ping;
     ping.kind = Kind::kPing;
     ping.session = session_;
-    ping.live = 3000;
     std::snprintf(ping.operatorId, sizeof ping.operatorId, "%s", name_.c_str());
     std::optional<Arrived> pong;
     for (int attempt = 0; attempt < 100 && !pong; ++attempt) // the gateway may not be there yet

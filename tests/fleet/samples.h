@@ -40,10 +40,7 @@ inline tarn::fleet::Envelope sample(tarn::fleet::Kind kind)
     if (isRequest || isReply || isPing || isPong)
         envelope.session = 0x1122334455667788u;
     if (isRequest || isPing)
-    {
         std::strcpy(envelope.operatorId, "noc-1");
-        envelope.live = 3000;
-    }
     if (!isPing)
     {
         envelope.byteOrder = ByteOrder::kBig;
@@ -57,7 +54,10 @@ inline tarn::fleet::Envelope sample(tarn::fleet::Kind kind)
         envelope.command = isEvent ? 2 : 7;
     }
     if (isRequest)
+    {
+        envelope.live = 3000;
         envelope.wait = 4;
+    }
     if (isRequest || isReply)
         setMessage(envelope, kMessage, 8, 9584);
     if (kind == Kind::kBirth || isPong)
