@@ -8,6 +8,12 @@ from mdoc import Page, Writer, word, words
 _FAMILIES = (("Tarn", "`Tarn...`"), ("tarn_", "`tarn_qcsapi_...`"))
 _CONDITIONS = {"null": "is NULL", "null or empty": "is NULL or empty", "zero": "is 0"}
 _SENT = {"id": "less one; 0 as 0xFFFFFFFF", "inverted": "1 if it is 0, else 0", "text": "cut to %d characters, NULs behind"}
+_EFFECTS = {
+    "reads": ("A call only reads: it leaves nothing behind on the gateway.",
+              "Through a message broker it may be made unless the policy of tarn-bridge(1) denies it."),
+    "changes": ("A call changes something on the gateway.",
+                "Through a message broker it may be made only if the policy of tarn-bridge(1) allows it."),
+}
 _EVENTS = ("tarnSubscribeEvent", "tarnCancelEvent")
 
 
@@ -85,6 +91,10 @@ class FunctionPages:
         page.section("DESCRIPTION")
         for paragraph in function.description:
             page.paragraph(writer.text(paragraph))
+        if command:
+            effect, consequence = _EFFECTS[command["effect"]]
+            reason = command.get("effect_reason")
+            page.paragraph(writer.text(" ".join([effect, *([reason] if reason else []), consequence])))
         page.subsection("Arguments")
         page.tags([("Fa " + each.name, writer.text(_sentence(function.arguments[each.name]))) for each in function.parameters])
         if command:

@@ -1,5 +1,6 @@
 """One check of the manual pages: reference.py CHECK DIRECTORY TARNCTL COMPILER."""
 import glob
+import json
 import os
 import re
 import subprocess
@@ -42,6 +43,21 @@ class Pages:
 def functions_have_pages(pages):
     assert len(pages.exported) == 253, len(pages.exported)
     assert pages.names(3) == pages.exported, set(pages.names(3)) ^ set(pages.exported)
+
+
+def functions_tell_their_effect(pages):
+    """Of each command, whether it only reads, and why where one may doubt it."""
+    told = 0
+    for service in ("tarn", "qtn_rpc_proxy", "qtn_mirror"):
+        for command in json.loads(read(os.path.join(_SOURCE, "kit", "contract", service + ".json")))["commands"]:
+            page = next(each for each in pages.man if each.endswith("/%s.3" % command["function"]))
+            shown = subprocess.run(["mandoc", "-T", "ascii", page], capture_output=True, text=True, check=True).stdout
+            shown = " ".join(re.sub(".\b", "", shown).split())
+            effect = {"reads": "A call only reads:", "changes": "A call changes something"}[command["effect"]]
+            assert effect in shown, command["function"]
+            assert command.get("effect_reason", "") in shown, command["function"]
+            told += 1
+    assert told == 247, told
 
 
 def commands_have_pages(pages):

@@ -83,6 +83,8 @@ TEST_F(DescribeTest, EveryFunctionIsDescribed)
         const Json& document = ran.document;
         EXPECT_EQ(document.at("service"), row.contract->service);
         EXPECT_EQ(document.at("command"), row.command->command);
+        EXPECT_EQ(document.at("effect"), tarn::contract::toString(row.command->effect));
+        EXPECT_EQ(document.at("effect_reason"), row.command->effectReason);
         EXPECT_EQ(document.at("wait"), row.command->wait);
         EXPECT_EQ(document.at("length"), row.command->length);
         EXPECT_EQ(document.at("status_offset"), row.command->statusOffset());
@@ -124,6 +126,9 @@ TEST_F(DescribeTest, EveryTextNamesArgumentsMessagesAndOffsets)
         EXPECT_EQ(ran.out.rfind(row.command->function + "\n  " + row.command->description + "\n", 0), 0u);
         EXPECT_NE(ran.out.find("at offset " + std::to_string(row.command->statusOffset())), std::string::npos);
         EXPECT_NE(ran.out.find(row.command->note), std::string::npos);
+        EXPECT_NE(ran.out.find(std::string("\neffect        ") + tarn::contract::toString(row.command->effect)),
+                  std::string::npos);
+        EXPECT_NE(ran.out.find(row.command->effectReason), std::string::npos);
         for (const Argument& argument : row.command->arguments)
             EXPECT_NE(ran.out.find("\n  " + argument.name + " "), std::string::npos) << argument.name;
         for (const Check& check : row.command->checks)
@@ -144,6 +149,7 @@ TEST_F(DescribeTest, OneInFull)
                   "\n"
                   "service       QTN_RPC_PROXY\n"
                   "command       106\n"
+                  "effect        reads\n"
                   "wait          3 s\n"
                   "length        9376\n"
                   "reply status  at offset 9372\n"

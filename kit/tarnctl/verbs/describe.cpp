@@ -115,6 +115,8 @@ void writeHead(const Console& console, const LibraryFunction& function)
         const contract::Command& command = *function.row.command;
         const contract::Result& result = function.row.contract->result;
         table.add({"command", std::to_string(command.command)});
+        table.add({"effect", std::string(contract::toString(command.effect)) +
+                                 (command.effectReason.empty() ? "" : "; " + command.effectReason)});
         table.add({"wait", std::to_string(command.wait) + " s"});
         table.add({"length", std::to_string(command.length)});
         table.add({"reply status", "at offset " + std::to_string(command.statusOffset())});
@@ -219,6 +221,8 @@ Json functionDocument(const LibraryFunction& function)
 
     const contract::Command& command = *function.row.command;
     document["command"] = command.command;
+    document["effect"] = contract::toString(command.effect);
+    document["effect_reason"] = command.effectReason;
     document["wait"] = command.wait;
     document["length"] = command.length;
     document["status_offset"] = command.statusOffset();
