@@ -50,12 +50,14 @@ if(TARN_BUILD_KIT)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/contract COMPONENT kit)
     install(FILES kit/layout/tarn-gateway.json kit/layout/layout.schema.json kit/layout/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/layout COMPONENT kit)
-    # Where each of the shells looks for completion.
-    install(FILES kit/tarnctl/completion/tarnctl.bash RENAME tarnctl
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT kit)
+    # Where each of the shells looks for completion: bash and fish by the program's name.
+    foreach(program tarnctl tarn-fleet)
+        install(FILES kit/tarnctl/completion/tarnctl.bash RENAME ${program}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT kit)
+        install(FILES kit/tarnctl/completion/tarnctl.fish RENAME ${program}.fish
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT kit)
+    endforeach()
     install(FILES kit/tarnctl/completion/_tarnctl DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT kit)
-    install(FILES kit/tarnctl/completion/tarnctl.fish
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT kit)
     install(FILES kit/tarnctl/tarnctl.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     install(FILES kit/simulator/scenario.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)
     install(DIRECTORY kit/simulator/scenarios DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn COMPONENT kit)

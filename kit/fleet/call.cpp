@@ -475,13 +475,23 @@ ctl::ExitCode call(const ctl::Console& plain, const CallOptions& options, const 
     return run.summarise();
 }
 
+std::vector<std::string> commandNames()
+{
+    std::vector<std::string> names;
+    for (const ctl::LibraryFunction& function : ctl::catalogue())
+        if (function.kind == ctl::FunctionKind::kCommand)
+            names.push_back(function.name);
+    return names;
+}
+
 } // namespace
 
 void addCall(ctl::Verbs& verbs, const SettingsSource& settings)
 {
-    verbs.add<CallOptions>("call", "Calls a function on many gateways", declareCall,
-                           [settings](const ctl::Console& console, const CallOptions& options)
-                           { return call(console, options, settings()); });
+    verbs.add<CallOptions>(
+        "call", "Calls a function on many gateways", declareCall,
+        [settings](const ctl::Console& console, const CallOptions& options) { return call(console, options, settings()); },
+        &commandNames);
 }
 
 } // namespace tarn::fleet

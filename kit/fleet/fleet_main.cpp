@@ -59,6 +59,8 @@ try
     fleet::addEvents(verbs, settings);
     verbs.group("One gateway", false);
     fleet::addAttach(verbs, settings);
+    verbs.group("", false);
+    ctl::addComplete(verbs, true);
     return static_cast<int>(ctl::carryOut(parser, verbs, console, layout, {arguments + 1, arguments + count}, [] {}));
 }
 catch (const std::exception& error)

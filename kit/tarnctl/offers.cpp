@@ -140,7 +140,8 @@ void offerGateway(Offers& offers, const FunctionParameter& parameter, const std:
     }
 }
 
-Offers valueOffers(const LibraryFunction& function, const std::vector<std::string>& given, const std::string& path)
+Offers valueOffers(const LibraryFunction& function, const std::vector<std::string>& given, const std::string& path,
+                   bool asksGateway)
 {
     Offers offers;
     const FunctionParameter* const parameter = function.parameter(argumentOf(path));
@@ -150,7 +151,8 @@ Offers valueOffers(const LibraryFunction& function, const std::vector<std::strin
     {
         if (const layout::Meaning* const meaning = meaningOf(function, *parameter))
             offerMeaning(offers, *meaning);
-        offerGateway(offers, *parameter, given);
+        if (asksGateway)
+            offerGateway(offers, *parameter, given);
         return offers;
     }
     const layout::Structure* const structure = structureOf(function, *parameter);
@@ -163,7 +165,8 @@ Offers valueOffers(const LibraryFunction& function, const std::vector<std::strin
 
 } // namespace
 
-Offers argumentOffers(const LibraryFunction& function, const std::vector<std::string>& given, const std::string& present)
+Offers argumentOffers(const LibraryFunction& function, const std::vector<std::string>& given, const std::string& present,
+                      bool asksGateway)
 {
     Offers offers;
     if (present.find('=') == std::string::npos)
@@ -173,7 +176,7 @@ Offers argumentOffers(const LibraryFunction& function, const std::vector<std::st
         return offers;
     }
     const std::string name = nameOf(present);
-    offers = valueOffers(function, given, name);
+    offers = valueOffers(function, given, name, asksGateway);
     for (Offer& offer : offers)
         offer.word.insert(0, name + "=");
     return offers;

@@ -19,8 +19,9 @@ struct Offer
 using Offers = std::vector<Offer>;
 
 // The names of arguments and fields that are not among the given assignments; behind a '=' what the argument's, or the field's,
-// value may be, as far as the layout in use or the gateway tells.
-Offers argumentOffers(const LibraryFunction& function, const std::vector<std::string>& given, const std::string& present);
+// value may be, as far as the layout in use tells, or the gateway if it is asked.
+Offers argumentOffers(const LibraryFunction& function, const std::vector<std::string>& given, const std::string& present,
+                      bool asksGateway);
 
 // Radios and interfaces, as Survey takes them.
 Offers targetOffers();

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -380,6 +381,35 @@ TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
     ASSERT_EQ(documents.size(), 2u);
     EXPECT_EQ(documents[0]["event"], 1);
     EXPECT_EQ(documents[1]["event"], 2);
+}
+
+TEST_F(FleetProgramTest, OffersWhatCanCompleteItsCommandLineWithoutABroker)
+{
+    broker_.kill();
+    const auto offered = [this](std::vector<std::string> words)
+    {
+        words.insert(words.begin(), {"complete", "--"});
+        const Ended ended = run(words);
+        EXPECT_EQ(ended.exit, 0);
+        EXPECT_EQ(ended.err, "");
+        std::set<std::string> offers;
+        std::istringstream lines(ended.out);
+        for (std::string line; std::getline(lines, line);)
+            offers.insert(line.substr(0, line.find('\t')));
+        return offers;
+    };
+    using Offers = std::set<std::string>;
+    EXPECT_EQ(offered({""}), (Offers{"attach", "call", "events", "list"}));
+    EXPECT_EQ(offered({"list", "--wa"}), Offers{"--watch"});
+    EXPECT_EQ(offered({"--cafile", "call", "ev"}), Offers{"events"}) << "a value is no command";
+    EXPECT_EQ(offered({"--caf"}), Offers{"--cafile"});
+    EXPECT_EQ(offered({"--cafile", ""}), Offers{"<file>"});
+    EXPECT_EQ(offered({"call", ""}), Offers{}) << "gateways are known to the broker alone";
+    EXPECT_EQ(offered({"attach", "home"}), Offers{});
+    EXPECT_EQ(offered({"call", "home-*", ""}).size(), 247u) << "those that are no calls on a gateway are left out";
+    EXPECT_EQ(offered({"call", "home-*", "TarnGetRadioIsR"}), Offers{"TarnGetRadioIsReady"});
+    EXPECT_EQ(offered({"call", "home-*", "TarnGetRadioChainRssiAt", "radioId=1", ""}), (Offers{"chainIndex=", "rssi=null"}));
+    EXPECT_EQ(offered({"call", "home-*", "TarnGetRadio", "radioId="}), Offers{}) << "no other gateway is asked";
 }
 
 TEST_F(FleetProgramTest, TarnctlReachesOneGatewayForOneCommand)

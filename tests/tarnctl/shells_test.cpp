@@ -28,8 +28,10 @@ protected:
     void SetUp() override
     {
         setenv("HOME", directory.c_str(), 1); // no settings of whoever runs the test
-        const std::string programs = std::filesystem::path(TARNCTL_PROGRAM).parent_path();
-        setenv("PATH", (programs + ":" + path_).c_str(), 1);
+        std::string programs;
+        for (const char* const program : {TARNCTL_PROGRAM, TARN_FLEET_PROGRAM})
+            programs += std::filesystem::path(program).parent_path().string() + ":";
+        setenv("PATH", (programs + path_).c_str(), 1);
         std::ofstream(path("script")) << run({"completion", GetParam().name}).out;
         gateway_ = std::make_unique<Program>(Words{}, TARN_GATEWAY_PROGRAM);
         for (std::string line; line.rfind("ready", 0) != 0;)
@@ -91,6 +93,14 @@ TEST_P(ShellTest, CompletesWhatTheGatewayHas)
     EXPECT_EQ(offered("tarnctl call TarnGetSsidIntf radioId=2 ssidId="), Offers{"ssidId=1"});
     EXPECT_EQ(offered("tarnctl call TarnKickOutAccessPointAssociated radioId=2 apId=1 macAddress=02:0"),
               Offers{"macAddress=02:00:00:00:01:05"});
+}
+
+TEST_P(ShellTest, CompletesCallsOnManyGateways)
+{
+    EXPECT_EQ(offered("tarn-fleet ev"), Offers{"events"});
+    EXPECT_EQ(offered("tarn-fleet call --st"), Offers{"--stop-after"});
+    EXPECT_EQ(offered("tarn-fleet call home-1 TarnGetRadioNu"), Offers{"TarnGetRadioNum"});
+    EXPECT_EQ(offered("tarn-fleet call home-1 TarnGetRadio ra"), Offers{"radioId="});
 }
 
 TEST_P(ShellTest, CompletesTheNameOfAFile)

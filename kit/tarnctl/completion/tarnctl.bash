@@ -1,4 +1,4 @@
-# bash completion for tarnctl. The program itself says what can follow: `tarnctl complete WORD...`
+# bash completion for tarnctl and tarn-fleet. The program itself says what can follow: `tarnctl complete WORD...`
 
 _tarnctl()
 {
@@ -36,4 +36,4 @@ _tarnctl()
     fi
 }
 
-complete -F _tarnctl tarnctl
+complete -F _tarnctl tarnctl tarn-fleet

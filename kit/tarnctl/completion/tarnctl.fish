@@ -1,4 +1,4 @@
-# fish completion for tarnctl. The program itself says what can follow: `tarnctl complete WORD...`
+# fish completion for tarnctl and tarn-fleet. The program itself says what can follow: `tarnctl complete WORD...`
 
 function __tarnctl_complete
     set -l words (commandline -opc)
@@ -15,4 +15,4 @@ function __tarnctl_complete
     end
 end
 
-complete -c tarnctl -f -a '(__tarnctl_complete)'
+complete -c tarnctl -c tarn-fleet -f -a '(__tarnctl_complete)'

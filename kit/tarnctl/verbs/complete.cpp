@@ -1,8 +1,9 @@
-// `tarnctl complete -- WORD...`: what can complete the last of these words, for the scripts that `tarnctl completion` writes.
+// `tarnctl complete -- WORD...`, and `tarn-fleet complete`: what can complete the last of these words, for the scripts that
+// `tarnctl completion` writes.
 //
 // One offer a line: the word and, behind a tab, what it is. `<file>` and `<directory>` mean that names of these fit as well.
 // Verbs and options are the parser's own, functions and arguments the catalogue's, fields and values the layout's, and what the
-// gateway has is asked of it. What cannot be found out is not offered; nobody wants an error while typing.
+// gateway has is asked of it, unless it is behind a broker: that may take long. What cannot be found out is not offered; nobody wants an error while typing.
 #include "tarnctl/layout_in_use.h"
 #include "tarnctl/offers.h"
 #include "tarnctl/order_offers.h"
@@ -27,7 +28,7 @@ namespace
 
 struct CompleteOptions
 {
-    std::vector<std::string> words; // those behind "tarnctl", the last as far as it is typed
+    std::vector<std::string> words; // those behind the program, the last as far as it is typed
 };
 
 void declareComplete(Syntax& syntax, CompleteOptions& options)
@@ -83,6 +84,7 @@ struct Before
     std::vector<std::string> positional;  // the verb's
     std::string directory;
     std::optional<std::string> layout;
+    bool isRemote = false; // what is meant is a gateway behind a broker
 
     void setOption(const CLI::Option& option, const std::string& value)
     {
@@ -90,6 +92,8 @@ struct Before
             directory = value;
         if (option.get_name() == "--layout")
             layout = value;
+        if (option.get_name() == "--gateway")
+            isRemote = true;
     }
 };
 
@@ -208,39 +212,42 @@ Offers wordOffers(const std::vector<std::string>& words)
     return offers;
 }
 
-// The positional argument of the verb that comes next; null if it takes no more.
-const CLI::Option* nextPositional(const CLI::App& verb, std::size_t given)
+// The positional argument of the verb that comes next, and the values that it has already; null if the verb takes no more.
+const CLI::Option* nextPositional(const CLI::App& verb, std::vector<std::string>& given)
 {
     for (const CLI::Option* const option : verb.get_options())
     {
         if (!option->get_positional())
             continue;
         const auto most = static_cast<std::size_t>(option->get_items_expected_max());
-        if (given < most)
+        if (given.size() < most)
             return option;
-        given -= most;
+        given.erase(given.begin(), given.begin() + static_cast<std::ptrdiff_t>(most));
     }
     return nullptr;
 }
 
 Offers positionalOffers(const Verbs& verbs, const Before& before, const std::string& present)
 {
-    const CLI::Option* const next = nextPositional(*before.verb, before.positional.size());
+    std::vector<std::string> given = before.positional;
+    const CLI::Option* const next = nextPositional(*before.verb, given);
     if (next == nullptr)
         return {};
     const std::string name = next->get_name();
+    if (name == "GATEWAY" || name == "FILTER")
+        return {};
     if (name == "TARGET" || name == "RADIO" || name == "WORD")
-        return targetOffers();
+        return before.isRemote ? Offers() : targetOffers();
     if (name == "ADDRESS" || name == "MORE")
-        return stationOffers();
+        return before.isRemote ? Offers() : stationOffers();
     if (name == "COMMAND")
         return verbOffers(verbs.parser());
     if (name == "FILE")
         return {{"<file>", ""}};
     if (name == "ARGUMENT=VALUE")
     {
-        const std::vector<std::string> given(before.positional.begin() + 1, before.positional.end());
-        return argumentOffers(functionNamed(before.positional.front()), given, present);
+        const std::string& function = before.positional[before.positional.size() - given.size() - 1];
+        return argumentOffers(functionNamed(function), given, present, !before.isRemote);
     }
     if (name == "ORDER")
         return orderOffers(before.positional, present);
@@ -266,12 +273,13 @@ Offers offersFor(const Verbs& verbs, const Before& before, const std::string& pr
     return before.verb == nullptr ? verbOffers(verbs.parser()) : positionalOffers(verbs, before, present);
 }
 
-ExitCode complete(const Console& console, const Verbs& verbs, const std::vector<std::string>& words)
+ExitCode complete(const Console& console, const Verbs& verbs, bool isRemote, const std::vector<std::string>& words)
 try
 {
     const Patience patience;
     const std::string present = words.empty() ? "" : words.back();
-    const Before before = readBefore(verbs.parser(), words);
+    Before before = readBefore(verbs.parser(), words);
+    before.isRemote = before.isRemote || isRemote;
     if (!before.directory.empty())
         setenv("KORIIL_DIR", before.directory.c_str(), 1);
     chooseLayout(before.layout, [](const std::string&) {});
@@ -291,10 +299,10 @@ catch (const std::exception&)
 
 } // namespace
 
-void addComplete(Verbs& verbs)
+void addComplete(Verbs& verbs, bool isRemote)
 {
-    const auto act = [&verbs](const Console& console, const CompleteOptions& options)
-    { return complete(console, verbs, options.words); };
+    const auto act = [&verbs, isRemote](const Console& console, const CompleteOptions& options)
+    { return complete(console, verbs, isRemote, options.words); };
     verbs.add("complete", "Says what can complete a command line", &declareComplete, act);
 }
 

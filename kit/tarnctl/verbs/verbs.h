@@ -173,7 +173,7 @@ void addReport(Verbs& verbs);
 void addDiff(Verbs& verbs);
 void addPublish(Verbs& verbs);
 void addGateway(Verbs& verbs);
-void addComplete(Verbs& verbs);
+void addComplete(Verbs& verbs, bool isRemote = false); // of gateways behind a broker
 void addCompletion(Verbs& verbs);
 void addHelp(Verbs& verbs);
 
