@@ -38,15 +38,6 @@ std::set<std::string> namesOfTypes(const std::string& file, const std::string& t
     return names;
 }
 
-// Beside the unit's object, whose name may end in .cpp.o or .o.
-std::string stackUsageFile(const std::string& unit)
-{
-    for (const std::string& object : linesOf(std::string(FACTS_DIRECTORY) + "/objects.txt"))
-        if (object.find("/" + unit + ".") != std::string::npos)
-            return object.substr(0, object.size() - 2) + ".su";
-    throw std::runtime_error("no object of " + unit);
-}
-
 } // namespace
 
 std::string readFile(const std::string& path)
@@ -109,20 +100,6 @@ std::uint64_t sizeOfSections(const std::string& prefix)
             total += std::stoull(size, nullptr, 16);
     }
     return total;
-}
-
-std::map<std::string, std::uint64_t> stackUsage(const std::string& unit)
-{
-    // "FILE:LINE:COLUMN:RESULT NAME(ARGUMENTS)" TAB "BYTES" TAB "static"
-    const std::regex entry("(\\w+)\\([^\t]*\t([0-9]+)\t");
-    std::map<std::string, std::uint64_t> usage;
-    for (const std::string& line : linesOf(stackUsageFile(unit)))
-    {
-        std::smatch match;
-        if (std::regex_search(line, match, entry))
-            usage[match[1]] = std::stoull(match[2]);
-    }
-    return usage;
 }
 
 } // namespace facts

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -28,9 +27,5 @@ std::set<std::string> neededLibraries();
 
 // Total size in bytes of all sections of libtarn.a whose name starts so.
 std::uint64_t sizeOfSections(const std::string& prefix);
-
-// Bytes of stack of each function of one unit, as the compiler calculated them. `unit` is a path below src/, without its
-// extension.
-std::map<std::string, std::uint64_t> stackUsage(const std::string& unit);
 
 } // namespace facts

@@ -99,17 +99,4 @@ TEST(Memory, HoldsNoWritableDataAndNoInitialisers)
     EXPECT_GT(facts::sizeOfSections(".text"), 0u); // the file was read at all
 }
 
-TEST(Stack, OfEachCommandFunctionIsItsMessageAndAtMost128Bytes)
-{
-    std::map<std::string, std::uint64_t> usage = facts::stackUsage("tarn_api/tarn_api");
-    usage.merge(facts::stackUsage("tarn_qtn_monitor_api/tarn_qtn_monitor_api"));
-    for (const tarn::contract::Contract& contract : tarn::contract::all())
-        for (const tarn::contract::Command& command : contract.commands)
-        {
-            ASSERT_EQ(usage.count(command.function), 1u) << command.function;
-            EXPECT_GE(usage[command.function], command.length) << command.function;
-            EXPECT_LE(usage[command.function], command.length + 128) << command.function;
-        }
-}
-
 } // namespace
