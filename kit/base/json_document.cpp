@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <set>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
@@ -20,72 +19,7 @@ using Json = nlohmann::ordered_json;
 // Nothing is nested as deep as this, and what handles a value by recursion needs a limit.
 constexpr std::size_t kDeepest = 100;
 
-// Follows the parser, for what it lets pass: a key that is given twice, and any depth.
-class Watch
-{
-public:
-    explicit Watch(const std::string& fileName) : place_(fileName)
-    {
-    }
-
-    bool operator()(int, Json::parse_event_t event, const Json& parsed)
-    {
-        switch (event)
-        {
-        case Json::parse_event_t::object_start:
-        case Json::parse_event_t::array_start:
-            open(event == Json::parse_event_t::array_start);
-            break;
-        case Json::parse_event_t::key:
-            levels_.back().key = parsed.get<std::string>();
-            if (!levels_.back().keys.insert(levels_.back().key).second)
-                here().fail("given twice", "once");
-            break;
-        case Json::parse_event_t::object_end:
-        case Json::parse_event_t::array_end:
-            levels_.pop_back();
-            next();
-            break;
-        case Json::parse_event_t::value:
-            next();
-            break;
-        }
-        return true;
-    }
-
-private:
-    struct Level
-    {
-        bool isArray;
-        std::size_t index;
-        std::string key;
-        std::set<std::string> keys;
-    };
-
-    void open(bool isArray)
-    {
-        if (levels_.size() == kDeepest)
-            here().fail("a value in " + std::to_string(kDeepest) + " others", "less");
-        levels_.push_back({isArray, 0, {}, {}});
-    }
-
-    void next()
-    {
-        if (!levels_.empty())
-            ++levels_.back().index;
-    }
-
-    JsonPlace here() const
-    {
-        JsonPlace place = place_;
-        for (const Level& level : levels_)
-            place = level.isArray ? place.element(level.index) : place.member(level.key);
-        return place;
-    }
-
-    JsonPlace place_;
-    std::vector<Level> levels_;
-};
+constexpr std::size_t kUsualMembers = 8;
 
 // What the parser says, less its own name and its own way to tell the place.
 std::string reasonOf(const Json::exception& error)
@@ -108,6 +42,148 @@ std::string placeOf(const Json::exception& error, std::string_view text)
     return " line " + std::to_string(line) + ", byte " + std::to_string(parseError->byte) + ":";
 }
 
+// Makes a document of what the parser finds, and refuses what the parser lets pass: a key that is given twice, and any depth.
+class Builder : public nlohmann::json_sax<Json>
+{
+public:
+    Builder(std::string_view text, const std::string& fileName) : text_(text), fileName_(fileName)
+    {
+    }
+
+    Json take()
+    {
+        return std::move(root_);
+    }
+
+    bool null() override
+    {
+        return put(nullptr);
+    }
+
+    bool boolean(bool value) override
+    {
+        return put(value);
+    }
+
+    bool number_integer(std::int64_t value) override
+    {
+        return put(value);
+    }
+
+    bool number_unsigned(std::uint64_t value) override
+    {
+        return put(value);
+    }
+
+    bool number_float(double value, const std::string&) override
+    {
+        return put(value);
+    }
+
+    bool string(std::string& value) override
+    {
+        return put(std::move(value));
+    }
+
+    bool binary(Json::binary_t& value) override
+    {
+        return put(std::move(value));
+    }
+
+    bool start_object(std::size_t) override
+    {
+        open(Json::object());
+        // Members are moved one by one when there is no room for the next one, their keys copied.
+        std::vector<Json::object_t::value_type>& members = levels_.back().container->get_ref<Json::object_t&>();
+        members.reserve(kUsualMembers);
+        return true;
+    }
+
+    bool start_array(std::size_t) override
+    {
+        return open(Json::array());
+    }
+
+    bool key(std::string& value) override
+    {
+        levels_.back().key = std::move(value);
+        if (levels_.back().container->contains(levels_.back().key))
+            here().fail("given twice", "once");
+        return true;
+    }
+
+    bool end_object() override
+    {
+        return close();
+    }
+
+    bool end_array() override
+    {
+        return close();
+    }
+
+    bool parse_error(std::size_t, const std::string&, const Json::exception& error) override
+    {
+        throw JsonError(fileName_ + ":" + placeOf(error, text_) + " not JSON: " + reasonOf(error));
+    }
+
+private:
+    struct Level
+    {
+        Json* container;
+        std::string key; // of an object, the latest one
+    };
+
+    Json* add(Json value)
+    {
+        if (levels_.empty())
+            return &(root_ = std::move(value));
+        Level& level = levels_.back();
+        if (level.container->is_array())
+            return &level.container->emplace_back(std::move(value));
+        // Not emplace, which would look for the key once more.
+        std::vector<Json::object_t::value_type>& members = level.container->get_ref<Json::object_t&>();
+        return &members.emplace_back(level.key, std::move(value)).second;
+    }
+
+    bool put(Json value)
+    {
+        add(std::move(value));
+        return true;
+    }
+
+    bool open(Json container)
+    {
+        if (levels_.size() == kDeepest)
+            here().fail("a value in " + std::to_string(kDeepest) + " others", "less");
+        levels_.push_back({add(std::move(container)), {}});
+        return true;
+    }
+
+    bool close()
+    {
+        levels_.pop_back();
+        return true;
+    }
+
+    JsonPlace here() const
+    {
+        JsonPlace place(fileName_);
+        for (const Level& level : levels_)
+        {
+            const bool isOpenElement = level.container->is_array() && &level != &levels_.back();
+            place = level.container->is_array() ? place.element(level.container->size() - (isOpenElement ? 1 : 0))
+                                                : place.member(level.key);
+        }
+        return place;
+    }
+
+    const std::string_view text_;
+    const std::string& fileName_;
+    Json root_;
+    std::vector<Level> levels_;
+};
+
 } // namespace
 
 JsonDocument::JsonDocument(std::unique_ptr<const Json> json, std::string fileName)
@@ -126,14 +202,9 @@ JsonValue JsonDocument::root() const
 
 JsonDocument parseJson(std::string_view text, const std::string& fileName)
 {
-    try
-    {
-        return JsonDocument(std::make_unique<const Json>(Json::parse(text, Watch(fileName))), fileName);
-    }
-    catch (const Json::exception& error)
-    {
-        throw JsonError(fileName + ":" + placeOf(error, text) + " not JSON: " + reasonOf(error));
-    }
+    Builder builder(text, fileName);
+    Json::sax_parse(text, &builder);
+    return JsonDocument(std::make_unique<const Json>(builder.take()), fileName);
 }
 
 std::string readText(const std::string& path, const std::string& expected)

@@ -1,36 +1,15 @@
 #include "contract.h"
 
-#include "base/embedded_files.h"
-#include "base/json_reader.h"
 #include "words.h"
 
 #include <algorithm>
-#include <set>
 #include <unordered_map>
-#include <utility>
 
 namespace tarn::contract
 {
 
-const std::vector<base::EmbeddedFile>& embeddedFiles();
-
 namespace
 {
-
-std::vector<Contract> readEmbedded()
-{
-    std::vector<Contract> contracts;
-    std::set<std::string> functions;
-    for (const base::EmbeddedFile& file : embeddedFiles())
-    {
-        contracts.push_back(parse(file.text, std::string(file.name)));
-        for (const Command& command : contracts.back().commands)
-            if (!functions.insert(command.function).second)
-                throw base::JsonError(std::string(file.name) + ": " + command.function +
-                                      ": an earlier file has this function already");
-    }
-    return contracts;
-}
 
 const std::unordered_map<std::string_view, Row>& rowsByName()
 {
@@ -74,12 +53,6 @@ const RecordType* Contract::record(std::string_view name) const
     const auto found =
         std::find_if(records.begin(), records.end(), [&](const RecordType& record) { return record.name == name; });
     return found == records.end() ? nullptr : &*found;
-}
-
-const std::vector<Contract>& all()
-{
-    static const std::vector<Contract> kContracts = readEmbedded();
-    return kContracts;
 }
 
 const std::vector<Row>& rows()

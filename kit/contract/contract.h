@@ -1,7 +1,7 @@
 /* The wire as data, read: what each function puts into its message, what it takes out of the reply, and what it refuses.
  *
- * The three JSON files of this directory are compiled in, so nothing has to be found at run time. README.md describes their
- * keys. */
+ * What the three JSON files of this directory say is compiled in, so nothing has to be found or read at run time. README.md
+ * describes their keys. */
 #pragma once
 
 #include <cstddef>
@@ -153,8 +153,7 @@ struct Row
     }
 };
 
-// The contracts that are compiled in, in the order TARN, QTN_RPC_PROXY, QTN_MIRROR. Throws base::JsonError if one of them is
-// not sound.
+// The contracts that are compiled in, in the order TARN, QTN_RPC_PROXY, QTN_MIRROR.
 const std::vector<Contract>& all();
 
 // Every function of every service, in that order.

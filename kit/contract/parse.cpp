@@ -136,7 +136,7 @@ void readResults(JsonObject& object, Result& result)
 Result readResult(JsonObject object)
 {
     Result result;
-    result.isSigned = object["type"].oneOf<bool>({"u32", "i32"});
+    result.isSigned = object["type"].oneOf<bool>(kResultWords);
     if (result.isSigned)
         readResults<std::int32_t>(object, result);
     else

@@ -6,17 +6,22 @@ namespace tarn::fleet
 {
 
 // The list is read three times, each time for one kind of its lines.
-#define TARN_SERVICE(name, events) {name, events},
-#define TARN_FUNCTION(service, command, length, name, effect)
-#define TARN_LAYOUT(text)
+#define TARN_RECORD(...)
+#define TARN_EVENT(...)
+#define TARN_ARGUMENT(...)
+#define TARN_CHECK(...)
+
+#define TARN_SERVICE(name, tag, type, rejected, failed, timedOut, invalidCaller, records, events, functions) {name, events},
+#define TARN_FUNCTION(...)
+#define TARN_LAYOUT(...)
 const ContractService kContractServices[kContractServiceCount] = {
 #include "contract_list.inc"
 };
 
 #undef TARN_SERVICE
-#define TARN_SERVICE(name, events)
+#define TARN_SERVICE(...)
 #undef TARN_FUNCTION
-#define TARN_FUNCTION(service, command, length, name, effect) {#name, length, service, command, effect},
+#define TARN_FUNCTION(service, command, wait, length, name, effect, ...) {name, length, service, command, effect},
 namespace
 {
 constexpr bool reads = true, changes = false; // NOLINT(readability-identifier-naming): the words of the list
@@ -26,7 +31,7 @@ const ContractFunction kContractFunctions[kContractFunctionCount] = {
 };
 
 #undef TARN_FUNCTION
-#define TARN_FUNCTION(service, command, length, name, effect)
+#define TARN_FUNCTION(...)
 #undef TARN_LAYOUT
 #define TARN_LAYOUT(text) text
 namespace

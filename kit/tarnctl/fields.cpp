@@ -46,13 +46,20 @@ Bytes unnamed(const layout::Structure& structure, Bytes bytes)
     return bytes;
 }
 
+// As layouts name an argument.
+std::string qualified(const LibraryFunction& function, const FunctionParameter& parameter)
+{
+    return function.name + "." + parameter.name;
+}
+
 } // namespace
 
 const layout::Structure* structureOf(const LibraryFunction& function, const FunctionParameter& parameter)
 {
     const bool mayHaveFields = parameter.wire != nullptr && (parameter.form == Form::kRecord || parameter.size > 0) &&
                                parameter.form != Form::kText && parameter.size != kMacAddressSize;
-    const LayoutInUse* const inUse = mayHaveFields ? layoutInUse() : nullptr;
+    const std::string name = parameter.record.empty() ? qualified(function, parameter) : parameter.record;
+    const LayoutInUse* const inUse = mayHaveFields ? layoutThatTellsOf(name) : nullptr;
     return inUse == nullptr ? nullptr : inUse->layout.structureOf(*function.row.command, *parameter.wire);
 }
 
@@ -65,7 +72,7 @@ const layout::Structure* structureOf(const contract::Event& event)
 const layout::Meaning* meaningOf(const LibraryFunction& function, const FunctionParameter& parameter)
 {
     const bool isNumber = parameter.wire != nullptr && parameter.form == Form::kNumber;
-    const LayoutInUse* const inUse = isNumber ? layoutInUse() : nullptr;
+    const LayoutInUse* const inUse = isNumber ? layoutThatTellsOf(qualified(function, parameter)) : nullptr;
     return inUse == nullptr ? nullptr : inUse->layout.meaningOf(function.name, parameter.name);
 }
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include <unistd.h>
 
@@ -31,6 +32,7 @@ struct Choice
     std::function<void(const std::string&)> remark;
     bool isLoaded = false;
     std::optional<LayoutInUse> layout;
+    std::optional<std::string> handedOut; // not read yet
 };
 
 Choice& choice()
@@ -68,9 +70,9 @@ std::optional<std::string> handedOut()
     return text;
 }
 
-std::optional<LayoutInUse> withoutName()
+std::optional<LayoutInUse> withoutName(std::optional<std::string> text)
 {
-    if (std::optional<std::string> text = handedOut())
+    if (text || (text = handedOut()))
     {
         LayoutInUse result;
         result.source = "the simulated gateway";
@@ -90,7 +92,7 @@ void load(Choice& choice)
         return;
     try
     {
-        choice.layout = choice.file ? fromFile(*choice.file) : withoutName();
+        choice.layout = choice.file ? fromFile(*choice.file) : withoutName(std::exchange(choice.handedOut, {}));
     }
     catch (const base::JsonError& error)
     {
@@ -123,6 +125,7 @@ void loadLayoutAnew()
 {
     choice().isLoaded = false;
     choice().layout.reset();
+    choice().handedOut.reset();
 }
 
 const LayoutInUse* layoutInUse()
@@ -131,6 +134,18 @@ const LayoutInUse* layoutInUse()
     if (!chosen.isLoaded)
         load(chosen);
     return chosen.layout ? &*chosen.layout : nullptr;
+}
+
+const LayoutInUse* layoutThatTellsOf(const std::string& name)
+{
+    Choice& chosen = choice();
+    if (!chosen.file && !chosen.isLoaded && !chosen.handedOut)
+        chosen.handedOut = handedOut();
+    // Written with escapes, the name would look otherwise.
+    if (chosen.handedOut && chosen.handedOut->find('"' + name + '"') == std::string::npos &&
+        chosen.handedOut->find("\\u") == std::string::npos)
+        return nullptr;
+    return layoutInUse();
 }
 
 } // namespace tarn::ctl

@@ -34,6 +34,10 @@ void loadLayoutAnew();
 // Null if there is none. Throws UsageError for a named one that cannot be used.
 const LayoutInUse* layoutInUse();
 
+// The same for a layout that is needed for one name in it, a record's or FUNCTION.ARGUMENT: null as well if it says nothing of
+// that. The one that a simulated gateway hands out is not read for it, which takes most of the time of a call.
+const LayoutInUse* layoutThatTellsOf(const std::string& name);
+
 // What to do where one is needed and there is none.
 inline constexpr char kHowToGiveALayout[] =
     "expected a layout by --layout FILE, TARN_LAYOUT, a running simulated gateway, or /etc/tarn/layout.json";
