@@ -98,6 +98,11 @@ void JsonValue::fail(const std::string& found, const std::string& expected) cons
     place_.fail(found, expected);
 }
 
+bool JsonValue::isNull() const
+{
+    return json_ != nullptr && json_->is_null();
+}
+
 bool JsonValue::boolean() const
 {
     if (json_ == nullptr || !json_->is_boolean())

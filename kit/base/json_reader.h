@@ -77,6 +77,9 @@ public:
     // The same with words for what was found, where its value does not show what is wrong.
     [[noreturn]] void fail(const std::string& found, const std::string& expected) const;
 
+    // Whether it is there and null.
+    bool isNull() const;
+
     // All of these fail if the value is missing, of another kind or out of range. Lengths are in bytes.
     bool boolean() const;
     std::int64_t integer(std::int64_t least, std::int64_t most) const;

@@ -17,8 +17,6 @@ namespace tarn::ctl
 namespace
 {
 
-constexpr char kNullWord[] = "null";
-
 std::vector<std::string> parameterNames(const LibraryFunction& function)
 {
     std::vector<std::string> names;

@@ -15,6 +15,9 @@ namespace tarn::ctl
 inline constexpr std::uint32_t kUsualBufferSize = 1024;
 inline constexpr std::uint32_t kLargestBufferSize = 1024 * 1024;
 
+// A null pointer, unless the assignment is literal.
+inline constexpr char kNullWord[] = "null";
+
 struct Assignment
 {
     std::string name;

@@ -20,6 +20,15 @@ Json Console::document(const char* kind)
     return Json{{"schema", kSchema}, {"kind", kind}};
 }
 
+Json Console::errorDocument(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions)
+{
+    Json error = document("error");
+    error["exit"] = static_cast<int>(exit);
+    error["message"] = message;
+    error["suggestions"] = suggestions;
+    return error;
+}
+
 void Console::write(const Json& document) const
 {
     // Texts of services need not be UTF-8. What is not is replaced here; their bytes are also there in hexadecimal.
@@ -43,13 +52,7 @@ ExitCode Console::fail(ExitCode exit, const std::string& message, const std::vec
         err << "?\n";
     }
     if (json)
-    {
-        Json error = document("error");
-        error["exit"] = static_cast<int>(exit);
-        error["message"] = message;
-        error["suggestions"] = suggestions;
-        write(error);
-    }
+        write(errorDocument(exit, message, suggestions));
     return exit;
 }
 

@@ -37,6 +37,9 @@ public:
     // A JSON document of that kind, still to be filled.
     static Json document(const char* kind);
 
+    // The one of kind "error".
+    static Json errorDocument(ExitCode exit, const std::string& message, const std::vector<std::string>& suggestions);
+
     void write(const Json& document) const;
 
     // An error, or another remark for a person.

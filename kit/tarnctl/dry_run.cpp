@@ -93,32 +93,11 @@ bool isRequestDecoded(const Report& report)
     return std::any_of(report.arguments.all.begin(), report.arguments.all.end(), isKnown);
 }
 
-Json messageDocument(const Report& report, const Request& request)
+const Request& requestOf(const Report& report)
 {
-    Json document = Console::document("dry-run");
-    document["function"] = report.function->name;
-    document["caller"] = report.callerId.value_or("");
-    document["service"] = request.service;
-    document["command"] = request.command;
-    document["wait"] = request.wait;
-    document["length"] = request.message.size();
-    document["byte_order"] = base::kByteOrder;
-    document["message"] = hexText(request.message);
-    document["fields"] = Json::array();
-    for (const MessageField& field : messageFields(*report.function))
-    {
-        Json each = {{"offset", field.offset},
-                     {"size", field.size},
-                     {"name", field.name},
-                     {"role", toString(field.role)},
-                     {"meaning", meaningOf(field, report)}};
-        if (const layout::Structure* const structure = structureOfField(field, report))
-            each["fields"] = fieldsDocument(layout::decode(*structure, request.message.data() + field.offset, field.size));
-        document["fields"].push_back(std::move(each));
-    }
-    document["notes"] = report.arguments.notes;
-    document["layout"] = layoutDocument(isRequestDecoded(report) ? layoutInUse() : nullptr);
-    return document;
+    if (!report.seen.request)
+        throw std::logic_error(report.function->name + " has sent no message that could be shown");
+    return *report.seen.request;
 }
 
 // Rows of the dump: the bytes of one field, in as many lines as they need.
@@ -186,14 +165,41 @@ void writeText(const Console& console, const Report& report, const Request& requ
 
 void writeMessage(const Console& console, const Report& report)
 {
-    if (!report.seen.request)
-        throw std::logic_error(report.function->name + " has sent no message that could be shown");
     for (const std::string& note : report.arguments.notes)
         console.remark("note: " + note);
     if (console.json)
-        console.write(messageDocument(report, *report.seen.request));
+        console.write(messageDocument(report));
     else
-        writeText(console, report, *report.seen.request);
+        writeText(console, report, requestOf(report));
+}
+
+Json messageDocument(const Report& report)
+{
+    const Request& request = requestOf(report);
+    Json document = Console::document("dry-run");
+    document["function"] = report.function->name;
+    document["caller"] = report.callerId.value_or("");
+    document["service"] = request.service;
+    document["command"] = request.command;
+    document["wait"] = request.wait;
+    document["length"] = request.message.size();
+    document["byte_order"] = base::kByteOrder;
+    document["message"] = hexText(request.message);
+    document["fields"] = Json::array();
+    for (const MessageField& field : messageFields(*report.function))
+    {
+        Json each = {{"offset", field.offset},
+                     {"size", field.size},
+                     {"name", field.name},
+                     {"role", toString(field.role)},
+                     {"meaning", meaningOf(field, report)}};
+        if (const layout::Structure* const structure = structureOfField(field, report))
+            each["fields"] = fieldsDocument(layout::decode(*structure, request.message.data() + field.offset, field.size));
+        document["fields"].push_back(std::move(each));
+    }
+    document["notes"] = report.arguments.notes;
+    document["layout"] = layoutDocument(isRequestDecoded(report) ? layoutInUse() : nullptr);
+    return document;
 }
 
 } // namespace tarn::ctl

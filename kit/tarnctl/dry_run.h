@@ -10,4 +10,7 @@ namespace tarn::ctl
 // For a report of a call that was held back.
 void writeMessage(const Console& console, const Report& report);
 
+// The document of kind "dry-run".
+Json messageDocument(const Report& report);
+
 } // namespace tarn::ctl

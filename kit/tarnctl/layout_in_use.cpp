@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include <unistd.h>
@@ -26,13 +28,45 @@ namespace
 constexpr char kUsualFile[] = "/etc/tarn/layout.json";
 constexpr std::uint32_t kWait = 3; // seconds
 
+// One that has not been read, but of which it is known what it does not mention.
+class UnreadLayout
+{
+public:
+    explicit UnreadLayout(std::string text) : text_(std::move(text)), hasEscapes_(text_.find('\\') != std::string::npos)
+    {
+        const std::string_view all = text_;
+        for (std::size_t open = all.find('"'); open != std::string_view::npos;)
+        {
+            const std::size_t close = std::min(all.find('"', open + 1), all.size());
+            strings_.insert(all.substr(open + 1, close - open - 1));
+            open = all.find('"', close + 1);
+        }
+    }
+
+    // Its texts may be anything where some of their characters are escaped.
+    bool mayMention(std::string_view name) const
+    {
+        return hasEscapes_ || strings_.count(name) != 0;
+    }
+
+    std::string text() const
+    {
+        return text_;
+    }
+
+private:
+    const std::string text_;
+    const bool hasEscapes_;
+    std::unordered_set<std::string_view> strings_; // in the text
+};
+
 struct Choice
 {
     std::optional<std::string> file; // named by option or environment
     std::function<void(const std::string&)> remark;
     bool isLoaded = false;
     std::optional<LayoutInUse> layout;
-    std::optional<std::string> handedOut; // not read yet
+    std::unique_ptr<const UnreadLayout> handedOut;
 };
 
 Choice& choice()
@@ -70,9 +104,9 @@ std::optional<std::string> handedOut()
     return text;
 }
 
-std::optional<LayoutInUse> withoutName(std::optional<std::string> text)
+std::optional<LayoutInUse> withoutName(const UnreadLayout* unread)
 {
-    if (text || (text = handedOut()))
+    if (std::optional<std::string> text = unread == nullptr ? handedOut() : unread->text())
     {
         LayoutInUse result;
         result.source = "the simulated gateway";
@@ -92,7 +126,7 @@ void load(Choice& choice)
         return;
     try
     {
-        choice.layout = choice.file ? fromFile(*choice.file) : withoutName(std::exchange(choice.handedOut, {}));
+        choice.layout = choice.file ? fromFile(*choice.file) : withoutName(choice.handedOut.get());
     }
     catch (const base::JsonError& error)
     {
@@ -140,12 +174,10 @@ const LayoutInUse* layoutThatTellsOf(const std::string& name)
 {
     Choice& chosen = choice();
     if (!chosen.file && !chosen.isLoaded && !chosen.handedOut)
-        chosen.handedOut = handedOut();
-    // Written with escapes, the name would look otherwise.
-    if (chosen.handedOut && chosen.handedOut->find('"' + name + '"') == std::string::npos &&
-        chosen.handedOut->find("\\u") == std::string::npos)
-        return nullptr;
-    return layoutInUse();
+        if (std::optional<std::string> text = handedOut())
+            chosen.handedOut = std::make_unique<UnreadLayout>(std::move(*text));
+    const bool isUnread = !chosen.isLoaded && chosen.handedOut != nullptr;
+    return isUnread && !chosen.handedOut->mayMention(name) ? nullptr : layoutInUse();
 }
 
 } // namespace tarn::ctl
