@@ -24,6 +24,7 @@ CHAPTERS = (
     ("Project", (
         ("architecture.html", "ARCHITECTURE.md"),
         ("binary-interface.html", "docs/abi.md"),
+        ("performance.html", "docs/performance.md"),
         ("openwrt.html", "packaging/openwrt/README.md"),
         ("yocto.html", "packaging/yocto/README.md"),
         ("contributing.html", "CONTRIBUTING.md"),

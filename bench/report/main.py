@@ -1,0 +1,93 @@
+"""bench/run behind its options: installs, builds, measures, and writes the page.
+
+A part is a module with
+
+    NAME, PACKAGES, TARGETS    its name as an option, Debian's packages, and the targets of bench/ that it runs
+    measure(programs, quick)   its figures, as JSON has them
+    goals(figures)             what was to be reached, as page.Goal
+    section(figures)           its section of the page, as lines of Markdown
+    PLOTS                      by a picture's name its title, its height, and a function that draws it
+
+and PARTS lists it.
+"""
+import argparse
+import os
+import pathlib
+import subprocess
+import sys
+
+import messages
+import page
+import round_trip
+import stub
+from machine import about
+
+_ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+_BUILD = _ROOT / "build" / "bench"
+_PACKAGES = [
+    *("cmake", "ninja-build", "g++", "pkg-config", "nlohmann-json3-dev", "libcli11-dev", "libmosquitto-dev"),  # as ./demo
+    *("libbenchmark-dev", "python3-matplotlib"),
+]
+PARTS = {part.NAME: part for part in (stub, messages, round_trip)}
+
+
+def options():
+    parser = argparse.ArgumentParser(
+        prog="bench/run", description="Measures what the library and libkoriil cost, and writes docs/performance.md.")
+    parser.add_argument("--only", action="append", choices=PARTS, metavar="PART",
+                        help="measure this alone, and keep what the page has of the others: " + ", ".join(PARTS)
+                        + "; several may be given")
+    parser.add_argument("--quick", action="store_true", help="a few repetitions, to see that all runs: the figures are rough")
+    parser.add_argument("--draw", action="store_true", help="measure nothing: write page and pictures from performance.json")
+    parser.add_argument("--output", type=pathlib.Path, default=_ROOT / "docs", metavar="DIRECTORY",
+                        help="where performance.md, performance.json and pictures/ are written (docs)")
+    given = parser.parse_args()
+    if given.draw and (given.only or given.quick):
+        parser.error("--draw measures nothing, so that it goes without --only and --quick")
+    if not given.output.is_dir():
+        parser.error(f"--output: expected a directory, got {given.output}")
+    return given
+
+
+def install(packages):
+    script = '. packaging/install-packages && install_packages "$@"'
+    if subprocess.run(["sh", "-c", script, "sh", *packages], cwd=_ROOT).returncode != 0:
+        sys.exit(1)
+
+
+def build(targets):
+    log = _ROOT / "build" / "bench.log"
+    log.parent.mkdir(exist_ok=True)
+    print(f"Building (log in {log.relative_to(_ROOT)}) ...", flush=True)
+    with log.open("w", encoding="utf-8") as file:
+        for command in (["cmake", "--preset", "bench"], ["cmake", "--build", "--preset", "bench", "--target", *targets]):
+            if subprocess.run(command, cwd=_ROOT, stdout=file, stderr=subprocess.STDOUT).returncode != 0:
+                sys.exit("".join(log.read_text(encoding="utf-8").splitlines(keepends=True)[-30:]))
+
+
+def programs():
+    """Where each program of bench/ is, by its name."""
+    return {path.name: path for path in (_BUILD / "bench").rglob("tarn_bench_*") if path.is_file() and os.access(path, os.X_OK)}
+
+
+def main():
+    given = options()
+    chosen = [] if given.draw else [PARTS[name] for name in given.only or PARTS]
+    install([*_PACKAGES, *(package for part in PARTS.values() for package in part.PACKAGES)] if chosen else _PACKAGES[-1:])
+    results = page.read(given.output)
+    if chosen:
+        build([target for part in chosen for target in part.TARGETS])
+        load = os.getloadavg()[0]
+        if load > 0.5:
+            print(f"The machine is busy (load {load:.1f}): the figures will be rough.", flush=True)
+    for part in chosen:
+        print(f"Measuring: {part.NAME} ...", flush=True)
+        results[part.NAME] = {"about": about(_ROOT, given.quick), "figures": part.measure(programs(), given.quick)}
+        page.save(given.output, results)
+    if not results:
+        sys.exit(f"{given.output}/performance.json: nothing has been measured yet")
+    missed = page.write(given.output, PARTS, results)
+    print(f"Written: {given.output}/performance.md" + (f"; {missed} goals missed" if missed else "; every goal is met"))
+
+
+main()

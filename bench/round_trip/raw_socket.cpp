@@ -1,0 +1,114 @@
+// Bare sockets, stream and packets: what the kernel takes for the bytes, without a message's name or number. The stream's
+// receiver is told the length by the first word of the message.
+#include "round_trip/peer.h"
+#include "round_trip/unix_socket.h"
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace round_trip
+{
+namespace
+{
+
+bool sendAll(int socket, const char* bytes, std::size_t length)
+{
+    for (std::size_t done = 0; done < length;)
+    {
+        const ssize_t sent = send(socket, bytes + done, length - done, MSG_NOSIGNAL);
+        if (sent <= 0)
+            return false;
+        done += static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
+bool receiveAll(int socket, char* bytes, std::size_t length)
+{
+    for (std::size_t done = 0; done < length;)
+    {
+        const ssize_t received = recv(socket, bytes + done, length - done, 0);
+        if (received <= 0)
+            return false;
+        done += static_cast<std::size_t>(received);
+    }
+    return true;
+}
+
+void echoStream(int socket)
+{
+    std::vector<char> message(kLongest);
+    for (;;)
+    {
+        std::uint32_t length;
+        ssize_t received = recv(socket, message.data(), message.size(), 0);
+        if (received < static_cast<ssize_t>(sizeof length))
+            break;
+        std::memcpy(&length, message.data(), sizeof length);
+        const auto first = static_cast<std::size_t>(received);
+        if (length > kLongest || !receiveAll(socket, message.data() + first, length - first) ||
+            !sendAll(socket, message.data(), length))
+            break;
+    }
+    close(socket);
+}
+
+void echoPackets(int socket)
+{
+    std::vector<char> message(kLongest);
+    ssize_t received;
+    while ((received = recv(socket, message.data(), message.size(), 0)) > 0)
+        if (send(socket, message.data(), static_cast<std::size_t>(received), MSG_NOSIGNAL) != received)
+            break;
+    close(socket);
+}
+
+class RawConnection : public Connection
+{
+public:
+    RawConnection(const std::string& path, int type) : socket_(connectTo(path, type))
+    {
+    }
+    ~RawConnection() override
+    {
+        close(socket_);
+    }
+
+    void call(void* message, std::size_t length) override
+    {
+        auto* const bytes = static_cast<char*>(message);
+        if (!sendAll(socket_, bytes, length) || !receiveAll(socket_, bytes, length))
+            failWithReason("a bare socket");
+    }
+
+private:
+    const int socket_;
+};
+
+} // namespace
+
+const Peer kStream = {"stream socket",
+                      [](const std::string& directory, const std::function<void()>& ready)
+                      {
+                          const int listener = listenAt(directory + "/stream", SOCK_STREAM);
+                          ready();
+                          acceptAll(listener, echoStream);
+                      },
+                      [](const std::string& directory) -> std::unique_ptr<Connection>
+                      { return std::make_unique<RawConnection>(directory + "/stream", SOCK_STREAM); }};
+
+const Peer kSeqpacket = {"seqpacket socket",
+                         [](const std::string& directory, const std::function<void()>& ready)
+                         {
+                             const int listener = listenAt(directory + "/seqpacket", SOCK_SEQPACKET);
+                             ready();
+                             acceptAll(listener, echoPackets);
+                         },
+                         [](const std::string& directory) -> std::unique_ptr<Connection>
+                         { return std::make_unique<RawConnection>(directory + "/seqpacket", SOCK_SEQPACKET); }};
+
+} // namespace round_trip
