@@ -21,6 +21,7 @@ PacketValidity validityOf(const PacketHeader& header, std::size_t received)
 
 bool sendPacket(int socket, const PacketHeader& header, const void* message)
 {
+    constexpr int kFlags = MSG_NOSIGNAL | MSG_DONTWAIT;
     iovec parts[2] = {};
     parts[0].iov_base = const_cast<PacketHeader*>(&header);
     parts[0].iov_len = sizeof header;
@@ -28,11 +29,12 @@ bool sendPacket(int socket, const PacketHeader& header, const void* message)
     parts[1].iov_len = header.length;
     msghdr packet = {};
     packet.msg_iov = parts;
-    packet.msg_iovlen = header.length > 0 ? 2 : 1;
+    packet.msg_iovlen = 2;
 
+    const bool isOnePart = header.length == 0 || message == &header + 1; // which costs the kernel less than a list of parts
     ssize_t sent;
     do
-        sent = sendmsg(socket, &packet, MSG_NOSIGNAL | MSG_DONTWAIT);
+        sent = isOnePart ? send(socket, &header, sizeof header + header.length, kFlags) : sendmsg(socket, &packet, kFlags);
     while (sent < 0 && errno == EINTR);
     return sent >= 0;
 }
