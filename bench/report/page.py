@@ -8,8 +8,8 @@ _INTRODUCTION = """\
 
 `bench/run` measures all of this and writes this page; `bench/run --help` says how to measure a part of it. Whatever is compared
 was interleaved, repetition by repetition, in one run of one program, so that other load affects all alike. Figures are medians
-of the repetitions. In brackets is between what a figure is with a probability of 95 %. Take ratios to another machine, not
-times. All figures are in `docs/performance.json`.
+of the repetitions; the range in brackets is a figure's 95 % interval. Take ratios to another machine, not times. All figures
+are in `docs/performance.json`.
 """
 
 

@@ -39,7 +39,10 @@ def goals(figures):
              spread(longest["ratio"], ".3f", " ×"), longest["ratio"]["value"] <= _MOST_RATIO),
         Goal("Library above the floor, message of 8 bytes", f"at most {_MOST_NANOSECONDS} ns",
              spread(shortest["above"], ".1f", " ns"), shortest["above"]["value"] <= _MOST_NANOSECONDS,
-             "The instructions beside it are the same on every machine; what they take depends on its clock."),
+             f"it is {shortest['instructions'] - shortest['instructionsOfFloor']} instructions, most of them in the steps that "
+             "all functions share: the caller id and the pointers are checked, the message is cleared by a call of memset, "
+             "because the steps do not know its length, and the platform's status is looked at. A copy of the steps in each "
+             "function would spare a few of them, and take flash in all."),
         Goal("Allocations in a call of the library", "none", str(allocations), allocations == 0),
     ]
 

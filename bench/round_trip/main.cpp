@@ -34,8 +34,8 @@ void failWithReason(const std::string& what)
 namespace
 {
 
-const Peer* const kPeers[] = {&kSharedMemory, &kStream, &kSeqpacket,  &kKoriil, &kOncRpc,
-                              &kSdBus,        &kZeroMq, &kDBusDaemon, &kGrpc};
+const Peer* const kPeers[] = {&kSharedMemory, &kStream, &kSeqpacket, &kSeqpacketEpoll, &kKoriil,
+                              &kOncRpc,       &kSdBus,  &kZeroMq,    &kDBusDaemon,     &kGrpc};
 constexpr std::size_t kLengths[] = {12, 144, 9584}; // the shortest of a kind, a common one, the longest
 constexpr int kCallers[] = {1, 2, 4, 8, 64};
 

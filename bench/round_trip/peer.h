@@ -36,7 +36,7 @@ struct Peer
     std::unique_ptr<Connection> (*connect)(const std::string& directory);
 };
 
-extern const Peer kDBusDaemon, kGrpc, kKoriil, kOncRpc, kSdBus, kSeqpacket, kSharedMemory, kStream, kZeroMq;
+extern const Peer kDBusDaemon, kGrpc, kKoriil, kOncRpc, kSdBus, kSeqpacket, kSeqpacketEpoll, kSharedMemory, kStream, kZeroMq;
 
 [[noreturn]] void fail(const std::string& what);
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <vector>
 
+#include <sys/epoll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -57,14 +58,46 @@ void echoStream(int socket)
     close(socket);
 }
 
+// False once the caller has hung up.
+bool echoPacket(int socket, std::vector<char>& message)
+{
+    const ssize_t received = recv(socket, message.data(), message.size(), 0);
+    return received > 0 && send(socket, message.data(), static_cast<std::size_t>(received), MSG_NOSIGNAL) == received;
+}
+
 void echoPackets(int socket)
 {
     std::vector<char> message(kLongest);
-    ssize_t received;
-    while ((received = recv(socket, message.data(), message.size(), 0)) > 0)
-        if (send(socket, message.data(), static_cast<std::size_t>(received), MSG_NOSIGNAL) != received)
-            break;
+    while (echoPacket(socket, message))
+    {
+    }
     close(socket);
+}
+
+// Serves all callers on this thread, which has to ask who of them has sent something.
+[[noreturn]] void echoPacketsOfAll(int listener)
+{
+    const int poll = epoll_create1(EPOLL_CLOEXEC);
+    const auto watch = [poll](int socket)
+    {
+        epoll_event event = {};
+        event.events = EPOLLIN;
+        event.data.fd = socket;
+        if (epoll_ctl(poll, EPOLL_CTL_ADD, socket, &event) != 0)
+            failWithReason("watching a socket");
+    };
+    watch(listener);
+    std::vector<char> message(kLongest);
+    for (;;)
+    {
+        epoll_event events[32];
+        const int count = epoll_wait(poll, events, 32, -1);
+        for (int i = 0; i < count; ++i)
+            if (const int socket = events[i].data.fd; socket == listener)
+                watch(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+            else if (!echoPacket(socket, message))
+                close(socket);
+    }
 }
 
 class RawConnection : public Connection
@@ -110,5 +143,15 @@ const Peer kSeqpacket = {"seqpacket socket",
                          },
                          [](const std::string& directory) -> std::unique_ptr<Connection>
                          { return std::make_unique<RawConnection>(directory + "/seqpacket", SOCK_SEQPACKET); }};
+
+const Peer kSeqpacketEpoll = {"seqpacket, epoll",
+                              [](const std::string& directory, const std::function<void()>& ready)
+                              {
+                                  const int listener = listenAt(directory + "/epoll", SOCK_SEQPACKET);
+                                  ready();
+                                  echoPacketsOfAll(listener);
+                              },
+                              [](const std::string& directory) -> std::unique_ptr<Connection>
+                              { return std::make_unique<RawConnection>(directory + "/epoll", SOCK_SEQPACKET); }};
 
 } // namespace round_trip
