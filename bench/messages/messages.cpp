@@ -20,7 +20,9 @@ std::array<unsigned char, bench::kRecordSize> numbered()
 std::size_t recordSizeOf(const bench::Case& tried)
 {
     const std::size_t length = std::stoul(tried.name.substr(tried.name.find('/') + 1));
-    return length == 12 ? 4 : length == 144 ? 128 : 9552;
+    if (length == 12)
+        return 4;
+    return length == 144 ? 128 : 9552;
 }
 
 // Whether the caller's record is the service's afterwards, and nothing behind it has changed.

@@ -48,17 +48,16 @@ std::uint32_t getRadio(void* record)
 } // namespace
 
 // The service's half: it looks at the ids and writes its record and the status.
-extern "C" std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t length,
-                                       void* message)
+extern "C" std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t msgLen, void* msg)
 {
-    auto* const bytes = static_cast<unsigned char*>(message);
+    auto* const bytes = static_cast<unsigned char*>(msg);
     std::uint32_t radio;
     std::memcpy(&radio, bytes, sizeof radio);
     if (radio != messages::kRequest.radio)
         return 3;
-    const Place place = placeOfRecord(length);
+    const Place place = placeOfRecord(msgLen);
     std::memcpy(bytes + place.offset, messages::serviceRecord.data(), place.size);
-    std::memcpy(bytes + length - sizeof messages::kStatus, &messages::kStatus, sizeof messages::kStatus);
+    std::memcpy(bytes + msgLen - sizeof messages::kStatus, &messages::kStatus, sizeof messages::kStatus);
     return 0;
 }
 

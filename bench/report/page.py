@@ -33,10 +33,9 @@ def paragraph(text):
 
 
 def table(heads, rows):
-    """Text to the left in the first column, numbers to the right in the others."""
     return [
         "| " + " | ".join(heads) + " |",
-        "|---|" + "---:|" * (len(heads) - 1),
+        "|" + "---|" * len(heads),
         *("| " + " | ".join(map(str, row)) + " |" for row in rows),
         "",
     ]

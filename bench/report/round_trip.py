@@ -194,11 +194,12 @@ def _tail(figure, theme, figures):
 
 def _callers(figure, theme, figures):
     colours = _colours(theme)
+    dashes = dict(zip(_RAW, ((0, (1, 1)), "-.", "--", (0, (5, 1)))))
     for axes, place in zip(figure.subplots(1, len(_PLACES), sharey=True), _PLACES):
         for peer in _PEERS:
             values = [figures[place][f"{peer}/9584/{callers}"]["callsPerSecond"]["value"] for callers in _CALLERS]
             axes.plot(range(len(_CALLERS)), values, color=colours[peer], linewidth=2.5 if peer == _OURS else 1.2,
-                      linestyle="--" if peer in _RAW else "-", marker="o", markersize=3, label=peer)
+                      linestyle=dashes.get(peer, "-"), marker="o", markersize=3, label=peer)
         axes.set_yscale("log")
         plots.plain_ticks(axes.yaxis)
         axes.set_xticks(range(len(_CALLERS)), _CALLERS)

@@ -75,6 +75,7 @@ Calls callTogether(const Peer& peer, const std::string& directory, std::size_t l
     pthread_barrier_init(&start, nullptr, static_cast<unsigned>(callers));
     std::vector<Times> all(static_cast<std::size_t>(callers));
     std::vector<std::thread> threads;
+    threads.reserve(all.size());
     for (Times& each : all)
         threads.emplace_back([&] { callAlone(peer, directory, length, std::max(1, calls / callers), start, each); });
     for (std::thread& each : threads)

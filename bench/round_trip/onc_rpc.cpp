@@ -12,7 +12,8 @@
 
 #include "echo_rpc.h"
 
-extern "C" void echo_program_1(struct svc_req* request, SVCXPRT* transport); // of rpcgen, which declares it nowhere
+// Of rpcgen, which declares it nowhere.
+extern "C" void echo_program_1(svc_req* request, SVCXPRT* transport); // NOLINT(readability-identifier-naming)
 
 // The service, as rpcgen expects it.
 extern "C" bool_t echo_1_svc(EchoBytes* argument, EchoBytes* result, svc_req*)

@@ -46,7 +46,7 @@ void echoStream(int socket)
     for (;;)
     {
         std::uint32_t length;
-        ssize_t received = recv(socket, message.data(), message.size(), 0);
+        const ssize_t received = recv(socket, message.data(), message.size(), 0);
         if (received < static_cast<ssize_t>(sizeof length))
             break;
         std::memcpy(&length, message.data(), sizeof length);

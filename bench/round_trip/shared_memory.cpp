@@ -117,6 +117,7 @@ const Peer kSharedMemory = {"shared memory",
                             {
                                 SharedSlot* const slots = sharedSlots(directory, O_CREAT);
                                 std::vector<std::thread> threads;
+                                threads.reserve(kSlots);
                                 for (std::size_t i = 0; i < kSlots; ++i)
                                     threads.emplace_back(serveSlot, std::ref(slots[i]));
                                 ready();

@@ -7,9 +7,9 @@
 #include "kor_iil.h"
 
 // A platform that does nothing, so that only what is above it is measured.
-extern "C" std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t, void* message)
+extern "C" std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t, void* msg)
 {
-    asm volatile("" : : "r"(message) : "memory");
+    asm volatile("" : : "r"(msg) : "memory");
     return 0;
 }
 
