@@ -87,7 +87,7 @@ def main():
     if not results:
         sys.exit(f"{given.output}/performance.json: nothing has been measured yet")
     missed = page.write(given.output, PARTS, results)
-    print(f"Written: {given.output}/performance.md" + (f"; {missed} goals missed" if missed else "; every goal is met"))
+    print(f"Written: {given.output}/performance.md; goals missed: {missed}")
 
 
 main()

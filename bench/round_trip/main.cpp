@@ -1,9 +1,10 @@
 // A message to another process and back, by libkoriil and by its peers.
 //
-//   tarn_bench_round_trip CALLS OPTION...     CALLS in each repetition, by all callers together; options of Google Benchmark
+//   tarn_bench_round_trip DIRECTORY CALLS OPTION...
 //
-// A benchmark is peer/length/callers; its time is that of all calls, its counters are nanoseconds of a call. All processes run
-// on the processors that this one may use.
+// The services' sockets are in the directory, and what is shared of memory; CALLS are made in each repetition, by all callers
+// together; the options are those of Google Benchmark. A benchmark is peer/length/callers; its time is that of all calls, its
+// counters are nanoseconds of a call. All processes run on the processors that this one may use.
 #include "round_trip/callers.h"
 
 #include <cerrno>
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
 
 #include <benchmark/benchmark.h>
@@ -38,32 +38,6 @@ const Peer* const kPeers[] = {&kSharedMemory, &kStream, &kSeqpacket, &kSeqpacket
                               &kOncRpc,       &kSdBus,  &kZeroMq,    &kDBusDaemon,     &kGrpc};
 constexpr std::size_t kLengths[] = {12, 144, 9584}; // the shortest of a kind, a common one, the longest
 constexpr int kCallers[] = {1, 2, 4, 8, 64};
-
-// Where the services' sockets are, and what is in memory: removed with all in it.
-class Directory
-{
-public:
-    Directory()
-    {
-        if (mkdtemp(path_.data()) == nullptr || setenv("KORIIL_DIR", path_.c_str(), 1) != 0)
-            failWithReason("a directory for the services");
-    }
-    ~Directory()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
-
-    const std::string& path() const
-    {
-        return path_;
-    }
-
-private:
-    std::string path_ = "/dev/shm/tarn-bench-XXXXXX";
-};
 
 // In a process that ends with this one.
 void startService(const Peer& peer, const std::string& directory)
@@ -137,18 +111,18 @@ int main(int argc, char** argv)
 try
 {
     benchmark::Initialize(&argc, argv);
-    const int calls = argc == 2 ? std::atoi(argv[1]) : 0;
+    const int calls = argc == 3 ? std::atoi(argv[2]) : 0;
     if (calls <= 0)
     {
-        std::fprintf(stderr,
-                     "usage: tarn_bench_round_trip CALLS OPTION...\nCALLS is a number, and the options are those of Google "
-                     "Benchmark\n");
+        std::fprintf(stderr, "usage: tarn_bench_round_trip DIRECTORY CALLS OPTION...\n"
+                             "CALLS is a number, and the options are those of Google Benchmark\n");
         return 2;
     }
-    const round_trip::Directory directory;
+    const std::string directory = argv[1];
+    setenv("KORIIL_DIR", argv[1], 1);
     for (const round_trip::Peer* const peer : round_trip::kPeers)
-        round_trip::startService(*peer, directory.path());
-    round_trip::registerAll(directory.path(), calls);
+        round_trip::startService(*peer, directory);
+    round_trip::registerAll(directory, calls);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }
