@@ -3,6 +3,8 @@ import json
 import textwrap
 from dataclasses import dataclass
 
+import plots
+
 _INTRODUCTION = """\
 # What it costs
 
@@ -90,8 +92,6 @@ def _goal_lines(goals):
 
 def write(output, parts, results):
     """Writes the page and the pictures of what has been measured. Returns how many goals were missed."""
-    import plots
-
     measured = [(part, results[name]) for name, part in parts.items() if name in results]
     goals = [goal for part, result in measured for goal in part.goals(result["figures"])]
     lines = [_INTRODUCTION, *_goal_lines(goals)]

@@ -1,9 +1,5 @@
-"""Pictures as SVG, for light and for dark pages."""
+"""Pictures as SVG, for light and for dark pages. matplotlib is imported when it is needed: before that it may be missing."""
 from dataclasses import dataclass
-
-import matplotlib
-import matplotlib.figure
-import matplotlib.ticker
 
 _WIDTH, _INCH = 8.8, 100  # inches; pixels of one
 _METADATA = ("Date", "Creator", "Format", "Type")
@@ -49,12 +45,17 @@ def _settings(theme, name):
 
 def plain_ticks(axis):
     """Numbers as people write them, on a logarithmic axis too."""
+    import matplotlib.ticker
+
     axis.set_major_formatter(matplotlib.ticker.FuncFormatter(lambda value, _: f"{value:,.10g}"))
     axis.set_minor_formatter(matplotlib.ticker.NullFormatter())
 
 
 def draw(plots, figures, directory):
     """Each plot: a title, the picture's height in pixels, and what draws it into a figure."""
+    import matplotlib
+    import matplotlib.figure
+
     directory.mkdir(exist_ok=True)
     for name, (title, height, into) in plots.items():
         for shade, theme in THEMES.items():
