@@ -33,7 +33,7 @@ def _commit(root):
         return "unknown"
 
 
-def about(root, quick):
+def about(root, load, quick):
     return {
         "cpu": _cpu(),
         "processors": len(os.sched_getaffinity(0)),
@@ -41,6 +41,6 @@ def about(root, quick):
         "compiler": _compiler(),
         "commit": _commit(root),
         "date": datetime.datetime.now(datetime.timezone.utc).strftime("%Y-%m-%d %H:%M UTC"),
-        "load": round(os.getloadavg()[0], 1),
+        "load": round(load, 1),
         "quick": quick,
     }

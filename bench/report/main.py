@@ -75,14 +75,14 @@ def main():
     chosen = [] if given.draw else [PARTS[name] for name in given.only or PARTS]
     install([*_PACKAGES, *(package for part in PARTS.values() for package in part.PACKAGES)] if chosen else _PACKAGES[-1:])
     results = page.read(given.output)
+    load = os.getloadavg()[0]  # that of others: the build is not part of it yet
     if chosen:
-        build([target for part in chosen for target in part.TARGETS])
-        load = os.getloadavg()[0]
         if load > 0.5:
             print(f"The machine is busy (load {load:.1f}): the figures will be rough.", flush=True)
+        build([target for part in chosen for target in part.TARGETS])
     for part in chosen:
         print(f"Measuring: {part.NAME} ...", flush=True)
-        results[part.NAME] = {"about": about(_ROOT, given.quick), "figures": part.measure(programs(), given.quick)}
+        results[part.NAME] = {"about": about(_ROOT, load, given.quick), "figures": part.measure(programs(), given.quick)}
         page.save(given.output, results)
     if not results:
         sys.exit(f"{given.output}/performance.json: nothing has been measured yet")
