@@ -51,7 +51,7 @@ def options():
 
 def install(packages):
     script = '. packaging/install-packages && install_packages "$@"'
-    if subprocess.run(["sh", "-c", script, "sh", *packages], cwd=_ROOT).returncode != 0:
+    if subprocess.run(["sh", "-c", script, "sh", *dict.fromkeys(packages)], cwd=_ROOT).returncode != 0:
         sys.exit(1)
 
 

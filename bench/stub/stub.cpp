@@ -2,13 +2,37 @@
 #include "harness/cases.h"
 #include "stub/floor.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <tuple>
 
 #include "kor_iil.h"
 
-// A platform that does nothing, so that only what is above it is measured.
-extern "C" std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t, void* msg)
+namespace
 {
+
+// What a call hands to the platform.
+using Sent = std::tuple<std::string, std::uint32_t, std::uint32_t, std::vector<unsigned char>>;
+
+Sent* watched = nullptr; // what is sent, while two functions are compared
+
+void watch(const char* service, std::uint32_t wait, std::uint32_t command, std::uint32_t length, void* message)
+{
+    auto* const bytes = static_cast<unsigned char*>(message);
+    *watched = {service, wait, command, {bytes, bytes + length}};
+    for (std::uint32_t i = 0; i < length; ++i)
+        bytes[i] = static_cast<unsigned char>(i * 7 + 1);
+}
+
+} // namespace
+
+// A platform that does nothing, so that only what is above it is measured.
+extern "C" std::uint32_t KorIilExecute(const char*, const char* serviceId, std::uint32_t wait, std::uint32_t cmdId,
+                                       std::uint32_t msgLen, void* msg)
+{
+    if (watched != nullptr)
+        watch(serviceId, wait, cmdId, msgLen, msg);
     asm volatile("" : : "r"(msg) : "memory");
     return 0;
 }
@@ -100,9 +124,27 @@ std::vector<bench::Case> allCases()
     return cases;
 }
 
+// What a call sends, returns, and leaves in the caller's record.
+std::tuple<Sent, std::uint32_t, std::vector<unsigned char>> observed(bench::Call call)
+{
+    Sent sent;
+    watched = &sent;
+    std::vector<unsigned char> record(bench::kRecordSize, 0x55);
+    const std::uint32_t status = call(record.data());
+    watched = nullptr;
+    return {sent, status, record};
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    return bench::runCases(argc, argv, allCases());
+    const std::vector<bench::Case> cases = allCases();
+    for (std::size_t i = 0; i < cases.size(); i += 2)
+        if (observed(cases[i].call) != observed(cases[i + 1].call))
+        {
+            std::fprintf(stderr, "%s and %s do not do the same\n", cases[i].name.c_str(), cases[i + 1].name.c_str());
+            return 1;
+        }
+    return bench::runCases(argc, argv, cases);
 }
