@@ -18,7 +18,10 @@ def _system():
 
 
 def _compiler():
-    return subprocess.run(["c++", "--version"], check=True, capture_output=True, text=True).stdout.splitlines()[0]
+    try:
+        return subprocess.run(["c++", "--version"], check=True, capture_output=True, text=True).stdout.splitlines()[0]
+    except OSError:
+        return "no compiler"
 
 
 def _commit(root):

@@ -16,6 +16,7 @@ import pathlib
 import subprocess
 import sys
 
+import flash
 import messages
 import page
 import round_trip
@@ -26,9 +27,9 @@ _ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 _BUILD = _ROOT / "build" / "bench"
 _PACKAGES = [
     *("cmake", "ninja-build", "g++", "pkg-config", "nlohmann-json3-dev", "libcli11-dev", "libmosquitto-dev"),  # as ./demo
-    *("libbenchmark-dev", "python3-matplotlib"),
+    "libbenchmark-dev",
 ]
-PARTS = {part.NAME: part for part in (stub, messages, round_trip)}
+PARTS = {part.NAME: part for part in (flash, stub, messages, round_trip)}
 
 
 def options():
@@ -56,6 +57,10 @@ def install(packages):
 
 
 def build(targets):
+    """With all peers' packages: bench/ is configured as a whole."""
+    if not targets:
+        return
+    install([*_PACKAGES, *(package for part in PARTS.values() for package in part.PACKAGES)])
     log = _ROOT / "build" / "bench.log"
     log.parent.mkdir(exist_ok=True)
     print(f"Building (log in {log.relative_to(_ROOT)}) ...", flush=True)
@@ -72,14 +77,15 @@ def programs():
 
 def main():
     given = options()
-    chosen = [] if given.draw else [PARTS[name] for name in given.only or PARTS]
-    install([*_PACKAGES, *(package for part in PARTS.values() for package in part.PACKAGES)] if chosen else _PACKAGES[-1:])
+    chosen = [] if given.draw else [PARTS[name] for name in dict.fromkeys(given.only or PARTS)]
+    targets = [target for part in chosen for target in part.TARGETS]
+    install(["python3-matplotlib"])
     results = page.read(given.output)
     load = os.getloadavg()[0]  # that of others: the build is not part of it yet
     if chosen:
         if load > 0.5:
             print(f"The machine is busy (load {load:.1f}): the figures will be rough.", flush=True)
-        build([target for part in chosen for target in part.TARGETS])
+        build(targets)
     for part in chosen:
         print(f"Measuring: {part.NAME} ...", flush=True)
         results[part.NAME] = {"about": about(_ROOT, load, given.quick), "figures": part.measure(programs(), given.quick)}

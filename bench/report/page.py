@@ -1,5 +1,6 @@
 """docs/performance.md, its pictures, and the figures that both are made of."""
 import json
+import sys
 import textwrap
 from dataclasses import dataclass
 
@@ -57,7 +58,10 @@ def picture(name, conclusion):
 
 def read(output):
     path = output / "performance.json"
-    return json.loads(path.read_text(encoding="utf-8")) if path.exists() else {}
+    try:
+        return json.loads(path.read_text(encoding="utf-8")) if path.exists() else {}
+    except ValueError as error:
+        sys.exit(f"{path}: expected what bench/run has written; {error}")
 
 
 def _lines(value, indent=""):
