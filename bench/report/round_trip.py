@@ -80,7 +80,7 @@ def _why_missed(figures):
 
 # Each tried alone on the bare socket.
 _REMAINS = (
-    "Of what remains most is four things that libkoriil promises, each 1 to 2 % when it is added to the bare socket: a "
+    "Of what remains most is four things that libkoriil promises, each about 1 to 2 % when it is added to the bare socket: a "
     "header before the caller's message, which the kernel is given as two parts; a copy of the reply, so that a message stays "
     "as it was unless the reply is right; the question at every call whether this is still the process that opened the "
     "connection; and the clock, for the wait. A thread for each caller would spare the asking, and cost a service a stack for "

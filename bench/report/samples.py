@@ -8,14 +8,18 @@ import sys
 import tempfile
 
 _RESAMPLES = 2000
+_LONGEST = 900  # seconds that a program may take
 
 
 def run(command, fields):
     """Runs such a program, everything in it interleaved. {name: {field: a value for each repetition}}"""
     with tempfile.TemporaryDirectory() as directory:
         out = os.path.join(directory, "out.json")
-        done = subprocess.run(
-            [*command, f"--benchmark_out={out}", "--benchmark_enable_random_interleaving=true"], capture_output=True, text=True)
+        command = [*map(str, command), f"--benchmark_out={out}", "--benchmark_enable_random_interleaving=true"]
+        try:
+            done = subprocess.run(command, capture_output=True, text=True, timeout=_LONGEST)
+        except subprocess.TimeoutExpired:
+            sys.exit(f"{command}: has not ended within {_LONGEST} seconds")
         if done.returncode != 0:
             sys.exit(f"{command}: exit code {done.returncode}\n{done.stderr}")
         with open(out, encoding="utf-8") as file:
