@@ -3,7 +3,8 @@
 //
 // One offer a line: the word and, behind a tab, what it is. `<file>` and `<directory>` mean that names of these fit as well.
 // Verbs and options are the parser's own, functions and arguments the catalogue's, fields and values the layout's, and what the
-// gateway has is asked of it, unless it is behind a broker: that may take long. What cannot be found out is not offered; nobody wants an error while typing.
+// gateway has is asked of it, unless it is behind a broker: that may take long. What cannot be found out is not offered; nobody
+// wants an error while typing.
 #include "tarnctl/layout_in_use.h"
 #include "tarnctl/offers.h"
 #include "tarnctl/order_offers.h"
