@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Compares what the library takes of a gateway's flash and of a thread's stack with what is written down in tests/repository/size.
+"""Compares what the library takes of a gateway's flash and of a thread's stack with what tests/repository/size says of it.
 
     tests/repository/size.py compare [FOLDER]    with the tables in another folder
     tests/repository/size.py write               writes it down, for a commit whose message says why it has changed
 
 The library is built for each processor as for a gateway (-Os -fPIC, without the kit). `shared` is libtarn.so; `static` is a
-program that holds all of libtarn.a and nothing else. Names and texts, which each shared library has besides code and constants,
-are in `file`: the stripped file. `xz` is that file as a squashfs holds it: xz --check=crc32 --lzma2=preset=9e, behind the filter for
-the processor's code where xz has one (--powerpc, --armthumb, --x86), as of mksquashfs -comp xz -Xbcj. `frame` is the stack of
-one function as the compiler calculated it; of a function with a message, what it takes besides the message.
+program that holds all of libtarn.a and nothing else. `file` is the stripped file, in which a shared library has names besides
+code and constants. `xz` is that file as a squashfs holds it: xz --check=crc32 --lzma2=preset=9e, behind the filter for the
+processor's code where xz has one (--powerpc, --armthumb, --x86), as of mksquashfs -comp xz -Xbcj. `frame` is the stack of one
+function as the compiler calculated it; of a function with a message, what it takes besides the message.
 """
 import functools
 import glob
@@ -80,10 +80,10 @@ class Build:
     def code(self):
         """Bytes of code of each function."""
         sizes = {}
-        for line in output_of(self.tools + "nm", "-S", "--defined-only", self.archive).splitlines():
-            symbol = re.match(r"\w+ (\w+) [tTwW] (\w+)", line)
+        for line in output_of(self.tools + "nm", "-C", "-S", "--defined-only", self.archive).splitlines():
+            symbol = re.match(r"\w+ (\w+) [tTwW] (.*)", line)
             if symbol:
-                name = plain_name(output_of("c++filt", symbol.group(2)) if symbol.group(2).startswith("_Z") else symbol.group(2))
+                name = plain_name(symbol.group(2))
                 sizes[name] = sizes.get(name, 0) + int(symbol.group(1), 16)
         return sizes
 
