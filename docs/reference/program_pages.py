@@ -140,7 +140,7 @@ def _option(term):
     """An option as the help has it, "--caller TEXT=tarnctl Excludes: --null-caller", as macros, and what else there is."""
     match = re.fullmatch(r"(?P<names>-\S+)(?: (?P<value>[A-Z]+|\[FILE\]|RADIOS .*STATIONS)(?: x 3)?)?"
                          r"(?::(?:\{(?P<words>.*?)\}|(?P<range>[0-9].*?)|\w+ in \[(?P<interval>.*?)\]|NONNEGATIVE))?"
-                         r"(?:=(?P<default>\S+))?(?: Excludes: (?P<other>\S+))?", term)
+                         r"(?:=(?P<default>\S+))?(?: Excludes: (?P<others>.*))?", term)
     if match is None:
         raise SystemExit("program_pages.py: an option that it does not know how to read: " + term)
     names = match["names"].replace("{false}", "").split(",")
@@ -155,8 +155,8 @@ def _option(term):
         remarks.append("From %s to %s" % (first, re.sub(r"[0-9.]+e\+?[0-9]+", lambda each: "%d" % float(each[0]), last)))
     if match["default"]:
         remarks.append(match["default"] + " if left out")
-    if match["other"]:
-        remarks.append("Not with " + match["other"])
+    if match["others"]:
+        remarks.append("Not with " + match["others"].replace(" ", ", "))
     return head, remarks
 
 

@@ -25,14 +25,16 @@ constexpr char kCallHelp[] = R"(Values:
 Outputs are left out, or null. So may be optional inputs, and the size of an
 output's buffer, which is 1024 bytes then.
 
-With --stdin each line of standard input is a JSON object, and is answered by
-one line, a JSON document as of --json, before the next one is read:
+Lines of standard input:
   {"function": NAME, "arguments": {ARGUMENT: VALUE, ...}, "caller": ID}
-Of these, "function" has to be there. A value is an integer, null for a null
-pointer, or a text, which is written as above; the caller is a text or null.
-Each document has the number of its line as "line". A line that cannot be
-carried out gets a document of kind "error" that says what was expected. The
-exit code is that of the first line that failed.
+
+With --stdin each line is such a JSON object, and is answered by one line, a
+JSON document as with --json, before the next one is read. Of its keys only
+"function" has to be there. A value is an integer, null for a null pointer, or
+a text, which is written as above; a caller is a text or null. Each document
+has the number of its line as "line". A line that cannot be carried out gets a
+document of kind "error" that says what was expected. The exit code is that of
+the first line that failed.
 
 Examples:
   tarnctl call TarnGetRadio radioId=1
