@@ -422,6 +422,13 @@ TEST_F(FleetProgramTest, TarnctlReachesOneGatewayForOneCommand)
     const Ended ended = end(begin({"--gateway", "home-02", "call", "TarnGetLogLevel"}, TARNCTL_PROGRAM));
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_EQ(ended.out, "level: 2 (0x00000002)\nreply status: 0\n");
+    const std::string line = R"('{"function": "TarnGetLogLevel"}' )";
+    const std::string manyCalls = "printf '%s\\n' " + line + line + "| " TARNCTL_PROGRAM " --gateway home-02 call --stdin";
+    const Ended many = end(begin({"-c", manyCalls}, "/bin/sh"));
+    EXPECT_EQ(many.exit, 0) << many.err;
+    EXPECT_EQ(documentsIn(many.out).size(), 2u);
+    for (const nlohmann::json& document : documentsIn(many.out))
+        EXPECT_EQ(document["outputs"]["level"]["value"], 2);
     homes_[1]->stop();
     const Ended gone = end(begin({"--gateway", "home-02", "call", "TarnGetLogLevel"}, TARNCTL_PROGRAM));
     EXPECT_EQ(gone.exit, kNoService);
