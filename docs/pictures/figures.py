@@ -1,4 +1,4 @@
-"""The figures of ARCHITECTURE.md: the house, and the life of one call."""
+"""The figures of the documents: the house, the life of one call, and the way of a call through a message broker."""
 import html
 from dataclasses import dataclass
 
@@ -132,20 +132,17 @@ _STEPS = (
 )
 
 
-def call(theme):
-    """The steps of one call from the top to the bottom; what ends it early is dashed."""
+def _sequence(theme, title, description, columns, steps, ships):
+    """What passes between the columns, from the top to the bottom; what ends it early is dashed."""
     step = 44
-    height = 106 + step * len(_STEPS)
-    sheet = _Sheet(height, theme, "The life of one call", "A component calls TarnGetRadio. libtarn refuses bad arguments, "
-                   "fills a message and hands it to the IPC library, which brings the service's reply. libtarn copies the "
-                   "record out and returns the reply status. A refused argument returns 3, a failed IPC call 1 or 2, each with "
-                   "one trace.")
-    for at, (name, x) in enumerate(_FOUR):
+    height = 106 + step * len(steps)
+    sheet = _Sheet(height, theme, title, description)
+    for at, (name, x) in enumerate(columns):
         sheet.line((x, 56), (x, height - 24), "life")
-        sheet.box(x - 66, 20, 132, 36, "ships" if at == 1 else "own", name)
-    for number, (start, end, text, kind) in enumerate(_STEPS):
+        sheet.box(x - 66, 20, 132, 36, ships.get(at, "own"), name)
+    for number, (start, end, text, kind) in enumerate(steps):
         y = 98 + step * number
-        x, to = _FOUR[start][1], _FOUR[end][1]
+        x, to = columns[start][1], columns[end][1]
         if start == end:
             sheet.step(x, y, *text.split(" ", 1))
         else:
@@ -154,5 +151,39 @@ def call(theme):
     return sheet.svg()
 
 
-FIGURES = {"house": house, "call": call}
+def call(theme):
+    return _sequence(theme, "The life of one call", "A component calls TarnGetRadio. libtarn refuses bad arguments, "
+                     "fills a message and hands it to the IPC library, which brings the service's reply. libtarn copies the "
+                     "record out and returns the reply status. A refused argument returns 3, a failed IPC call 1 or 2, each with "
+                     "one trace.", _FOUR, _STEPS, {1: "ships"})
+
+
+# The same of a call on a gateway behind a message broker.
+_FLEET = (("tarn-fleet", 150), ("broker", 400), ("tarn-bridge", 650), ("service", 806))
+_FLEET_STEPS = (
+    (2, 1, "birth: run, clock; and a will", "s"),
+    (0, 1, "request: run, clock, time to live", "s"),
+    (1, 1, "check certificate and access list", ""),
+    (1, 2, "request, at once or never", "s"),
+    (2, 2, "judge run, repeats, contract, policy", ""),
+    (2, 1, "refusal", "f"),
+    (1, 0, "refused: the call was not made", "f"),
+    (2, 2, "wait for its turn; still alive?", ""),
+    (2, 3, "KorIilExecute", "m"),
+    (3, 2, "reply", "s"),
+    (2, 1, "reply: session, sequence", "s"),
+    (1, 0, "reply", "s"),
+    (0, 0, "match it with what was asked", ""),
+)
+
+
+def fleet(theme):
+    return _sequence(theme, "The way of a call through a message broker", "tarn-bridge has told the broker of itself. "
+                     "tarn-fleet sends a request for that run of the bridge, with a time to live. The broker checks who sends "
+                     "it, and hands it on at once or never. The bridge refuses what is meant for another run, was here before, "
+                     "has another contract or is not allowed; what has its turn in time it calls once, and answers. tarn-fleet "
+                     "takes an answer only to what it has asked.", _FLEET, _FLEET_STEPS, {2: "ships", 0: "kit"})
+
+
+FIGURES = {"house": house, "call": call, "fleet": fleet}
 THEMES = tuple(_THEMES)

@@ -264,6 +264,8 @@ private:
         results_[index] = std::move(result);
         isFinished_[index] = 1;
         write(index);
+        if (console_.json)
+            results_[index].report.reset(); // a table needs it until the end
         progress_.show(++finished_, gateways_.size(), "gateways");
         if (results_[index].what != What::kDone && ++failures_ == options_.stopAfter && !isStopped_)
         {

@@ -77,7 +77,7 @@ Exchange::Exchange(const LinkSettings& settings, std::vector<std::string> filter
                                     [](void* self, const char* broker, const char* reason)
                                     {
                                         auto* exchange = static_cast<Exchange*>(self);
-                                        exchange->breakCalls(nullptr, std::string("the connection to the broker: ") + reason);
+                                        exchange->lose(reason);
                                         if (exchange->watcher_.lost)
                                             exchange->watcher_.lost(broker, reason);
                                     }})
@@ -99,6 +99,7 @@ void Exchange::giveUp()
     {
         const std::lock_guard guard(mutex_);
         isStopping_ = true;
+        lastLoss_ = "this program is about to end";
     }
     wake();
     breakCalls(nullptr, "this program is about to end");
@@ -270,6 +271,15 @@ void Exchange::receiveState(const std::string& gateway, const Envelope& envelope
         watcher_.state(gateway, envelope);
 }
 
+void Exchange::lose(const std::string& reason)
+{
+    {
+        const std::lock_guard guard(mutex_);
+        lastLoss_ = reason;
+    }
+    breakCalls(nullptr, "the connection to the broker: " + reason);
+}
+
 // Of one gateway, or of all if it is null: then the connection is gone.
 void Exchange::breakCalls(const std::string* gateway, const std::string& reason)
 {
@@ -277,7 +287,6 @@ void Exchange::breakCalls(const std::string* gateway, const std::string& reason)
     if (gateway == nullptr)
     {
         isUp_ = false;
-        lastLoss_ = reason;
         queue_.clear();
     }
     for (const auto& [sequence, waiting] : waiting_)
@@ -298,7 +307,7 @@ Exchange::Stage Exchange::exchange(Waiting& waiting, Clock::time_point end)
     std::unique_lock guard(mutex_);
     if (!isUp_ || isStopping_)
     {
-        waiting.loss = lastLoss_.empty() ? "there is no connection to the broker yet" : lastLoss_;
+        waiting.loss = "no connection to a broker: " + (lastLoss_.empty() ? "none was made yet" : lastLoss_);
         return Stage::kQueued;
     }
     waiting.asked.session = session_;

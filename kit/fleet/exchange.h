@@ -154,6 +154,7 @@ private:
     void receive(const char* topic, const void* payload, std::size_t size);
     void receiveAnswer(const std::string& gateway, const Envelope& envelope);
     void receiveState(const std::string& gateway, const Envelope& envelope);
+    void lose(const std::string& reason);
     void breakCalls(const std::string* gateway, const std::string& reason);
     void wake() const;
 
