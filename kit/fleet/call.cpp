@@ -235,13 +235,17 @@ private:
     {
         if (!exchange.awaitUp(kConnectTime))
             return {What::kNotSent, "no connection to a broker: " + exchange.lastLoss(), std::nullopt};
-        if (journal != nullptr)
-            journal->sending(gateway);
+        const auto writeDown = [&]
+        {
+            if (journal != nullptr)
+                journal->sending(gateway);
+        };
         Outcome outcome;
         const auto send = [&](const ctl::Request& request, void* message)
         {
             outcome = exchange.call(
-                gateway, {request.service, request.command, request.wait, static_cast<std::uint32_t>(request.message.size())},
+                gateway,
+                {request.service, request.command, request.wait, static_cast<std::uint32_t>(request.message.size()), writeDown},
                 message, std::chrono::seconds(request.wait) + kWay);
             return outcome.status;
         };

@@ -440,6 +440,8 @@ Outcome Exchange::callOnce(const std::string& gateway, const CallRequest& reques
     asked.message = sent.data();
     copyName(asked.service, request.service);
 
+    if (request.beforeSending)
+        request.beforeSending();
     const Stage stage = exchange(waiting, end);
     if (stage != Stage::kAnswered)
         return broken(waiting, stage);

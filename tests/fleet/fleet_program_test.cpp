@@ -320,6 +320,26 @@ TEST_F(FleetProgramTest, AnInterruptedRunLetsEndWhatIsUnderWayAndIsResumedWithTh
         EXPECT_EQ(home->calls, 1u);
 }
 
+TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAgain)
+{
+    start(1);
+    std::ofstream(path("names")) << "home-01\nhome-02\n";
+    std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
+    const std::vector<std::string> words{"call",    "@" + path("names"), "TarnSetLogLevel",
+                                         "level=4", "--resume",          path("journal")};
+    const pid_t process = begin(words);
+    EXPECT_TRUE(await([&] { return contents(path("journal")).find("result done home-01") != std::string::npos; }));
+    kill(process, SIGKILL);
+    end(process);
+    homes_.push_back(std::make_unique<Home>(broker_.port(), 2));
+    homes_[1]->awaitConnection();
+    const Ended resumed = run(words);
+    EXPECT_EQ(resumed.exit, 0) << resumed.out;
+    EXPECT_THAT(resumed.err, HasSubstr("2 gateways: 1 done, 1 in earlier runs"));
+    EXPECT_EQ(homes_[0]->calls, 1u);
+    EXPECT_EQ(homes_[1]->calls, 1u);
+}
+
 TEST_F(FleetProgramTest, ADryRunShowsTheMessageAndTheGatewaysAndSendsNothing)
 {
     start(2);
