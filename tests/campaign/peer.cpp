@@ -4,13 +4,18 @@
 //   campaign_peer serve LEDGER     a service that appends the number of every sum to the ledger before it answers
 //   campaign_peer call             calls, subscribes and cancels; each must succeed
 //   campaign_peer receive COUNT    receives events 1 to COUNT in their order; after every hundredth it calls kAcknowledge
+//   campaign_peer device DIRECTORY LEDGER GATEWAY MILLISECONDS
+//                                  a gateway's service, found in DIRECTORY, that records and answers calls of fleet/numbered_call.h
 //   campaign_peer closed NUMBER... closes these of its standard descriptors; then calls, traces and events must work
 #include "peer.h"
 
+#include "fleet/ledger.h"
+#include "fleet/numbered_call.h"
 #include "kor_iil.h"
 #include "kor_iil_service.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -54,11 +59,10 @@ std::uint32_t recordAndAnswer(void* ledger, const KorIilRequest* request, void* 
     return answerSum(nullptr, request, message);
 }
 
-int serve(const char* path)
+int serveAs(const char* name, KorIilRequestHandler handler, void* context)
 {
-    int ledger = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
     KorIilService* service = nullptr;
-    if (const std::uint32_t status = KorIilServiceOpen(kService, 5, recordAndAnswer, &ledger, &service))
+    if (const std::uint32_t status = KorIilServiceOpen(name, 5, handler, context, &service))
         return failed("opening the service", status);
     std::thread(
         [service]
@@ -71,6 +75,41 @@ int serve(const char* path)
     const std::uint32_t status = KorIilServiceRun(service);
     KorIilServiceClose(service);
     return status == KOR_IIL_OK ? 0 : failed("running the service", status);
+}
+
+int serve(const char* path)
+{
+    int ledger = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    return serveAs(kService, recordAndAnswer, &ledger);
+}
+
+// --- device ------------------------------------------------------------------------------------------------------------------
+
+struct Device
+{
+    fleet_test::Ledger ledger;
+    std::uint32_t gateway;
+    std::chrono::milliseconds taken;
+};
+
+std::uint32_t executeNumbered(void* context, const KorIilRequest* request, void* message)
+{
+    const auto* device = static_cast<Device*>(context);
+    if (request->command != fleet_test::kNumberedCommand || request->length != fleet_test::kNumberedLength)
+        return KOR_IIL_UNSUPPORT;
+    if (!device->ledger.record(device->gateway, fleet_test::numberIn(message)))
+        return KOR_IIL_ERR;
+    std::this_thread::sleep_for(device->taken);
+    fleet_test::answerInFull(message, request->length, device->gateway, 0);
+    return KOR_IIL_OK;
+}
+
+int serveDevice(const char* directory, const char* ledger, const char* gateway, const char* milliseconds)
+{
+    setenv("KORIIL_DIR", directory, 1);
+    Device device{fleet_test::Ledger(ledger), static_cast<std::uint32_t>(std::strtoul(gateway, nullptr, 10)),
+                  std::chrono::milliseconds(std::strtoul(milliseconds, nullptr, 10))};
+    return serveAs(fleet_test::kNumberedService, executeNumbered, &device);
 }
 
 // --- call --------------------------------------------------------------------------------------------------------------------
@@ -177,8 +216,12 @@ int main(int argc, char** argv)
         return call();
     if (role == "receive" && argc == 3)
         return receive(static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 10)));
+    if (role == "device" && argc == 6)
+        return serveDevice(argv[2], argv[3], argv[4], argv[5]);
     if (role == "closed")
         return closed(argc - 2, argv + 2);
-    std::fputs("usage: campaign_peer serve LEDGER | call | receive COUNT | closed NUMBER...\n", stderr);
+    std::fputs("usage: campaign_peer serve LEDGER | call | receive COUNT | device DIRECTORY LEDGER GATEWAY MILLISECONDS | "
+               "closed NUMBER...\n",
+               stderr);
     return 100;
 }

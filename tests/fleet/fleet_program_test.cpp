@@ -324,7 +324,6 @@ TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAga
 {
     start(1);
     std::ofstream(path("names")) << "home-01\nhome-02\n";
-    std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
     const std::vector<std::string> words{"call",    "@" + path("names"), "TarnSetLogLevel",
                                          "level=4", "--resume",          path("journal")};
     const pid_t process = begin(words);

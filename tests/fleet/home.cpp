@@ -72,8 +72,9 @@ void Home::publish(std::uint32_t event)
 std::uint32_t Home::execute(std::uint32_t command, std::uint32_t length, void* message)
 {
     ++calls;
-    if (ledger_ != nullptr && command == kNumberedCommand && length == kNumberedLength)
-        ledger_->record(number_, numberIn(message));
+    const bool isNumbered = command == kNumberedCommand && length == kNumberedLength;
+    if (ledger_ != nullptr && isNumbered && !ledger_->record(number_, numberIn(message)))
+        ADD_FAILURE() << "the ledger cannot be written";
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     answerInFull(message, length, number_, replyStatus);
     return ipcStatus;

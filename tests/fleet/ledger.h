@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -35,8 +34,6 @@ public:
     explicit Ledger(const std::string& path)
         : path_(path), file_(open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600))
     {
-        if (file_ < 0)
-            throw std::runtime_error("no ledger " + path);
     }
     ~Ledger()
     {
@@ -45,12 +42,11 @@ public:
     Ledger(const Ledger&) = delete;
     Ledger& operator=(const Ledger&) = delete;
 
-    // Before what is executed has any effect. From any thread.
-    void record(std::uint32_t gateway, std::uint32_t number) const
+    // Before what is executed has any effect. From any thread. False if it cannot be written.
+    bool record(std::uint32_t gateway, std::uint32_t number) const
     {
         const Execution execution{gateway, number, microsecondsNow()};
-        if (write(file_, &execution, sizeof execution) != static_cast<ssize_t>(sizeof execution))
-            throw std::runtime_error("the ledger " + path_ + " cannot be written");
+        return write(file_, &execution, sizeof execution) == static_cast<ssize_t>(sizeof execution);
     }
     std::vector<Execution> executions() const
     {
