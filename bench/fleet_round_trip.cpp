@@ -1,10 +1,14 @@
 // A call on each of many gateways through a broker, against the bare round trip of the same bytes through the same broker: many
-// bridges in this process, whose platform answers at once, and as many clients that send a ready answer back.
+// bridges in this process, whose platform answers at once, called as tarn-fleet does it, and as many clients that send a ready
+// answer back. Both take turns. Then the programs: the time of one `tarn-fleet call` on all bridges, and what is resident.
 //
-//   tarn_bench_fleet [GATEWAYS [WINDOW [ROUNDS]]]     1000, 64 and 3 if left out; WINDOW calls are under way at a time
+//   tarn_bench_fleet [GATEWAYS [WINDOW [ROUNDS]]]     1000, 64 and 5 if left out; WINDOW calls are under way at a time
 #include "fleet/broker.h"
+#include "fleet/process.h"
 
 #include "fleet/bridge.h"
+#include "fleet/exchange.h"
+#include "fleet/roll.h"
 
 #include <algorithm>
 #include <atomic>
@@ -15,13 +19,16 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <mosquitto.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -32,6 +39,7 @@ using Clock = std::chrono::steady_clock;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint32_t kCommand = 5, kLength = 9584; // TarnGetRadioNum
+constexpr std::uint32_t kPresent = kLength - 4;       // of a reply: all but its status, which is 0
 constexpr char kOperator[] = "noc-1";
 
 LinkSettings linkSettings(const std::string& name, std::uint16_t port)
@@ -44,9 +52,13 @@ LinkSettings linkSettings(const std::string& name, std::uint16_t port)
     return settings;
 }
 
-std::string nameOf(std::size_t gateway)
+std::vector<std::string> namesOf(const char* kind, std::size_t count)
 {
-    return "home-" + std::to_string(gateway);
+    std::vector<std::string> names;
+    names.reserve(count);
+    for (std::size_t number = 1; number <= count; ++number)
+        names.push_back(kind + std::to_string(number));
+    return names;
 }
 
 Bytes encodedAs(const Envelope& envelope)
@@ -79,14 +91,14 @@ Envelope requestOf(std::uint32_t sequence)
 // The same bytes as a bridge answers with.
 Bytes readyReply(std::uint32_t sequence)
 {
-    const Bytes message(kLength, 0x55);
+    const Bytes message(kPresent, 0x55);
     Envelope reply = requestOf(sequence);
     reply.kind = Kind::kReply;
     reply.run = reply.clock = 1;
     reply.live = reply.wait = 0;
     reply.operatorId[0] = '\0';
     reply.message = message.data();
-    reply.present = kLength;
+    reply.present = kPresent;
     return encodedAs(reply);
 }
 
@@ -94,19 +106,19 @@ Bytes readyReply(std::uint32_t sequence)
 class Echo
 {
 public:
-    Echo(const std::string& name, std::uint16_t port) : settings_(linkSettings(name, port)), link_(settings_, handlers())
+    Echo(const std::string& name, std::uint16_t port, const std::atomic<bool>& isDone)
+        : settings_(linkSettings(name, port)), link_(settings_, handlers())
     {
         thread_ = std::thread(
-            [this]
+            [this, &isDone]
             {
-                while (!isDone_)
+                while (!isDone)
                     link_.turn(-1, 100);
                 link_.close();
             });
     }
     ~Echo()
     {
-        isDone_ = true;
         thread_.join();
     }
     Echo(const Echo&) = delete;
@@ -136,56 +148,82 @@ private:
 
     const LinkSettings settings_;
     BrokerLink link_;
-    std::atomic<bool> isDone_{false};
     std::thread thread_;
 };
 
-struct Figures
-{
-    double callsPerSecond = 0, p50 = 0, p99 = 0; // the latter in milliseconds
-};
-
-// Asks every gateway so many times, in a window.
-class Caller
+// How long calls took, and all of them together.
+class Figures
 {
 public:
-    explicit Caller(std::uint16_t port) : settings_(linkSettings(kOperator, port)), link_(settings_, handlers())
+    void add(double milliseconds)
+    {
+        times_.push_back(milliseconds);
+    }
+    void addRound(std::chrono::duration<double> taken)
+    {
+        taken_ += taken;
+    }
+    double percentile(std::size_t percent)
+    {
+        std::sort(times_.begin(), times_.end());
+        return times_.at(times_.size() * percent / 100);
+    }
+    void print(const char* what)
+    {
+        std::printf("%-28s %8.0f calls/s   p50 %7.3f ms   p99 %7.3f ms\n", what,
+                    static_cast<double>(times_.size()) / taken_.count(), percentile(50), percentile(99));
+    }
+
+private:
+    std::vector<double> times_;
+    std::chrono::duration<double> taken_{0};
+};
+
+double millisecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Asks the echoing clients.
+class Asker
+{
+public:
+    explicit Asker(std::uint16_t port) : settings_(linkSettings("asker", port)), link_(settings_, handlers())
     {
         while (!link_.isUp())
             link_.turn(-1, 10);
     }
 
     // Until all have answered once: those that are not connected yet do not.
-    void awaitAll(std::size_t gateways)
+    void awaitAll(const std::vector<std::string>& names)
     {
-        for (std::size_t gateway = 0; gateway < gateways; ++gateway)
+        Figures none;
+        figures_ = &none;
+        for (const std::string& name : names)
             for (bool hasAnswered = false; !hasAnswered;)
             {
-                send(gateway);
+                send(name);
                 const auto end = Clock::now() + std::chrono::milliseconds(200);
                 while (!waiting_.empty() && Clock::now() < end)
                     link_.turn(-1, 1);
                 hasAnswered = waiting_.empty();
                 waiting_.clear();
             }
-        times_.clear();
     }
 
-    Figures run(std::size_t gateways, std::size_t window, std::size_t rounds)
+    void askAll(const std::vector<std::string>& names, std::size_t window, Figures& figures)
     {
+        figures_ = &figures;
         const auto start = Clock::now();
-        for (std::size_t call = 0; call < gateways * rounds; ++call)
+        for (const std::string& name : names)
         {
-            send(call % gateways);
+            send(name);
             while (waiting_.size() >= window)
                 link_.turn(-1, 1);
         }
         while (!waiting_.empty())
             link_.turn(-1, 1);
-        const std::chrono::duration<double> taken = Clock::now() - start;
-        std::sort(times_.begin(), times_.end());
-        return {static_cast<double>(times_.size()) / taken.count(), times_[times_.size() / 2],
-                times_[times_.size() * 99 / 100]};
+        figures.addRound(Clock::now() - start);
     }
 
 private:
@@ -193,91 +231,134 @@ private:
     {
         LinkHandlers result;
         result.context = this;
-        result.connected = [](void* self) { static_cast<Caller*>(self)->link_.subscribe(allReplies(kOperator).text); };
+        result.connected = [](void* self) { static_cast<Asker*>(self)->link_.subscribe(allReplies(kOperator).text); };
         result.received = [](void* self, const char*, const void* payload, std::size_t size)
         {
-            auto* that = static_cast<Caller*>(self);
+            auto* that = static_cast<Asker*>(self);
             Envelope reply;
-            if (decode(payload, size, reply) != Fault::kNone || reply.present != kLength)
+            if (decode(payload, size, reply) != Fault::kNone || reply.present != kPresent)
                 std::abort();
             const auto found = that->waiting_.find(reply.sequence);
             if (found == that->waiting_.end())
                 return;
-            that->times_.push_back(std::chrono::duration<double, std::milli>(Clock::now() - found->second).count());
+            that->figures_->add(millisecondsSince(found->second));
             that->waiting_.erase(found);
         };
         return result;
     }
 
-    void send(std::size_t gateway)
+    void send(const std::string& name)
     {
         const Bytes bytes = encodedAs(requestOf(++sequence_));
         waiting_[sequence_] = Clock::now();
-        link_.publish(requestTopic(nameOf(gateway).c_str()).text, bytes.data(), bytes.size(), false);
+        link_.publish(requestTopic(name.c_str()).text, bytes.data(), bytes.size(), false);
     }
 
     const LinkSettings settings_;
     BrokerLink link_;
     std::uint32_t sequence_ = 0;
     std::map<std::uint32_t, Clock::time_point> waiting_;
-    std::vector<double> times_;
+    Figures* figures_ = nullptr;
 };
 
-std::size_t residentKilobytes()
+// A bridge whose platform answers at once.
+class Home
 {
-    std::ifstream file("/proc/self/statm");
-    std::size_t size = 0, resident = 0;
-    file >> size >> resident;
-    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
-}
-
-void print(const char* what, const Figures& figures)
-{
-    std::printf("%-8s %9.0f calls/s   p50 %7.3f ms   p99 %7.3f ms\n", what, figures.callsPerSecond, figures.p50, figures.p99);
-}
-
-Figures measureEcho(std::uint16_t port, std::size_t gateways, std::size_t window, std::size_t rounds)
-{
-    std::vector<std::unique_ptr<Echo>> all;
-    for (std::size_t gateway = 0; gateway < gateways; ++gateway)
-        all.push_back(std::make_unique<Echo>(nameOf(gateway), port));
-    Caller caller(port);
-    caller.awaitAll(gateways);
-    return caller.run(gateways, window, rounds);
-}
-
-Figures measureBridges(std::uint16_t port, std::size_t gateways, std::size_t window, std::size_t rounds)
-{
-    struct One
+public:
+    Home(const std::string& name, std::uint16_t port)
     {
-        BridgeSettings settings;
-        std::unique_ptr<Bridge> bridge;
-    };
-    const BridgePlatform platform = {
-        nullptr,
-        [](void*, const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t length, void* message)
-        {
-            std::memset(message, 0x55, length);
-            return 0u;
-        },
-        nullptr};
-    const std::size_t before = residentKilobytes();
-    std::vector<std::unique_ptr<One>> all;
-    for (std::size_t gateway = 0; gateway < gateways; ++gateway)
-    {
-        auto one = std::make_unique<One>();
-        one->settings.link = linkSettings(nameOf(gateway), port);
-        std::snprintf(one->settings.programVersion, sizeof one->settings.programVersion, "bench");
-        one->bridge = std::make_unique<Bridge>(one->settings, platform, Policy::ofReading());
-        if (!one->bridge->start())
+        settings_.link = linkSettings(name, port);
+        std::snprintf(settings_.programVersion, sizeof settings_.programVersion, "bench");
+        const BridgePlatform platform = {
+            nullptr,
+            [](void*, const char*, const char*, std::uint32_t, std::uint32_t, std::uint32_t length, void* message)
+            {
+                std::memset(message, 0, length);
+                std::memset(message, 0x55, kPresent);
+                return 0u;
+            },
+            nullptr};
+        bridge_ = std::make_unique<Bridge>(settings_, platform, Policy::ofReading());
+        if (!bridge_->start())
             std::abort();
-        all.push_back(std::move(one));
     }
-    Caller caller(port);
-    caller.awaitAll(gateways);
-    const Figures figures = caller.run(gateways, window, rounds);
-    std::printf("a bridge takes %zu KiB of this process\n", (residentKilobytes() - before) / gateways);
-    return figures;
+    void awaitConnection() const
+    {
+        while (bridge_->counters().births == 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+
+private:
+    BridgeSettings settings_;
+    std::unique_ptr<Bridge> bridge_;
+};
+
+void callAll(Exchange& exchange, const std::vector<std::string>& names, std::size_t window, Figures& figures)
+{
+    std::mutex mutex;
+    const auto start = Clock::now();
+    forEach(names, window,
+            [&](std::size_t index)
+            {
+                Bytes message(kLength);
+                const auto begun = Clock::now();
+                const Outcome outcome =
+                    exchange.call(names[index], {"TARN", kCommand, 3, kLength}, message.data(), std::chrono::seconds(30));
+                if (outcome.fate != Fate::kAnswered || outcome.status != 0)
+                    std::abort();
+                const double milliseconds = millisecondsSince(begun);
+                const std::lock_guard<std::mutex> guard(mutex);
+                figures.add(milliseconds);
+                return true;
+            });
+    figures.addRound(Clock::now() - start);
+}
+
+// --- Memory -----------------------------------------------------------------------------------------------------------------
+
+// In KiB, as the system counts it.
+std::size_t memoryOf(int process, const std::string& field)
+{
+    std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
+    std::string word;
+    std::size_t size = 0;
+    while (file >> word)
+        if (word == field + ":" && file >> size)
+            return size;
+    return 0;
+}
+
+void printMemory(const char* what, int process)
+{
+    std::printf("%-28s %8zu KiB resident, %zu KiB of it private\n", what, memoryOf(process, "Rss"),
+                memoryOf(process, "Private_Dirty"));
+}
+
+// --- The programs -----------------------------------------------------------------------------------------------------------
+
+void measureTool(const std::string& broker, std::size_t gateways, std::size_t window)
+{
+    const int output = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    const auto start = Clock::now();
+    fleet_test::Process tool({TARN_FLEET_PROGRAM, "--broker", broker, "--config", "/dev/null", "call", "home-*",
+                              "TarnGetRadioNum", "--window", std::to_string(window)},
+                             output);
+    rusage usage = {};
+    int state = 0;
+    wait4(tool.id(), &state, 0, &usage);
+    close(output);
+    std::printf("tarn-fleet call on %zu: %.2f s from start to end, %ld KiB resident at most, exit code %d\n", gateways,
+                millisecondsSince(start) / 1000, usage.ru_maxrss, WEXITSTATUS(state));
+}
+
+void measureBridge(const std::string& broker, Exchange& exchange)
+{
+    const fleet_test::Process bridge({TARN_BRIDGE_PROGRAM, "--id", "alone", "--broker", broker, "--no-events"}, STDERR_FILENO);
+    Bytes message(kLength);
+    for (int answered = 0; answered < 100;) // no service is there: its IPC says so
+        answered += exchange.call("alone", {"TARN", kCommand, 3, kLength}, message.data(), std::chrono::seconds(3)).fate ==
+                    Fate::kAnswered;
+    printMemory("tarn-bridge", bridge.id());
 }
 
 } // namespace
@@ -286,7 +367,7 @@ int main(int count, char** arguments)
 {
     const auto argument = [&](int at, std::size_t otherwise)
     { return count > at ? static_cast<std::size_t>(std::strtoul(arguments[at], nullptr, 10)) : otherwise; };
-    const std::size_t gateways = argument(1, 1000), window = argument(2, 64), rounds = argument(3, 3);
+    const std::size_t gateways = argument(1, 1000), window = argument(2, 64), rounds = argument(3, 5);
     rlimit descriptors = {};
     getrlimit(RLIMIT_NOFILE, &descriptors);
     descriptors.rlim_cur = descriptors.rlim_max;
@@ -295,10 +376,46 @@ int main(int count, char** arguments)
 
     const fleet_test::MosquittoBroker broker("listener @PORT@ 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\n"
                                              "max_queued_messages 10000\n");
-    std::printf("%zu gateways, %zu calls each, %zu at a time\n", gateways, rounds, window);
-    const Figures bare = measureEcho(broker.port(), gateways, window, rounds);
-    const Figures bridged = measureBridges(broker.port(), gateways, window, rounds);
-    print("bare", bare);
-    print("bridged", bridged);
-    std::printf("ratio at p50: %.2f\n", bridged.p50 / bare.p50);
+    const std::string address = "127.0.0.1:" + std::to_string(broker.port());
+    const std::vector<std::string> homeNames = namesOf("home-", gateways), echoNames = namesOf("echo-", gateways);
+    const std::size_t before = memoryOf(getpid(), "Rss");
+    std::vector<std::unique_ptr<Home>> homes;
+    for (const std::string& name : homeNames)
+        homes.push_back(std::make_unique<Home>(name, broker.port()));
+    for (const auto& home : homes)
+        home->awaitConnection();
+    printMemory("broker", broker.processId());
+    const LinkSettings settings = linkSettings("noc-2", broker.port());
+    Exchange exchange(settings, {}, {}, nullptr);
+    exchange.awaitUp(std::chrono::seconds(10));
+    Figures first;
+    callAll(exchange, homeNames, window, first); // pings go before these
+    std::printf("%-28s %8zu KiB of this process\n", "a bridge in it", (memoryOf(getpid(), "Rss") - before) / gateways);
+    measureTool(address, gateways, window);
+    printMemory("broker after that", broker.processId());
+    measureBridge(address, exchange);
+
+    std::atomic<bool> isDone{false};
+    std::vector<std::unique_ptr<Echo>> echoes;
+    for (const std::string& name : echoNames)
+        echoes.push_back(std::make_unique<Echo>(name, broker.port(), isDone));
+    Asker asker(broker.port());
+    asker.awaitAll(echoNames);
+    for (const std::size_t atATime : {std::size_t{1}, window})
+    {
+        Figures bare, calls;
+        for (std::size_t round = 0; round < rounds; ++round)
+        {
+            asker.askAll(echoNames, atATime, bare);
+            callAll(exchange, homeNames, atATime, calls);
+        }
+        std::printf("\n%zu gateways, %zu calls each, %zu at a time, replies of %u bytes\n", gateways, rounds, atATime,
+                    kPresent);
+        bare.print("bare round trip");
+        calls.print("call");
+        std::printf("ratio at p50: %.2f\n", calls.percentile(50) / bare.percentile(50));
+    }
+    std::printf("\n");
+    first.print("first call, behind a ping");
+    isDone = true;
 }

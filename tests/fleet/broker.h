@@ -26,6 +26,11 @@ public:
         return port_;
     }
 
+    pid_t processId() const
+    {
+        return processId_;
+    }
+
     void kill();
     // Again on the same port.
     void start();
