@@ -61,13 +61,13 @@ TEST_F(FleetTrialsTest, ABrokerThatIsKilledAndRestartedInMidRunLeavesEachResultR
     repeat(
         [&]
         {
-            FleetCall call = begin(tool_.port(), {"--window", "4"});
-            const std::size_t before = random(kGateways / 2);
-            EXPECT_TRUE(eventually([&] { return call.resultCount() >= before; }));
-            broker_.kill();
-            sleepMilliseconds(static_cast<int>(random(100)));
-            broker_.start();
-            end(call);
+            callThrough(tool_.port(), {"--window", "4"}, random(kGateways / 2),
+                        [&]
+                        {
+                            broker_.kill();
+                            sleepMilliseconds(static_cast<int>(random(100)));
+                            broker_.start();
+                        });
         });
     callUndisturbed(tool_.port());
     judge("broker killed");
@@ -86,17 +86,17 @@ TEST_F(FleetTrialsTest, WhatAPartitionHeldUpIsNotExecutedWhenNobodyWaitsForItAny
             const bool isFirst = runs_.size() == 1;
             const bool isLong = isFirst || random(2) == 0;
             Relay& held = isFirst || random(3) > 0 ? gateways : tool_;
-            FleetCall call = begin(tool_.port(), {"--window", isFirst ? "40" : "20"});
-            const std::size_t before = isFirst ? 0 : random(kGateways / 4);
-            EXPECT_TRUE(eventually([&] { return call.resultCount() > before; }));
-            held.hold();
-            sleepMilliseconds(static_cast<int>(random(static_cast<std::uint32_t>(kLife.count()))));
-            if (isLong)
-                sleepMilliseconds(static_cast<int>((kLife + kMargin).count()));
-            if (random(4) == 0)
-                held.cut();
-            held.release();
-            end(call);
+            callThrough(tool_.port(), {"--window", isFirst ? "40" : "20"}, isFirst ? 1 : 1 + random(kGateways / 4),
+                        [&]
+                        {
+                            held.hold();
+                            sleepMilliseconds(static_cast<int>(random(static_cast<std::uint32_t>(kLife.count()))));
+                            if (isLong)
+                                sleepMilliseconds(static_cast<int>((kLife + kMargin).count()));
+                            if (random(4) == 0)
+                                held.cut();
+                            held.release();
+                        });
         });
     callUndisturbed(tool_.port());
     EXPECT_TRUE(eventually([&] { return gateways.isEmpty(); }));

@@ -188,6 +188,16 @@ void FleetTrial::end(FleetCall& call, std::size_t requests)
     runs_.push_back({call.number(), call.finish(), requests});
 }
 
+void FleetTrial::callThrough(std::uint16_t port, const std::vector<std::string>& options, std::size_t before,
+                             const std::function<void()>& disturb)
+{
+    FleetCall calls[] = {begin(port, options), begin(port, options), begin(port, options)};
+    EXPECT_TRUE(campaign::eventually([&] { return calls[0].resultCount() >= before; }));
+    disturb();
+    for (FleetCall& call : calls)
+        end(call);
+}
+
 void FleetTrial::callUndisturbed(std::uint16_t port)
 {
     const auto isUndisturbed = [&]

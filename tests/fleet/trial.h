@@ -117,6 +117,9 @@ protected:
     FleetCall begin(std::uint16_t port, std::vector<std::string> options = {});
     // Awaits its end, and keeps its results for the judgement.
     void end(FleetCall& call, std::size_t requests = 1);
+    // Several at once; when the first of them has so many results, what they need is disturbed.
+    void callThrough(std::uint16_t port, const std::vector<std::string>& options, std::size_t before,
+                     const std::function<void()>& disturb);
     // Once all gateways that there are answer again: a call whose results are exactly those of their habits.
     void callUndisturbed(std::uint16_t port);
     // Once nothing is on its way any more: compares the whole trial with the ledger. Prints what was counted.
