@@ -373,8 +373,13 @@ TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
     start(3);
     const pid_t process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
     EXPECT_TRUE(awaitText("err", "watching the events of home-02"));
-    homes_[0]->publish(1); // not asked for
-    homes_[1]->publish(2);
+    const auto isShown = [&]
+    {
+        homes_[0]->publish(1); // not asked for
+        homes_[1]->publish(2); // again, as the broker may not have taken the subscription yet
+        return contents(path("out")).find("home-02") != std::string::npos;
+    };
+    EXPECT_TRUE(await(isShown));
     const Ended ended = end(process);
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr(" home-02 TARN 2 EVT_RADIO_OPR_CHANNEL_CHANGED"));
