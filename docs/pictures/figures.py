@@ -154,8 +154,8 @@ def _sequence(theme, title, description, columns, steps, ships):
 def call(theme):
     return _sequence(theme, "The life of one call", "A component calls TarnGetRadio. libtarn refuses bad arguments, "
                      "fills a message and hands it to the IPC library, which brings the service's reply. libtarn copies the "
-                     "record out and returns the reply status. A refused argument returns 3, a failed IPC call 1 or 2, each with "
-                     "one trace.", _FOUR, _STEPS, {1: "ships"})
+                     "record out and returns the reply status. A refused argument returns 3, a failed IPC call 1 or 2, each "
+                     "with one trace.", _FOUR, _STEPS, {1: "ships"})
 
 
 # The same of a call on a gateway behind a message broker.

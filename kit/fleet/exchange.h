@@ -34,7 +34,8 @@ struct CallRequest
     std::uint32_t command = 0;
     std::uint32_t wait = 0; // in the unit of the gateway's IPC
     std::uint32_t length = 0;
-    // Called before each request that is sent, when the gateway has answered a ping; may be empty. If it throws, nothing is sent.
+    // Called before each request that is sent, when the gateway has answered a ping; may be empty. If it throws, nothing is
+    // sent.
     std::function<void()> beforeSending = nullptr;
 };
 

@@ -5,7 +5,8 @@
 //   campaign_peer call             calls, subscribes and cancels; each must succeed
 //   campaign_peer receive COUNT    receives events 1 to COUNT in their order; after every hundredth it calls kAcknowledge
 //   campaign_peer device DIRECTORY LEDGER GATEWAY MILLISECONDS
-//                                  a gateway's service, found in DIRECTORY, that records and answers calls of fleet/numbered_call.h
+//                                  a gateway's service, found in DIRECTORY, that records and answers calls of
+//                                  fleet/numbered_call.h
 //   campaign_peer closed NUMBER... closes these of its standard descriptors; then calls, traces and events must work
 #include "peer.h"
 

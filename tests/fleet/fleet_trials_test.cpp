@@ -1,6 +1,6 @@
 // tarn-fleet calls many gateways while brokers, gateways, services and connections fail: what it tells of each call is what
-// happened, no call is executed twice, and none when nobody waits for it any more. How long, and with which random numbers, says
-// campaign/support.h.
+// happened, no call is executed twice, and none when nobody waits for it any more. How long, and with which random numbers,
+// says campaign/support.h.
 #include "device.h"
 #include "operator.h"
 #include "trial.h"

@@ -39,7 +39,8 @@ void setOption(int socket, int level, int option, int value)
     setsockopt(socket, level, option, &value, sizeof value);
 }
 
-// An MQTT packet at the beginning of the bytes: a kind, a length of 7 bits a byte, and so many bytes. 0 until all of it is there.
+// An MQTT packet at the beginning of the bytes: a kind, a length of 7 bits a byte, and so many bytes. 0 until all of it is
+// there.
 std::size_t packetSize(const Bytes& bytes, std::size_t& headerSize)
 {
     std::size_t length = 0;
