@@ -42,7 +42,8 @@ if(TARN_BUILD_KIT)
     if(TARGET tarn-bridge) # it needs libmosquitto for the target
         install(TARGETS tarn-bridge tarn-fleet RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
         # What an operator begins with.
-        install(DIRECTORY packaging/mosquitto DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/broker COMPONENT kit)
+        install(DIRECTORY packaging/mosquitto packaging/rabbitmq DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/broker
+            USE_SOURCE_PERMISSIONS COMPONENT kit)
         install(PROGRAMS packaging/make-test-authority DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/broker COMPONENT kit)
     endif()
     install(FILES kit/contract/tarn.json kit/contract/qtn_rpc_proxy.json kit/contract/qtn_mirror.json

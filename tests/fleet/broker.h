@@ -1,10 +1,10 @@
 // A mosquitto of the test's own: on the loopback interface, with its files in a directory that is removed.
 #pragma once
 
+#include "server_process.h"
+
 #include <cstdint>
 #include <string>
-
-#include <sys/types.h>
 
 namespace fleet_test
 {
@@ -12,8 +12,7 @@ namespace fleet_test
 class MosquittoBroker
 {
 public:
-    // `configuration`: lines in addition to a listener's, or in its place if they have one; @PORT@ stands for the port and
-    // @DIRECTORY@ for the directory.
+    // `configuration`: lines in addition to a listener's, or in its place if they have one; @PORT@ stands for the port.
     explicit MosquittoBroker(const std::string& configuration = "listener @PORT@ 127.0.0.1\n"
                                                                 "allow_anonymous true\n"
                                                                 "set_tcp_nodelay true\n");
@@ -44,7 +43,7 @@ private:
     std::string directory_;
     std::string configuration_;
     std::uint16_t port_ = 0;
-    pid_t processId_ = -1;
+    ServerProcess server_;
 };
 
 } // namespace fleet_test

@@ -25,12 +25,19 @@ struct Arrived
     tarn::fleet::Envelope envelope;
 };
 
+// What a client subscribes to as soon as it is connected.
+enum class Hearing
+{
+    kAsOperator,
+    kNothing
+};
+
 class Operator
 {
 public:
     explicit Operator(std::uint16_t port, const std::string& name = "noc-1");
     // With all settings: where they do not lead to a connection there is none.
-    explicit Operator(const tarn::fleet::LinkSettings& settings);
+    explicit Operator(const tarn::fleet::LinkSettings& settings, Hearing hearing = Hearing::kAsOperator);
     ~Operator();
     Operator(const Operator&) = delete;
     Operator& operator=(const Operator&) = delete;
@@ -65,6 +72,7 @@ public:
 private:
     const tarn::fleet::LinkSettings settings_;
     const std::string name_{settings_.clientId};
+    const Hearing hearing_;
     const std::uint64_t session_;
     std::string reason_;
     std::optional<tarn::fleet::BrokerLink> link_;

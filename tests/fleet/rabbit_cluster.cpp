@@ -1,0 +1,132 @@
+#include "rabbit_cluster.h"
+
+#include "text_files.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace fleet_test
+{
+
+namespace
+{
+
+constexpr std::chrono::seconds kNodeStart{120};
+constexpr char kPrograms[] = "/usr/lib/rabbitmq/bin/"; // those in the search path want to run as another user
+
+} // namespace
+
+RabbitCluster::RabbitCluster(std::size_t size, const std::string& certificates, const std::string& operators,
+                             const std::vector<std::string>& gateways)
+{
+    char path[] = "/tmp/tarn_rabbitmq-XXXXXX";
+    if (mkdtemp(path) == nullptr)
+        throw std::runtime_error("no directory");
+    directory_ = path;
+    writeDefinitions(operators, gateways);
+    mapper_.start({"epmd", "-port", std::to_string(mapperPort_), "-address", "127.0.0.1"}, directory_ + "/epmd.log");
+    if (!mapper_.awaitPort(mapperPort_, kNodeStart))
+        throw std::runtime_error("Erlang's port mapper does not start: " + contents(directory_ + "/epmd.log"));
+    for (std::size_t at = 0; at < size; ++at)
+    {
+        Node& node = nodes_.emplace_back();
+        node.name = "tarn-" + std::to_string(at + 1);
+        node.port = freePort();
+        node.internalPort = freePort();
+    }
+    for (const Node& node : nodes_)
+        configure(node, certificates);
+    for (std::size_t at = 0; at < size; ++at)
+        start(at);
+}
+
+RabbitCluster::~RabbitCluster()
+{
+    for (Node& node : nodes_)
+        node.server.kill();
+    mapper_.kill();
+    std::filesystem::remove_all(directory_);
+}
+
+void RabbitCluster::writeDefinitions(const std::string& operators, const std::vector<std::string>& gateways) const
+{
+    {
+        std::ofstream names(directory_ + "/names");
+        for (const std::string& gateway : gateways)
+            names << gateway << '\n';
+    }
+    const std::string command = std::string(PACKAGING) + "/rabbitmq/make-definitions " + operators + " < " + directory_ +
+                                "/names > " + directory_ + "/definitions.json";
+    if (std::system(command.c_str()) != 0)
+        throw std::runtime_error("no definitions: " + command);
+}
+
+// The shipped file, with other paths and ports; in a cluster, with the lines that are for one.
+void RabbitCluster::configure(const Node& node, const std::string& certificates) const
+{
+    std::string text = contents(std::string(PACKAGING) + "/rabbitmq/tarn.conf");
+    text = replaced(text, "/etc/rabbitmq/tarn/definitions.json", directory_ + "/definitions.json");
+    text = replaced(text, "/etc/rabbitmq/tarn", certificates);
+    text = replaced(text, "ssl.default = 8883", "ssl.default = 127.0.0.1:" + std::to_string(node.port));
+    if (nodes_.size() > 1)
+    {
+        text = replaced(text, "# cluster_", "cluster_");
+        for (std::size_t at = 0; at < nodes_.size(); ++at)
+            text = replaced(text, "rabbit@mqtt-" + std::to_string(at + 1), nodes_[at].name + "@localhost");
+    }
+    std::filesystem::create_directory(directory_ + "/" + node.name);
+    std::ofstream(directory_ + "/" + node.name + "/rabbitmq.conf") << text;
+}
+
+ServerProcess::Environment RabbitCluster::environment(const Node& node) const
+{
+    const std::string own = directory_ + "/" + node.name;
+    return {{"HOME", directory_}, // of the cookie, which the nodes share
+            {"RABBITMQ_NODENAME", node.name + "@localhost"},
+            {"RABBITMQ_CONF_ENV_FILE", "/dev/null"},
+            {"RABBITMQ_CONFIG_FILE", own + "/rabbitmq.conf"},
+            {"RABBITMQ_ENABLED_PLUGINS_FILE", std::string(PACKAGING) + "/rabbitmq/enabled_plugins"},
+            {"RABBITMQ_MNESIA_BASE", own + "/mnesia"},
+            {"RABBITMQ_LOG_BASE", own + "/log"},
+            {"RABBITMQ_LOGS", "-"},
+            {"RABBITMQ_PID_FILE", own + "/pid"},
+            {"RABBITMQ_DIST_PORT", std::to_string(node.internalPort)},
+            {"RABBITMQ_SERVER_ADDITIONAL_ERL_ARGS", "-kernel inet_dist_use_interface {127,0,0,1}"},
+            {"ERL_EPMD_PORT", std::to_string(mapperPort_)},
+            {"ERL_EPMD_ADDRESS", "127.0.0.1"},
+            {"RUNNING_UNDER_SYSTEMD", "1"}, // no shell stays in front of the server
+            {"NOTIFY_SOCKET", ""}};
+}
+
+void RabbitCluster::start(std::size_t node)
+{
+    Node& started = nodes_[node];
+    const std::string log = directory_ + "/" + started.name + "/output";
+    started.server.start({std::string(kPrograms) + "rabbitmq-server"}, log, environment(started));
+    if (started.server.awaitPort(started.port, kNodeStart))
+        return;
+    const std::string text = contents(log);
+    throw std::runtime_error("RabbitMQ does not start: " + text.substr(text.size() - std::min<std::size_t>(text.size(), 3000)));
+}
+
+void RabbitCluster::kill(std::size_t node)
+{
+    nodes_[node].server.kill();
+}
+
+std::size_t RabbitCluster::running(std::size_t node) const
+{
+    const std::string answer = directory_ + "/running";
+    std::string command = "env";
+    for (const auto& [name, value] : environment(nodes_[node]))
+        command.append(" '").append(name).append("=").append(value).append("'");
+    command.append(" ").append(kPrograms).append("rabbitmqctl --quiet eval 'length(rabbit_nodes:all_running()).' > ");
+    if (std::system((command + answer).c_str()) != 0)
+        return 0;
+    return std::strtoul(contents(answer).c_str(), nullptr, 10);
+}
+
+} // namespace fleet_test

@@ -1,0 +1,107 @@
+#include "server_process.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <random>
+#include <stdexcept>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fleet_test
+{
+
+namespace
+{
+
+// Whether `act`, which is connect or bind, can be done with a new socket and this port.
+template <typename Act>
+bool canBeDone(Act act, std::uint16_t port)
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool isDone = act(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(socket);
+    return isDone;
+}
+
+} // namespace
+
+std::uint16_t freePort()
+{
+    constexpr std::uint16_t kFirst = 20000, kLast = 32000; // Linux gives clients 32768 to 60999
+    std::random_device random;
+    for (int attempt = 0; attempt < 1000; ++attempt)
+    {
+        const auto port = static_cast<std::uint16_t>(std::uniform_int_distribution<int>(kFirst, kLast)(random));
+        if (canBeDone(bind, port))
+            return port;
+    }
+    throw std::runtime_error("no free port");
+}
+
+ServerProcess::~ServerProcess()
+{
+    kill();
+}
+
+void ServerProcess::start(const std::vector<std::string>& words, const std::string& log, const Environment& environment)
+{
+    processId_ = fork();
+    if (processId_ != 0)
+        return;
+    const int output = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+    for (const auto& [name, value] : environment)
+        setenv(name.c_str(), value.c_str(), 1);
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (const std::string& word : words)
+        pointers.push_back(const_cast<char*>(word.c_str()));
+    pointers.push_back(nullptr);
+    execvp(pointers[0], pointers.data());
+    _exit(127);
+}
+
+bool ServerProcess::awaitPort(std::uint16_t port, std::chrono::seconds limit)
+{
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (std::chrono::steady_clock::now() < end)
+    {
+        if (canBeDone(connect, port))
+            return true;
+        if (waitpid(processId_, nullptr, WNOHANG) == processId_)
+        {
+            processId_ = -1;
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
+
+void ServerProcess::signal(int number) const
+{
+    if (processId_ > 0)
+        ::kill(processId_, number);
+}
+
+void ServerProcess::kill()
+{
+    if (processId_ < 0)
+        return;
+    ::kill(processId_, SIGKILL);
+    waitpid(processId_, nullptr, 0);
+    processId_ = -1;
+}
+
+} // namespace fleet_test
