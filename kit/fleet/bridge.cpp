@@ -122,7 +122,7 @@ Bridge::Bridge(const BridgeSettings& settings, const BridgePlatform& platform, c
     : settings_(settings),
       platform_(platform),
       startedAt_(monotonicMilliseconds()),
-      link_(settings.link, LinkHandlers{this, prepare, connected, received, lost}),
+      link_(settings.link, LinkHandlers{this, prepare, connected, received, lost, renew}),
       policy_(policy)
 {
     for (Worker& worker : workers_)
@@ -287,9 +287,17 @@ void Bridge::prepare(void* self, std::uint32_t connection, Will& will)
         will.size = 0;
 }
 
+void Bridge::renew(void* self)
+{
+    auto* bridge = static_cast<Bridge*>(self);
+    if (!bridge->hasHeard_)
+        bridge->link_.renew(requestTopic(bridge->settings_.link.clientId).text);
+}
+
 void Bridge::connected(void* self)
 {
     auto* bridge = static_cast<Bridge*>(self);
+    bridge->hasHeard_ = false;
     // In this order: who sees the birth can ask.
     bridge->link_.subscribe(requestTopic(bridge->settings_.link.clientId).text);
     bridge->announce(Kind::kBirth);
@@ -308,7 +316,9 @@ void Bridge::lost(void* self, const char* broker, const char* reason)
 
 void Bridge::received(void* self, const char* /*topic*/, const void* payload, std::size_t size)
 {
-    static_cast<Bridge*>(self)->receive(payload, size);
+    auto* bridge = static_cast<Bridge*>(self);
+    bridge->hasHeard_ = true;
+    bridge->receive(payload, size);
 }
 
 // Sends what waits, as long as the connection takes it at once.

@@ -126,6 +126,7 @@ private:
     static void* brokerThread(void* self);
     static void* workerThread(void* worker);
     static void prepare(void* self, std::uint32_t connection, Will& will);
+    static void renew(void* self);
     static void connected(void* self);
     static void received(void* self, const char* topic, const void* payload, std::size_t size);
     static void lost(void* self, const char* broker, const char* reason);
@@ -164,6 +165,7 @@ private:
     BrokerLink link_;
     SeenRequests seen_;
     std::uint32_t connection_ = 0;
+    bool hasHeard_ = false; // through the subscription of this connection
 
     // Of all threads, under the mutex.
     mutable pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <mosquitto.h>
 #include <poll.h>
+#include <sys/socket.h>
 
 namespace tarn::fleet
 {
@@ -21,13 +23,9 @@ constexpr std::uint64_t kConnectTime = 10000;
 constexpr std::uint64_t kGoodTime = 10000;
 // libmosquitto's own keeping alive counts in seconds.
 constexpr std::uint64_t kTendTime = 500;
+constexpr std::uint64_t kRenewAge = 4000;
 // libmosquitto does not say whether the TLS handshake waits for reading or writing.
 constexpr int kGreetingTurn = 20;
-
-const char* reasonOf(int result)
-{
-    return result == MOSQ_ERR_ERRNO ? std::strerror(errno) : mosquitto_strerror(result);
-}
 
 } // namespace
 
@@ -55,6 +53,27 @@ std::uint32_t BrokerLink::pause() const
         longest *= 2;
     const auto bound = static_cast<std::uint32_t>(std::min<std::uint64_t>(longest, settings_.longestPause));
     return bound / 2 + static_cast<std::uint32_t>(randomNumber() % (bound / 2 + 1));
+}
+
+// Of a result of libmosquitto's. A broker that does not take a certificate says so and closes the connection, but what it says
+// may be lost where the greeting was on its way to it.
+const char* BrokerLink::reasonOf(int result) const
+{
+    if (tlsProblem_[0] != '\0')
+        return tlsProblem_;
+    const bool isReset = result == MOSQ_ERR_ERRNO && (errno == EPROTO || errno == ECONNRESET || errno == EPIPE);
+    if ((isReset || result == MOSQ_ERR_CONN_LOST) && !isUp() && settings_.certificate[0] != '\0')
+        return "the broker ended the connection, as it does if it does not take the certificate";
+    return result == MOSQ_ERR_ERRNO ? std::strerror(errno) : mosquitto_strerror(result);
+}
+
+// Why TCP did not come about, unless OpenSSL has taken the socket's error before us.
+const char* BrokerLink::connectFailure() const
+{
+    int error = 0;
+    socklen_t size = sizeof error;
+    const bool isKnown = getsockopt(mosquitto_socket(client_), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error != 0;
+    return isKnown ? std::strerror(error) : "no TCP connection";
 }
 
 void BrokerLink::lose(const char* reason)
@@ -94,6 +113,7 @@ bool BrokerLink::prepareClient()
     mosquitto_connect_callback_set(client_, onConnect);
     mosquitto_disconnect_callback_set(client_, onDisconnect);
     mosquitto_message_callback_set(client_, onMessage);
+    mosquitto_log_callback_set(client_, onLog);
     // A small packet would wait for the acknowledgement of the one before it: 40 ms a call.
     mosquitto_int_option(client_, MOSQ_OPT_TCP_NODELAY, 1);
     if (!prepareTls())
@@ -110,6 +130,7 @@ void BrokerLink::attempt()
 {
     ++connections_;
     ended_ = nullptr;
+    tlsProblem_[0] = '\0';
     if (!prepareClient())
         return;
     const int result = mosquitto_connect_async(client_, broker().host, broker().port, settings_.keepAlive);
@@ -128,10 +149,12 @@ void BrokerLink::work(short happened)
     const std::uint64_t now = monotonicMilliseconds();
     if (state_ != State::kUp && now >= attemptAt_)
         return lose("no answer within 10 s");
-    if (state_ == State::kConnecting && happened != 0)
-        state_ = State::kGreeting;
     // In a TLS handshake libmosquitto takes a broken connection for one that needs time.
     const bool isBroken = (happened & (POLLERR | POLLHUP | POLLNVAL)) != 0;
+    if (state_ == State::kConnecting && isBroken)
+        return lose(connectFailure());
+    if (state_ == State::kConnecting && happened != 0)
+        state_ = State::kGreeting;
     int result = MOSQ_ERR_SUCCESS;
     // Reading also goes on with the handshake, whichever direction it waits for.
     if (happened != 0 || state_ == State::kGreeting)
@@ -143,12 +166,18 @@ void BrokerLink::work(short happened)
         tendedAt_ = now;
         result = mosquitto_loop_misc(client_);
     }
+    if (state_ == State::kUp && now - upSince_ >= renewAge_)
+    {
+        renewAge_ *= 2;
+        if (handlers_.renew != nullptr)
+            handlers_.renew(handlers_.context);
+    }
     if (ended_ != nullptr)
         lose(ended_);
     else if (result != MOSQ_ERR_SUCCESS)
         lose(reasonOf(result));
     else if (isBroken || mosquitto_socket(client_) < 0)
-        lose("the connection broke");
+        lose(reasonOf(MOSQ_ERR_CONN_LOST));
 }
 
 void BrokerLink::turn(int wakeup, int milliseconds)
@@ -181,6 +210,11 @@ bool BrokerLink::isClear() const
 bool BrokerLink::subscribe(const char* filter)
 {
     return isUp() && mosquitto_subscribe(client_, nullptr, filter, 0) == MOSQ_ERR_SUCCESS;
+}
+
+bool BrokerLink::renew(const char* filter)
+{
+    return isUp() && mosquitto_unsubscribe(client_, nullptr, filter) == MOSQ_ERR_SUCCESS && subscribe(filter);
 }
 
 bool BrokerLink::publish(const char* topic, const void* payload, std::size_t size, bool isRetained)
@@ -217,6 +251,7 @@ void BrokerLink::onConnect(mosquitto* /*client*/, void* self, int code)
     }
     link->state_ = State::kUp;
     link->upSince_ = monotonicMilliseconds();
+    link->renewAge_ = kRenewAge;
     if (link->handlers_.connected != nullptr)
         link->handlers_.connected(link->handlers_.context);
 }
@@ -225,7 +260,7 @@ void BrokerLink::onDisconnect(mosquitto* /*client*/, void* self, int code)
 {
     auto* link = static_cast<BrokerLink*>(self);
     if (link->ended_ == nullptr)
-        link->ended_ = reasonOf(code);
+        link->ended_ = link->reasonOf(code);
 }
 
 void BrokerLink::onMessage(mosquitto* /*client*/, void* self, const mosquitto_message* message)
@@ -234,6 +269,24 @@ void BrokerLink::onMessage(mosquitto* /*client*/, void* self, const mosquitto_me
     if (link->handlers_.received != nullptr)
         link->handlers_.received(link->handlers_.context, message->topic, message->payload,
                                  static_cast<std::size_t>(message->payloadlen));
+}
+
+// libmosquitto writes down what OpenSSL has to say, and returns no more than that there is something:
+//     OpenSSL Error[0]: error:0A000415:SSL routines::sslv3 alert certificate expired
+// An alert is what the broker has sent, the rest was found here.
+void BrokerLink::onLog(mosquitto* /*client*/, void* self, int level, const char* text)
+{
+    auto* link = static_cast<BrokerLink*>(self);
+    constexpr char kOpenSsl[] = "OpenSSL Error[";
+    if (level != MOSQ_LOG_ERR || link->tlsProblem_[0] != '\0' || std::strncmp(text, kOpenSsl, sizeof kOpenSsl - 1) != 0)
+        return;
+    const char* const routines = std::strstr(text, "::");
+    const char* const problem = routines == nullptr ? text : routines + 2;
+    const char* const alert = std::strstr(problem, "alert ");
+    if (alert != nullptr)
+        std::snprintf(link->tlsProblem_, sizeof link->tlsProblem_, "the broker refuses TLS: %s", alert + std::strlen("alert "));
+    else
+        std::snprintf(link->tlsProblem_, sizeof link->tlsProblem_, "TLS with the broker failed: %s", problem);
 }
 
 } // namespace tarn::fleet

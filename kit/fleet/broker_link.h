@@ -57,6 +57,10 @@ struct LinkHandlers
     void (*received)(void* context, const char* topic, const void* payload, std::size_t size) = nullptr;
     // An attempt failed, or the connection is lost, for this reason.
     void (*lost)(void* context, const char* broker, const char* reason) = nullptr;
+    // Renew the subscriptions unless something was heard through them; may be null. A cluster that clears up after a node it has
+    // lost may take those of a client that has moved to another one already. Called 4 s after each connection, 8 s, 16 s and so
+    // on.
+    void (*renew)(void* context) = nullptr;
 };
 
 class BrokerLink
@@ -79,8 +83,10 @@ public:
     // Whether what is published now goes out at once, and is not kept in memory behind something else.
     bool isClear() const;
 
-    // Both return false unless the connection is up.
+    // All return false unless the connection is up.
     bool subscribe(const char* filter);
+    // Ends the subscription and subscribes: RabbitMQ takes a second one for the first, even if it has lost that by half.
+    bool renew(const char* filter);
     bool publish(const char* topic, const void* payload, std::size_t size, bool isRetained);
 
     // Takes leave of the broker, which then does not publish the will. Does not connect again.
@@ -100,6 +106,8 @@ private:
     bool prepareClient();
     bool prepareTls();
     void work(short happened);
+    const char* reasonOf(int result) const;
+    const char* connectFailure() const;
     void lose(const char* reason);
     void drop();
     std::uint32_t pause() const;
@@ -108,6 +116,7 @@ private:
     static void onConnect(mosquitto* client, void* self, int code);
     static void onDisconnect(mosquitto* client, void* self, int code);
     static void onMessage(mosquitto* client, void* self, const mosquitto_message* message);
+    static void onLog(mosquitto* client, void* self, int level, const char* text);
 
     const Broker& broker() const
     {
@@ -121,10 +130,12 @@ private:
     std::uint64_t attemptAt_ = 0; // when to try again, or to give this attempt up
     std::uint64_t upSince_ = 0;
     std::uint64_t tendedAt_ = 0;
+    std::uint64_t renewAge_ = 0; // of the connection, when to renew subscriptions
     std::uint32_t failures_ = 0; // in a row
     std::uint32_t connections_ = 0;
     std::size_t next_ = 0;        // broker of this attempt, or of the next
     const char* ended_ = nullptr; // why libmosquitto ended the connection
+    char tlsProblem_[160] = {};   // what the TLS library has against it, or the broker's
 };
 
 } // namespace tarn::fleet

@@ -233,8 +233,8 @@ private:
 
     Result ask(Exchange& exchange, Journal* journal, const std::string& gateway)
     {
-        if (!exchange.awaitUp(kConnectTime))
-            return {What::kNotSent, "no connection to a broker: " + exchange.lastLoss(), std::nullopt};
+        if (!exchange.awaitAnyBroker())
+            return {What::kNotSent, exchange.lastLoss(), std::nullopt};
         const auto writeDown = [&]
         {
             if (journal != nullptr)
@@ -466,8 +466,8 @@ ctl::ExitCode call(const ctl::Console& plain, const CallOptions& options, const 
     ExchangeWatcher watcher;
     watcher.state = [&roll](const std::string& gateway, const Envelope& envelope) { roll.hear(gateway, envelope); };
     Exchange exchange(link, {kAllStates}, watcher, layoutOrNull());
-    if (!exchange.awaitUp(kConnectTime))
-        return console.fail(ctl::ExitCode::kIpcFailed, "no connection to a broker: " + exchange.lastLoss());
+    if (!exchange.awaitAnyBroker())
+        return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
     const std::vector<std::string> gateways = gatewaysOf(filter, roll);
     if (gateways.empty())
         return console.fail(ctl::ExitCode::kOther, "the broker knows no gateway that " + options.filter + " means");

@@ -29,6 +29,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kLongestPing{2000};
 // A gateway's clock goes on as ours for so long; then it is asked again.
 constexpr milliseconds kFreshFor{60000};
+// How long a connection may take, though every broker has been tried and is not there: one may be about to restart.
+constexpr milliseconds kShortestSearch{10000};
 constexpr int kExchangeTurn = 1000;
 constexpr int kMostRuns = 2; // that one call is meant for, one after the other
 
@@ -77,10 +79,11 @@ Exchange::Exchange(const LinkSettings& settings, std::vector<std::string> filter
                                     [](void* self, const char* broker, const char* reason)
                                     {
                                         auto* exchange = static_cast<Exchange*>(self);
-                                        exchange->lose(reason);
+                                        exchange->lose(std::string("no connection to the broker ") + broker + ": " + reason);
                                         if (exchange->watcher_.lost)
                                             exchange->watcher_.lost(broker, reason);
-                                    }})
+                                    },
+                                    [](void* self) { static_cast<Exchange*>(self)->renew(); }})
 {
     if (wakeup_ < 0)
         throw std::system_error(errno, std::generic_category(), "eventfd");
@@ -115,6 +118,15 @@ bool Exchange::awaitUp(Milliseconds limit)
 {
     std::unique_lock guard(mutex_);
     return upChanged_.wait_for(guard, limit, [this] { return isUp_; });
+}
+
+bool Exchange::awaitAnyBroker()
+{
+    std::unique_lock guard(mutex_);
+    const auto isOver = [this] { return isUp_ || isStopping_; };
+    if (!upChanged_.wait_for(guard, kShortestSearch, isOver))
+        upChanged_.wait(guard, [&] { return isOver() || failures_ >= settings_.brokerCount; });
+    return isUp_;
 }
 
 bool Exchange::isUp() const
@@ -153,16 +165,27 @@ void Exchange::serveBroker()
 
 void Exchange::subscribe()
 {
+    hasHeard_ = false;
     link_.subscribe(allReplies(settings_.clientId).text);
     for (const std::string& filter : filters_)
         link_.subscribe(filter.c_str());
     {
         const std::lock_guard guard(mutex_);
         isUp_ = true;
+        failures_ = 0;
     }
     upChanged_.notify_all();
     if (watcher_.connected)
         watcher_.connected();
+}
+
+void Exchange::renew()
+{
+    if (hasHeard_)
+        return;
+    link_.renew(allReplies(settings_.clientId).text);
+    for (const std::string& filter : filters_)
+        link_.renew(filter.c_str());
 }
 
 // Sends what waits, as long as the connection takes it at once.
@@ -194,6 +217,7 @@ void Exchange::receive(const char* topic, const void* payload, std::size_t size)
     Envelope envelope;
     const bool isEnvelope = decode(payload, size, envelope) == Fault::kNone;
     const Kind kind = envelope.kind;
+    hasHeard_ = hasHeard_ || parts.kind != TopicKind::kState; // which comes from what is retained, even if nothing else does
     if (isEnvelope && parts.kind == TopicKind::kReply && (kind == Kind::kReply || kind == Kind::kPong))
         return receiveAnswer(parts.gateway, envelope);
     if (isEnvelope && parts.kind == TopicKind::kState && (kind == Kind::kBirth || kind == Kind::kWill))
@@ -276,8 +300,9 @@ void Exchange::lose(const std::string& reason)
     {
         const std::lock_guard guard(mutex_);
         lastLoss_ = reason;
+        ++failures_;
     }
-    breakCalls(nullptr, "the connection to the broker: " + reason);
+    breakCalls(nullptr, reason);
 }
 
 // Of one gateway, or of all if it is null: then the connection is gone.
@@ -288,6 +313,7 @@ void Exchange::breakCalls(const std::string* gateway, const std::string& reason)
     {
         isUp_ = false;
         queue_.clear();
+        upChanged_.notify_all();
     }
     for (const auto& [sequence, waiting] : waiting_)
         if (waiting->stage < Stage::kAnswered &&
@@ -307,7 +333,7 @@ Exchange::Stage Exchange::exchange(Waiting& waiting, Clock::time_point end)
     std::unique_lock guard(mutex_);
     if (!isUp_ || isStopping_)
     {
-        waiting.loss = "no connection to a broker: " + (lastLoss_.empty() ? "none was made yet" : lastLoss_);
+        waiting.loss = lastLoss_;
         return Stage::kQueued;
     }
     waiting.asked.session = session_;
@@ -378,10 +404,7 @@ Outcome Exchange::unreachable(const std::string& gateway) const
 {
     const std::lock_guard guard(mutex_);
     if (!isUp_)
-        return {Fate::kNotSent,
-                KOR_IIL_TX_FAIL,
-                "no connection to a broker: " + (lastLoss_.empty() ? "none was made yet" : lastLoss_),
-                {}};
+        return {Fate::kNotSent, KOR_IIL_TX_FAIL, lastLoss_, {}};
     return {Fate::kNotSent, KOR_IIL_UNKNOWN_DST_ID, gateway + " does not answer: it is not connected to the broker", {}};
 }
 

@@ -2,7 +2,7 @@
 // number of gateways. docs/fleet-envelope.md has what travels.
 //
 //     Exchange exchange(settings, {kAllStates}, watcher, nullptr);
-//     if (exchange.awaitUp(seconds(5)))
+//     if (exchange.awaitAnyBroker())
 //         const Outcome outcome = exchange.call("home-1", {"TARN", 7, 3, sizeof message}, &message, seconds(3));
 //
 // An answer belongs to a call by session and sequence. One that nobody waits for, because it is late, comes twice or was never
@@ -103,8 +103,10 @@ public:
     Exchange& operator=(const Exchange&) = delete;
 
     bool awaitUp(Milliseconds limit);
+    // Waits until there is a connection, at least 10 s, and until each broker has been tried: one that does not answer takes 10 s.
+    bool awaitAnyBroker();
     bool isUp() const;
-    // Why there is no connection; empty before the first attempt has failed.
+    // Why there is no connection: a sentence.
     std::string lastLoss() const;
 
     // Asks a gateway whether it is there.
@@ -154,6 +156,7 @@ private:
     void serveBroker();
     void sendQueued();
     void subscribe();
+    void renew();
     void receive(const char* topic, const void* payload, std::size_t size);
     void receiveAnswer(const std::string& gateway, const Envelope& envelope);
     void receiveState(const std::string& gateway, const Envelope& envelope);
@@ -178,13 +181,15 @@ private:
     const std::uint64_t session_;
     int wakeup_ = -1; // an eventfd
 
-    BrokerLink link_; // of the broker's thread alone
+    BrokerLink link_;       // of the broker's thread alone
+    bool hasHeard_ = false; // through the subscriptions of this connection; of that thread too
 
     mutable std::mutex mutex_;
     std::condition_variable upChanged_;
     bool isStopping_ = false;
     bool isUp_ = false;
-    std::string lastLoss_;
+    std::string lastLoss_ = "there is no connection to a broker yet";
+    std::size_t failures_ = 0; // of connections since the latest that could be made
     std::uint32_t sequence_ = 0;
     std::map<std::uint32_t, Waiting*> waiting_; // by sequence
     std::deque<std::uint32_t> queue_;           // sequences of what is to be sent

@@ -19,9 +19,6 @@ void addList(ctl::Verbs& verbs, const SettingsSource& settings);
 void addEvents(ctl::Verbs& verbs, const SettingsSource& settings);
 void addCall(ctl::Verbs& verbs, const SettingsSource& settings);
 
-// How long a connection to a broker may take before a verb gives up.
-inline constexpr std::chrono::seconds kConnectTime{10};
-
 // The layout in use, or null.
 const layout::Layout* layoutOrNull();
 

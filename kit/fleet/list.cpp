@@ -141,8 +141,8 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
             news.add(gateway);
     };
     Exchange exchange(link, {kAllStates}, watcher, nullptr);
-    if (!exchange.awaitUp(kConnectTime))
-        return console.fail(ctl::ExitCode::kIpcFailed, "no connection to a broker: " + exchange.lastLoss());
+    if (!exchange.awaitAnyBroker())
+        return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
 
     const std::vector<std::string> names = gatewaysOf(filter, roll);
     while (news.take())

@@ -34,9 +34,13 @@ std::string Home::nameOf(unsigned number)
     return name;
 }
 
-Home::Home(std::uint16_t port, unsigned number, const Ledger* ledger) : number_(number), ledger_(ledger)
+Home::Home(std::uint16_t port, unsigned number, const Ledger* ledger) : Home(linkOf(nameOf(number), {port}), number, ledger)
 {
-    settings_.link = linkOf(nameOf(number), {port});
+}
+
+Home::Home(const LinkSettings& link, unsigned number, const Ledger* ledger) : number_(number), ledger_(ledger)
+{
+    settings_.link = link;
     std::snprintf(settings_.programVersion, sizeof settings_.programVersion, "1.2.3");
     const BridgePlatform platform = {this,
                                      [](void* self, const char* /*callerId*/, const char* /*service*/, std::uint32_t /*wait*/,

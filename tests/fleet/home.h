@@ -18,6 +18,8 @@ class Home
 public:
     // The gateway `home-<number>`, where everything is allowed. The ledger has its numbered calls (numbered_call.h).
     Home(std::uint16_t port, unsigned number, const Ledger* ledger = nullptr);
+    // The same with all settings of its connection.
+    Home(const tarn::fleet::LinkSettings& link, unsigned number, const Ledger* ledger);
 
     // Returns when it is connected.
     void awaitConnection() const;

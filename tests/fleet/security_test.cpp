@@ -1,4 +1,5 @@
 // A broker's configuration that is shipped, with certificates: who can do what. The same tests for each broker.
+#include "link.h"
 #include "operator.h"
 #include "secured_broker.h"
 
@@ -47,20 +48,10 @@ protected:
     static LinkSettings settings(const std::string& name, const std::string& id, const std::string& from = "a",
                                  const std::string& trusted = "a")
     {
-        LinkSettings settings;
-        std::snprintf(settings.clientId, sizeof settings.clientId, "%s", id.c_str());
-        std::snprintf(settings.brokers[0].host, sizeof settings.brokers[0].host, "127.0.0.1");
-        settings.brokers[0].port = broker_->port();
-        settings.brokerCount = 1;
-        settings.firstPause = 50;
-        settings.longestPause = 200;
-        std::snprintf(settings.authorities, sizeof settings.authorities, "%s/%s/ca.pem", directory_.c_str(), trusted.c_str());
-        if (!name.empty())
-        {
-            const std::string own = directory_ + "/" + from + "/" + name;
-            std::snprintf(settings.certificate, sizeof settings.certificate, "%s.pem", own.c_str());
-            std::snprintf(settings.key, sizeof settings.key, "%s.key", own.c_str());
-        }
+        LinkSettings settings = linkOf(id, {broker_->port()});
+        secure(settings, directory_ + "/" + trusted + "/ca.pem", directory_ + "/" + from + "/" + name);
+        if (name.empty())
+            settings.certificate[0] = settings.key[0] = '\0';
         return settings;
     }
     static LinkSettings settings(const std::string& name)
