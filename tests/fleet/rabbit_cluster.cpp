@@ -117,16 +117,19 @@ void RabbitCluster::kill(std::size_t node)
     nodes_[node].server.kill();
 }
 
-std::size_t RabbitCluster::running(std::size_t node) const
+std::string RabbitCluster::ask(std::size_t node, const std::string& words) const
 {
-    const std::string answer = directory_ + "/running";
     std::string command = "env";
     for (const auto& [name, value] : environment(nodes_[node]))
         command.append(" '").append(name).append("=").append(value).append("'");
-    command.append(" ").append(kPrograms).append("rabbitmqctl --quiet eval 'length(rabbit_nodes:all_running()).' > ");
-    if (std::system((command + answer).c_str()) != 0)
-        return 0;
-    return std::strtoul(contents(answer).c_str(), nullptr, 10);
+    command.append(" ").append(kPrograms).append("rabbitmqctl --quiet ").append(words);
+    const std::string answer = directory_ + "/answer";
+    return std::system(command.append(" > ").append(answer).c_str()) == 0 ? contents(answer) : "";
+}
+
+std::size_t RabbitCluster::running(std::size_t node) const
+{
+    return std::strtoul(ask(node, "eval 'length(rabbit_nodes:all_running()).'").c_str(), nullptr, 10);
 }
 
 } // namespace fleet_test

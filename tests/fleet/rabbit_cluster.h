@@ -35,6 +35,8 @@ public:
     void kill(std::size_t node);
     // Again on the same port.
     void start(std::size_t node);
+    // What rabbitmqctl answers for a node; nothing if it fails. `words` as a shell takes them.
+    std::string ask(std::size_t node, const std::string& words) const;
     // How many nodes of the cluster are running, as one of them sees it.
     std::size_t running(std::size_t node) const;
 
