@@ -27,7 +27,7 @@ public:
 
     pid_t processId() const
     {
-        return processId_;
+        return server_.id();
     }
 
     void kill();

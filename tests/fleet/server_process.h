@@ -26,6 +26,10 @@ public:
     void start(const std::vector<std::string>& words, const std::string& log, const Environment& environment = {});
     // Whether it takes connections at a port of the loopback interface, within that time; false once it has ended.
     bool awaitPort(std::uint16_t port, std::chrono::seconds limit);
+    pid_t id() const
+    {
+        return processId_;
+    }
     void signal(int number) const;
     void kill();
 
