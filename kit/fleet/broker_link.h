@@ -57,9 +57,9 @@ struct LinkHandlers
     void (*received)(void* context, const char* topic, const void* payload, std::size_t size) = nullptr;
     // An attempt failed, or the connection is lost, for this reason.
     void (*lost)(void* context, const char* broker, const char* reason) = nullptr;
-    // Renew the subscriptions unless something was heard through them; may be null. A cluster that clears up after a node it has
-    // lost may take those of a client that has moved to another one already. Called 4 s after each connection, 8 s, 16 s and so
-    // on.
+    // Renew the subscriptions unless something was heard through them; may be null. A cluster that clears up after a node it
+    // has lost may take those of a client that has moved to another one already. Called 4 s after each connection, 8 s, 16 s
+    // and so on.
     void (*renew)(void* context) = nullptr;
 };
 

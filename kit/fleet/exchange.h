@@ -103,7 +103,8 @@ public:
     Exchange& operator=(const Exchange&) = delete;
 
     bool awaitUp(Milliseconds limit);
-    // Waits until there is a connection, at least 10 s, and until each broker has been tried: one that does not answer takes 10 s.
+    // Waits until there is a connection, at least 10 s, and until each broker has been tried: one that does not answer takes 10
+    // s.
     bool awaitAnyBroker();
     bool isUp() const;
     // Why there is no connection: a sentence.

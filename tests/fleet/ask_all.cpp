@@ -1,6 +1,6 @@
 // Asks a gateway that runs elsewhere for every command of the contract: each has to be carried out and answered, and through
-// tarn-fleet as a gateway answers that runs here. Started by tests/fleet/emulated, with the broker's port in TARN_FLEET_PORT, the
-// directory of tarn-fleet's services in TARN_FLEET_ATTACHED, and that of the gateway's here in TARN_FLEET_LOCAL.
+// tarn-fleet as a gateway answers that runs here. Started by tests/fleet/emulated, with the broker's port in TARN_FLEET_PORT,
+// the directory of tarn-fleet's services in TARN_FLEET_ATTACHED, and that of the gateway's here in TARN_FLEET_LOCAL.
 #include "operator.h"
 
 #include "kor_iil.h"
@@ -30,8 +30,8 @@ struct Result
     Bytes message;
 };
 
-// Of all functions in the contract's order, with the services in the directory that this variable names. On a thread of its own,
-// which has connections of its own.
+// Of all functions in the contract's order, with the services in the directory that this variable names. On a thread of its
+// own, which has connections of its own.
 std::vector<Result> resultsIn(const char* variable)
 {
     const char* const directory = std::getenv(variable);
@@ -72,8 +72,8 @@ TEST(EmulatedBridgeTest, EveryFunctionHasTheResultThatItHasHere)
         outputs += std::set<std::uint8_t>(far[at].message.begin(), far[at].message.end()).size() > 1 ? 1 : 0;
     }
     EXPECT_GT(succeeded, kContractFunctionCount / 2);
-    std::printf("counted: %zu functions compared, %zu with reply status 0, %zu with more than zeros in the message\n", far.size(),
-                succeeded, outputs);
+    std::printf("counted: %zu functions compared, %zu with reply status 0, %zu with more than zeros in the message\n",
+                far.size(), succeeded, outputs);
 }
 
 TEST(EmulatedBridgeTest, EveryCommandIsCarriedOutAndAnsweredInTheGatewaysByteOrder)

@@ -1,5 +1,5 @@
-// `tarn-fleet call` on many gateways while a test takes brokers away; then what it told of each gateway is compared with what that
-// executed.
+// `tarn-fleet call` on many gateways while a test takes brokers away; then what it told of each gateway is compared with what
+// that executed.
 #pragma once
 
 #include "fleet_command.h"

@@ -1,5 +1,5 @@
-// tarn-fleet with two brokers and with certificates: what it does without the first broker, and what it says of a connection that
-// cannot be.
+// tarn-fleet with two brokers and with certificates: what it does without the first broker, and what it says of a connection
+// that cannot be.
 #include "broker.h"
 #include "disturbed_run.h"
 #include "home.h"
@@ -29,8 +29,8 @@ using ::testing::MatchesRegex;
 constexpr int kNoConnection = 6;
 constexpr unsigned kGateways = 10;
 
-// Two brokers that know nothing of one another. Each gateway and the operator has a certificate of authority `a`; `b` is another
-// one.
+// Two brokers that know nothing of one another. Each gateway and the operator has a certificate of authority `a`; `b` is
+// another one.
 class FailoverTest : public ::testing::Test
 {
 protected:
@@ -61,7 +61,8 @@ protected:
                                  certificates_ + "/" + authority),
                         "listener 8883", "listener @PORT@ 127.0.0.1");
     }
-    // The operator's settings in a directory: the brokers at these ports, and the certificate `own` made by the authority `from`.
+    // The operator's settings in a directory: the brokers at these ports, and the certificate `own` made by the authority
+    // `from`.
     static void configure(const std::string& directory, const std::vector<std::uint16_t>& ports,
                           const std::string& own = "noc-1", const std::string& from = "a", const std::string& trusted = "a")
     {

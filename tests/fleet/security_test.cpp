@@ -64,8 +64,8 @@ protected:
         ASSERT_TRUE(client.await([&] { return client.isConnected(); })) << client.reason();
     }
 
-    // Lets this gateway say what it may until the operator hears it: whatever it was denied before is settled then. Some brokers
-    // end the connection of whoever tries what it may not.
+    // Lets this gateway say what it may until the operator hears it: whatever it was denied before is settled then. Some
+    // brokers end the connection of whoever tries what it may not.
     static std::optional<Arrived> hearEventOf(Operator& gateway, const std::string& name, Operator& noc)
     {
         std::optional<Arrived> arrived;
@@ -211,8 +211,8 @@ TEST_F(SecurityTest, AnOperatorCannotHearWhatAnotherOneIsTold)
     EXPECT_TRUE(second.call("home-1", second.request("TARN", kGetRadioNum, kLong)));
 }
 
-// Where the broker leaves the id to the client, one with another's id takes its connection away, but not its place: it hears and
-// says only what its certificate allows, and the other one connects again.
+// Where the broker leaves the id to the client, one with another's id takes its connection away, but not its place: it hears
+// and says only what its certificate allows, and the other one connects again.
 TEST_F(SecurityTest, AClientIdThatIsNotTheCertificatesTakesNobodysPlace)
 {
     startBridge();
