@@ -2,8 +2,8 @@
 
 A part is a module with
 
-    NAME, PACKAGES, TARGETS    its name as an option, Debian's packages, and the targets of bench/ that it runs
-    measure(programs, quick)   its figures, as JSON has them
+    NAME, PACKAGES, TARGETS    its name as an option, Debian's packages, and what is built for it
+    measure(programs, quick)   its figures, as JSON has them; programs are paths by their names
     goals(figures)             what was to be reached, as page.Goal
     section(figures)           its section of the page, as lines of Markdown
     PLOTS                      by a picture's name its title, its height, and a function that draws it
@@ -17,30 +17,32 @@ import subprocess
 import sys
 
 import flash
+import fleet
+import gateway
+import kit
 import messages
 import page
 import round_trip
 import stub
+import tools
 from machine import about
 
-_ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-_BUILD = _ROOT / "build" / "bench"
 _PACKAGES = [
     *("cmake", "ninja-build", "g++", "pkg-config", "nlohmann-json3-dev", "libcli11-dev", "libmosquitto-dev"),  # as ./demo
     "libbenchmark-dev",
 ]
-PARTS = {part.NAME: part for part in (flash, stub, messages, round_trip)}
+PARTS = {part.NAME: part for part in (flash, stub, messages, round_trip, tools, gateway, fleet)}
 
 
 def options():
     parser = argparse.ArgumentParser(
-        prog="bench/run", description="Measures what the library and libkoriil cost, and writes docs/performance.md.")
+        prog="bench/run", description="Measures what the library and the kit cost, and writes docs/performance.md.")
     parser.add_argument("--only", action="append", choices=PARTS, metavar="PART",
                         help="measure this alone, and keep what the page has of the others: " + ", ".join(PARTS)
                         + "; several may be given")
     parser.add_argument("--quick", action="store_true", help="a few repetitions, to see that all runs: the figures are rough")
     parser.add_argument("--draw", action="store_true", help="measure nothing: write page and pictures from performance.json")
-    parser.add_argument("--output", type=pathlib.Path, default=_ROOT / "docs", metavar="DIRECTORY",
+    parser.add_argument("--output", type=pathlib.Path, default=kit.ROOT / "docs", metavar="DIRECTORY",
                         help="where performance.md, performance.json and pictures/ are written (docs)")
     given = parser.parse_args()
     if given.draw and (given.only or given.quick):
@@ -52,7 +54,7 @@ def options():
 
 def install(packages):
     script = '. packaging/install-packages && install_packages "$@"'
-    if subprocess.run(["sh", "-c", script, "sh", *dict.fromkeys(packages)], cwd=_ROOT).returncode != 0:
+    if subprocess.run(["sh", "-c", script, "sh", *dict.fromkeys(packages)], cwd=kit.ROOT).returncode != 0:
         sys.exit(1)
 
 
@@ -61,18 +63,13 @@ def build(targets):
     if not targets:
         return
     install([*_PACKAGES, *(package for part in PARTS.values() for package in part.PACKAGES)])
-    log = _ROOT / "build" / "bench.log"
+    log = kit.ROOT / "build" / "bench.log"
     log.parent.mkdir(exist_ok=True)
-    print(f"Building (log in {log.relative_to(_ROOT)}) ...", flush=True)
+    print(f"Building (log in {log.relative_to(kit.ROOT)}) ...", flush=True)
     with log.open("w", encoding="utf-8") as file:
         for command in (["cmake", "--preset", "bench"], ["cmake", "--build", "--preset", "bench", "--target", *targets]):
-            if subprocess.run(command, cwd=_ROOT, stdout=file, stderr=subprocess.STDOUT).returncode != 0:
+            if subprocess.run(command, cwd=kit.ROOT, stdout=file, stderr=subprocess.STDOUT).returncode != 0:
                 sys.exit("".join(log.read_text(encoding="utf-8").splitlines(keepends=True)[-30:]))
-
-
-def programs():
-    """Where each program of bench/ is, by its name."""
-    return {path.name: path for path in (_BUILD / "bench").rglob("tarn_bench_*") if path.is_file() and os.access(path, os.X_OK)}
 
 
 def main():
@@ -88,7 +85,7 @@ def main():
         build(targets)
     for part in chosen:
         print(f"Measuring: {part.NAME} ...", flush=True)
-        results[part.NAME] = {"about": about(_ROOT, load, given.quick), "figures": part.measure(programs(), given.quick)}
+        results[part.NAME] = {"about": about(kit.ROOT, load, given.quick), "figures": part.measure(kit.programs(), given.quick)}
         page.save(given.output, results)
     if not results:
         sys.exit(f"{given.output}/performance.json: nothing has been measured yet")

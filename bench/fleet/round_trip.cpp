@@ -2,7 +2,10 @@
 // bridges in this process, whose platform answers at once, called as tarn-fleet does it, and as many clients that send a ready
 // answer back. Both take turns. Then the programs: the time of one `tarn-fleet call` on all bridges, and what is resident.
 //
-//   tarn_bench_fleet [GATEWAYS [WINDOW [ROUNDS]]]     1000, 64 and 5 if left out; WINDOW calls are under way at a time
+//   tarn_bench_fleet GATEWAYS WINDOW ROUNDS     WINDOW calls are under way at a time, and one
+//
+// A line begins with what it is about: a round of calls (its name; p50 and p99 in milliseconds, calls a second), what a process
+// keeps (its name; KiB resident, KiB of it private), or the call of a program (seconds, KiB resident at most).
 #include "fleet/broker.h"
 #include "fleet/process.h"
 
@@ -168,10 +171,10 @@ public:
         std::sort(times_.begin(), times_.end());
         return times_.at(times_.size() * percent / 100);
     }
-    void print(const char* what)
+    void print(const std::string& name)
     {
-        std::printf("%-28s %8.0f calls/s   p50 %7.3f ms   p99 %7.3f ms\n", what,
-                    static_cast<double>(times_.size()) / taken_.count(), percentile(50), percentile(99));
+        std::printf("calls %s %.4f %.4f %.0f\n", name.c_str(), percentile(50), percentile(99),
+                    static_cast<double>(times_.size()) / taken_.count());
     }
 
 private:
@@ -330,13 +333,12 @@ std::size_t memoryOf(int process, const std::string& field)
 
 void printMemory(const char* what, int process)
 {
-    std::printf("%-28s %8zu KiB resident, %zu KiB of it private\n", what, memoryOf(process, "Rss"),
-                memoryOf(process, "Private_Dirty"));
+    std::printf("memory %s %zu %zu\n", what, memoryOf(process, "Rss"), memoryOf(process, "Private_Dirty"));
 }
 
 // --- The programs -----------------------------------------------------------------------------------------------------------
 
-void measureTool(const std::string& broker, std::size_t gateways, std::size_t window)
+void measureTool(const std::string& broker, std::size_t window)
 {
     const int output = open("/dev/null", O_WRONLY | O_CLOEXEC);
     const auto start = Clock::now();
@@ -347,8 +349,9 @@ void measureTool(const std::string& broker, std::size_t gateways, std::size_t wi
     int state = 0;
     wait4(tool.id(), &state, 0, &usage);
     close(output);
-    std::printf("tarn-fleet call on %zu: %.2f s from start to end, %ld KiB resident at most, exit code %d\n", gateways,
-                millisecondsSince(start) / 1000, usage.ru_maxrss, WEXITSTATUS(state));
+    if (!WIFEXITED(state) || WEXITSTATUS(state) != 0)
+        std::abort();
+    std::printf("program %.3f %ld\n", millisecondsSince(start) / 1000, usage.ru_maxrss);
 }
 
 void measureBridge(const std::string& broker, Exchange& exchange)
@@ -365,9 +368,14 @@ void measureBridge(const std::string& broker, Exchange& exchange)
 
 int main(int count, char** arguments)
 {
-    const auto argument = [&](int at, std::size_t otherwise)
-    { return count > at ? static_cast<std::size_t>(std::strtoul(arguments[at], nullptr, 10)) : otherwise; };
-    const std::size_t gateways = argument(1, 1000), window = argument(2, 64), rounds = argument(3, 5);
+    const auto argument = [&](int at)
+    { return count == 4 ? static_cast<std::size_t>(std::strtoul(arguments[at], nullptr, 10)) : 0; };
+    const std::size_t gateways = argument(1), window = argument(2), rounds = argument(3);
+    if (gateways == 0 || window == 0 || rounds == 0)
+    {
+        std::fprintf(stderr, "usage: tarn_bench_fleet GATEWAYS WINDOW ROUNDS, numbers above 0\n");
+        return 2;
+    }
     rlimit descriptors = {};
     getrlimit(RLIMIT_NOFILE, &descriptors);
     descriptors.rlim_cur = descriptors.rlim_max;
@@ -378,7 +386,7 @@ int main(int count, char** arguments)
                                              "max_queued_messages 10000\n");
     const std::string address = "127.0.0.1:" + std::to_string(broker.port());
     const std::vector<std::string> homeNames = namesOf("home-", gateways), echoNames = namesOf("echo-", gateways);
-    const std::size_t before = memoryOf(getpid(), "Rss");
+    const std::size_t before[] = {memoryOf(getpid(), "Rss"), memoryOf(getpid(), "Private_Dirty")};
     std::vector<std::unique_ptr<Home>> homes;
     for (const std::string& name : homeNames)
         homes.push_back(std::make_unique<Home>(name, broker.port()));
@@ -390,9 +398,10 @@ int main(int count, char** arguments)
     exchange.awaitUp(std::chrono::seconds(10));
     Figures first;
     callAll(exchange, homeNames, window, first); // pings go before these
-    std::printf("%-28s %8zu KiB of this process\n", "a bridge in it", (memoryOf(getpid(), "Rss") - before) / gateways);
-    measureTool(address, gateways, window);
-    printMemory("broker after that", broker.processId());
+    first.print("first/" + std::to_string(window));
+    std::printf("memory another %zu %zu\n", (memoryOf(getpid(), "Rss") - before[0]) / gateways,
+                (memoryOf(getpid(), "Private_Dirty") - before[1]) / gateways);
+    measureTool(address, window);
     measureBridge(address, exchange);
 
     std::atomic<bool> isDone{false};
@@ -403,19 +412,14 @@ int main(int count, char** arguments)
     asker.awaitAll(echoNames);
     for (const std::size_t atATime : {std::size_t{1}, window})
     {
-        Figures bare, calls;
         for (std::size_t round = 0; round < rounds; ++round)
         {
+            Figures bare, calls;
             asker.askAll(echoNames, atATime, bare);
             callAll(exchange, homeNames, atATime, calls);
+            bare.print("bare/" + std::to_string(atATime));
+            calls.print("call/" + std::to_string(atATime));
         }
-        std::printf("\n%zu gateways, %zu calls each, %zu at a time, replies of %u bytes\n", gateways, rounds, atATime,
-                    kPresent);
-        bare.print("bare round trip");
-        calls.print("call");
-        std::printf("ratio at p50: %.2f\n", calls.percentile(50) / bare.percentile(50));
     }
-    std::printf("\n");
-    first.print("first call, behind a ping");
     isDone = true;
 }
