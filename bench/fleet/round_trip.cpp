@@ -7,11 +7,11 @@
 // A line begins with what it is about: a round of calls (its name; p50 and p99 in milliseconds, calls a second), what a process
 // keeps (its name; KiB resident, KiB of it private), or the call of a program (seconds, KiB resident at most).
 #include "fleet/broker.h"
-#include "fleet/process.h"
 
 #include "fleet/bridge.h"
 #include "fleet/exchange.h"
 #include "fleet/roll.h"
+#include "support/process.h"
 
 #include <algorithm>
 #include <atomic>
@@ -31,7 +31,6 @@
 #include <fcntl.h>
 #include <mosquitto.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -342,21 +341,21 @@ void measureTool(const std::string& broker, std::size_t window)
 {
     const int output = open("/dev/null", O_WRONLY | O_CLOEXEC);
     const auto start = Clock::now();
-    fleet_test::Process tool({TARN_FLEET_PROGRAM, "--broker", broker, "--config", "/dev/null", "call", "home-*",
+    tarn::test::Process tool({TARN_FLEET_PROGRAM, "--broker", broker, "--config", "/dev/null", "call", "home-*",
                               "TarnGetRadioNum", "--window", std::to_string(window)},
-                             output);
-    rusage usage = {};
-    int state = 0;
-    wait4(tool.id(), &state, 0, &usage);
+                             {STDIN_FILENO, output, STDERR_FILENO});
     close(output);
-    if (!WIFEXITED(state) || WEXITSTATUS(state) != 0)
+    if (tool.finish() != 0)
         std::abort();
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage); // the first that has ended
     std::printf("program %.3f %ld\n", millisecondsSince(start) / 1000, usage.ru_maxrss);
 }
 
 void measureBridge(const std::string& broker, Exchange& exchange)
 {
-    const fleet_test::Process bridge({TARN_BRIDGE_PROGRAM, "--id", "alone", "--broker", broker, "--no-events"}, STDERR_FILENO);
+    const tarn::test::Process bridge({TARN_BRIDGE_PROGRAM, "--id", "alone", "--broker", broker, "--no-events"},
+                                     {STDIN_FILENO, STDERR_FILENO, STDERR_FILENO});
     Bytes message(kLength);
     for (int answered = 0; answered < 100;) // no service is there: its IPC says so
         answered += exchange.call("alone", {"TARN", kCommand, 3, kLength}, message.data(), std::chrono::seconds(3)).fate ==

@@ -2,15 +2,12 @@
 
 #include "support.h"
 
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <stdexcept>
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace campaign
@@ -22,7 +19,7 @@ namespace
 // Ends at the end of the output.
 void readLines(int descriptor, const std::function<void(const std::string&)>& onLine)
 {
-    FILE* const file = fdopen(descriptor, "r");
+    FILE* const file = fdopen(fcntl(descriptor, F_DUPFD_CLOEXEC, 0), "r");
     char* line = nullptr;
     std::size_t room = 0;
     for (ssize_t length = 0; (length = getline(&line, &room, file)) > 0;)
@@ -35,29 +32,13 @@ void readLines(int descriptor, const std::function<void(const std::string&)>& on
 
 GatewayProcess::GatewayProcess(const std::vector<std::string>& options, std::function<void(const std::string&)> onLine)
 {
-    int ready[2];
-    int log[2];
-    if (pipe2(ready, O_CLOEXEC) != 0 || pipe2(log, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ready[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, log[1], STDERR_FILENO);
-
-    std::vector<char*> argv = {const_cast<char*>(TARN_GATEWAY_PROGRAM)};
-    for (const std::string& option : options)
-        argv.push_back(const_cast<char*>(option.c_str()));
-    argv.push_back(nullptr);
-    const int error = posix_spawn(&processId_, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    close(ready[1]);
-    close(log[1]);
-    if (error != 0)
-        throw std::runtime_error("tarn-gateway cannot be started: " + std::string(std::strerror(error)));
-    reader_ = std::thread([descriptor = log[0], onLine = std::move(onLine)] { readLines(descriptor, onLine); });
-    char character = 0;
-    const bool isReady = read(ready[0], &character, 1) == 1;
-    close(ready[0]);
+    tarn::test::Pipe ready;
+    process_ = tarn::test::Process(tarn::test::commandOf("", TARN_GATEWAY_PROGRAM, options),
+                                   {STDIN_FILENO, ready.writing(), log_.writing()});
+    ready.closeWriting();
+    log_.closeWriting();
+    reader_ = std::thread([this, onLine = std::move(onLine)] { readLines(log_.reading(), onLine); });
+    const bool isReady = !ready.line().empty();
     if (isReady)
         return;
     end();
@@ -66,20 +47,19 @@ GatewayProcess::GatewayProcess(const std::vector<std::string>& options, std::fun
 
 GatewayProcess::~GatewayProcess()
 {
-    if (processId_ > 0)
+    if (process_.id() > 0)
         end();
 }
 
 std::size_t GatewayProcess::residentBytes() const
 {
-    return campaign::residentBytes(processId_);
+    return campaign::residentBytes(process_.id());
 }
 
 int GatewayProcess::end()
 {
-    kill(processId_, SIGTERM);
-    const int code = exitCodeOf(processId_);
-    processId_ = -1;
+    process_.signal(SIGTERM);
+    const int code = process_.finish();
     reader_.join();
     return code;
 }

@@ -1,13 +1,13 @@
 // tarn-gateway in a process of its own, whose log and memory are read while it runs.
 #pragma once
 
+#include "support/process.h"
+
 #include <cstddef>
 #include <functional>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace campaign
 {
@@ -27,7 +27,8 @@ public:
     int end();
 
 private:
-    pid_t processId_ = -1;
+    tarn::test::Pipe log_;
+    tarn::test::Process process_;
     std::thread reader_;
 };
 

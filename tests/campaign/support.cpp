@@ -1,18 +1,13 @@
 #include "support.h"
 
 #include <atomic>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace campaign
@@ -119,15 +114,6 @@ std::size_t residentBytes(pid_t process)
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-int exitCodeOf(pid_t process)
-{
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR)
-    {
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
 bool eventually(const std::function<bool()>& condition, std::chrono::seconds limit)
 {
     const auto end = steady_clock::now() + limit;
@@ -171,58 +157,28 @@ Repeating::~Repeating()
 
 // Not fork: threads of this process run, and a sanitizer's allocator may be locked by one of them.
 Peer::Peer(const std::vector<std::string>& arguments)
+    : process_(tarn::test::commandOf("", CAMPAIGN_PEER_PROGRAM, arguments),
+               {input_.reading(), output_.writing(), STDERR_FILENO})
 {
-    int in[2];
-    int out[2];
-    if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    input_ = in[1];
-    output_ = out[0];
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-
-    std::vector<char*> argv = {const_cast<char*>(CAMPAIGN_PEER_PROGRAM)};
-    for (const std::string& argument : arguments)
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    const int error = posix_spawn(&processId_, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    close(in[0]);
-    close(out[1]);
-    if (error != 0)
-        throw std::runtime_error("campaign_peer cannot be started: " + std::string(std::strerror(error)));
-}
-
-Peer::~Peer()
-{
-    if (processId_ > 0)
-        kill();
-    close(output_);
+    input_.closeReading();
+    output_.closeWriting();
 }
 
 std::string Peer::line() const
 {
-    std::string text;
-    char character;
-    while (read(output_, &character, 1) == 1 && character != '\n')
-        text += character;
-    return text;
+    return output_.line();
 }
 
 void Peer::kill()
 {
-    ::kill(processId_, SIGKILL);
+    process_.signal(SIGKILL);
     finish();
 }
 
 int Peer::finish()
 {
-    if (input_ >= 0)
-        close(std::exchange(input_, -1));
-    return exitCodeOf(std::exchange(processId_, -1));
+    input_.closeWriting();
+    return process_.finish();
 }
 
 } // namespace campaign

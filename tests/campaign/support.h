@@ -4,6 +4,7 @@
 
 #include "peer.h"
 
+#include "support/process.h"
 #include "support/services.h"
 
 #include <atomic>
@@ -93,9 +94,6 @@ class Peer
 {
 public:
     explicit Peer(const std::vector<std::string>& arguments);
-    ~Peer();
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
 
     // Waits for its next line; empty at the end of its output.
     std::string line() const;
@@ -104,17 +102,13 @@ public:
     int finish();
 
 private:
-    pid_t processId_ = -1;
-    int input_ = -1;
-    int output_ = -1;
+    tarn::test::Pipe input_, output_;
+    tarn::test::Process process_;
 };
 
 std::size_t openDescriptors();
 std::size_t runningThreads();
 std::size_t residentBytes(pid_t process = getpid());
-
-// Waits for the end of a child. Its exit code; 128 and the signal that ended it.
-int exitCodeOf(pid_t process);
 
 // False if the condition does not hold within the limit.
 bool eventually(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(kAmple));

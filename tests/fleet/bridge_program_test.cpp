@@ -2,6 +2,7 @@
 #include "broker.h"
 #include "operator.h"
 
+#include "support/process.h"
 #include "support/services.h"
 
 #include <csignal>
@@ -15,7 +16,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fleet_test
@@ -35,55 +35,24 @@ class BridgeProgram
 public:
     explicit BridgeProgram(const std::vector<std::string>& arguments)
     {
-        int ends[2];
-        if (pipe(ends) != 0)
-            throw std::runtime_error("no pipe");
-        processId_ = fork();
-        if (processId_ == 0)
-        {
-            dup2(ends[1], STDOUT_FILENO);
-            dup2(ends[1], STDERR_FILENO);
-            close(ends[0]);
-            close(ends[1]);
-            std::vector<char*> words{const_cast<char*>(TARN_BRIDGE_PROGRAM)};
-            for (const std::string& argument : arguments)
-                words.push_back(const_cast<char*>(argument.c_str()));
-            words.push_back(nullptr);
-            execv(words[0], words.data());
-            _exit(127);
-        }
-        close(ends[1]);
-        output_ = ends[0];
+        std::vector<std::string> words = arguments;
+        words.insert(words.begin(), TARN_BRIDGE_PROGRAM);
+        process_ = tarn::test::Process(words, {STDIN_FILENO, output_.writing(), output_.writing()});
+        output_.closeWriting();
     }
-    ~BridgeProgram()
-    {
-        signal(SIGKILL);
-        finish();
-        close(output_);
-    }
-    BridgeProgram(const BridgeProgram&) = delete;
-    BridgeProgram& operator=(const BridgeProgram&) = delete;
 
     void signal(int number) const
     {
-        if (processId_ > 0)
-            kill(processId_, number);
+        process_.signal(number);
     }
     // Its exit code, or 128 and the signal that ended it.
     int finish()
     {
-        int state = 0;
-        if (processId_ > 0 && waitpid(processId_, &state, 0) == processId_)
-            processId_ = -1;
-        return WIFEXITED(state) ? WEXITSTATUS(state) : 128 + WTERMSIG(state);
+        return process_.finish();
     }
     std::string line() const
     {
-        std::string text;
-        char character = 0;
-        while (read(output_, &character, 1) == 1 && character != '\n')
-            text += character;
-        return text;
+        return output_.line();
     }
     // The first line from now on that has this in it; empty if there is none.
     std::string lineWith(const std::string& piece) const
@@ -95,16 +64,12 @@ public:
     }
     std::string rest() const
     {
-        std::string text;
-        char character = 0;
-        while (read(output_, &character, 1) == 1)
-            text += character;
-        return text;
+        return output_.rest();
     }
 
 private:
-    pid_t processId_ = -1;
-    int output_ = -1;
+    tarn::test::Pipe output_;
+    tarn::test::Process process_;
 };
 
 // Log level: command 1 sets it, command 0 reads it.

@@ -45,8 +45,8 @@ void Device::restart()
     }
     if (bridge_)
         return;
-    setenv("KORIIL_DIR", directory_.c_str(), 1);
-    bridge_.emplace(bridgeWords_, STDERR_FILENO);
+    const tarn::test::Streams streams = {STDIN_FILENO, STDERR_FILENO, STDERR_FILENO};
+    bridge_.emplace(bridgeWords_, streams, tarn::test::Process::Environment{{"KORIIL_DIR", directory_}});
 }
 
 } // namespace fleet_test

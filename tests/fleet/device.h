@@ -1,9 +1,8 @@
 // A gateway of two processes, tarn-bridge and a service behind it, which can be killed.
 #pragma once
 
-#include "process.h"
-
 #include "campaign/support.h"
+#include "support/process.h"
 
 #include <cstdint>
 #include <optional>
@@ -26,7 +25,7 @@ public:
 private:
     const std::string directory_;
     const std::vector<std::string> bridgeWords_, serviceWords_;
-    std::optional<Process> bridge_;
+    std::optional<tarn::test::Process> bridge_;
     std::optional<campaign::Peer> service_;
 };
 

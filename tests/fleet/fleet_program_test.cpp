@@ -3,6 +3,7 @@
 #include "home.h"
 
 #include "base/timestamp.h"
+#include "support/process.h"
 #include "support/services.h"
 #include "tarnctl/schema.h"
 
@@ -16,13 +17,14 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <sys/wait.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace fleet_test
@@ -92,31 +94,24 @@ protected:
         for (const auto& home : homes_)
             home->awaitConnection();
     }
-    pid_t begin(std::vector<std::string> words, const std::string& program = TARN_FLEET_PROGRAM)
+    tarn::test::Process begin(std::vector<std::string> words, const std::string& program = TARN_FLEET_PROGRAM)
     {
         std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
-        std::ofstream(path("out")), std::ofstream(path("err")); // not those of the one before
-        const pid_t process = fork();
-        if (process != 0)
-            return process;
-        const std::string out = path("out"), err = path("err");
-        std::freopen(out.c_str(), "w", stdout);
-        std::freopen(err.c_str(), "w", stderr);
-        setenv("TARN_FLEET", path("fleet.conf").c_str(), 1);
-        setenv("TARN_LAYOUT", "", 1);
         words.insert(words.begin(), program);
-        std::vector<char*> pointers;
-        for (std::string& word : words)
-            pointers.push_back(word.data());
-        pointers.push_back(nullptr);
-        execv(program.c_str(), pointers.data());
-        _exit(127);
+        const int out = create(path("out")), err = create(path("err"));
+        tarn::test::Process process(words, {STDIN_FILENO, out, err}, {{"TARN_FLEET", path("fleet.conf")}, {"TARN_LAYOUT", ""}});
+        close(out);
+        close(err);
+        return process;
     }
-    Ended end(pid_t process)
+    static int create(const std::string& path)
     {
-        int state = 0;
-        waitpid(process, &state, 0);
-        return {WIFEXITED(state) ? WEXITSTATUS(state) : -1, contents(path("out")), contents(path("err"))};
+        return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    }
+    Ended end(tarn::test::Process process)
+    {
+        const int exit = process.finish();
+        return {exit, contents(path("out")), contents(path("err"))};
     }
     // Its output so far has the text.
     bool awaitText(const std::string& stream, const std::string& text) const
@@ -175,7 +170,7 @@ TEST_F(FleetProgramTest, ListTellsSinceWhenAGatewayIsThereThoughAnotherIsWaitedF
 TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
 {
     start(2);
-    const pid_t process = begin({"list", "home-*", "--watch"});
+    tarn::test::Process process = begin({"list", "home-*", "--watch"});
     EXPECT_TRUE(awaitText("out", "home-02  there")) << contents(path("err"));
     homes_[0]->stop();
     EXPECT_TRUE(awaitText("out", " home-01 gone\n"));
@@ -183,19 +178,19 @@ TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
     EXPECT_TRUE(awaitText("out", " home-03 gone\n"));
     Home back(broker_.port(), 1);
     EXPECT_TRUE(awaitText("out", " home-01 there 1.2.3\n"));
-    kill(process, SIGINT);
-    EXPECT_EQ(end(process).exit, 0);
+    process.signal(SIGINT);
+    EXPECT_EQ(end(std::move(process)).exit, 0);
 }
 
 TEST_F(FleetProgramTest, ListWatchesForScriptsToo)
 {
     start(2);
-    const pid_t process = begin({"list", "--watch", "--json"});
+    tarn::test::Process process = begin({"list", "--watch", "--json"});
     EXPECT_TRUE(awaitText("out", "home-02"));
     homes_[1]->stop();
     EXPECT_TRUE(awaitText("out", "presence"));
-    kill(process, SIGTERM);
-    const Ended ended = end(process);
+    process.signal(SIGTERM);
+    const Ended ended = end(std::move(process));
     EXPECT_EQ(ended.exit, 0) << ended.err;
     const std::vector<nlohmann::json> documents = documentsIn(ended.out);
     ASSERT_EQ(documents.size(), 2u);
@@ -295,10 +290,10 @@ TEST_F(FleetProgramTest, AnInterruptedRunLetsEndWhatIsUnderWayAndIsResumedWithTh
         home->milliseconds = 1500;
     const std::vector<std::string> words{"call", "home-*",   "TarnSetLogLevel", "level=4", "--window",
                                          "2",    "--resume", path("journal"),   "--json"};
-    const pid_t process = begin(words);
+    tarn::test::Process process = begin(words);
     EXPECT_TRUE(await([&] { return calls() == 2; }));
-    kill(process, SIGINT);
-    const Ended ended = end(process);
+    process.signal(SIGINT);
+    const Ended ended = end(std::move(process));
     EXPECT_EQ(ended.exit, 1) << ended.err;
     EXPECT_EQ(calls(), 2u);
     std::map<std::string, std::string> results;
@@ -326,10 +321,10 @@ TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAga
     std::ofstream(path("names")) << "home-01\nhome-02\n";
     const std::vector<std::string> words{"call",    "@" + path("names"), "TarnSetLogLevel",
                                          "level=4", "--resume",          path("journal")};
-    const pid_t process = begin(words);
+    tarn::test::Process process = begin(words);
     EXPECT_TRUE(await([&] { return contents(path("journal")).find("result done home-01") != std::string::npos; }));
-    kill(process, SIGKILL);
-    end(process);
+    process.signal(SIGKILL);
+    end(std::move(process));
     homes_.push_back(std::make_unique<Home>(broker_.port(), 2));
     homes_[1]->awaitConnection();
     const Ended resumed = run(words);
@@ -371,7 +366,7 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
 TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 {
     start(3);
-    const pid_t process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
+    tarn::test::Process process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
     EXPECT_TRUE(awaitText("err", "watching the events of home-02"));
     const auto isShown = [&]
     {
@@ -380,7 +375,7 @@ TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
         return contents(path("out")).find("home-02") != std::string::npos;
     };
     EXPECT_TRUE(await(isShown));
-    const Ended ended = end(process);
+    const Ended ended = end(std::move(process));
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr(" home-02 TARN 2 EVT_RADIO_OPR_CHANNEL_CHANGED"));
     EXPECT_THAT(ended.out, Not(HasSubstr("home-01")));
@@ -389,7 +384,7 @@ TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
 {
     start(1);
-    const pid_t process = begin({"events", "--count", "2", "--json"});
+    tarn::test::Process process = begin({"events", "--count", "2", "--json"});
     EXPECT_TRUE(awaitText("err", "watching the events of *\n"));
     homes_[0]->publish(1);
     EXPECT_TRUE(awaitText("out", "home-01"));
@@ -399,7 +394,7 @@ TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
     EXPECT_TRUE(awaitText("err", "until there is one\ntarn-fleet: watching the events of *\n"));
     EXPECT_TRUE(await([&] { return homes_[0]->counters().births == 2; }));
     homes_[0]->publish(2);
-    const Ended ended = end(process);
+    const Ended ended = end(std::move(process));
     EXPECT_EQ(ended.exit, 0) << ended.err;
     const std::vector<nlohmann::json> documents = documentsIn(ended.out);
     ASSERT_EQ(documents.size(), 2u);

@@ -1,7 +1,5 @@
 #include "server_process.h"
 
-#include <csignal>
-#include <cstdlib>
 #include <random>
 #include <stdexcept>
 #include <thread>
@@ -10,7 +8,6 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fleet_test
@@ -48,28 +45,11 @@ std::uint16_t freePort()
     throw std::runtime_error("no free port");
 }
 
-ServerProcess::~ServerProcess()
-{
-    kill();
-}
-
 void ServerProcess::start(const std::vector<std::string>& words, const std::string& log, const Environment& environment)
 {
-    processId_ = fork();
-    if (processId_ != 0)
-        return;
-    const int output = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    dup2(output, STDOUT_FILENO);
-    dup2(output, STDERR_FILENO);
-    for (const auto& [name, value] : environment)
-        setenv(name.c_str(), value.c_str(), 1);
-    std::vector<char*> pointers;
-    pointers.reserve(words.size() + 1);
-    for (const std::string& word : words)
-        pointers.push_back(const_cast<char*>(word.c_str()));
-    pointers.push_back(nullptr);
-    execvp(pointers[0], pointers.data());
-    _exit(127);
+    const int output = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    process_ = tarn::test::Process(words, {STDIN_FILENO, output, output}, environment);
+    close(output);
 }
 
 bool ServerProcess::awaitPort(std::uint16_t port, std::chrono::seconds limit)
@@ -79,11 +59,8 @@ bool ServerProcess::awaitPort(std::uint16_t port, std::chrono::seconds limit)
     {
         if (canBeDone(connect, port))
             return true;
-        if (waitpid(processId_, nullptr, WNOHANG) == processId_)
-        {
-            processId_ = -1;
+        if (process_.hasEnded())
             return false;
-        }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return false;
@@ -91,17 +68,12 @@ bool ServerProcess::awaitPort(std::uint16_t port, std::chrono::seconds limit)
 
 void ServerProcess::signal(int number) const
 {
-    if (processId_ > 0)
-        ::kill(processId_, number);
+    process_.signal(number);
 }
 
 void ServerProcess::kill()
 {
-    if (processId_ < 0)
-        return;
-    ::kill(processId_, SIGKILL);
-    waitpid(processId_, nullptr, 0);
-    processId_ = -1;
+    process_ = tarn::test::Process();
 }
 
 } // namespace fleet_test

@@ -1,13 +1,12 @@
 // A server program that a test starts, and that ends with the object at the latest.
 #pragma once
 
+#include "support/process.h"
+
 #include <chrono>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace fleet_test
 {
@@ -15,12 +14,7 @@ namespace fleet_test
 class ServerProcess
 {
 public:
-    using Environment = std::vector<std::pair<std::string, std::string>>; // in addition to the test's own
-
-    ServerProcess() = default;
-    ~ServerProcess();
-    ServerProcess(const ServerProcess&) = delete;
-    ServerProcess& operator=(const ServerProcess&) = delete;
+    using Environment = tarn::test::Process::Environment;
 
     // What it writes goes to the end of the file `log`.
     void start(const std::vector<std::string>& words, const std::string& log, const Environment& environment = {});
@@ -28,13 +22,13 @@ public:
     bool awaitPort(std::uint16_t port, std::chrono::seconds limit);
     pid_t id() const
     {
-        return processId_;
+        return process_.id();
     }
     void signal(int number) const;
     void kill();
 
 private:
-    pid_t processId_ = -1;
+    tarn::test::Process process_;
 };
 
 // A port of the loopback interface that nobody has at present, and that the kernel gives to no client.

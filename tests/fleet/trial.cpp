@@ -87,39 +87,36 @@ FleetCall::FleetCall(std::uint16_t port, std::uint32_t number, const std::string
                                    kNumberedArgument + ("=" + std::to_string(number)),
                                    "--json"};
     words.insert(words.end(), options.begin(), options.end());
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    process_ = std::make_unique<Process>(std::move(words), ends[1]);
-    close(ends[1]);
-    reader_ = std::thread([this, output = ends[0]] { read(output); });
+    process_ = tarn::test::Process(words, {STDIN_FILENO, output_.writing(), STDERR_FILENO});
+    output_.closeWriting();
+    reader_ = std::thread([this] { read(); });
 }
 
 FleetCall::~FleetCall()
 {
-    process_->signal(SIGKILL);
+    process_.signal(SIGKILL);
     finish();
 }
 
 void FleetCall::signal(int number) const
 {
-    process_->signal(number);
+    process_.signal(number);
 }
 
 const std::map<std::string, Told>& FleetCall::finish()
 {
-    process_->finish();
+    process_.finish();
     if (reader_.joinable())
         reader_.join();
     return told_;
 }
 
 // A last line without its end is that of a program that was killed.
-void FleetCall::read(int output)
+void FleetCall::read()
 {
     std::string text;
     char bytes[65536];
-    for (ssize_t size = 0; (size = ::read(output, bytes, sizeof bytes)) > 0;)
+    for (ssize_t size = 0; (size = ::read(output_.reading(), bytes, sizeof bytes)) > 0;)
     {
         text.append(bytes, static_cast<std::size_t>(size));
         for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n'))
@@ -134,7 +131,6 @@ void FleetCall::read(int output)
             ++resultCount_;
         }
     }
-    close(output);
     hasEnded_ = true;
 }
 

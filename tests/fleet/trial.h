@@ -5,7 +5,6 @@
 #include "broker.h"
 #include "home.h"
 #include "ledger.h"
-#include "process.h"
 #include "relay.h"
 
 #include "campaign/support.h"
@@ -60,10 +59,11 @@ public:
     const std::map<std::string, Told>& finish();
 
 private:
-    void read(int output);
+    void read();
 
     const std::uint32_t number_;
-    std::unique_ptr<Process> process_;
+    tarn::test::Pipe output_;
+    tarn::test::Process process_;
     std::map<std::string, Told> told_;
     std::atomic<std::size_t> resultCount_{0};
     std::atomic<bool> hasEnded_{false};

@@ -3,15 +3,14 @@
 
 #include "kor_iil.h"
 #include "kor_iil_service.h"
+#include "support/process.h"
 #include "tarn_gateway_order.hpp"
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace simulator_test
@@ -25,93 +24,36 @@ class Program
 {
 public:
     explicit Program(const std::vector<std::string>& arguments)
+        : process_(tarn::test::commandOf(EMULATOR, TARN_GATEWAY_PROGRAM, arguments),
+                   {STDIN_FILENO, output_.writing(), output_.writing()})
     {
-        int ends[2];
-        if (pipe(ends) != 0)
-            throw std::runtime_error("no pipe");
-        processId_ = fork();
-        if (processId_ == 0)
-        {
-            dup2(ends[1], STDOUT_FILENO);
-            dup2(ends[1], STDERR_FILENO);
-            close(ends[0]);
-            close(ends[1]);
-            execute(arguments);
-        }
-        close(ends[1]);
-        output_ = ends[0];
+        output_.closeWriting();
     }
 
-    ~Program()
+    std::string line() const
     {
-        if (processId_ > 0)
-        {
-            kill(processId_, SIGKILL);
-            waitpid(processId_, nullptr, 0);
-        }
-        close(output_);
+        return output_.line();
     }
 
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    std::string line()
+    std::string rest() const
     {
-        std::string text;
-        char character = 0;
-        while (read(output_, &character, 1) == 1 && character != '\n')
-            text += character;
-        return text;
+        return output_.rest();
     }
 
-    std::string rest()
+    void signal(int number) const
     {
-        std::string text;
-        char character = 0;
-        while (read(output_, &character, 1) == 1)
-            text += character;
-        return text;
+        process_.signal(number);
     }
 
-    void signal(int number)
-    {
-        kill(processId_, number);
-    }
-
-    // Its exit status; -1 if a signal ended it.
+    // Its exit code; 128 and the signal that ended it.
     int wait()
     {
-        int status = 0;
-        while (waitpid(processId_, &status, 0) < 0 && errno == EINTR)
-        {
-        }
-        processId_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return process_.finish();
     }
 
 private:
-    [[noreturn]] static void execute(const std::vector<std::string>& arguments)
-    {
-        std::vector<std::string> words;
-        const std::string emulator = EMULATOR;
-        for (std::size_t begin = 0; begin < emulator.size();)
-        {
-            const std::size_t end = std::min(emulator.find(' ', begin), emulator.size());
-            words.push_back(emulator.substr(begin, end - begin));
-            begin = end + 1;
-        }
-        words.emplace_back(TARN_GATEWAY_PROGRAM);
-        words.insert(words.end(), arguments.begin(), arguments.end());
-        std::vector<char*> pointers;
-        for (std::string& word : words)
-            pointers.push_back(word.data());
-        pointers.push_back(nullptr);
-        execvp(pointers[0], pointers.data());
-        _exit(127);
-    }
-
-    pid_t processId_ = -1;
-    int output_ = -1;
+    tarn::test::Pipe output_;
+    tarn::test::Process process_;
 };
 
 std::uint32_t stationCountOf(std::uint32_t radioId, std::uint32_t apId)

@@ -11,8 +11,6 @@
 #include <fstream>
 #include <sstream>
 
-#include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tarnctl_test
@@ -33,26 +31,6 @@ const Schema& publishedValidator()
 {
     static const Schema schema(Json::parse(readFile(TARNCTL_SCHEMA)));
     return schema;
-}
-
-std::string readLine(int descriptor)
-{
-    std::string line;
-    char character = 0;
-    while (read(descriptor, &character, 1) == 1 && character != '\n')
-        line += character;
-    return line;
-}
-
-Words programCommand(const std::string& program, const Words& arguments)
-{
-    Words command;
-    std::istringstream emulator(EMULATOR); // words, or none
-    for (std::string word; emulator >> word;)
-        command.push_back(word);
-    command.push_back(program);
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return command;
 }
 
 } // namespace
@@ -166,63 +144,30 @@ std::string shellOutput(const std::string& command)
 }
 
 Program::Program(const Words& arguments, const std::string& program)
+    : process_(tarn::test::commandOf(EMULATOR, program, arguments), {STDIN_FILENO, out_.writing(), err_.writing()})
 {
-    const Words command = programCommand(program, arguments);
-    std::vector<char*> argv;
-    for (const std::string& word : command)
-        argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
-
-    int outEnds[2];
-    int errEnds[2];
-    if (pipe2(outEnds, O_CLOEXEC) != 0 || pipe2(errEnds, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
-    processId_ = fork();
-    if (processId_ == 0)
-    {
-        dup2(outEnds[1], STDOUT_FILENO);
-        dup2(errEnds[1], STDERR_FILENO);
-        execvp(argv[0], argv.data());
-        _exit(127);
-    }
-    close(outEnds[1]);
-    close(errEnds[1]);
-    out_ = outEnds[0];
-    err_ = errEnds[0];
+    out_.closeWriting();
+    err_.closeWriting();
 }
 
-Program::~Program()
+std::string Program::nextLine() const
 {
-    if (processId_ > 0)
-    {
-        kill(processId_, SIGKILL);
-        waitpid(processId_, nullptr, 0);
-    }
-    close(out_);
-    close(err_);
+    return out_.line();
 }
 
-std::string Program::nextLine()
+std::string Program::nextErrorLine() const
 {
-    return readLine(out_);
-}
-
-std::string Program::nextErrorLine()
-{
-    return readLine(err_);
+    return err_.line();
 }
 
 void Program::signal(int number) const
 {
-    kill(processId_, number);
+    process_.signal(number);
 }
 
 int Program::exitCode()
 {
-    int status = 0;
-    waitpid(processId_, &status, 0);
-    processId_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return process_.finish();
 }
 
 std::string validValue(const tarn::contract::Argument& argument, std::size_t seed)

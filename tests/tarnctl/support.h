@@ -4,6 +4,7 @@
 
 #include "base/hexadecimal.h"
 #include "contract/contract.h"
+#include "support/process.h"
 #include "support/services.h"
 #include "tarnctl/terminal.h"
 
@@ -112,22 +113,18 @@ class Program
 {
 public:
     explicit Program(const Words& arguments, const std::string& program = TARNCTL_PROGRAM);
-    ~Program();
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
 
     // The next line of either stream without its end; empty at the end of the stream.
-    std::string nextLine();      // of standard output
-    std::string nextErrorLine(); // of standard error
+    std::string nextLine() const;      // of standard output
+    std::string nextErrorLine() const; // of standard error
 
     void signal(int number) const;
-    // Waits for its end. -1 if it was ended by a signal.
+    // Waits for its end; 128 and the signal that ended it.
     int exitCode();
 
 private:
-    int processId_ = -1;
-    int out_ = -1;
-    int err_ = -1;
+    tarn::test::Pipe out_, err_;
+    tarn::test::Process process_;
 };
 
 // Numbers, texts and bytes that fit a function: an assignment for each of its inputs, those of a null pointer left out.
