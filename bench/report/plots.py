@@ -28,6 +28,7 @@ def _settings(theme, name):
         "svg.fonttype": "none",
         "svg.hashsalt": name,
         "font.family": "sans-serif",
+        "font.sans-serif": ["DejaVu Sans"],  # each text repeats the list
         "font.size": 10,
         "axes.spines.top": False,
         "axes.spines.right": False,
@@ -47,8 +48,11 @@ def plain_ticks(axis):
     """Numbers as people write them, on a logarithmic axis too."""
     import matplotlib.ticker
 
+    if axis.get_scale() == "log":
+        beside = (1, 2, 5) if axis.axis_name == "y" else (1,)  # more would not fit beside one another
+        axis.set_major_locator(matplotlib.ticker.LogLocator(subs=beside))
     axis.set_major_formatter(matplotlib.ticker.FuncFormatter(lambda value, _: f"{value:,.10g}"))
-    axis.set_minor_formatter(matplotlib.ticker.NullFormatter())
+    axis.set_minor_locator(matplotlib.ticker.NullLocator())
 
 
 def draw(plots, figures, directory):
