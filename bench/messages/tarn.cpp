@@ -1,6 +1,5 @@
 #include "messages/exchange.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "kor_iil.h"
@@ -58,21 +57,6 @@ extern "C" std::uint32_t KorIilExecute(const char*, const char*, std::uint32_t, 
     const Place place = placeOfRecord(msgLen);
     std::memcpy(bytes + place.offset, messages::serviceRecord.data(), place.size);
     std::memcpy(bytes + msgLen - sizeof messages::kStatus, &messages::kStatus, sizeof messages::kStatus);
-    return 0;
-}
-
-extern "C" void KorIilTrace(std::uint32_t, const char*, std::uint32_t, const char*, ...)
-{
-    std::abort();
-}
-
-extern "C" std::uint32_t KorIilSubscribeEvent(const char*, const char*, std::uint32_t, KorIilEventHandler)
-{
-    return 0;
-}
-
-extern "C" std::uint32_t KorIilCancelEvent(const char*, const char*, std::uint32_t, KorIilEventHandler)
-{
     return 0;
 }
 

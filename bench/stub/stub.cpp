@@ -3,7 +3,6 @@
 #include "stub/floor.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <tuple>
 
@@ -34,21 +33,6 @@ extern "C" std::uint32_t KorIilExecute(const char*, const char* serviceId, std::
     if (watched != nullptr)
         watch(serviceId, wait, cmdId, msgLen, msg);
     asm volatile("" : : "r"(msg) : "memory");
-    return 0;
-}
-
-extern "C" void KorIilTrace(std::uint32_t, const char*, std::uint32_t, const char*, ...)
-{
-    std::abort();
-}
-
-extern "C" std::uint32_t KorIilSubscribeEvent(const char*, const char*, std::uint32_t, KorIilEventHandler)
-{
-    return 0;
-}
-
-extern "C" std::uint32_t KorIilCancelEvent(const char*, const char*, std::uint32_t, KorIilEventHandler)
-{
     return 0;
 }
 
