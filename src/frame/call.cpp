@@ -47,6 +47,22 @@ const CallHead& headOf(const void* message)
     return static_cast<const CallHead*>(message)[-1];
 }
 
+// Failures are out of line, so that a call that succeeds saves no registers for what a trace would say.
+
+[[gnu::noinline]] std::uint32_t rejectCaller(const CallHead& head)
+{
+    const Convention& convention = conventionOf(head);
+    KorIilTrace(kTraceLevel, convention.tag, head.site.line(), convention.invalidCaller, head.callerId);
+    return convention.rejected;
+}
+
+[[gnu::noinline]] std::uint32_t failed(const CallHead& head, std::uint32_t status)
+{
+    const Convention& convention = conventionOf(head);
+    KorIilTrace(kTraceLevel, convention.tag, head.site.line(), "fail to KorIilExecute(), err = %s", tarnIpcStatusName(status));
+    return status == kTimeout ? convention.timedOut : convention.failed;
+}
+
 } // namespace
 
 std::uint32_t open(CallHead& head, const char* callerId, Site site)
@@ -57,20 +73,16 @@ std::uint32_t open(CallHead& head, const char* callerId, Site site)
     if (callerId == nullptr)
         return reject(head, "handle is NULL");
     if (!isCallerId(callerId))
-    {
-        const Convention& convention = conventionOf(head);
-        KorIilTrace(kTraceLevel, convention.tag, site.line(), convention.invalidCaller, callerId);
-        return convention.rejected;
-    }
-    for (std::uint32_t i = 0; i != site.pointers(); ++i)
+        return rejectCaller(head);
+    for (std::uint32_t i = 0; i != head.site.pointers(); ++i)
         if (head.required[i].pointer == nullptr)
             return reject(head, head.required[i].text);
 
-    std::memset(messageBehind(head), 0, site.length());
+    std::memset(messageBehind(head), 0, head.site.length());
     return 0;
 }
 
-std::uint32_t reject(const CallHead& head, const char* text)
+[[gnu::noinline]] std::uint32_t reject(const CallHead& head, const char* text)
 {
     const Convention& convention = conventionOf(head);
     trace(convention.tag, head.site.line(), text);
@@ -80,12 +92,9 @@ std::uint32_t reject(const CallHead& head, const char* text)
 std::uint32_t execute(void* message, std::uint32_t command, std::uint32_t wait)
 {
     const CallHead& head = headOf(message);
-    const Convention& convention = conventionOf(head);
-    const std::uint32_t status = KorIilExecute(head.callerId, convention.service, wait, command, head.site.length(), message);
-    if (status == 0)
-        return 0;
-    KorIilTrace(kTraceLevel, convention.tag, head.site.line(), "fail to KorIilExecute(), err = %s", tarnIpcStatusName(status));
-    return status == kTimeout ? convention.timedOut : convention.failed;
+    const char* const service = conventionOf(head).service;
+    const std::uint32_t status = KorIilExecute(head.callerId, service, wait, command, head.site.length(), message);
+    return status == 0 ? 0 : failed(head, status);
 }
 
 std::uint32_t finish(void* message, std::uint32_t command, std::uint32_t wait)
