@@ -57,7 +57,7 @@ std::uint32_t Callers::admit(Descriptor& socket, std::uint32_t processId)
         return 0;
     do
         ++lastNumber_;
-    while (lastNumber_ <= kWakeNumber || callers_.count(lastNumber_) != 0);
+    while (lastNumber_ <= kTidyNumber || callers_.count(lastNumber_) != 0);
     Caller& caller = callers_[lastNumber_];
     caller.socket = std::move(socket);
     caller.processId = processId;

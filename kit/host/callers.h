@@ -18,6 +18,7 @@ namespace koriil
 // Numbers in a service's poll set; callers have greater ones.
 constexpr std::uint32_t kListenerNumber = 0;
 constexpr std::uint32_t kWakeNumber = 1;
+constexpr std::uint32_t kTidyNumber = 2;
 
 // Whether an event goes to a connection. The request of the highest revision holds, so that it does not matter in which order
 // they arrive over the connections of a process's threads.

@@ -3,6 +3,7 @@
 
 #include "packet.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace koriil
@@ -18,9 +19,10 @@ inline bool isCallerId(const char* id)
 // 1 to 31 letters, digits, '_', '-' and '.', the first not '.': every such name is a file name within its directory.
 inline bool isServiceId(const char* id)
 {
-    static constexpr char kAllowed[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-.";
+    const auto isAllowed = [](char c)
+    { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.'; };
     const std::size_t length = strnlen(id, kIdentifierSize);
-    return length > 0 && length < kIdentifierSize && id[0] != '.' && std::strspn(id, kAllowed) == length;
+    return length > 0 && length < kIdentifierSize && id[0] != '.' && std::all_of(id, id + length, isAllowed);
 }
 
 // For a valid `id`, into a field of zeros.

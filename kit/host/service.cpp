@@ -19,6 +19,7 @@
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/timerfd.h>
 
 namespace koriil
 {
@@ -31,7 +32,7 @@ constexpr std::uint32_t kMostEvents = 1024;
 constexpr std::uint32_t kMostThreads = 64;
 constexpr int kAcceptedAtOnce = 64; // before the connected ones are served again
 constexpr int kServedAtOnce = 32;
-constexpr std::chrono::milliseconds kTidyEvery{1000};
+constexpr time_t kTidyEvery = 1;               // seconds
 constexpr std::chrono::milliseconds kFresh{1}; // how long it counts that a caller had not hung up
 
 bool hasHungUp(const Caller& caller)
@@ -82,7 +83,7 @@ void Service::abandon()
 {
     name_.abandon();
     callers_.abandon();
-    for (Descriptor* descriptor : {&poll_, &helpersPoll_, &wake_, &spare_})
+    for (Descriptor* descriptor : {&poll_, &helpersPoll_, &wake_, &tidyTimer_, &spare_})
         *descriptor = Descriptor();
 }
 
@@ -99,10 +100,15 @@ std::uint32_t Service::open()
         return status;
     poll_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
     wake_ = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    // A timer of its own, because a time-out of each wait would be set and taken back for every request.
+    tidyTimer_ = Descriptor(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK));
     spare_ = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-    if (!poll_ || !wake_ || !spare_)
+    if (!poll_ || !wake_ || !tidyTimer_ || !spare_)
         return failed("opening its descriptors");
-    if (!watch(name_.listener(), kListenerNumber) || !watch(wake_.get(), kWakeNumber))
+    const itimerspec period = {{kTidyEvery, 0}, {kTidyEvery, 0}};
+    if (timerfd_settime(tidyTimer_.get(), 0, &period, nullptr) != 0)
+        return failed("setting its timer");
+    if (!watch(name_.listener(), kListenerNumber) || !watch(wake_.get(), kWakeNumber) || !watch(tidyTimer_.get(), kTidyNumber))
         return failed("watching its descriptors");
     return KOR_IIL_OK;
 }
@@ -123,7 +129,7 @@ int Service::callersPoll() const
 // Of several threads, only one is told of a caller, until it has served it.
 bool Service::watch(int descriptor, std::uint32_t number)
 {
-    const bool isCaller = number > kWakeNumber;
+    const bool isCaller = number > kTidyNumber;
     epoll_event event = {};
     event.events = EPOLLIN;
     if (isCaller && helpersPoll_)
@@ -197,18 +203,20 @@ std::uint32_t Service::serveUntilStopped(int poll, Packet& packet)
     for (;;)
     {
         epoll_event events[kServedAtOnce];
-        const int timeout = isHelper ? -1 : static_cast<int>(kTidyEvery.count());
-        const int count = epoll_wait(poll, events, isHelper ? 1 : kServedAtOnce, timeout);
+        const int count = epoll_wait(poll, events, isHelper ? 1 : kServedAtOnce, -1);
         if (count < 0 && errno != EINTR)
             return failed("waiting for requests");
 
         const Clock::time_point polled = Clock::now();
         bool stopping = false;
+        bool tidying = false;
         for (int i = 0; i < count; ++i)
         {
             const std::uint32_t number = events[i].data.u32;
             if (number == kWakeNumber)
                 stopping = true;
+            else if (number == kTidyNumber)
+                tidying = true;
             else if (number == kListenerNumber)
                 accept();
             else
@@ -216,9 +224,8 @@ std::uint32_t Service::serveUntilStopped(int poll, Packet& packet)
         }
         if (stopping)
             return KOR_IIL_OK;
-        if (isHelper || polled < nextTidy_)
+        if (!tidying)
             continue;
-        nextTidy_ = polled + kTidyEvery;
         if (const std::uint32_t status = tidy())
             return status;
     }
@@ -234,7 +241,7 @@ void Service::drain(Packet& packet)
         const int count = epoll_wait(callersPoll(), events, kServedAtOnce, -1);
         const Clock::time_point polled = Clock::now();
         for (int i = 0; i < count; ++i)
-            if (events[i].data.u32 > kWakeNumber)
+            if (events[i].data.u32 > kTidyNumber)
                 serve(events[i].data.u32, packet, (events[i].events & EPOLLHUP) != 0, polled, Clock::now());
     }
 }
@@ -242,6 +249,8 @@ void Service::drain(Packet& packet)
 // What is looked after now and then.
 std::uint32_t Service::tidy()
 {
+    std::uint64_t periods;
+    [[maybe_unused]] const ssize_t taken = read(tidyTimer_.get(), &periods, sizeof periods);
     callers_.endSilent();
     const int before = name_.listener();
     const std::uint32_t status = name_.keep();

@@ -85,8 +85,8 @@ private:
     Descriptor poll_;
     Descriptor helpersPoll_; // the callers, where several threads serve them
     Descriptor wake_;
+    Descriptor tidyTimer_;
     Descriptor spare_; // closed for a moment to reject a caller when descriptors run out
-    TimePoint nextTidy_;
 };
 
 } // namespace koriil

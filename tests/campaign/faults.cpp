@@ -16,6 +16,7 @@
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 
 namespace campaign
@@ -71,6 +72,8 @@ const std::vector<FallibleCall>& fallibleCalls()
         {"pthread_create", {EAGAIN}},
         {"socket", kNoDescriptor},
         {"eventfd", kNoDescriptor},
+        {"timerfd_create", kNoDescriptor},
+        {"timerfd_settime", {ENOMEM}},
         {"epoll_create1", kNoDescriptor},
         {"epoll_ctl", {ENOMEM, ENOSPC}},
         {"epoll_wait", {EINTR}},
@@ -235,6 +238,9 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
 
 FALLIBLE(int, socket, (int domain, int type, int protocol), (domain, type, protocol), noexcept)
 FALLIBLE(int, eventfd, (unsigned count, int flags), (count, flags), noexcept)
+FALLIBLE(int, timerfd_create, (clockid_t clock, int flags), (clock, flags), noexcept)
+FALLIBLE(int, timerfd_settime, (int file, int flags, const itimerspec* value, itimerspec* old), (file, flags, value, old),
+         noexcept)
 FALLIBLE(int, epoll_create1, (int flags), (flags), noexcept)
 FALLIBLE(int, epoll_ctl, (int set, int operation, int file, epoll_event* event), (set, operation, file, event), noexcept)
 FALLIBLE(int, epoll_wait, (int set, epoll_event* events, int most, int timeout), (set, events, most, timeout), noexcept(false))

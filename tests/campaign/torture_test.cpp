@@ -457,7 +457,6 @@ TEST(TortureListTest, EveryCallOfTheLibraryThatCanFailIsInTheList)
         "strftime",
         "strlen",
         "strnlen",
-        "strspn",
         "strtoul",
         "time",
         "vsnprintf",
