@@ -78,13 +78,13 @@ def _why_missed(figures):
             f"takes {epoll:.3f} ×, and libkoriil {own / epoll:.3f} × of that. {_REMAINS}")
 
 
-# Each tried alone on the bare socket.
+# Each tried alone, by leaving it out.
 _REMAINS = (
-    "Of what remains most is four things that libkoriil promises, each about 1 to 2 % when it is added to the bare socket: a "
-    "header before the caller's message, which the kernel is given as two parts; a copy of the reply, so that a message stays "
-    "as it was unless the reply is right; the question at every call whether this is still the process that opened the "
-    "connection; and the clock, for the wait. A thread for each caller would spare the asking, and cost a service a stack for "
-    "every caller.")
+    "Of what remains, four things take about 1 % each: a copy of the reply, so that a message stays as it was unless the "
+    "reply is right; the question at every call whether this is still the process that opened the connection; the clock and "
+    "the socket's time-out, for the wait; and a header before the caller's message. Of the asking, 2 % is that a caller is "
+    "looked at once more after it has been served, because it may have sent a second request. A thread for each caller would "
+    "spare the asking, and cost a service a stack for every caller.")
 
 
 def _microseconds(figure):

@@ -31,9 +31,9 @@ struct Peer
 
     // Serves any number of connections in a process of its own; what it needs of files is in the directory. Calls `ready` once
     // it can be called, and then does not return.
-    void (*serve)(const std::string& directory, const std::function<void()>& ready);
+    std::function<void(const std::string& directory, const std::function<void()>& ready)> serve;
 
-    std::unique_ptr<Connection> (*connect)(const std::string& directory);
+    std::function<std::unique_ptr<Connection>(const std::string& directory)> connect;
 };
 
 extern const Peer kDBusDaemon, kGrpc, kKoriil, kOncRpc, kSdBus, kSeqpacket, kSeqpacketEpoll, kSharedMemory, kStream, kZeroMq;

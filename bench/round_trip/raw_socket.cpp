@@ -122,36 +122,26 @@ private:
     const int socket_;
 };
 
+// The socket is the file of that name in the directory; `serveAll` gets its listener.
+Peer rawSocket(const char* name, const std::string& file, int type, void (*serveAll)(int))
+{
+    return {name,
+            [=](const std::string& directory, const std::function<void()>& ready)
+            {
+                const int listener = listenAt(directory + file, type);
+                ready();
+                serveAll(listener);
+            },
+            [=](const std::string& directory) { return std::make_unique<RawConnection>(directory + file, type); }};
+}
+
 } // namespace
 
-const Peer kStream = {"stream socket",
-                      [](const std::string& directory, const std::function<void()>& ready)
-                      {
-                          const int listener = listenAt(directory + "/stream", SOCK_STREAM);
-                          ready();
-                          acceptAll(listener, echoStream);
-                      },
-                      [](const std::string& directory) -> std::unique_ptr<Connection>
-                      { return std::make_unique<RawConnection>(directory + "/stream", SOCK_STREAM); }};
+const Peer kStream = rawSocket("stream socket", "/stream", SOCK_STREAM, [](int listener) { acceptAll(listener, echoStream); });
 
-const Peer kSeqpacket = {"seqpacket socket",
-                         [](const std::string& directory, const std::function<void()>& ready)
-                         {
-                             const int listener = listenAt(directory + "/seqpacket", SOCK_SEQPACKET);
-                             ready();
-                             acceptAll(listener, echoPackets);
-                         },
-                         [](const std::string& directory) -> std::unique_ptr<Connection>
-                         { return std::make_unique<RawConnection>(directory + "/seqpacket", SOCK_SEQPACKET); }};
+const Peer kSeqpacket =
+    rawSocket("seqpacket socket", "/seqpacket", SOCK_SEQPACKET, [](int listener) { acceptAll(listener, echoPackets); });
 
-const Peer kSeqpacketEpoll = {"seqpacket, epoll",
-                              [](const std::string& directory, const std::function<void()>& ready)
-                              {
-                                  const int listener = listenAt(directory + "/epoll", SOCK_SEQPACKET);
-                                  ready();
-                                  echoPacketsOfAll(listener);
-                              },
-                              [](const std::string& directory) -> std::unique_ptr<Connection>
-                              { return std::make_unique<RawConnection>(directory + "/epoll", SOCK_SEQPACKET); }};
+const Peer kSeqpacketEpoll = rawSocket("seqpacket, epoll", "/epoll", SOCK_SEQPACKET, echoPacketsOfAll);
 
 } // namespace round_trip
