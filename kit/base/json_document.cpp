@@ -15,6 +15,7 @@ namespace
 {
 
 using Json = nlohmann::ordered_json;
+using Members = std::vector<Json::object_t::value_type>; // what an ordered_map is made of
 
 // Nothing is nested as deep as this, and what handles a value by recursion needs a limit.
 constexpr std::size_t kDeepest = 100;
@@ -92,11 +93,7 @@ public:
 
     bool start_object(std::size_t) override
     {
-        open(Json::object());
-        // Members are moved one by one when there is no room for the next one, their keys copied.
-        std::vector<Json::object_t::value_type>& members = levels_.back().container->get_ref<Json::object_t&>();
-        members.reserve(kUsualMembers);
-        return true;
+        return open(Json::object());
     }
 
     bool start_array(std::size_t) override
@@ -141,9 +138,22 @@ private:
         Level& level = levels_.back();
         if (level.container->is_array())
             return &level.container->emplace_back(std::move(value));
-        // Not emplace, which would look for the key once more.
-        std::vector<Json::object_t::value_type>& members = level.container->get_ref<Json::object_t&>();
-        return &members.emplace_back(level.key, std::move(value)).second;
+        // Not as an ordered_map, which would look for the key once more.
+        Members& members = level.container->get_ref<Json::object_t&>();
+        makeRoom(members);
+        return &members.emplace_back(std::move(level.key), std::move(value)).second;
+    }
+
+    // For one more. A vector that has no room left would copy its members with all that is in them, as keys are constant.
+    static void makeRoom(Members& members)
+    {
+        if (members.size() < members.capacity())
+            return;
+        Members larger;
+        larger.reserve(std::max(kUsualMembers, 2 * members.size()));
+        for (auto& [key, value] : members)
+            larger.emplace_back(key, std::move(value));
+        members = std::move(larger);
     }
 
     bool put(Json value)
@@ -166,16 +176,12 @@ private:
         return true;
     }
 
+    // Of what comes next in the innermost container.
     JsonPlace here() const
     {
-        JsonPlace place(fileName_);
-        for (const Level& level : levels_)
-        {
-            const bool isOpenElement = level.container->is_array() && &level != &levels_.back();
-            place = level.container->is_array() ? place.element(level.container->size() - (isOpenElement ? 1 : 0))
-                                                : place.member(level.key);
-        }
-        return place;
+        const JsonPlace document(root_, fileName_);
+        const auto& [container, key] = levels_.back();
+        return container->is_array() ? document.element(*container, container->size()) : document.member(*container, key);
     }
 
     const std::string_view text_;
@@ -186,8 +192,14 @@ private:
 
 } // namespace
 
-JsonDocument::JsonDocument(std::unique_ptr<const Json> json, std::string fileName)
-    : json_(std::move(json)), fileName_(std::move(fileName))
+struct JsonDocument::Contents
+{
+    Json json;
+    std::string fileName;
+};
+
+JsonDocument::JsonDocument(Json json, std::string fileName)
+    : contents_(std::make_unique<const Contents>(Contents{std::move(json), std::move(fileName)}))
 {
 }
 
@@ -197,14 +209,14 @@ JsonDocument& JsonDocument::operator=(JsonDocument&&) noexcept = default;
 
 JsonValue JsonDocument::root() const
 {
-    return JsonValue(json_.get(), JsonPlace(fileName_));
+    return JsonValue(&contents_->json, JsonPlace(contents_->json, contents_->fileName));
 }
 
 JsonDocument parseJson(std::string_view text, const std::string& fileName)
 {
     Builder builder(text, fileName);
     Json::sax_parse(text, &builder);
-    return JsonDocument(std::make_unique<const Json>(builder.take()), fileName);
+    return JsonDocument(builder.take(), fileName);
 }
 
 std::string readText(const std::string& path, const std::string& expected)

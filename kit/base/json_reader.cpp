@@ -35,6 +35,23 @@ std::string limited(const std::string& whole, std::size_t least, std::size_t mos
     return whole + " of " + range + std::to_string(most) + " " + parts;
 }
 
+// Leads the pointer on to the value, if this one is it or has it inside.
+bool appendWay(Json::json_pointer& pointer, const Json& from, const Json& value)
+{
+    if (&from == &value)
+        return true;
+    if (!from.is_structured())
+        return false;
+    for (const auto& [key, inside] : from.items())
+    {
+        pointer.push_back(key);
+        if (appendWay(pointer, inside, value))
+            return true;
+        pointer.pop_back();
+    }
+    return false;
+}
+
 bool isLetter(char character)
 {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') || character == '_';
@@ -49,41 +66,44 @@ bool isDigit(char character)
 
 // --- JsonPlace --------------------------------------------------------------------------------------------------------------
 
-JsonPlace::JsonPlace(const std::string& fileName) : text_(fileName + ": "), pointerStart_(text_.size())
+JsonPlace::JsonPlace(const Json& document, const std::string& fileName) : document_(&document), fileName_(&fileName)
 {
 }
 
-JsonPlace JsonPlace::member(std::string_view key) const
+JsonPlace JsonPlace::member(const Json& object, std::string_view key) const
 {
-    JsonPlace place = *this;
-    place.text_ += '/';
-    for (const char character : key)
-        if (character == '~')
-            place.text_ += "~0";
-        else if (character == '/')
-            place.text_ += "~1";
-        else
-            place.text_ += character;
+    JsonPlace place(*document_, *fileName_);
+    place.subject_ = subject_;
+    place.container_ = &object;
+    place.key_ = key;
     return place;
 }
 
-JsonPlace JsonPlace::element(std::size_t index) const
+JsonPlace JsonPlace::element(const Json& list, std::size_t index) const
 {
-    return member(std::to_string(index));
+    return member(list, std::to_string(index));
 }
 
 JsonPlace JsonPlace::of(const std::string& subject) const
 {
     JsonPlace place = *this;
-    place.text_.insert(pointerStart_, subject + ": ");
-    place.pointerStart_ += subject.size() + 2;
+    place.subject_ = &subject;
     return place;
 }
 
 void JsonPlace::fail(const std::string& found, const std::string& expected) const
 {
-    const bool isRoot = text_.size() == pointerStart_;
-    throw JsonError(text_ + (isRoot ? "" : ": ") + found + "; expected " + expected);
+    std::string text = *fileName_ + ": ";
+    if (subject_ != nullptr)
+        text += *subject_ + ": ";
+    if (container_ != nullptr)
+    {
+        Json::json_pointer pointer;
+        appendWay(pointer, *document_, *container_);
+        pointer.push_back(key_);
+        text += pointer.to_string() + ": ";
+    }
+    throw JsonError(text + found + "; expected " + expected);
 }
 
 // --- JsonValue --------------------------------------------------------------------------------------------------------------
@@ -155,7 +175,7 @@ std::vector<JsonValue> JsonValue::elements(std::size_t most) const
     std::vector<JsonValue> elements;
     elements.reserve(json_->size());
     for (std::size_t i = 0; i < json_->size(); ++i)
-        elements.emplace_back(&(*json_)[i], place_.element(i));
+        elements.emplace_back(&(*json_)[i], place_.element(*json_, i));
     return elements;
 }
 
@@ -165,7 +185,7 @@ std::vector<std::pair<std::string, JsonValue>> JsonValue::members() const
         fail("an object");
     std::vector<std::pair<std::string, JsonValue>> members;
     for (const auto& [key, value] : json_->items())
-        members.emplace_back(key, JsonValue(&value, place_.member(key)));
+        members.emplace_back(key, JsonValue(&value, place_.member(*json_, key)));
     return members;
 }
 
@@ -183,7 +203,7 @@ std::vector<JsonObject> JsonValue::objects(std::size_t least, std::size_t most) 
     std::vector<JsonObject> objects;
     objects.reserve(json_->size());
     for (std::size_t i = 0; i < json_->size(); ++i)
-        objects.push_back(JsonValue(&(*json_)[i], place_.element(i)).object());
+        objects.push_back(JsonValue(&(*json_)[i], place_.element(*json_, i)).object());
     return objects;
 }
 
@@ -214,11 +234,17 @@ std::size_t JsonValue::indexIn(const std::vector<std::string_view>& words) const
 
 // --- JsonObject -------------------------------------------------------------------------------------------------------------
 
+JsonObject::JsonObject(const Json& json, JsonPlace place) : json_(&json), place_(std::move(place))
+{
+    constexpr std::size_t kUsualKeys = 12;
+    known_.reserve(kUsualKeys);
+}
+
 JsonValue JsonObject::operator[](const std::string& key)
 {
     ignore(key);
     const auto found = json_->find(key);
-    return JsonValue(found == json_->end() ? nullptr : &*found, place_.member(key));
+    return JsonValue(found == json_->end() ? nullptr : &*found, place_.member(*json_, key));
 }
 
 void JsonObject::ignore(const std::string& key)
@@ -227,9 +253,10 @@ void JsonObject::ignore(const std::string& key)
         known_.push_back(key);
 }
 
-void JsonObject::setSubject(const std::string& subject)
+void JsonObject::setSubject(const JsonValue& name)
 {
-    place_ = place_.of(subject);
+    if (const std::string* const subject = name.textOrNull())
+        place_ = place_.of(*subject);
 }
 
 void JsonObject::fail(const std::string& expected) const
@@ -245,7 +272,7 @@ void JsonObject::finish() const
             continue;
         const std::vector<std::string> closest = suggestions(key, known_, 1);
         const std::string question = closest.empty() ? "" : " (did you mean " + closest.front() + "?)";
-        place_.member(key).fail("unknown key" + question, "one of " + join(known_));
+        place_.member(*json_, key).fail("unknown key" + question, "one of " + join(known_));
     }
 }
 

@@ -38,23 +38,29 @@ public:
 
 class JsonObject;
 
-// Where a value is, for the text of errors.
+// Where a value is in its document, for the text of errors. The way to it is looked for when there is an error, and not before:
+// almost no value has one.
 class JsonPlace
 {
 public:
-    explicit JsonPlace(const std::string& fileName);
+    // Of the whole document. Both arguments must outlive the place.
+    JsonPlace(const nlohmann::ordered_json& document, const std::string& fileName);
 
-    JsonPlace member(std::string_view key) const;
-    JsonPlace element(std::size_t index) const;
+    // Of what an object or a list of the document has there, or lacks.
+    JsonPlace member(const nlohmann::ordered_json& object, std::string_view key) const;
+    JsonPlace element(const nlohmann::ordered_json& list, std::size_t index) const;
 
-    // The same place with a name for what it belongs to: "lamps.json: kitchen: /rooms/0".
+    // The same place with a name for what it belongs to, which must outlive it: "lamps.json: kitchen: /rooms/0".
     JsonPlace of(const std::string& subject) const;
 
     [[noreturn]] void fail(const std::string& found, const std::string& expected) const;
 
 private:
-    std::string text_;
-    std::size_t pointerStart_; // what is in front of it ends with ": "
+    const nlohmann::ordered_json* document_;
+    const std::string* fileName_;
+    const std::string* subject_ = nullptr;              // none
+    const nlohmann::ordered_json* container_ = nullptr; // what it is in; null for the whole document
+    std::string key_;                                   // in that, or the index
 };
 
 // A value of a document, which it must not outlive; or the place of one that is missing.
@@ -134,9 +140,7 @@ private:
 class JsonObject
 {
 public:
-    JsonObject(const nlohmann::ordered_json& json, JsonPlace place) : json_(&json), place_(std::move(place))
-    {
-    }
+    JsonObject(const nlohmann::ordered_json& json, JsonPlace place);
 
     JsonValue operator[](const std::string& key);
 
@@ -158,8 +162,8 @@ public:
     // A key for people, such as a comment: it may be there, and hold anything.
     void ignore(const std::string& key);
 
-    // Names what the object describes, for errors in what is read from it later.
-    void setSubject(const std::string& subject);
+    // The value, if it is a text, names what the object describes, for errors in what is read from it later.
+    void setSubject(const JsonValue& name);
 
     [[noreturn]] void fail(const std::string& expected) const;
 
@@ -175,7 +179,7 @@ private:
 class JsonDocument
 {
 public:
-    JsonDocument(std::unique_ptr<const nlohmann::ordered_json> json, std::string fileName);
+    JsonDocument(nlohmann::ordered_json json, std::string fileName);
     ~JsonDocument();
     JsonDocument(JsonDocument&&) noexcept;
     JsonDocument& operator=(JsonDocument&&) noexcept;
@@ -183,8 +187,9 @@ public:
     JsonValue root() const;
 
 private:
-    std::unique_ptr<const nlohmann::ordered_json> json_;
-    std::string fileName_;
+    struct Contents; // which values and places refer to, wherever the document is moved
+
+    std::unique_ptr<const Contents> contents_;
 };
 
 // Fails for a text that is not JSON, has a key twice in one object or is nested absurdly deep. The name is only for the text of

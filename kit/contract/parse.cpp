@@ -105,8 +105,9 @@ Check readCheck(JsonObject& object)
 Command readCommand(JsonObject& object, const Contract& contract)
 {
     Command command;
-    command.function = object["function"].identifier();
-    object.setSubject(command.function);
+    const JsonValue function = object["function"];
+    command.function = function.identifier();
+    object.setSubject(function);
     command.command = object["command"].number(0u, 127u);
     command.group = filledText(object["group"]);
     command.description = filledText(object["description"]);

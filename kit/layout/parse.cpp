@@ -44,7 +44,8 @@ bool isIdentifier(std::string_view name)
 template <typename Named>
 bool isTaken(const std::vector<Named>& earlier, std::string_view name)
 {
-    return std::any_of(earlier.begin(), earlier.end(), [&](const Named& each) { return folded(each.name) == folded(name); });
+    const std::string wanted = folded(name);
+    return std::any_of(earlier.begin(), earlier.end(), [&](const Named& each) { return folded(each.name) == wanted; });
 }
 
 // The name of a member, which the file has as a key.

@@ -131,9 +131,9 @@ private:
         else
             try
             {
-                const Json written = kind_->write(value);
+                const base::JsonDocument written(kind_->write(value), this->name());
                 Value read{};
-                kind_->read(base::JsonValue(&written, base::JsonPlace(this->name())), read);
+                kind_->read(written.root(), read);
             }
             catch (const base::JsonError& error)
             {

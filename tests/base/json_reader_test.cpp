@@ -225,12 +225,21 @@ TEST(JsonPlace, OfTheWholeDocumentIsItsName)
 
 TEST(JsonPlace, MayNameWhatItBelongsTo)
 {
-    const JsonDocument document = parseJson(R"({"rooms": [{"lamps": [1]}]})", "f");
+    const JsonDocument document = parseJson(R"({"rooms": [{"name": "kitchen", "lamps": [1]}]})", "f");
     JsonObject room = document.root().object()["rooms"].objects()[0];
-    room.setSubject("kitchen");
+    room.setSubject(room["name"]);
     EXPECT_EQ(errorOf([&] { room["lamps"].objects(); }), "f: kitchen: /rooms/0/lamps/0: 1; expected an object");
     EXPECT_EQ(errorOf([&] { room["level"].boolean(); }), "f: kitchen: /rooms/0/level: missing; expected true or false");
-    EXPECT_EQ(errorOf([&] { room.fail("a bathroom"); }), "f: kitchen: /rooms/0: {\"lamps\":[1]}; expected a bathroom");
+    EXPECT_EQ(errorOf([&] { room.fail("a bathroom"); }),
+              "f: kitchen: /rooms/0: {\"name\":\"kitchen\",\"lamps\":[1]}; expected a bathroom");
+}
+
+TEST(JsonPlace, IsFoundWhereverTheDocumentHasBeenMoved)
+{
+    JsonDocument document = parseJson(R"({"rooms": [1]})", "f");
+    JsonObject house = document.root().object();
+    const JsonDocument moved = std::move(document);
+    EXPECT_EQ(errorOf([&] { house["rooms"].objects(); }), "f: /rooms/0: 1; expected an object");
 }
 
 // --- Objects -----------------------------------------------------------------------------------------------------------------
