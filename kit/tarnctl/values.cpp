@@ -149,7 +149,8 @@ std::vector<DumpLine> dump(const unsigned char* bytes, std::size_t size)
     for (std::size_t offset = 0; offset < size;)
     {
         std::size_t end = std::min(offset + kBytesPerLine, size);
-        while (end < size && isZero(bytes + offset, end - offset) && isZero(bytes + end, std::min(kBytesPerLine, size - end)))
+        const bool maybeRun = isZero(bytes + offset, end - offset);
+        while (maybeRun && end < size && isZero(bytes + end, std::min(kBytesPerLine, size - end)))
             end = std::min(end + kBytesPerLine, size);
 
         const std::size_t length = end - offset;
