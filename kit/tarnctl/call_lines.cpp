@@ -82,7 +82,7 @@ catch (const base::JsonError& error)
 
 ExitCode callLines(const Console& console, std::istream& lines, const CallerId& callerId, Passage passage)
 {
-    checkNamedLayout();
+    layoutInUse(); // read once, not searched for what each line names
     Console answers = console;
     answers.oneLine = true;
     ExitCode exit = ExitCode::kSuccess;

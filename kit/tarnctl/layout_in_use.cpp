@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <string_view>
-#include <unordered_set>
 #include <utility>
 
 #include <unistd.h>
@@ -28,45 +26,13 @@ namespace
 constexpr char kUsualFile[] = "/etc/tarn/layout.json";
 constexpr std::uint32_t kWait = 3; // seconds
 
-// One that has not been read, but of which it is known what it does not mention.
-class UnreadLayout
-{
-public:
-    explicit UnreadLayout(std::string text) : text_(std::move(text)), hasEscapes_(text_.find('\\') != std::string::npos)
-    {
-        const std::string_view all = text_;
-        for (std::size_t open = all.find('"'); open != std::string_view::npos;)
-        {
-            const std::size_t close = std::min(all.find('"', open + 1), all.size());
-            strings_.insert(all.substr(open + 1, close - open - 1));
-            open = all.find('"', close + 1);
-        }
-    }
-
-    // Its texts may be anything where some of their characters are escaped.
-    bool mayMention(std::string_view name) const
-    {
-        return hasEscapes_ || strings_.count(name) != 0;
-    }
-
-    std::string text() const
-    {
-        return text_;
-    }
-
-private:
-    const std::string text_;
-    const bool hasEscapes_;
-    std::unordered_set<std::string_view> strings_; // in the text
-};
-
 struct Choice
 {
     std::optional<std::string> file; // named by option or environment
     std::function<void(const std::string&)> remark;
     bool isLoaded = false;
     std::optional<LayoutInUse> layout;
-    std::unique_ptr<const UnreadLayout> handedOut;
+    std::optional<std::string> unread; // the text of one that a simulated gateway has handed out
 };
 
 Choice& choice()
@@ -104,9 +70,9 @@ std::optional<std::string> handedOut()
     return text;
 }
 
-std::optional<LayoutInUse> withoutName(const UnreadLayout* unread)
+std::optional<LayoutInUse> withoutName(std::optional<std::string> unread)
 {
-    if (std::optional<std::string> text = unread == nullptr ? handedOut() : unread->text())
+    if (std::optional<std::string> text = unread ? std::move(unread) : handedOut())
     {
         LayoutInUse result;
         result.source = "the simulated gateway";
@@ -119,6 +85,12 @@ std::optional<LayoutInUse> withoutName(const UnreadLayout* unread)
     return fromFile(kUsualFile);
 }
 
+// Of the text of a layout. In one with escaped characters the name may be written in any way.
+bool mayMention(const std::string& text, const std::string& name)
+{
+    return text.find(name) != std::string::npos || text.find('\\') != std::string::npos;
+}
+
 void load(Choice& choice)
 {
     choice.isLoaded = true;
@@ -126,7 +98,7 @@ void load(Choice& choice)
         return;
     try
     {
-        choice.layout = choice.file ? fromFile(*choice.file) : withoutName(choice.handedOut.get());
+        choice.layout = choice.file ? fromFile(*choice.file) : withoutName(std::move(choice.unread));
     }
     catch (const base::JsonError& error)
     {
@@ -159,7 +131,7 @@ void loadLayoutAnew()
 {
     choice().isLoaded = false;
     choice().layout.reset();
-    choice().handedOut.reset();
+    choice().unread.reset();
 }
 
 const LayoutInUse* layoutInUse()
@@ -173,11 +145,10 @@ const LayoutInUse* layoutInUse()
 const LayoutInUse* layoutThatTellsOf(const std::string& name)
 {
     Choice& chosen = choice();
-    if (!chosen.file && !chosen.isLoaded && !chosen.handedOut)
-        if (std::optional<std::string> text = handedOut())
-            chosen.handedOut = std::make_unique<UnreadLayout>(std::move(*text));
-    const bool isUnread = !chosen.isLoaded && chosen.handedOut != nullptr;
-    return isUnread && !chosen.handedOut->mayMention(name) ? nullptr : layoutInUse();
+    if (!chosen.file && !chosen.isLoaded && !chosen.unread)
+        chosen.unread = handedOut();
+    const bool isUnread = !chosen.isLoaded && chosen.unread;
+    return isUnread && !mayMention(*chosen.unread, name) ? nullptr : layoutInUse();
 }
 
 } // namespace tarn::ctl
