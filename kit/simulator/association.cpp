@@ -86,12 +86,12 @@ std::vector<Interface*> Model::allInterfaces()
 }
 
 // Lets the client come to the access point that it hears best of those that take it and that it does not keep away from, unless
-// it is associated already. Returns the radio that has another station, or null.
-Radio* Model::seek(std::size_t index, const std::vector<Interface*>& candidates)
+// it is associated already.
+void Model::seek(std::size_t index, const std::vector<Interface*>& candidates)
 {
     const Client& client = clients[index];
     if (client.gone || !isIdle_[index])
-        return nullptr;
+        return;
     Interface* best = nullptr;
     std::int32_t bestSignal = 0;
     for (Interface* const interface : candidates)
@@ -106,26 +106,20 @@ Radio* Model::seek(std::size_t index, const std::vector<Interface*>& candidates)
         best = interface;
         bestSignal = signal;
     }
-    if (best == nullptr)
-        return nullptr;
-    associate(*best, client);
-    return best->radio;
+    if (best != nullptr)
+        associate(*best, client);
 }
 
-// In the order of the scenario. Each looks at the access points of its network only, as there may be thousands. Returns the
-// radios that have other stations.
-std::set<Radio*> Model::seekAll()
+// In the order of the scenario. Each looks at the access points of its network only, as there may be thousands.
+void Model::seekAll()
 {
     std::unordered_map<std::string_view, std::vector<Interface*>> byName;
     for (Interface* const interface : allInterfaces())
         if (interface->isUp())
             byName[interface->settings.ssid].push_back(interface);
-    std::set<Radio*> changed;
     for (std::size_t index = 0; index < clients.size(); ++index)
         if (const auto found = isIdle_[index] ? byName.find(clients[index].ssid) : byName.end(); found != byName.end())
-            if (Radio* const radio = seek(index, found->second))
-                changed.insert(radio);
-    return changed;
+            seek(index, found->second);
 }
 
 void Model::associate(Interface& interface, const Client& client)
@@ -138,12 +132,14 @@ void Model::associate(Interface& interface, const Client& client)
     ++interface.associations;
     isIdle_[clientIndex_.at(client.address)] = false;
     interface.stations.push_back(station);
+    interface.radio->isStale = true;
     reportAssociation(interface, client.address, true);
 }
 
 // What follows when a station has left.
 void Model::part(Interface& interface, const Station& station)
 {
+    interface.radio->isStale = true;
     interface.departed.add(counters(station));
     ++interface.disassociations;
     const std::size_t clientIndex = clientIndex_.at(station.address);
@@ -197,11 +193,13 @@ void Model::settle(const std::vector<Radio*>& changed)
 {
     for (Radio* const radio : changed)
     {
+        radio->isStale = true;
         endWhatCannotGoOn(*radio);
         for (Interface& interface : radio->interfaces)
             dismiss(interface);
     }
-    refresh(seekAll(), changed);
+    seekAll();
+    refreshStale();
 }
 
 void Model::settle(Radio& radio)
@@ -212,7 +210,8 @@ void Model::settle(Radio& radio)
 void Model::settle(Interface& interface)
 {
     dismiss(interface);
-    refresh(seekAll(), {interface.radio});
+    seekAll();
+    refreshStale();
 }
 
 void Model::settle()
@@ -230,7 +229,9 @@ void Model::dismiss(Interface& interface)
     if (interface.window.status == WpsStatus::kOpen && (interface.settings.wpsEnabled == 0 || !interface.isUp()))
         setWpsWindow(interface, WpsStatus::kCancelled);
     std::vector<Station>& staying = interface.stations;
-    for (const Station& station : std::exchange(staying, {}))
+    const std::vector<Station> stations = std::exchange(staying, {});
+    staying.reserve(stations.size());
+    for (const Station& station : stations)
     {
         staying.push_back(station); // of those that are too many, the ones that have come last leave
         if (suits(interface, clients[clientIndex_.at(station.address)]) &&
@@ -257,22 +258,27 @@ void Model::reportAssociation(const Interface& interface, const MacAddress& addr
 
 // --- Links -------------------------------------------------------------------------------------------------------------------
 
-void Model::refresh(std::set<Radio*> changed, const std::vector<Radio*>& others)
+void Model::refreshStale()
 {
-    changed.insert(others.begin(), others.end());
-    for (Radio* const radio : changed)
-        refresh(*radio);
+    for (Radio& radio : radios)
+        if (std::exchange(radio.isStale, false))
+            refresh(radio);
 }
 
 // Brings up to date what follows from the air and the stations.
-void Model::refresh(Radio& radio)
+void Model::refresh(Radio& radio) const
 {
     radio.noise = air.noise(radio.band);
+    LinkConditions best; // of a link, as far as the radio decides
+    best.mode = phyModeOf(radio.settings.phyMode);
+    best.bandwidth = radio.settings.bandwidth;
+    best.streams = radio.chains;
+    best.hasShortGuardInterval = radio.settings.shortGuardInterval != 0;
     std::uint64_t airtime = 0; // us a second
     for (Interface& interface : radio.interfaces)
         for (Station& station : interface.stations)
         {
-            refresh(interface, station);
+            refresh(interface, best, station);
             airtime += station.packetRate *
                        (kPacketBytes * 8 / station.txRate + kPacketBytes * 8 / station.rxRate + 2 * kPacketOverhead);
         }
@@ -281,15 +287,13 @@ void Model::refresh(Radio& radio)
     radio.channelLoad = others + radio.ownLoad;
 }
 
-void Model::refresh(const Interface& interface, Station& station) const
+void Model::refresh(const Interface& interface, const LinkConditions& best, Station& station) const
 {
     const Radio& radio = *interface.radio;
     const Client& client = clients[clientIndex_.at(station.address)];
-    LinkConditions link;
-    link.mode = commonMode(radio.band, phyModeOf(radio.settings.phyMode), client.phyMode);
-    link.bandwidth = radio.settings.bandwidth;
-    link.streams = std::min(radio.chains, client.streams);
-    link.hasShortGuardInterval = radio.settings.shortGuardInterval != 0;
+    LinkConditions link = best;
+    link.mode = commonMode(radio.band, best.mode, client.phyMode);
+    link.streams = std::min(best.streams, client.streams);
 
     link.signalToNoise = client.rssiIn(radio.band) - radio.noise;
     const LinkRate received = rateOf(link);

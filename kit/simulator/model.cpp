@@ -24,8 +24,7 @@ void Model::start()
         ready_.push_back(radio.isReady());
     indexClients();
     seekAll();
-    for (Radio& radio : radios)
-        refresh(radio);
+    refreshStale();
 }
 
 void Model::link()
@@ -95,8 +94,8 @@ void Model::happen(const Due& due)
         radarAppears(due.channel);
         break;
     case Occurrence::kClientReturns:
-        if (Radio* const changed = seek(clientIndex_.at(due.address), allInterfaces()))
-            refresh(*changed);
+        seek(clientIndex_.at(due.address), allInterfaces());
+        refreshStale();
         break;
     }
 }
@@ -201,10 +200,19 @@ void Model::change(Interface& interface, const Changes<InterfaceSettings>& chang
     };
     if (network(before) != network(now))
         releaseAll(interface); // it is another network to them
+    if (before.mcsRate != now.mcsRate)
+        interface.radio->isStale = true; // links depend on no other setting of an interface
     if (before.ssidGroupId != now.ssidGroupId)
         settle(); // the limit of a group is one of several interfaces
     else
         settle(interface);
+}
+
+void Model::change(const Changes<ModuleSettings>& changes)
+{
+    changes.applyTo(module.settings);
+    if (changes.has(&ModuleSettings::transmitPowerCap))
+        settle(); // clients hear it louder or less loud
 }
 
 void Model::changeSecurity(Interface& interface, const Changes<InterfaceSettings>& changes)

@@ -10,7 +10,6 @@
 #include "reply_status.h"
 
 #include <functional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -77,6 +76,7 @@ public:
     void change(Radio& radio, const Changes<RadioSettings>& changes);
     void change(const std::vector<Radio*>& changing, const Changes<RadioSettings>& changes);
     void change(Interface& interface, const Changes<InterfaceSettings>& changes);
+    void change(const Changes<ModuleSettings>& changes);
     // Security settings made through the module: at once, or, while security is deferred, with the next applySecurity.
     void changeSecurity(Interface& interface, const Changes<InterfaceSettings>& changes);
     void applySecurity(Interface& interface);
@@ -173,12 +173,12 @@ private:
     bool admits(const Interface& interface, const MacAddress& address, std::size_t associated) const;
     bool isGroupFull(const Interface& interface, const MacAddress& address) const;
     std::vector<Interface*> allInterfaces();
-    Radio* seek(std::size_t index, const std::vector<Interface*>& candidates);
-    std::set<Radio*> seekAll();
+    void seek(std::size_t index, const std::vector<Interface*>& candidates);
+    void seekAll();
     void dismiss(Interface& interface);
-    void refresh(Radio& radio);
-    void refresh(std::set<Radio*> changed, const std::vector<Radio*>& others);
-    void refresh(const Interface& interface, Station& station) const;
+    void refreshStale();
+    void refresh(Radio& radio) const;
+    void refresh(const Interface& interface, const LinkConditions& best, Station& station) const;
     MacAddress freeAddress(MacAddress address) const;
     void associate(Interface& interface, const Client& client);
     bool release(Interface& interface, const MacAddress& address);

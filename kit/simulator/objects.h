@@ -332,6 +332,7 @@ struct Radio
     std::int32_t noise = 0;        // dBm
     std::uint32_t channelLoad = 0; // percent of the time in which the channel is busy
     std::uint32_t ownLoad = 0;     // of that, percent for its own stations
+    bool isStale = true;           // whether these, and the links of its stations, have to be brought up to date
 
     std::uint32_t radioId() const;
     bool isReady() const;

@@ -221,11 +221,7 @@ void addStoredSettings(HandlerTable& table)
     { model.changeSecurity(interface, changes); };
     add(
         table, kServiceSettings, [](Model& model, const CommandRequest&) -> Service& { return model.service; }, store);
-    const auto changeModule = [](Model& model, Module& module, const Changes<ModuleSettings>& changes)
-    {
-        changes.applyTo(module.settings);
-        model.settle(); // a cap of the power changes what clients hear
-    };
+    const auto changeModule = [](Model& model, Module&, const Changes<ModuleSettings>& changes) { model.change(changes); };
     add(
         table, kModuleSettings, [](Model& model, const CommandRequest&) -> Module& { return model.module; }, changeModule);
     add(table, kRadioSettings, radioOf, changeRadio);

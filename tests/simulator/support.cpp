@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <mutex>
 #include <set>
+#include <sstream>
 
 namespace simulator_test
 {
@@ -60,6 +61,23 @@ public:
 
 [[maybe_unused]] const ::testing::Environment* const kEveryFunction = ::testing::AddGlobalTestEnvironment(new EveryFunction);
 
+// Of all radios and stations.
+std::string linksOf(const tarn::simulator::Model& model)
+{
+    std::ostringstream text;
+    for (const tarn::simulator::Radio& radio : model.radios)
+    {
+        text << radio.name << " noise=" << radio.noise << " load=" << radio.channelLoad << " own=" << radio.ownLoad << '\n';
+        for (const tarn::simulator::Interface& interface : radio.interfaces)
+            for (const tarn::simulator::Station& station : interface.stations)
+                text << "  " << interface.name << ' ' << tarn::base::macText(station.address) << " rssi=" << station.rssi
+                     << " rx=" << station.rxRate << '/' << station.rxMcs << " tx=" << station.txRate << '/' << station.txMcs
+                     << " chains=" << station.chains << ' ' << station.phyModeName() << " packets=" << station.packetRate
+                     << '\n';
+    }
+    return text.str();
+}
+
 } // namespace
 
 void noteCall(const char* function)
@@ -94,11 +112,23 @@ void SimulatorTest::SetUp()
 
 void SimulatorTest::TearDown()
 {
+    expectSettled();
     for (const std::uint32_t event : subscriptions)
         EXPECT_EQ(tarnCancelEvent(kCaller, event, nullptr, collect), TARN_OK);
     subscriptions.clear();
     gateway_.reset();
     events.clear();
+}
+
+void SimulatorTest::expectSettled()
+{
+    gateway_->withModel(
+        [](tarn::simulator::Model& model)
+        {
+            const std::string found = linksOf(model);
+            model.settle();
+            EXPECT_EQ(found, linksOf(model));
+        });
 }
 
 void SimulatorTest::passSeconds(double seconds)

@@ -122,6 +122,9 @@ protected:
         layout_ = path;
     }
 
+    // Who is associated, and how well, is what follows from all of the state: nothing of it has been overlooked.
+    void expectSettled();
+
     void passSeconds(double seconds);
     void appearRadar(std::uint32_t channel);
     tarn::simulator::Gateway& gateway()
