@@ -64,6 +64,12 @@ bool isDigit(char character)
 
 } // namespace
 
+bool isIdentifier(std::string_view text)
+{
+    const auto isInside = [](char character) { return isLetter(character) || isDigit(character); };
+    return !text.empty() && !isDigit(text.front()) && std::all_of(text.begin(), text.end(), isInside);
+}
+
 // --- JsonPlace --------------------------------------------------------------------------------------------------------------
 
 JsonPlace::JsonPlace(const Json& document, const std::string& fileName) : document_(&document), fileName_(&fileName)
@@ -162,8 +168,7 @@ std::string JsonValue::text(std::size_t least, std::size_t most) const
 std::string JsonValue::identifier() const
 {
     const std::string* const text = textOrNull();
-    const auto isInside = [](char character) { return isLetter(character) || isDigit(character); };
-    if (text == nullptr || text->empty() || isDigit(text->front()) || !std::all_of(text->begin(), text->end(), isInside))
+    if (text == nullptr || !isIdentifier(*text))
         fail("a name of letters, digits and underscores");
     return *text;
 }

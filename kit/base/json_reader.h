@@ -38,6 +38,9 @@ public:
 
 class JsonObject;
 
+// Whether it is a name as in C: letters, digits and underscores, no digit in front.
+bool isIdentifier(std::string_view text);
+
 // Where a value is in its document, for the text of errors. The way to it is looked for when there is an error, and not before:
 // almost no value has one.
 class JsonPlace
@@ -92,7 +95,7 @@ public:
     double real(double least, double most, const std::string& unit) const;
     std::string text(std::size_t most = kNoLimit) const;
     std::string text(std::size_t least, std::size_t most) const;
-    std::string identifier() const; // as in C
+    std::string identifier() const;
     std::vector<JsonValue> elements(std::size_t most = kNoLimit) const;
     std::vector<std::pair<std::string, JsonValue>> members() const;
     JsonObject object() const;

@@ -27,9 +27,8 @@ public:
 };
 
 // Sets the field of that path, "channel", "rates[2]" or "entries[0].name", to the value, and returns where it is; all other
-// bytes stay as they are.
-// `bytes` has the size of the structure. Throws EncodeError for a field that the structure does not have, and for a value that
-// does not fit.
+// bytes stay as they are. `bytes` has the size of the structure. Throws EncodeError for a field that the structure does not
+// have, and for a value that does not fit.
 //
 // A number is decimal or 0x..., or one of its names; one of flags also names with + between them; a text as it is, with room
 // for a NUL behind it; a MAC address 02:00:00:00:01:05; bytes two hexadecimal digits each, all of them.

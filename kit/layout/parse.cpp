@@ -1,5 +1,6 @@
 #include "base/join.h"
 #include "base/json_reader.h"
+#include "base/letter_case.h"
 #include "base/mac_address.h"
 #include "base/suggestions.h"
 #include "layout.h"
@@ -27,18 +28,9 @@ using ValueSets = std::map<std::string, std::shared_ptr<const ValueSet>>;
 // Names that become the same one in the C header, where letter case and underscores do not tell them apart.
 std::string folded(std::string_view name)
 {
-    std::string result;
-    for (const char character : name)
-        if (character != '_')
-            result += static_cast<char>(character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character);
+    std::string result = base::lowerCase(name);
+    result.erase(std::remove(result.begin(), result.end(), '_'), result.end());
     return result;
-}
-
-bool isIdentifier(std::string_view name)
-{
-    const auto isInside = [](char each)
-    { return (each >= 'a' && each <= 'z') || (each >= 'A' && each <= 'Z') || (each >= '0' && each <= '9') || each == '_'; };
-    return !name.empty() && (name.front() < '0' || name.front() > '9') && std::all_of(name.begin(), name.end(), isInside);
 }
 
 template <typename Named>
@@ -52,7 +44,7 @@ bool isTaken(const std::vector<Named>& earlier, std::string_view name)
 template <typename Named>
 void checkMemberName(const std::vector<Named>& earlier, const std::string& name, const JsonValue& value)
 {
-    if (!isIdentifier(name))
+    if (!base::isIdentifier(name))
         value.fail("the name " + name, "a name of letters, digits and underscores");
     if (isTaken(earlier, name))
         value.fail("the name " + name, "one that differs from the earlier ones in more than letter case and underscores");
@@ -512,7 +504,7 @@ ValueSets readValueSets(const JsonValue& object)
     forMembers(object,
                [&](const std::string& name, const JsonValue& value)
                {
-                   if (!isIdentifier(name))
+                   if (!base::isIdentifier(name))
                        value.fail("the name " + name, "a name of letters, digits and underscores");
                    // Those of an int, which they are in a header for C.
                    using Int = std::numeric_limits<std::int32_t>;

@@ -428,6 +428,4 @@ void Model::publishEvent(const char* event, const Record& data) const
         publish(event, data);
 }
 
-// --- What follows from the state ---------------------------------------------------------------------------------------------
-
 } // namespace tarn::simulator

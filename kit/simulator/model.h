@@ -54,7 +54,7 @@ public:
     // Lets what is due until that time happen, each at its own time and in the order of the agenda.
     void advance(Milliseconds to);
 
-    // To be called when something has changed that decides who may be associated.
+    // To be called when something has changed that decides who may be associated or, of radios, what links carry.
     void settle(Interface& interface);
     void settle(Radio& radio);
     void settle();
