@@ -70,10 +70,11 @@ bool Model::isGroupFull(const Interface& interface, const MacAddress& address) c
                 for (const Station& station : other.stations)
                 {
                     if (station.address == address)
-                        return before >= limit->second;
-                    ++before;
+                        return false;
+                    if (++before == limit->second)
+                        return true;
                 }
-    return before >= limit->second;
+    return false;
 }
 
 std::vector<Interface*> Model::allInterfaces()
