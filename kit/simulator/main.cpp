@@ -157,9 +157,14 @@ int main(int argc, char** argv)
             if (!generated.empty())
                 return printGenerated(generated);
         }
+        catch (const CLI::Success& request) // for help, the version or the schema
+        {
+            return app.exit(request);
+        }
         catch (const CLI::ParseError& error)
         {
-            return app.exit(error) == 0 ? 0 : kUsage;
+            std::fprintf(stderr, "tarn-gateway: %s; tarn-gateway --help shows what is expected\n", error.what());
+            return kUsage;
         }
         if (!directory.empty())
             setenv("KORIIL_DIR", directory.c_str(), 1);

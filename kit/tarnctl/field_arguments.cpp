@@ -64,7 +64,9 @@ void setFields(const LibraryFunction& function, PreparedArgument& argument, cons
         }
         catch (const layout::EncodeError& error)
         {
-            throw UsageError(parameter.name + "." + error.what(), error.suggestions);
+            const std::string text = error.what();
+            const bool isOfRecord = text.rfind(structure->name + " ", 0) == 0; // else it begins with the field's path
+            throw UsageError(parameter.name + (isOfRecord ? ": " : ".") + text, error.suggestions);
         }
 }
 

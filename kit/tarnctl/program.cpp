@@ -59,7 +59,7 @@ UsageError usageError(const CLI::App& parser, const CLI::ParseError& error, cons
     if (!unknown.empty() && place(word) < place(verb))
         return UsageError("there is no command " + inQuotes(word) + "; expected one of " + base::join(verbNames(parser)),
                           base::suggestions(word, verbNames(parser)));
-    return UsageError(error.what() + help);
+    return UsageError((verb.empty() && error.get_name() == "RequiredError" ? "a command is missing" : error.what()) + help);
 }
 
 // The parser's order. It would give the next word to an option that ends in '=', so that one gets its empty value as a word;
@@ -104,6 +104,7 @@ void addCommonOptions(CLI::App& parser, Console& console, std::optional<std::str
               [&console](const std::string& when)
               { console.colours = when == "always" || (when == "auto" && console.colours); });
     parser.set_version_flag("--version", parser.get_name() + " " + version);
+    parser.get_formatter()->label("SUBCOMMAND", "COMMAND");
     parser.require_subcommand(1);
 }
 

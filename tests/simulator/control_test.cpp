@@ -7,6 +7,7 @@
 #include "tarn_gateway_order.hpp"
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 
 namespace simulator_test
@@ -163,7 +164,8 @@ TEST_F(ControlTest, SecondGatewayIsTurnedAway)
     }
     catch (const tarn::simulator::GatewayError& error)
     {
-        EXPECT_STREQ(error.what(), "the identifier TARN is taken: another gateway runs in this runtime directory");
+        EXPECT_EQ(error.what(),
+                  std::string("the identifier TARN is taken: another gateway runs in ") + std::getenv("KORIIL_DIR"));
     }
     EXPECT_EQ(stationCount(), 3u); // the first one goes on
 }

@@ -294,6 +294,8 @@ TEST_F(ArgumentsTest, CommandsAndOptions)
     expectUsageError({"lst"}, unknown, "list");
     expectUsageError({"--directory", "call", "lst", "--more"}, unknown, "list");
     expectUsageError({"--directory=call", "lst"}, unknown, "list");
+    expectUsageError({}, "a command is missing; tarnctl --help shows what is expected");
+    EXPECT_NE(run({"--help"}).out.find("Usage: tarnctl [OPTIONS] COMMAND\n"), std::string::npos);
 
     for (const Words& wrong :
          {Words{}, Words{"--nothing"}, Words{"call"}, Words{"describe"}, Words{"call", "TarnGetRadio", "-x"},

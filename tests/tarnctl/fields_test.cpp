@@ -118,7 +118,8 @@ TEST_F(FieldsTest, ThatAreWrongAreRefused)
 {
     start();
     const auto errorOf = [](const std::string& field) { return run({"call", "TarnSetRadioCfg", "radioId=1", field}).err; };
-    EXPECT_THAT(errorOf("cfg.chanel=44"), HasSubstr("TarnRadioCfg has no field \"chanel\"; it has enabled, channel"));
+    EXPECT_THAT(errorOf("cfg.chanel=44"),
+                HasSubstr("tarnctl: cfg: TarnRadioCfg has no field \"chanel\"; it has enabled, channel"));
     EXPECT_THAT(errorOf("cfg.chanel=44"), HasSubstr("Did you mean channel?"));
     EXPECT_THAT(errorOf("cfg.channel=x"), HasSubstr("cfg.channel: expected a number from 0 to 4294967295; got \"x\""));
     EXPECT_THAT(errorOf("radioId.x=1"), HasSubstr("radioId.x: radioId has no fields to set; expected a number"));

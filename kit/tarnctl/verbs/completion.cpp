@@ -1,7 +1,6 @@
 // `tarnctl completion`: the script by which a shell completes command lines. What it offers, it asks of `tarnctl complete`.
 #include "base/embedded_files.h"
 #include "base/join.h"
-#include "base/suggestions.h"
 #include "tarnctl/usage_error.h"
 #include "tarnctl/values.h"
 #include "tarnctl/verbs/verbs.h"
@@ -59,8 +58,7 @@ std::string_view scriptFor(const std::string& name)
     const Shell* const shell =
         std::find_if(kShells.begin(), kShells.end(), [&](const Shell& known) { return known.name == name; });
     if (shell == kShells.end())
-        throw UsageError("completion: expected " + base::join(shellNames(), " or ") + "; got " + inQuotes(name),
-                         base::suggestions(name, shellNames()));
+        throw UsageError("completion: expected " + base::join(shellNames(), " or ") + "; got " + inQuotes(name));
     return base::embeddedText(embeddedFiles(), shell->script);
 }
 
