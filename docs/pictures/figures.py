@@ -1,4 +1,4 @@
-"""The figures of the documents: the house, the life of one call, and the way of a call through a message broker."""
+"""The figures of the documents: what calls what, the life of one call, and the way of a call through a message broker."""
 import html
 from dataclasses import dataclass
 
@@ -81,9 +81,9 @@ class _Sheet:
 
 def house(theme):
     """Who calls whom, what ships on the gateway, and what takes its place on a workstation."""
-    sheet = _Sheet(500, theme, "The house", "Components, tarnctl and Python call libtarn. libtarn calls four functions of the "
-                   "platform. On a gateway these are its own IPC library's, which reaches its services; on a workstation "
-                   "libkoriil's, which reaches the simulated gateway; in unit tests the mock's.")
+    sheet = _Sheet(500, theme, "What calls what", "Components, tarnctl and Python call libtarn. libtarn calls four functions "
+                   "of the platform. On a gateway these are its own IPC library's, which reaches its services; on a "
+                   "workstation libkoriil's, which reaches the simulated gateway; in unit tests the mock's.")
     callers = (("a component", ("C or C++",)), ("tarnctl", ("the command line",)), ("tarn for Python", ("and pytest",)))
     for at, (title, below) in enumerate(callers):
         x = 30 + 210 * at
@@ -105,8 +105,8 @@ def house(theme):
         sheet.arrow((x + 95, 324), (x + 95, 356))
         sheet.box(x, 356, 190, 76, kind, service, tells)
     sheet.box(680, 112, 170, 320, "kit", "the wire as data", (
-        "", "contract: messages", "of every function", "", "layouts: what is", "inside records", "", "read by tarnctl, Python,",
-        "mock, tarn-gateway", "and tests,", "not by libtarn"))
+        "", "contract: messages", "of every function", "", "layouts: what is", "inside records", "", "read by the kit",
+        "and its tests,", "not by libtarn"))
     for at, (kind, text) in enumerate((("ships", "ships on the gateway"), ("kit", "the kit"), ("own", "not of this project"))):
         sheet.box(30 + 210 * at, 458, 22, 16, kind, "")
         sheet.text(60 + 210 * at, 471, text, "q")

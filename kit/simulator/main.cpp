@@ -128,7 +128,7 @@ int main(int argc, char** argv)
             ->type_name("N")
             ->check(CLI::NonNegativeNumber);
         app.add_option("--speed", options.speed,
-                       "Gateway seconds for each second of real time; 0 for a time that stands until stepped")
+                       "Gateway seconds for each second of real time; at 0 no time passes until it is stepped")
             ->type_name("FACTOR")
             ->check(CLI::Range(0.0, 1e6));
         app.add_option("--seed", options.seed, "Where random numbers start, in place of the scenario's")

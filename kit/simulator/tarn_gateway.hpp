@@ -5,7 +5,7 @@
  *     gateway.order("step 60");
  *     EXPECT_EQ(gateway.order("state /radios/0/channel"), "36");
  *
- * Its time stands until the test steps it. When the test has failed, the log of its requests is printed. README.md has the
+ * No time passes until the test steps it. When the test has failed, the log of its requests is printed. README.md has the
  * orders. */
 #pragma once
 

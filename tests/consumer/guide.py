@@ -52,8 +52,8 @@ def main():
     shutil.rmtree(WORK, ignore_errors=True)
     (WORK / "project").mkdir(parents=True)
     for component in ("library", "kit", "python"):
-        subprocess.run(["cmake", "--install", os.environ["BUILD"], "--prefix", WORK / "home/tarn", "--component", component],
-                       check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(["cmake", "--install", os.environ["BUILD"], "--prefix", WORK / "home/tarn-kit", "--component",
+                        component], check=True, stdout=subprocess.DEVNULL)
     commands, printed = script()
     environment = {"HOME": str(WORK / "home"), "PATH": "/usr/bin:/bin:" + os.environ["PATH"]}
     (WORK / "script").write_text("trap 'kill ${!-} 2> /dev/null || :' EXIT\n" + commands)  # ends a gateway that is left

@@ -4,7 +4,7 @@
 
 PICTURE is a file whose name says what kind: evening.svg, evening.png. --dark is for a dark page.
 
-Two hours of the simulated gateway pass in less than a second: its time stands and is stepped minute by minute.
+Two hours of the simulated gateway pass in less than a second: it is stepped minute by minute.
 """
 import argparse
 from dataclasses import dataclass, field

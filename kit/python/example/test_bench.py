@@ -14,7 +14,7 @@ def test_the_channel_is_set_and_told(tarn_gateway: SimulatedGateway) -> None:
     assert tarn_gateway.interface("wifi0").channel() == 44
 
 
-@pytest.mark.tarn_gateway(scenario="dfs", speed=0)  # its time stands
+@pytest.mark.tarn_gateway(scenario="dfs", speed=0)  # no time passes until it is stepped
 def test_the_radio_leaves_when_radar_appears(tarn_gateway: SimulatedGateway) -> None:
     assert tarn_gateway.radio(1).data().channel == 100
     tarn_gateway.radar(104)

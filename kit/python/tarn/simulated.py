@@ -39,7 +39,7 @@ class SimulatedGateway(Gateway):
     scenario: what the gateway consists of: the name of a scenario that comes with it ("home", "crowded", "empty", "dfs"),
         a file, or a scenario itself
     layout: a layout file that it answers by
-    speed: gateway seconds for each second of real time; at 0 its time stands until it is stepped
+    speed: gateway seconds for each second of real time; at 0 no time passes until it is stepped
     seed: where random numbers start, in place of the scenario's
     faults: what happens to requests and events from the start on, as in a scenario:
         {"kind": "noAnswer", "function": "TarnGetRadio", "count": 1}
@@ -217,7 +217,7 @@ class SimulatedGateway(Gateway):
 
     @property
     def speed(self) -> float:
-        """Gateway seconds for each second of real time; at 0 its time stands."""
+        """Gateway seconds for each second of real time; at 0 no time passes."""
         return float(self.order("speed")["speed"])
 
     @speed.setter

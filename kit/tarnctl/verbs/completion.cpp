@@ -41,7 +41,7 @@ void declareCompletion(Syntax& syntax, CompletionOptions& options)
     syntax.text("SHELL", options.shell, "bash, zsh or fish");
     syntax.footer("To use it:  source <(tarnctl completion bash)    or zsh\n"
                   "            tarnctl completion fish | source\n"
-                  "An installed kit has the scripts where the shells look for them.");
+                  "The Debian packages have the scripts where the shells look for them.");
 }
 
 std::vector<std::string> shellNames()
