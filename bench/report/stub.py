@@ -86,7 +86,7 @@ def _plot(figure, theme, figures):
     axes.bar(places, values, color=theme.ours, yerr=errors, ecolor=theme.quiet, capsize=2, width=0.7)
     axes.axhline(0, color=theme.quiet, linewidth=0.8)
     axes.axhline(_MOST_NANOSECONDS, color=theme.peers[0], linewidth=0.8, linestyle="--",
-                 label=f"{_MOST_NANOSECONDS} ns: at most, at 8 bytes")
+                 label=f"the goal at 8 bytes: at most {_MOST_NANOSECONDS} ns")
     axes.legend(loc="upper left")
     axes.set_xticks(list(places), list(figures))
     axes.set_xlabel("message, bytes")
