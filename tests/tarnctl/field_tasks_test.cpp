@@ -200,6 +200,7 @@ TEST_P(GatewayTasksTest, ARefusalHasTheStatusByItsName)
     const std::string status = GetParam().isSecond ? "517" : "17";
     EXPECT_NE(device.err.find("answered TarnSetRadioCfg with status " + status + " (INVALID_VALUE"), std::string::npos)
         << device.err;
+    EXPECT_EQ(device.err.find("tarnctl: channel: possible for radio 1 (radio0): 36 40 44 48 "), 0u) << device.err;
     const Ran module = run({"boot", "get", "nothing"});
     EXPECT_EQ(module.exit, 7);
     EXPECT_NE(module.err.find(GetParam().isSecond ? "-706" : "-206"), std::string::npos) << module.err;

@@ -22,7 +22,8 @@ void addChannel(Verbs& verbs)
                       {"automatic", "autoChannel", &switchTone, true},
                       {"possible_channels", "possibleChannels", &faint}},
                      nullptr,
-                     "autoChannel"},
+                     "autoChannel",
+                     "possibleChannels"},
                     "Shows or sets the channels of radios");
 }
 

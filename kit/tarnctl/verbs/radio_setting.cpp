@@ -36,6 +36,27 @@ ExitCode show(const Console& console, const RadioSetting& setting, const Setting
     return page.write(console, survey);
 }
 
+// As the gateway's status alone does not tell what it would have taken.
+void tellChoices(const Console& console, const RadioSetting& setting, const Radio& radio)
+{
+    if (setting.choices == nullptr || !radio.data[setting.choices].isKnown())
+        return;
+    console.remark(std::string(setting.name) + ": possible for " + radio.title() + ": " + radio.data[setting.choices].text());
+}
+
+Report setOrTell(const Console& console, const RadioSetting& setting, const Radio& radio, const std::string& field,
+                 const std::string& value)
+try
+{
+    return setField("TarnSetRadioCfg", radio.asRadio(), "cfg." + field, value);
+}
+catch (const CallFailure& failure)
+{
+    if (failure.report.outcome == CallOutcome::kServiceStatus)
+        tellChoices(console, setting, radio);
+    throw;
+}
+
 ExitCode change(const Console& console, const RadioSetting& setting, const std::string& target, const std::string& value)
 {
     Survey survey(setting.name);
@@ -45,7 +66,7 @@ ExitCode change(const Console& console, const RadioSetting& setting, const std::
         throw UsageError(std::string(setting.name) + ": expected a number" +
                          (setting.automaticField == nullptr ? "" : " or auto") + "; got " + inQuotes(value));
     const char* const field = isAutomatic ? setting.automaticField : setting.field;
-    const Report report = setField("TarnSetRadioCfg", radio.asRadio(), std::string("cfg.") + field, isAutomatic ? "on" : value);
+    const Report report = setOrTell(console, setting, radio, field, isAutomatic ? "on" : value);
     const Fields after = survey.ask("TarnGetRadio", radio.asRadio());
     return writeChanges(console, setting.changeKind, survey,
                         {{radio.title(), setting.name, radio.data[setting.field], after[setting.field], report}});

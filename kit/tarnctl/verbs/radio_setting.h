@@ -18,6 +18,7 @@ struct RadioSetting
     std::vector<Column> columns;
     void (*complete)(Survey& survey, const Radio& radio, Fields& row) = nullptr; // what the radio's record does not tell
     const char* automaticField = nullptr;                                        // switched on by "auto", if there is one
+    const char* choices = nullptr;                                               // what can be set, in the radio's record
 };
 
 void addRadioSetting(Verbs& verbs, const RadioSetting& setting, const char* description);
