@@ -1,5 +1,7 @@
 #include "base/json_reader.h"
 
+#include "support/temporary_directory.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -329,7 +331,8 @@ TEST(JsonDocument, IsNotNestedWithoutEnd)
 
 TEST(JsonDocument, IsReadFromAFile)
 {
-    const std::string path = testing::TempDir() + "json_reader_test.json";
+    const tarn::test::TemporaryDirectory directory;
+    const std::string path = directory.path("lamps.json");
     std::ofstream(path) << "{\"a\": [1]}";
     EXPECT_EQ(readJson(path, "lamps").root().object()["a"].elements()[0].number<int>(), 1);
     std::ofstream(path) << "";

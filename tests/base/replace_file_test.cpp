@@ -1,6 +1,8 @@
 // Files that are replaced in one step, and what happens where they cannot be.
 #include "base/replace_file.h"
 
+#include "support/temporary_directory.h"
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -22,21 +23,9 @@ using tarn::base::replaceFile;
 class ReplaceFileTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        char name[] = "/tmp/tarn_test-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        directory_ = name;
-    }
-
-    void TearDown() override
-    {
-        std::filesystem::remove_all(directory_);
-    }
-
     std::string path(const std::string& file) const
     {
-        return directory_ + "/" + file;
+        return directory_.path(file);
     }
 
     std::string read(const std::string& file) const
@@ -47,7 +36,7 @@ protected:
 
     std::size_t files() const
     {
-        const std::filesystem::directory_iterator entries(directory_);
+        const std::filesystem::directory_iterator entries(directory_.path());
         return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
     }
 
@@ -75,7 +64,7 @@ protected:
     }
 
 private:
-    std::string directory_;
+    const tarn::test::TemporaryDirectory directory_;
 };
 
 TEST_F(ReplaceFileTest, WritesANewFileAndLeavesNothingElse)

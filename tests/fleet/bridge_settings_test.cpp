@@ -1,8 +1,8 @@
 // What tarn-bridge is told, and what it says to what is wrong.
 #include "fleet/bridge_settings.h"
 
-#include <cstdlib>
-#include <filesystem>
+#include "support/temporary_directory.h"
+
 #include <fstream>
 #include <string>
 #include <vector>
@@ -94,18 +94,6 @@ TEST(BridgeSettingsTest, HelpAndVersionNeedNothingElse)
 class BridgeSettingsFileTest : public ::testing::Test
 {
 protected:
-    BridgeSettingsFileTest()
-    {
-        char path[] = "/tmp/tarn_bridge-XXXXXX";
-        EXPECT_NE(mkdtemp(path), nullptr);
-        directory_ = path;
-        path_ = directory_ + "/bridge.conf";
-    }
-    ~BridgeSettingsFileTest() override
-    {
-        std::filesystem::remove_all(directory_);
-    }
-
     std::string problemOfFile(const std::string& text)
     {
         std::ofstream(path_) << text;
@@ -113,7 +101,8 @@ protected:
         return read({"--config", path_.c_str()}, options);
     }
 
-    std::string directory_, path_;
+    const tarn::test::TemporaryDirectory directory_;
+    const std::string path_ = directory_.path("bridge.conf");
 };
 
 TEST_F(BridgeSettingsFileTest, HasTheSameWords)

@@ -4,8 +4,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -15,30 +13,20 @@ namespace fleet_test
 
 MosquittoBroker::MosquittoBroker(const std::string& configuration) : configuration_(configuration)
 {
-    char path[] = "/tmp/tarn_broker-XXXXXX";
-    if (mkdtemp(path) == nullptr)
-        throw std::runtime_error("no directory");
-    directory_ = path;
     for (int attempt = 0; attempt < 20; ++attempt) // another process may take the port in between
     {
         port_ = freePort();
         if (tryStart())
             return;
     }
-    throw std::runtime_error("mosquitto does not start; its log was in " + directory_);
-}
-
-MosquittoBroker::~MosquittoBroker()
-{
-    kill();
-    std::filesystem::remove_all(directory_);
+    throw std::runtime_error("mosquitto does not start: " + contents(directory_.path("log")));
 }
 
 bool MosquittoBroker::tryStart()
 {
-    const std::string file = directory_ + "/mosquitto.conf";
+    const std::string file = directory_.path("mosquitto.conf");
     std::ofstream(file) << "user root\n" << replaced(configuration_, "@PORT@", std::to_string(port_));
-    server_.start({"/usr/sbin/mosquitto", "-c", file}, directory_ + "/log");
+    server_.start({"/usr/sbin/mosquitto", "-c", file}, directory_.path("log"));
     if (server_.awaitPort(port_, std::chrono::seconds(5)))
         return true;
     kill();

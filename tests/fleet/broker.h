@@ -3,6 +3,8 @@
 
 #include "server_process.h"
 
+#include "support/temporary_directory.h"
+
 #include <cstdint>
 #include <string>
 
@@ -16,9 +18,6 @@ public:
     explicit MosquittoBroker(const std::string& configuration = "listener @PORT@ 127.0.0.1\n"
                                                                 "allow_anonymous true\n"
                                                                 "set_tcp_nodelay true\n");
-    ~MosquittoBroker();
-    MosquittoBroker(const MosquittoBroker&) = delete;
-    MosquittoBroker& operator=(const MosquittoBroker&) = delete;
 
     std::uint16_t port() const
     {
@@ -40,7 +39,7 @@ public:
 private:
     bool tryStart();
 
-    std::string directory_;
+    tarn::test::TemporaryDirectory directory_;
     std::string configuration_;
     std::uint16_t port_ = 0;
     ServerProcess server_;

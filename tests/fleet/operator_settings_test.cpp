@@ -1,7 +1,7 @@
 // Where tarn-fleet has its settings from, and which of them holds.
 #include "fleet/operator_settings.h"
 
-#include "support/services.h"
+#include "support/temporary_directory.h"
 #include "tarnctl/usage_error.h"
 
 #include <cstdlib>
@@ -11,8 +11,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace
 {
@@ -30,7 +28,7 @@ protected:
     }
     std::string file(const std::string& name, const std::string& lines) const
     {
-        std::string path = directory_.path() + "/" + name;
+        std::string path = directory_.path(name);
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         std::ofstream(path) << lines;
         return path;
@@ -49,7 +47,7 @@ protected:
     }
 
 private:
-    tarn::test::TemporaryRuntimeDirectory directory_;
+    const tarn::test::TemporaryDirectory directory_;
 };
 
 TEST_F(OperatorSettingsTest, WhatTheCommandLineSaysHoldsOverTheFileAndTheFileOverWhatIsUsual)

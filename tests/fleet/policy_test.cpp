@@ -1,16 +1,15 @@
 // What a gateway lets be asked from afar.
 #include "fleet/policy.h"
 
+#include "support/temporary_directory.h"
+
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace
 {
@@ -143,17 +142,6 @@ TEST(PolicyTest, AWrongLineSaysWhatWasExpected)
 class PolicyFileTest : public ::testing::Test
 {
 protected:
-    PolicyFileTest()
-    {
-        char name[] = "/tmp/policy.XXXXXX";
-        close(mkstemp(name));
-        path_ = name;
-    }
-    ~PolicyFileTest() override
-    {
-        std::filesystem::remove(path_);
-    }
-
     std::string read(const std::string& text, Policy& policy)
     {
         std::ofstream(path_) << text;
@@ -163,7 +151,8 @@ protected:
         return problem;
     }
 
-    std::string path_;
+    const tarn::test::TemporaryDirectory directory_;
+    const std::string path_ = directory_.path("policy");
 };
 
 TEST_F(PolicyFileTest, IsReadLineByLine)

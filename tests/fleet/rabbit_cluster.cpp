@@ -22,14 +22,10 @@ constexpr char kPrograms[] = "/usr/lib/rabbitmq/bin/"; // those in the search pa
 RabbitCluster::RabbitCluster(std::size_t size, const std::string& certificates, const std::string& operators,
                              const std::vector<std::string>& gateways)
 {
-    char path[] = "/tmp/tarn_rabbitmq-XXXXXX";
-    if (mkdtemp(path) == nullptr)
-        throw std::runtime_error("no directory");
-    directory_ = path;
     writeDefinitions(operators, gateways);
-    mapper_.start({"epmd", "-port", std::to_string(mapperPort_), "-address", "127.0.0.1"}, directory_ + "/epmd.log");
+    mapper_.start({"epmd", "-port", std::to_string(mapperPort_), "-address", "127.0.0.1"}, directory_.path("epmd.log"));
     if (!mapper_.awaitPort(mapperPort_, kNodeStart))
-        throw std::runtime_error("Erlang's port mapper does not start: " + contents(directory_ + "/epmd.log"));
+        throw std::runtime_error("Erlang's port mapper does not start: " + contents(directory_.path("epmd.log")));
     for (std::size_t at = 0; at < size; ++at)
     {
         Node& node = nodes_.emplace_back();
@@ -43,23 +39,15 @@ RabbitCluster::RabbitCluster(std::size_t size, const std::string& certificates, 
         start(at);
 }
 
-RabbitCluster::~RabbitCluster()
-{
-    for (Node& node : nodes_)
-        node.server.kill();
-    mapper_.kill();
-    std::filesystem::remove_all(directory_);
-}
-
 void RabbitCluster::writeDefinitions(const std::string& operators, const std::vector<std::string>& gateways) const
 {
     {
-        std::ofstream names(directory_ + "/names");
+        std::ofstream names(directory_.path("names"));
         for (const std::string& gateway : gateways)
             names << gateway << '\n';
     }
-    const std::string command = std::string(PACKAGING) + "/rabbitmq/make-definitions " + operators + " < " + directory_ +
-                                "/names > " + directory_ + "/definitions.json";
+    const std::string command = std::string(PACKAGING) + "/rabbitmq/make-definitions " + operators + " < " +
+                                directory_.path("names") + " > " + directory_.path("definitions.json");
     if (std::system(command.c_str()) != 0)
         throw std::runtime_error("no definitions: " + command);
 }
@@ -68,7 +56,7 @@ void RabbitCluster::writeDefinitions(const std::string& operators, const std::ve
 void RabbitCluster::configure(const Node& node, const std::string& certificates) const
 {
     std::string text = contents(std::string(PACKAGING) + "/rabbitmq/tarn.conf");
-    text = replaced(text, "/etc/rabbitmq/tarn/definitions.json", directory_ + "/definitions.json");
+    text = replaced(text, "/etc/rabbitmq/tarn/definitions.json", directory_.path("definitions.json"));
     text = replaced(text, "/etc/rabbitmq/tarn", certificates);
     text = replaced(text, "ssl.default = 8883", "ssl.default = 127.0.0.1:" + std::to_string(node.port));
     if (nodes_.size() > 1)
@@ -77,14 +65,14 @@ void RabbitCluster::configure(const Node& node, const std::string& certificates)
         for (std::size_t at = 0; at < nodes_.size(); ++at)
             text = replaced(text, "rabbit@mqtt-" + std::to_string(at + 1), nodes_[at].name + "@localhost");
     }
-    std::filesystem::create_directory(directory_ + "/" + node.name);
-    std::ofstream(directory_ + "/" + node.name + "/rabbitmq.conf") << text;
+    std::filesystem::create_directory(directory_.path(node.name));
+    std::ofstream(directory_.path(node.name) + "/rabbitmq.conf") << text;
 }
 
 ServerProcess::Environment RabbitCluster::environment(const Node& node) const
 {
-    const std::string own = directory_ + "/" + node.name;
-    return {{"HOME", directory_}, // of the cookie, which the nodes share
+    const std::string own = directory_.path(node.name);
+    return {{"HOME", directory_.path()}, // of the cookie, which the nodes share
             {"RABBITMQ_NODENAME", node.name + "@localhost"},
             {"RABBITMQ_CONF_ENV_FILE", "/dev/null"},
             {"RABBITMQ_CONFIG_FILE", own + "/rabbitmq.conf"},
@@ -104,7 +92,7 @@ ServerProcess::Environment RabbitCluster::environment(const Node& node) const
 void RabbitCluster::start(std::size_t node)
 {
     Node& started = nodes_[node];
-    const std::string log = directory_ + "/" + started.name + "/output";
+    const std::string log = directory_.path(started.name) + "/output";
     started.server.start({std::string(kPrograms) + "rabbitmq-server"}, log, environment(started));
     if (started.server.awaitPort(started.port, kNodeStart))
         return;
@@ -123,7 +111,7 @@ std::string RabbitCluster::ask(std::size_t node, const std::string& words) const
     for (const auto& [name, value] : environment(nodes_[node]))
         command.append(" '").append(name).append("=").append(value).append("'");
     command.append(" ").append(kPrograms).append("rabbitmqctl --quiet ").append(words);
-    const std::string answer = directory_ + "/answer";
+    const std::string answer = directory_.path("answer");
     return std::system(command.append(" > ").append(answer).c_str()) == 0 ? contents(answer) : "";
 }
 

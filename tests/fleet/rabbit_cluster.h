@@ -4,6 +4,8 @@
 
 #include "server_process.h"
 
+#include "support/temporary_directory.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -20,9 +22,6 @@ public:
     // cluster whose nodes start together may refuse clients for minutes.
     RabbitCluster(std::size_t size, const std::string& certificates, const std::string& operators,
                   const std::vector<std::string>& gateways);
-    ~RabbitCluster();
-    RabbitCluster(const RabbitCluster&) = delete;
-    RabbitCluster& operator=(const RabbitCluster&) = delete;
 
     std::size_t size() const
     {
@@ -53,7 +52,7 @@ private:
     void writeDefinitions(const std::string& operators, const std::vector<std::string>& gateways) const;
     void configure(const Node& node, const std::string& certificates) const;
 
-    std::string directory_;
+    tarn::test::TemporaryDirectory directory_;
     std::uint16_t mapperPort_ = freePort();
     ServerProcess mapper_;
     std::deque<Node> nodes_; // which cannot be moved

@@ -3,6 +3,7 @@
 
 #include "kor_iil.h"
 #include "support/second_gateway.h"
+#include "support/temporary_directory.h"
 #include "tarn_api.h"
 #include "tarn_frame.h"
 #include "tarn_qtn_monitor_api.h"
@@ -13,7 +14,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <string>
@@ -21,7 +21,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 using tarn::mock::Platform;
 using testing::ElementsAre;
@@ -244,10 +243,10 @@ TEST_F(NamedScript, TakesFieldsOfBlocks)
 
 TEST_F(NamedScript, ReadsFieldsWhereTheNamedLayoutFileSays)
 {
-    const std::string path = testing::TempDir() + "mock-layout-" + std::to_string(::getpid()) + ".json";
+    const tarn::test::TemporaryDirectory directory;
+    const std::string path = directory.path("layout.json");
     std::ofstream(path) << tarn_test::secondGatewayText();
     platform_.useLayout(path.c_str());
-    std::remove(path.c_str());
     platform_.expect("TarnGetRadio").reply("data.channel", 36);
     TarnRadioData data;
     EXPECT_EQ(TarnGetRadio("ledd", 1, &data), 0u);

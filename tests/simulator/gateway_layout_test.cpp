@@ -4,12 +4,10 @@
 #include "simulator/records.h"
 #include "simulator/scenario.h"
 #include "support/second_gateway.h"
+#include "support/temporary_directory.h"
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
-
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 
@@ -113,21 +111,15 @@ protected:
     // SetUp, of a gateway with that layout.
     void start(const std::string& text)
     {
-        path_ = ::testing::TempDir() + "simulator-layout-" + std::to_string(::getpid()) + ".json";
-        std::ofstream(path_) << text;
-        layout_ = std::make_unique<tarn::simulator::GatewayLayout>(path_);
-        useLayout(path_);
+        const std::string path = layoutDirectory_.path("layout.json");
+        std::ofstream(path) << text;
+        layout_ = std::make_unique<tarn::simulator::GatewayLayout>(path);
+        useLayout(path);
         SimulatorTest::SetUp();
     }
 
     void SetUp() override
     {
-    }
-
-    void TearDown() override
-    {
-        SimulatorTest::TearDown();
-        std::filesystem::remove(path_);
     }
 
     template <typename Raw>
@@ -144,7 +136,7 @@ protected:
     }
 
 private:
-    std::string path_;
+    const tarn::test::TemporaryDirectory layoutDirectory_;
     std::unique_ptr<tarn::simulator::GatewayLayout> layout_;
 };
 
@@ -246,10 +238,9 @@ TEST(MissingFromALayout, IsNothingWhereThatOneKnowsAll)
 
 TEST(MissingFromALayout, IsListedPlaceByPlace)
 {
-    const std::string path = ::testing::TempDir() + "simulator-missing.json";
-    std::ofstream(path) << kSmall;
-    const std::vector<std::string> missing = tarn::simulator::GatewayLayout(path).missing();
-    std::filesystem::remove(path);
+    const tarn::test::TemporaryDirectory directory;
+    std::ofstream(directory.path("layout.json")) << kSmall;
+    const std::vector<std::string> missing = tarn::simulator::GatewayLayout(directory.path("layout.json")).missing();
     EXPECT_THAT(missing,
                 testing::IsSupersetOf({"field TarnRadioData.country", "field TarnRadioData.band, which is bytes and not text",
                                        "value none of TarnRadioData.neighboringStatus", "record TarnNeighborBss",

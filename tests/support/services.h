@@ -3,10 +3,10 @@
 
 #include "kor_iil.h"
 #include "kor_iil_service.h"
+#include "temporary_directory.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -18,17 +18,14 @@ namespace tarn::test
 {
 
 // Found through KORIIL_DIR while it exists; then the one before is again.
-class TemporaryRuntimeDirectory
+class TemporaryRuntimeDirectory : public TemporaryDirectory
 {
 public:
     TemporaryRuntimeDirectory()
     {
-        char path[] = "/tmp/tarn_test-XXXXXX"; // short: a socket's whole path has at most 107 characters
         if (const char* const before = std::getenv("KORIIL_DIR"))
             before_ = before;
-        if (mkdtemp(path) == nullptr || setenv("KORIIL_DIR", path, 1) != 0)
-            throw std::runtime_error("no runtime directory");
-        path_ = path;
+        setenv("KORIIL_DIR", path().c_str(), 1);
     }
 
     ~TemporaryRuntimeDirectory()
@@ -37,19 +34,12 @@ public:
             setenv("KORIIL_DIR", before_->c_str(), 1);
         else
             unsetenv("KORIIL_DIR");
-        std::filesystem::remove_all(path_);
     }
 
     TemporaryRuntimeDirectory(const TemporaryRuntimeDirectory&) = delete;
     TemporaryRuntimeDirectory& operator=(const TemporaryRuntimeDirectory&) = delete;
 
-    const std::string& path() const
-    {
-        return path_;
-    }
-
 private:
-    std::string path_;
     std::optional<std::string> before_;
 };
 
