@@ -3,12 +3,12 @@
 #include "home.h"
 #include "link.h"
 #include "rabbit_cluster.h"
+#include "test_authority.h"
 
-#include "support/services.h"
+#include "support/temporary_directory.h"
 
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -39,15 +39,21 @@ class ClusterTest : public ::testing::Test
 protected:
     ClusterTest()
     {
-        std::string all = "noc-1";
         for (unsigned number = 1; number <= kGatewaysOfCluster; ++number)
-        {
             names_.push_back(Home::nameOf(number));
-            all += " " + names_.back();
-        }
-        const std::string script = std::string(PACKAGING) + "/make-test-authority ";
-        EXPECT_EQ(std::system((script + certificates_ + " " + all).c_str()), 0);
-        cluster_ = std::make_unique<RabbitCluster>(kNodes, certificates_, "noc-1", names_);
+        authority_.certify(names_);
+        cluster_ = std::make_unique<RabbitCluster>(kNodes, authority_.directory(), "noc-1", names_);
+    }
+
+    // A client's whose list of brokers begins with that node.
+    tarn::fleet::LinkSettings settings(const std::string& name, std::size_t firstNode) const
+    {
+        std::vector<std::uint16_t> ports;
+        for (std::size_t each = 0; each < kNodes; ++each)
+            ports.push_back(cluster_->port((firstNode + each) % kNodes));
+        tarn::fleet::LinkSettings link = linkOf(name, ports);
+        authority_.secure(link, name);
+        return link;
     }
 
     // Each gateway begins its list of brokers with another node, so that each node has a third of them.
@@ -55,12 +61,7 @@ protected:
     {
         for (unsigned number = 1; number <= kGatewaysOfCluster; ++number)
         {
-            std::vector<std::uint16_t> ports;
-            for (std::size_t each = 0; each < kNodes; ++each)
-                ports.push_back(cluster_->port((number + each) % kNodes));
-            tarn::fleet::LinkSettings link = linkOf(names_[number - 1], ports);
-            secure(link, certificates_ + "/ca.pem", certificates_ + "/" + names_[number - 1]);
-            homes_.push_back(std::make_unique<Home>(link, number, &ledger_));
+            homes_.push_back(std::make_unique<Home>(settings(names_[number - 1], number % kNodes), number, &ledger_));
             homes_.back()->milliseconds = 50;
         }
         for (const auto& home : homes_)
@@ -69,11 +70,7 @@ protected:
     // The operator begins with the first node.
     void configureOperator() const
     {
-        std::ofstream file(directory_.path() + "/fleet.conf");
-        for (std::size_t node = 0; node < kNodes; ++node)
-            file << "broker 127.0.0.1:" << cluster_->port(node) << '\n';
-        file << "id noc-1\ncafile " << certificates_ << "/ca.pem\ncert " << certificates_ << "/noc-1.pem\nkey " << certificates_
-             << "/noc-1.key\n";
+        std::ofstream(directory_.path("fleet.conf")) << settingsText(settings("noc-1", 0));
     }
     // A node that comes back has not taken its part in the cluster as soon as it takes connections.
     void awaitNodes(std::size_t count) const
@@ -103,9 +100,9 @@ protected:
         awaitNodes(kNodes);
     }
 
-    const tarn::test::TemporaryRuntimeDirectory directory_;
-    const std::string certificates_ = directory_.path() + "/certificates";
-    const Ledger ledger_{directory_.path() + "/ledger"};
+    const tarn::test::TemporaryDirectory directory_;
+    const TestAuthority authority_{{"noc-1"}};
+    const Ledger ledger_{directory_.path("ledger")};
     std::vector<std::string> names_;
     std::unique_ptr<RabbitCluster> cluster_;
     std::vector<std::unique_ptr<Home>> homes_;

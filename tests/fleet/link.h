@@ -26,12 +26,22 @@ inline tarn::fleet::LinkSettings linkOf(const std::string& name, const std::vect
     return link;
 }
 
-// With TLS: the file of the broker's authority, and the client's own certificate and key without the ends of their names.
-inline void secure(tarn::fleet::LinkSettings& link, const std::string& authority, const std::string& own)
+// The same as a file of settings has them.
+inline std::string settingsText(const tarn::fleet::LinkSettings& link)
 {
-    std::snprintf(link.authorities, sizeof link.authorities, "%s", authority.c_str());
-    std::snprintf(link.certificate, sizeof link.certificate, "%s.pem", own.c_str());
-    std::snprintf(link.key, sizeof link.key, "%s.key", own.c_str());
+    std::string lines;
+    for (std::size_t at = 0; at < link.brokerCount; ++at)
+        lines += std::string("broker ") + link.brokers[at].host + ":" + std::to_string(link.brokers[at].port) + "\n";
+    const auto add = [&lines](const char* word, const char* value)
+    {
+        if (*value != '\0')
+            lines += std::string(word) + " " + value + "\n";
+    };
+    add("id", link.clientId);
+    add("cafile", link.authorities);
+    add("cert", link.certificate);
+    add("key", link.key);
+    return lines;
 }
 
 } // namespace fleet_test

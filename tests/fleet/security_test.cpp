@@ -2,13 +2,12 @@
 #include "link.h"
 #include "operator.h"
 #include "secured_broker.h"
+#include "test_authority.h"
 
 #include "fleet/bridge.h"
 
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,29 +28,30 @@ class SecurityTest : public ::testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        char path[] = "/tmp/tarn_authority-XXXXXX";
-        ASSERT_NE(mkdtemp(path), nullptr);
-        directory_ = path;
-        const std::string script = std::string(PACKAGING) + "/make-test-authority ";
-        ASSERT_EQ(std::system((script + directory_ + "/a home-1 home-2 noc-1 noc-2").c_str()), 0);
-        ASSERT_EQ(std::system((script + "--expired " + directory_ + "/a home-3").c_str()), 0);
-        ASSERT_EQ(std::system((script + directory_ + "/b home-1").c_str()), 0);
-        broker_ = makeSecuredBroker(directory_ + "/a", {"home-1", "home-2", "home-3"});
+        authority_ = std::make_unique<TestAuthority>(std::vector<std::string>{"home-1", "home-2", "noc-1", "noc-2"});
+        authority_->certify({"home-3"}, TestAuthority::Validity::kExpired);
+        foreign_ = std::make_unique<TestAuthority>(std::vector<std::string>{"home-1"});
+        broker_ = makeSecuredBroker(authority_->directory(), {"home-1", "home-2", "home-3"});
     }
     static void TearDownTestSuite()
     {
         broker_.reset();
-        std::filesystem::remove_all(directory_);
+        foreign_.reset();
+        authority_.reset();
     }
 
-    // Of a client that has the certificate of `name` from authority `from`, trusts the one of `trusted`, and calls itself `id`.
-    static LinkSettings settings(const std::string& name, const std::string& id, const std::string& from = "a",
-                                 const std::string& trusted = "a")
+    // Of a client that calls itself `id` and trusts the broker's authority; it has no certificate yet.
+    static LinkSettings settingsWithoutCertificate(const std::string& id)
     {
         LinkSettings settings = linkOf(id, {broker_->port()});
-        secure(settings, directory_ + "/" + trusted + "/ca.pem", directory_ + "/" + from + "/" + name);
-        if (name.empty())
-            settings.certificate[0] = settings.key[0] = '\0';
+        authority_->setTrust(settings);
+        return settings;
+    }
+    // Of one with the certificate of `name`.
+    static LinkSettings settings(const std::string& name, const std::string& id)
+    {
+        LinkSettings settings = settingsWithoutCertificate(id);
+        authority_->setCertificate(settings, name);
         return settings;
     }
     static LinkSettings settings(const std::string& name)
@@ -102,7 +102,7 @@ protected:
         ASSERT_TRUE(bridge_->start());
     }
 
-    static inline std::string directory_;
+    static inline std::unique_ptr<TestAuthority> authority_, foreign_;
     static inline std::unique_ptr<SecuredBroker> broker_;
     BridgeSettings bridgeSettings_;
     std::atomic<int> calls_{0};
@@ -239,14 +239,18 @@ TEST_F(SecurityTest, AClientIdThatIsNotTheCertificatesTakesNobodysPlace)
 TEST_F(SecurityTest, WhoeverHasNoGoodCertificateDoesNotGetIn)
 {
     EXPECT_NE(refusalOf(settings("home-3")), "") << "it has expired";
-    EXPECT_NE(refusalOf(settings("", "home-1")), "") << "there is none";
-    EXPECT_NE(refusalOf(settings("home-1", "home-1", "b")), "") << "the broker does not trust its authority";
+    LinkSettings client = settingsWithoutCertificate("home-1");
+    EXPECT_NE(refusalOf(client), "") << "there is none";
+    foreign_->setCertificate(client, "home-1");
+    EXPECT_NE(refusalOf(client), "") << "the broker does not trust its authority";
     EXPECT_EQ(refusalOf(settings("home-9")), "the files of the certificates cannot be read");
 }
 
 TEST_F(SecurityTest, ABrokerOfAnotherAuthorityIsNotTrusted)
 {
-    EXPECT_NE(refusalOf(settings("home-1", "home-1", "a", "b")), "");
+    LinkSettings client = settings("home-1");
+    foreign_->setTrust(client);
+    EXPECT_NE(refusalOf(client), "");
 }
 
 TEST_F(SecurityTest, AReplyThatNobodyAskedForDoesAGatewayNoHarm)

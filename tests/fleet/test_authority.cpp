@@ -1,0 +1,44 @@
+#include "test_authority.h"
+
+#include "support/process.h"
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace fleet_test
+{
+
+TestAuthority::TestAuthority(const std::vector<std::string>& names, Validity validity)
+{
+    certify(names, validity);
+}
+
+void TestAuthority::certify(const std::vector<std::string>& names, Validity validity) const
+{
+    std::vector<std::string> words{std::string(PACKAGING) + "/make-test-authority"};
+    if (validity == Validity::kExpired)
+        words.emplace_back("--expired");
+    words.push_back(directory());
+    words.insert(words.end(), names.begin(), names.end());
+    if (tarn::test::Process(words).finish() != 0)
+        throw std::runtime_error(words.front() + " has failed");
+}
+
+void TestAuthority::secure(tarn::fleet::LinkSettings& client, const std::string& name) const
+{
+    setTrust(client);
+    setCertificate(client, name);
+}
+
+void TestAuthority::setTrust(tarn::fleet::LinkSettings& client) const
+{
+    std::snprintf(client.authorities, sizeof client.authorities, "%s", directory_.path("ca.pem").c_str());
+}
+
+void TestAuthority::setCertificate(tarn::fleet::LinkSettings& client, const std::string& name) const
+{
+    std::snprintf(client.certificate, sizeof client.certificate, "%s.pem", directory_.path(name).c_str());
+    std::snprintf(client.key, sizeof client.key, "%s.key", directory_.path(name).c_str());
+}
+
+} // namespace fleet_test
