@@ -84,7 +84,7 @@ protected:
     {
         SCOPED_TRACE(node);
         const auto begin = std::chrono::steady_clock::now();
-        DisturbedRun run(directory_.path(), ledger_, number, kGatewaysOfCluster, kWindow);
+        DisturbedRun run(directory_, ledger_, number, kGatewaysOfCluster, kWindow);
         run.awaitExecutions(30);
         cluster_->kill(node);
         const DisturbedRun::Judgement judged = run.finish();
@@ -114,11 +114,13 @@ TEST_F(ClusterTest, ARunOverAHundredGatewaysIsFinishedWithoutTheNodeThatIsKilled
     startHomes();
     configureOperator();
     std::uint32_t number = 0;
-    const DisturbedRun::Judgement calm =
-        DisturbedRun(directory_.path(), ledger_, ++number, kGatewaysOfCluster, kWindow).finish();
+    const DisturbedRun::Judgement calm = DisturbedRun(directory_, ledger_, ++number, kGatewaysOfCluster, kWindow).finish();
     EXPECT_EQ(calm.done, kGatewaysOfCluster);
-    const FleetRun named = runFleet(directory_.path(), "list @" + directory_.path() + "/names --format csv");
-    const FleetRun matched = runFleet(directory_.path(), "list 'home-*' --format csv");
+    const auto list = [this](const std::string& filter) {
+        return FleetProcess(directory_, {"list", filter, "--format", "csv"}).finish();
+    };
+    const FleetRun named = list("@" + directory_.path("names"));
+    const FleetRun matched = list("home-*");
     EXPECT_EQ(linesOf(named.out, ",there,"), kGatewaysOfCluster);
     std::printf("counted: listed by name %zu, by pattern %zu\n", linesOf(named.out, ",there,"),
                 linesOf(matched.out, ",there,"));

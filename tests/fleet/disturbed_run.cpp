@@ -14,19 +14,37 @@
 namespace fleet_test
 {
 
-DisturbedRun::DisturbedRun(const std::string& directory, const Ledger& ledger, std::uint32_t number, unsigned gateways,
-                           unsigned window)
-    : directory_(directory), ledger_(ledger), number_(number), gateways_(gateways)
+namespace
 {
-    std::ofstream names(directory + "/names");
+
+// Returns the filter that means them.
+std::string writeNames(const tarn::test::TemporaryDirectory& directory, unsigned gateways)
+{
+    std::ofstream names(directory.path("names"));
     for (unsigned gateway = 1; gateway <= gateways; ++gateway)
         names << Home::nameOf(gateway) << '\n';
-    names.close();
-    std::ostringstream arguments;
-    arguments << "call @" << directory << "/names " << kNumberedFunction << ' ' << kNumberedArgument << '=' << number
-              << " --window " << window << " --json --resume " << directory << "/journal-" << number;
-    arguments_ = arguments.str();
-    run_ = beginFleet(directory_, arguments_);
+    return "@" + directory.path("names");
+}
+
+} // namespace
+
+DisturbedRun::DisturbedRun(const tarn::test::TemporaryDirectory& directory, const Ledger& ledger, std::uint32_t number,
+                           unsigned gateways, unsigned window)
+    : directory_(directory),
+      ledger_(ledger),
+      number_(number),
+      gateways_(gateways),
+      words_{"call",
+             writeNames(directory, gateways),
+             kNumberedFunction,
+             kNumberedArgument + ("=" + std::to_string(number)),
+             "--window",
+             std::to_string(window),
+             "--json",
+             "--resume",
+             directory.path("journal-" + std::to_string(number))},
+      process_(directory, words_)
+{
 }
 
 std::size_t DisturbedRun::executions(unsigned gateway) const
@@ -78,9 +96,9 @@ DisturbedRun::Judgement DisturbedRun::finish()
 {
     constexpr std::size_t kMostRuns = 10;
     Judgement judgement;
-    take(run_.get());
+    take(process_.finish());
     for (judgement.runs = 1; isAnyNotSent() && judgement.runs < kMostRuns; ++judgement.runs)
-        take(runFleet(directory_, arguments_));
+        take(FleetProcess(directory_, words_).finish());
     for (unsigned gateway = 1; gateway <= gateways_; ++gateway)
     {
         const std::string name = Home::nameOf(gateway);

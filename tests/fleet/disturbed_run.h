@@ -2,14 +2,14 @@
 // that executed.
 #pragma once
 
-#include "fleet_command.h"
+#include "fleet_process.h"
 #include "ledger.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <future>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace fleet_test
 {
@@ -26,7 +26,8 @@ public:
     };
 
     // The numbered call on gateways 1 to `gateways`, with the settings in the directory.
-    DisturbedRun(const std::string& directory, const Ledger& ledger, std::uint32_t number, unsigned gateways, unsigned window);
+    DisturbedRun(const tarn::test::TemporaryDirectory& directory, const Ledger& ledger, std::uint32_t number, unsigned gateways,
+                 unsigned window);
 
     // Returns when so many gateways have executed it.
     void awaitExecutions(std::size_t count) const;
@@ -39,13 +40,13 @@ private:
     void take(const FleetRun& run);
     bool isAnyNotSent() const;
 
-    const std::string directory_;
+    const tarn::test::TemporaryDirectory& directory_;
     const Ledger& ledger_;
     const std::uint32_t number_;
     const unsigned gateways_;
-    std::string arguments_;
+    const std::vector<std::string> words_;
     std::map<std::string, std::string> results_; // by gateway
-    std::future<FleetRun> run_;
+    FleetProcess process_;
 };
 
 } // namespace fleet_test

@@ -5,6 +5,7 @@
 #include "home.h"
 #include "link.h"
 #include "test_authority.h"
+#include "text_files.h"
 
 #include "support/temporary_directory.h"
 
@@ -80,9 +81,9 @@ protected:
         for (const auto& home : homes_)
             home->awaitConnection();
     }
-    FleetRun run(const std::string& arguments) const
+    FleetRun run(const std::vector<std::string>& words) const
     {
-        return runFleet(directory_.path(), arguments);
+        return FleetProcess(directory_, words).finish();
     }
     static inline std::unique_ptr<TestAuthority> authority_;
     const tarn::test::TemporaryDirectory directory_;
@@ -96,7 +97,7 @@ TEST_F(FailoverTest, ABrokerThatIsNotThereAtTheStartIsPassedOver)
     first_.kill();
     startHomes({first_.port(), second_.port()});
     configure({first_.port(), second_.port()});
-    const FleetRun ended = run("call 'home-*' TarnGetLogLevel");
+    const FleetRun ended = run({"call", "home-*", "TarnGetLogLevel"});
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.err, HasSubstr("10 gateways: 10 done"));
 }
@@ -106,7 +107,7 @@ TEST_F(FailoverTest, ABrokerThatTakesConnectionsAndSaysNothingIsPassedOver)
     startHomes({second_.port()});
     first_.pause();
     configure({first_.port(), second_.port()});
-    const FleetRun ended = run("call home-01 TarnGetLogLevel");
+    const FleetRun ended = run({"call", "home-01", "TarnGetLogLevel"});
     first_.resume();
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.err, HasSubstr("1 gateway: 1 done"));
@@ -117,7 +118,7 @@ TEST_F(FailoverTest, ARunThatLosesItsBrokerIsFinishedWithTheOtherOne)
     constexpr unsigned kWindow = 2;
     startHomes({first_.port(), second_.port()}, 100);
     configure({first_.port(), second_.port()});
-    DisturbedRun run(directory_.path(), ledger_, 1, kGateways, kWindow);
+    DisturbedRun run(directory_, ledger_, 1, kGateways, kWindow);
     run.awaitExecutions(4);
     first_.kill();
     const DisturbedRun::Judgement judged = run.finish();
@@ -163,18 +164,18 @@ TEST_F(FailoverTest, WhyThereIsNoConnectionIsSaidInASentence)
                  {ofLate.port(), *authority_, late, "noc-1", untrusted},
                  {second_.port(), *authority_, *authority_, "nobody", "the files of the certificates cannot be read"}};
     std::deque<tarn::test::TemporaryDirectory> directories;
-    std::vector<std::future<FleetRun>> runs;
+    std::vector<FleetProcess> runs;
     for (const auto& each : cases)
     {
         tarn::fleet::LinkSettings client = linkOf(each.own, {each.port});
         each.from.setCertificate(client, each.own);
         each.trusted.setTrust(client);
         configure(directories.emplace_back(), client);
-        runs.push_back(beginFleet(directories.back().path(), "list"));
+        runs.emplace_back(directories.back(), std::vector<std::string>{"list"});
     }
     for (std::size_t at = 0; at < runs.size(); ++at)
     {
-        const FleetRun ended = runs[at].get();
+        const FleetRun ended = runs[at].finish();
         EXPECT_EQ(ended.exit, kNoConnection);
         EXPECT_EQ(ended.out, "");
         EXPECT_THAT(ended.err, MatchesRegex("tarn-fleet: no connection to the broker 127.0.0.1: " + cases[at].why + "\n"));

@@ -1,13 +1,15 @@
 // tarn-fleet itself, with a real broker and a fleet of bridges in this process.
 #include "broker.h"
+#include "fleet_process.h"
 #include "home.h"
+#include "link.h"
+#include "text_files.h"
 
 #include "base/timestamp.h"
-#include "support/process.h"
-#include "support/services.h"
+#include "support/temporary_directory.h"
 #include "tarnctl/schema.h"
 
-#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
@@ -17,15 +19,12 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <utility>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace fleet_test
 {
@@ -37,20 +36,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 constexpr int kNoService = 4, kTimedOut = 5, kRefused = 6, kServiceStatus = 7;
-
-struct Ended
-{
-    int exit = -1;
-    std::string out, err;
-};
-
-std::string contents(const std::string& path)
-{
-    std::ifstream file(path);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 std::size_t linesIn(const std::string& text)
 {
@@ -84,9 +69,23 @@ bool await(const std::function<bool()>& condition)
     return condition();
 }
 
+bool awaitOut(const FleetProcess& process, const std::string& text)
+{
+    return await([&] { return process.out().find(text) != std::string::npos; });
+}
+
+bool awaitErr(const FleetProcess& process, const std::string& text)
+{
+    return await([&] { return process.err().find(text) != std::string::npos; });
+}
+
 class FleetProgramTest : public ::testing::Test
 {
 protected:
+    FleetProgramTest()
+    {
+        std::ofstream(path("fleet.conf")) << settingsText(linkOf("", {broker_.port()}));
+    }
     void start(unsigned count)
     {
         for (unsigned number = 1; number <= count; ++number)
@@ -94,37 +93,17 @@ protected:
         for (const auto& home : homes_)
             home->awaitConnection();
     }
-    tarn::test::Process begin(std::vector<std::string> words, const std::string& program = TARN_FLEET_PROGRAM)
+    FleetProcess begin(const std::vector<std::string>& words, const std::string& program = TARN_FLEET_PROGRAM) const
     {
-        std::ofstream(path("fleet.conf")) << "broker 127.0.0.1:" << broker_.port() << "\n";
-        words.insert(words.begin(), program);
-        const int out = create(path("out")), err = create(path("err"));
-        tarn::test::Process process(words, {STDIN_FILENO, out, err}, {{"TARN_FLEET", path("fleet.conf")}, {"TARN_LAYOUT", ""}});
-        close(out);
-        close(err);
-        return process;
+        return FleetProcess(directory_, words, program);
     }
-    static int create(const std::string& path)
+    FleetRun run(const std::vector<std::string>& words, const std::string& program = TARN_FLEET_PROGRAM) const
     {
-        return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    }
-    Ended end(tarn::test::Process process)
-    {
-        const int exit = process.finish();
-        return {exit, contents(path("out")), contents(path("err"))};
-    }
-    // Its output so far has the text.
-    bool awaitText(const std::string& stream, const std::string& text) const
-    {
-        return await([&] { return contents(path(stream)).find(text) != std::string::npos; });
-    }
-    Ended run(const std::vector<std::string>& words)
-    {
-        return end(begin(words));
+        return begin(words, program).finish();
     }
     std::string path(const std::string& name) const
     {
-        return directory_.path() + "/" + name;
+        return directory_.path(name);
     }
     std::uint32_t calls() const
     {
@@ -134,7 +113,7 @@ protected:
         return sum;
     }
 
-    tarn::test::TemporaryRuntimeDirectory directory_;
+    const tarn::test::TemporaryDirectory directory_;
     MosquittoBroker broker_;
     std::vector<std::unique_ptr<Home>> homes_;
 };
@@ -143,13 +122,13 @@ TEST_F(FleetProgramTest, ListAsksWhoIsThereAndDoesNotTrustWhatIsRetained)
 {
     start(20);
     homes_[4]->stop(); // takes leave
-    const Ended ended = run({"list", "--format", "csv"});
+    const FleetRun ended = run({"list", "--format", "csv"});
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_EQ(linesIn(ended.out), 21u);
     EXPECT_THAT(ended.out, HasSubstr("home-03,there,"));
     EXPECT_THAT(ended.out, HasSubstr("home-05,gone,"));
     EXPECT_THAT(ended.out, HasSubstr(",1.2.3,"));
-    const Ended none = run({"list", "attic-*"});
+    const FleetRun none = run({"list", "attic-*"});
     EXPECT_EQ(none.exit, kNoService);
 }
 
@@ -170,27 +149,27 @@ TEST_F(FleetProgramTest, ListTellsSinceWhenAGatewayIsThereThoughAnotherIsWaitedF
 TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
 {
     start(2);
-    tarn::test::Process process = begin({"list", "home-*", "--watch"});
-    EXPECT_TRUE(awaitText("out", "home-02  there")) << contents(path("err"));
+    FleetProcess process = begin({"list", "home-*", "--watch"});
+    EXPECT_TRUE(awaitOut(process, "home-02  there")) << process.err();
     homes_[0]->stop();
-    EXPECT_TRUE(awaitText("out", " home-01 gone\n"));
+    EXPECT_TRUE(awaitOut(process, " home-01 gone\n"));
     Home(broker_.port(), 3).awaitConnection(); // and goes again
-    EXPECT_TRUE(awaitText("out", " home-03 gone\n"));
+    EXPECT_TRUE(awaitOut(process, " home-03 gone\n"));
     Home back(broker_.port(), 1);
-    EXPECT_TRUE(awaitText("out", " home-01 there 1.2.3\n"));
+    EXPECT_TRUE(awaitOut(process, " home-01 there 1.2.3\n"));
     process.signal(SIGINT);
-    EXPECT_EQ(end(std::move(process)).exit, 0);
+    EXPECT_EQ(process.finish().exit, 0);
 }
 
 TEST_F(FleetProgramTest, ListWatchesForScriptsToo)
 {
     start(2);
-    tarn::test::Process process = begin({"list", "--watch", "--json"});
-    EXPECT_TRUE(awaitText("out", "home-02"));
+    FleetProcess process = begin({"list", "--watch", "--json"});
+    EXPECT_TRUE(awaitOut(process, "home-02"));
     homes_[1]->stop();
-    EXPECT_TRUE(awaitText("out", "presence"));
+    EXPECT_TRUE(awaitOut(process, "presence"));
     process.signal(SIGTERM);
-    const Ended ended = end(std::move(process));
+    const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 0) << ended.err;
     const std::vector<nlohmann::json> documents = documentsIn(ended.out);
     ASSERT_EQ(documents.size(), 2u);
@@ -202,7 +181,7 @@ TEST_F(FleetProgramTest, ListWatchesForScriptsToo)
 TEST_F(FleetProgramTest, OneCallOnTwentyGatewaysHasTwentyResults)
 {
     start(20);
-    const Ended ended = run({"call", "home-*", "TarnGetLogLevel", "--format", "csv", "--window", "8"});
+    const FleetRun ended = run({"call", "home-*", "TarnGetLogLevel", "--format", "csv", "--window", "8"});
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_EQ(linesIn(ended.out), 21u);
     for (unsigned number = 1; number <= 20; ++number)
@@ -223,7 +202,7 @@ TEST_F(FleetProgramTest, EachGatewayHasTheResultThatIsItsOwn)
     homes_[3]->ipcStatus = 9;
     homes_[4]->ipcStatus = 7;
     std::ofstream(path("names")) << "home-01\nhome-02\n# a remark\nhome-03\nhome-04\nhome-05\nhome-06\n";
-    const Ended ended = run({"call", "@" + path("names"), "TarnGetLogLevel", "--json"});
+    const FleetRun ended = run({"call", "@" + path("names"), "TarnGetLogLevel", "--json"});
     EXPECT_EQ(ended.exit, kTimedOut);
     std::map<std::string, std::string> results;
     const std::vector<nlohmann::json> documents = documentsIn(ended.out);
@@ -252,19 +231,19 @@ TEST_F(FleetProgramTest, ARunStopsAfterSoManyFailuresAndIsResumedWithWhatWasNotS
         home->replyStatus = 5;
     const std::vector<std::string> words{"call",         "home-*", "TarnSetLogLevel", "level=4",      "--window", "1",
                                          "--stop-after", "2",      "--resume",        path("journal")};
-    const Ended stopped = run(words);
+    const FleetRun stopped = run(words);
     EXPECT_EQ(stopped.exit, kServiceStatus);
     EXPECT_EQ(calls(), 2u);
     EXPECT_THAT(stopped.err, HasSubstr("6 gateways: 2 service status, 4 not sent"));
     for (const auto& home : homes_)
         home->replyStatus = 0;
-    const Ended resumed = run(words);
+    const FleetRun resumed = run(words);
     EXPECT_EQ(resumed.exit, 0) << resumed.err;
     EXPECT_EQ(calls(), 6u);
     EXPECT_THAT(resumed.err, HasSubstr("6 gateways: 4 done, 2 in earlier runs"));
     for (const auto& home : homes_)
         EXPECT_EQ(home->calls, 1u);
-    const Ended other = run({"call", "home-*", "TarnSetLogLevel", "level=5", "--resume", path("journal")});
+    const FleetRun other = run({"call", "home-*", "TarnSetLogLevel", "level=5", "--resume", path("journal")});
     EXPECT_EQ(other.exit, 2);
     EXPECT_THAT(other.err, HasSubstr("expected a run of TarnSetLogLevel level=5; it is one of TarnSetLogLevel level=4"));
 }
@@ -274,7 +253,7 @@ TEST_F(FleetProgramTest, WhatWasSentInARunThatWasKilledIsNotSentAgain)
     start(3);
     std::ofstream(path("journal"))
         << "call TarnSetLogLevel level=4\nsending home-01\nresult done home-01\nsending home-02\nsendi";
-    const Ended ended = run({"call", "home-*", "TarnSetLogLevel", "level=4", "--resume", path("journal")});
+    const FleetRun ended = run({"call", "home-*", "TarnSetLogLevel", "level=4", "--resume", path("journal")});
     EXPECT_EQ(ended.exit, kTimedOut);
     EXPECT_THAT(ended.out, HasSubstr("home-02  timed out: outcome unknown  it was sent in an earlier run"));
     EXPECT_THAT(ended.err, HasSubstr("3 gateways: 1 done, 1 timed out: outcome unknown, 1 in earlier runs"));
@@ -290,10 +269,10 @@ TEST_F(FleetProgramTest, AnInterruptedRunLetsEndWhatIsUnderWayAndIsResumedWithTh
         home->milliseconds = 1500;
     const std::vector<std::string> words{"call", "home-*",   "TarnSetLogLevel", "level=4", "--window",
                                          "2",    "--resume", path("journal"),   "--json"};
-    tarn::test::Process process = begin(words);
+    FleetProcess process = begin(words);
     EXPECT_TRUE(await([&] { return calls() == 2; }));
     process.signal(SIGINT);
-    const Ended ended = end(std::move(process));
+    const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 1) << ended.err;
     EXPECT_EQ(calls(), 2u);
     std::map<std::string, std::string> results;
@@ -308,7 +287,7 @@ TEST_F(FleetProgramTest, AnInterruptedRunLetsEndWhatIsUnderWayAndIsResumedWithTh
                                                            {"home-06", "not-sent: the run was interrupted"}}));
     for (const auto& home : homes_)
         home->milliseconds = 0;
-    const Ended resumed = run(words);
+    const FleetRun resumed = run(words);
     EXPECT_EQ(resumed.exit, 0) << resumed.err;
     EXPECT_EQ(documentsIn(resumed.out).back()["earlier"], 2);
     for (const auto& home : homes_)
@@ -321,13 +300,13 @@ TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAga
     std::ofstream(path("names")) << "home-01\nhome-02\n";
     const std::vector<std::string> words{"call",    "@" + path("names"), "TarnSetLogLevel",
                                          "level=4", "--resume",          path("journal")};
-    tarn::test::Process process = begin(words);
+    FleetProcess process = begin(words);
     EXPECT_TRUE(await([&] { return contents(path("journal")).find("result done home-01") != std::string::npos; }));
     process.signal(SIGKILL);
-    end(std::move(process));
+    process.finish();
     homes_.push_back(std::make_unique<Home>(broker_.port(), 2));
     homes_[1]->awaitConnection();
-    const Ended resumed = run(words);
+    const FleetRun resumed = run(words);
     EXPECT_EQ(resumed.exit, 0) << resumed.out;
     EXPECT_THAT(resumed.err, HasSubstr("2 gateways: 1 done, 1 in earlier runs"));
     EXPECT_EQ(homes_[0]->calls, 1u);
@@ -337,7 +316,7 @@ TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAga
 TEST_F(FleetProgramTest, ADryRunShowsTheMessageAndTheGatewaysAndSendsNothing)
 {
     start(2);
-    const Ended ended = run({"call", "home-*", "TarnSetLogLevel", "level=4", "--dry-run"});
+    const FleetRun ended = run({"call", "home-*", "TarnSetLogLevel", "level=4", "--dry-run"});
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr("command 1"));
     EXPECT_THAT(ended.out, HasSubstr("to 2 gateways: home-01 home-02"));
@@ -353,7 +332,7 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
 {
     start(1);
     EXPECT_EQ(run({"call", "home-*", "TarnGetRadio", "radioId=1", "data=null"}).exit, 3);
-    const Ended unknown = run({"call", "home-*", "TarnGetLogLevl"});
+    const FleetRun unknown = run({"call", "home-*", "TarnGetLogLevl"});
     EXPECT_EQ(unknown.exit, 2);
     EXPECT_THAT(unknown.err, HasSubstr("Did you mean TarnGetLogLevel"));
     EXPECT_EQ(run({"call", "home/1", "TarnGetLogLevel"}).exit, 2);
@@ -366,16 +345,16 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
 TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 {
     start(3);
-    tarn::test::Process process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
-    EXPECT_TRUE(awaitText("err", "watching the events of home-02"));
+    FleetProcess process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
+    EXPECT_TRUE(awaitErr(process, "watching the events of home-02"));
     const auto isShown = [&]
     {
         homes_[0]->publish(1); // not asked for
         homes_[1]->publish(2); // again, as the broker may not have taken the subscription yet
-        return contents(path("out")).find("home-02") != std::string::npos;
+        return process.out().find("home-02") != std::string::npos;
     };
     EXPECT_TRUE(await(isShown));
-    const Ended ended = end(std::move(process));
+    const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr(" home-02 TARN 2 EVT_RADIO_OPR_CHANNEL_CHANGED"));
     EXPECT_THAT(ended.out, Not(HasSubstr("home-01")));
@@ -384,17 +363,17 @@ TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
 {
     start(1);
-    tarn::test::Process process = begin({"events", "--count", "2", "--json"});
-    EXPECT_TRUE(awaitText("err", "watching the events of *\n"));
+    FleetProcess process = begin({"events", "--count", "2", "--json"});
+    EXPECT_TRUE(awaitErr(process, "watching the events of *\n"));
     homes_[0]->publish(1);
-    EXPECT_TRUE(awaitText("out", "home-01"));
+    EXPECT_TRUE(awaitOut(process, "home-01"));
     broker_.kill();
-    EXPECT_TRUE(awaitText("err", "events are missed until there is one"));
+    EXPECT_TRUE(awaitErr(process, "events are missed until there is one"));
     broker_.start();
-    EXPECT_TRUE(awaitText("err", "until there is one\ntarn-fleet: watching the events of *\n"));
+    EXPECT_TRUE(awaitErr(process, "until there is one\ntarn-fleet: watching the events of *\n"));
     EXPECT_TRUE(await([&] { return homes_[0]->counters().births == 2; }));
     homes_[0]->publish(2);
-    const Ended ended = end(std::move(process));
+    const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 0) << ended.err;
     const std::vector<nlohmann::json> documents = documentsIn(ended.out);
     ASSERT_EQ(documents.size(), 2u);
@@ -408,7 +387,7 @@ TEST_F(FleetProgramTest, OffersWhatCanCompleteItsCommandLineWithoutABroker)
     const auto offered = [this](std::vector<std::string> words)
     {
         words.insert(words.begin(), {"complete", "--"});
-        const Ended ended = run(words);
+        const FleetRun ended = run(words);
         EXPECT_EQ(ended.exit, 0);
         EXPECT_EQ(ended.err, "");
         std::set<std::string> offers;
@@ -438,18 +417,18 @@ TEST_F(FleetProgramTest, TarnctlReachesOneGatewayForOneCommand)
         "PATH",
         (std::string(TARN_FLEET_PROGRAM).substr(0, std::string(TARN_FLEET_PROGRAM).rfind('/')) + ":" + getenv("PATH")).c_str(),
         1);
-    const Ended ended = end(begin({"--gateway", "home-02", "call", "TarnGetLogLevel"}, TARNCTL_PROGRAM));
+    const FleetRun ended = run({"--gateway", "home-02", "call", "TarnGetLogLevel"}, TARNCTL_PROGRAM);
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_EQ(ended.out, "level: 2 (0x00000002)\nreply status: 0\n");
     const std::string line = R"('{"function": "TarnGetLogLevel"}' )";
     const std::string manyCalls = "printf '%s\\n' " + line + line + "| " TARNCTL_PROGRAM " --gateway home-02 call --stdin";
-    const Ended many = end(begin({"-c", manyCalls}, "/bin/sh"));
+    const FleetRun many = run({"-c", manyCalls}, "/bin/sh");
     EXPECT_EQ(many.exit, 0) << many.err;
     EXPECT_EQ(documentsIn(many.out).size(), 2u);
     for (const nlohmann::json& document : documentsIn(many.out))
         EXPECT_EQ(document["outputs"]["level"]["value"], 2);
     homes_[1]->stop();
-    const Ended gone = end(begin({"--gateway", "home-02", "call", "TarnGetLogLevel"}, TARNCTL_PROGRAM));
+    const FleetRun gone = run({"--gateway", "home-02", "call", "TarnGetLogLevel"}, TARNCTL_PROGRAM);
     EXPECT_EQ(gone.exit, kNoService);
     EXPECT_THAT(gone.err, HasSubstr("home-02 does not answer: it is not connected to the broker"));
 }
