@@ -105,19 +105,14 @@ void RabbitCluster::kill(std::size_t node)
     nodes_[node].server.kill();
 }
 
-std::string RabbitCluster::ask(std::size_t node, const std::string& words) const
-{
-    std::string command = "env";
-    for (const auto& [name, value] : environment(nodes_[node]))
-        command.append(" '").append(name).append("=").append(value).append("'");
-    command.append(" ").append(kPrograms).append("rabbitmqctl --quiet ").append(words);
-    const std::string answer = directory_.path("answer");
-    return std::system(command.append(" > ").append(answer).c_str()) == 0 ? contents(answer) : "";
-}
-
 std::size_t RabbitCluster::running(std::size_t node) const
 {
-    return std::strtoul(ask(node, "eval 'length(rabbit_nodes:all_running()).'").c_str(), nullptr, 10);
+    tarn::test::Pipe answer;
+    tarn::test::Process process(
+        {std::string(kPrograms) + "rabbitmqctl", "--quiet", "eval", "length(rabbit_nodes:all_running())."},
+        {STDIN_FILENO, answer.writing(), STDERR_FILENO}, environment(nodes_[node]));
+    answer.closeWriting();
+    return std::strtoul(answer.rest().c_str(), nullptr, 10);
 }
 
 } // namespace fleet_test

@@ -23,10 +23,6 @@ public:
     RabbitCluster(std::size_t size, const std::string& certificates, const std::string& operators,
                   const std::vector<std::string>& gateways);
 
-    std::size_t size() const
-    {
-        return nodes_.size();
-    }
     std::uint16_t port(std::size_t node) const
     {
         return nodes_[node].port;
@@ -34,9 +30,7 @@ public:
     void kill(std::size_t node);
     // Again on the same port.
     void start(std::size_t node);
-    // What rabbitmqctl answers for a node; nothing if it fails. `words` as a shell takes them.
-    std::string ask(std::size_t node, const std::string& words) const;
-    // How many nodes of the cluster are running, as one of them sees it.
+    // How many nodes of the cluster are running, as one of them sees it; 0 if it does not say.
     std::size_t running(std::size_t node) const;
 
 private:
