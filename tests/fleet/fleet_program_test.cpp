@@ -342,6 +342,8 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
     EXPECT_EQ(calls(), 0u);
 }
 
+// In these two events are published again and again: a broker may not have taken the subscription yet when tarn-fleet, which has
+// asked for it, says that it watches.
 TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 {
     start(3);
@@ -350,7 +352,7 @@ TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
     const auto isShown = [&]
     {
         homes_[0]->publish(1); // not asked for
-        homes_[1]->publish(2); // again, as the broker may not have taken the subscription yet
+        homes_[1]->publish(2);
         return process.out().find("home-02") != std::string::npos;
     };
     EXPECT_TRUE(await(isShown));
@@ -363,22 +365,26 @@ TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
 {
     start(1);
-    FleetProcess process = begin({"events", "--count", "2", "--json"});
+    FleetProcess process = begin({"events", "--json"});
+    const auto isShown = [&](std::uint32_t event)
+    {
+        homes_[0]->publish(event);
+        return process.out().find("\"event\":" + std::to_string(event)) != std::string::npos;
+    };
     EXPECT_TRUE(awaitErr(process, "watching the events of *\n"));
-    homes_[0]->publish(1);
-    EXPECT_TRUE(awaitOut(process, "home-01"));
+    EXPECT_TRUE(await([&] { return isShown(1); }));
     broker_.kill();
     EXPECT_TRUE(awaitErr(process, "events are missed until there is one"));
     broker_.start();
     EXPECT_TRUE(awaitErr(process, "until there is one\ntarn-fleet: watching the events of *\n"));
     EXPECT_TRUE(await([&] { return homes_[0]->counters().births == 2; }));
-    homes_[0]->publish(2);
+    EXPECT_TRUE(await([&] { return isShown(2); }));
+    process.signal(SIGINT);
     const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 0) << ended.err;
     const std::vector<nlohmann::json> documents = documentsIn(ended.out);
-    ASSERT_EQ(documents.size(), 2u);
-    EXPECT_EQ(documents[0]["event"], 1);
-    EXPECT_EQ(documents[1]["event"], 2);
+    EXPECT_EQ(documents.front()["event"], 1);
+    EXPECT_EQ(documents.back()["event"], 2);
 }
 
 TEST_F(FleetProgramTest, OffersWhatCanCompleteItsCommandLineWithoutABroker)
