@@ -102,10 +102,9 @@ void Exchange::giveUp()
     {
         const std::lock_guard guard(mutex_);
         isStopping_ = true;
-        lastLoss_ = "this program is about to end";
+        breakAll("this program is about to end");
     }
     wake();
-    breakCalls(nullptr, "this program is about to end");
 }
 
 void Exchange::wake() const
@@ -267,9 +266,9 @@ void Exchange::receiveAnswer(const std::string& gateway, const Envelope& envelop
 
 void Exchange::receiveState(const std::string& gateway, const Envelope& envelope)
 {
-    bool isGone = false;
     {
         const std::lock_guard guard(mutex_);
+        bool isGone = false;
         const auto known = known_.find(gateway);
         if (known != known_.end() && known->second.presence.run == envelope.run)
         {
@@ -280,49 +279,50 @@ void Exchange::receiveState(const std::string& gateway, const Envelope& envelope
             if (isGone)
                 known_.erase(known);
         }
-        if (envelope.kind == Kind::kBirth)
-            for (const auto& [sequence, waiting] : waiting_)
-                if (*waiting->gateway == gateway && waiting->asked.kind == Kind::kPing && waiting->stage == Stage::kSent)
-                {
-                    // It may have been sent before the gateway was there to hear it.
-                    waiting->stage = Stage::kQueued;
-                    queue_.push_back(sequence);
-                }
+        for (const auto& [sequence, waiting] : waiting_)
+        {
+            if (*waiting->gateway != gateway || waiting->stage != Stage::kSent)
+                continue;
+            if (isGone)
+                breakOff(*waiting, "the gateway has lost its connection");
+            else if (envelope.kind == Kind::kBirth && waiting->asked.kind == Kind::kPing)
+            {
+                // It may have been sent before the gateway was there to hear it.
+                waiting->stage = Stage::kQueued;
+                queue_.push_back(sequence);
+            }
+        }
     }
-    if (isGone)
-        breakCalls(&gateway, "the gateway has lost its connection");
     if (watcher_.state)
         watcher_.state(gateway, envelope);
 }
 
 void Exchange::lose(const std::string& reason)
 {
-    {
-        const std::lock_guard guard(mutex_);
-        lastLoss_ = reason;
-        ++failures_;
-    }
-    breakCalls(nullptr, reason);
+    const std::lock_guard guard(mutex_);
+    ++failures_;
+    breakAll(reason);
 }
 
-// Of one gateway, or of all if it is null: then the connection is gone.
-void Exchange::breakCalls(const std::string* gateway, const std::string& reason)
+// The connection is gone. With the mutex locked.
+void Exchange::breakAll(const std::string& reason)
 {
-    const std::lock_guard guard(mutex_);
-    if (gateway == nullptr)
-    {
-        isUp_ = false;
-        queue_.clear();
-        upChanged_.notify_all();
-    }
+    isUp_ = false;
+    lastLoss_ = reason;
+    queue_.clear();
+    upChanged_.notify_all();
     for (const auto& [sequence, waiting] : waiting_)
-        if (waiting->stage < Stage::kAnswered &&
-            (gateway == nullptr || (*waiting->gateway == *gateway && waiting->stage == Stage::kSent)))
-        {
-            waiting->loss = reason;
-            waiting->stage = waiting->stage == Stage::kSent ? Stage::kBroken : Stage::kQueued;
-            waiting->changed.notify_all();
-        }
+        if (waiting->stage < Stage::kAnswered)
+            breakOff(*waiting, reason);
+}
+
+// What has not been sent stays so.
+void Exchange::breakOff(Waiting& waiting, const std::string& reason)
+{
+    waiting.loss = reason;
+    if (waiting.stage == Stage::kSent)
+        waiting.stage = Stage::kBroken;
+    waiting.changed.notify_all();
 }
 
 // --- One question -----------------------------------------------------------------------------------------------------------

@@ -162,7 +162,8 @@ private:
     void receiveAnswer(const std::string& gateway, const Envelope& envelope);
     void receiveState(const std::string& gateway, const Envelope& envelope);
     void lose(const std::string& reason);
-    void breakCalls(const std::string* gateway, const std::string& reason);
+    void breakAll(const std::string& reason);
+    static void breakOff(Waiting& waiting, const std::string& reason);
     void wake() const;
 
     Stage exchange(Waiting& waiting, Clock::time_point end);
