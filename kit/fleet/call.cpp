@@ -32,6 +32,7 @@ constexpr std::uint32_t kUsualWindow = 64;
 constexpr std::uint32_t kLargestWindow = 1000;
 // For the way there and back, beside the wait of the gateway's IPC.
 constexpr std::chrono::seconds kWay{2};
+constexpr char kInterrupted[] = "the run was interrupted";
 
 constexpr char kCallHelp[] = R"(The call is made on each gateway that FILTER means, never as one broadcast, and
 the arguments are written as for tarnctl call. Each gateway has a result:
@@ -170,9 +171,9 @@ public:
                 [&](std::size_t index)
                 {
                     if (signals.haveCome())
-                        return stop("the run was interrupted");
+                        return stop(kInterrupted);
                     if (!isEarlier_[index])
-                        finish(index, ask(exchange, journal, gateways_[index]), journal);
+                        finish(index, ask(exchange, journal, signals, gateways_[index]), journal);
                     return !isStopped_;
                 });
         for (std::size_t index = 0; index < results_.size(); ++index)
@@ -231,10 +232,10 @@ private:
         }
     }
 
-    Result ask(Exchange& exchange, Journal* journal, const std::string& gateway)
+    Result ask(Exchange& exchange, Journal* journal, const ctl::StopSignals& signals, const std::string& gateway)
     {
-        if (!exchange.awaitAnyBroker())
-            return {What::kNotSent, exchange.lastLoss(), std::nullopt};
+        if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
+            return {What::kNotSent, signals.haveCome() ? kInterrupted : exchange.lastLoss(), std::nullopt};
         const auto writeDown = [&]
         {
             if (journal != nullptr)
@@ -466,7 +467,7 @@ ctl::ExitCode call(const ctl::Console& plain, const CallOptions& options, const 
     ExchangeWatcher watcher;
     watcher.state = [&roll](const std::string& gateway, const Envelope& envelope) { roll.hear(gateway, envelope); };
     Exchange exchange(link, {kAllStates}, watcher, layoutOrNull());
-    if (!exchange.awaitAnyBroker())
+    if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
         return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
     const std::vector<std::string> gateways = gatewaysOf(filter, roll);
     if (gateways.empty())

@@ -148,8 +148,8 @@ ctl::ExitCode events(const ctl::Console& plain, const EventsOptions& options, co
     watcher.lost = [&console](const std::string& broker, const std::string& reason)
     { console.remark("no connection to the broker " + broker + ": " + reason + "; events are missed until there is one"); };
     Exchange exchange(link, {kAllEvents}, watcher, nullptr);
-    if (!exchange.awaitAnyBroker())
-        return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
+    if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
+        return signals.haveCome() ? ctl::ExitCode::kSuccess : console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
 
     ctl::Deadline end;
     if (options.seconds)

@@ -31,6 +31,8 @@ constexpr milliseconds kLongestPing{2000};
 constexpr milliseconds kFreshFor{60000};
 // How long a connection may take, though every broker has been tried and is not there: one may be about to restart.
 constexpr milliseconds kShortestSearch{10000};
+// How often a search asks whether it is interrupted: a signal handler cannot notify who waits on a condition.
+constexpr milliseconds kSearchTurn{50};
 constexpr int kExchangeTurn = 1000;
 constexpr int kMostRuns = 2; // that one call is meant for, one after the other
 
@@ -119,12 +121,13 @@ bool Exchange::awaitUp(Milliseconds limit)
     return upChanged_.wait_for(guard, limit, [this] { return isUp_; });
 }
 
-bool Exchange::awaitAnyBroker()
+bool Exchange::awaitAnyBroker(const std::function<bool()>& isInterrupted)
 {
+    const Clock::time_point enough = Clock::now() + kShortestSearch;
     std::unique_lock guard(mutex_);
-    const auto isOver = [this] { return isUp_ || isStopping_; };
-    if (!upChanged_.wait_for(guard, kShortestSearch, isOver))
-        upChanged_.wait(guard, [&] { return isOver() || failures_ >= settings_.brokerCount; });
+    const auto hasFailed = [&] { return failures_ >= settings_.brokerCount && Clock::now() >= enough; };
+    while (!isUp_ && !isStopping_ && !hasFailed() && !isInterrupted())
+        upChanged_.wait_for(guard, kSearchTurn);
     return isUp_;
 }
 

@@ -2,7 +2,7 @@
 // number of gateways. docs/fleet-envelope.md has what travels.
 //
 //     Exchange exchange(settings, {kAllStates}, watcher, nullptr);
-//     if (exchange.awaitAnyBroker())
+//     if (exchange.awaitUp(seconds(10)))
 //         const Outcome outcome = exchange.call("home-1", {"TARN", 7, 3, sizeof message}, &message, seconds(3));
 //
 // An answer belongs to a call by session and sequence. One that nobody waits for, because it is late, comes twice or was never
@@ -104,8 +104,8 @@ public:
 
     bool awaitUp(Milliseconds limit);
     // Waits until there is a connection, at least 10 s, and until each broker has been tried: one that does not answer takes 10
-    // s.
-    bool awaitAnyBroker();
+    // s. Ends soon after it is interrupted, as by a signal; it asks for that again and again.
+    bool awaitAnyBroker(const std::function<bool()>& isInterrupted);
     bool isUp() const;
     // Why there is no connection: a sentence.
     std::string lastLoss() const;

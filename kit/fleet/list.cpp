@@ -141,7 +141,7 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
             news.add(gateway);
     };
     Exchange exchange(link, {kAllStates}, watcher, nullptr);
-    if (!exchange.awaitAnyBroker())
+    if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
         return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
 
     const std::vector<std::string> names = gatewaysOf(filter, roll);

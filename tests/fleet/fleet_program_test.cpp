@@ -294,6 +294,31 @@ TEST_F(FleetProgramTest, AnInterruptedRunLetsEndWhatIsUnderWayAndIsResumedWithTh
         EXPECT_EQ(home->calls, 1u);
 }
 
+TEST_F(FleetProgramTest, ARunWithoutABrokerIsInterruptedAtOnce)
+{
+    start(3);
+    homes_[1]->milliseconds = 1500;
+    FleetProcess process = begin({"call", "home-*", "TarnGetLogLevel", "--window", "1", "--json"});
+    EXPECT_TRUE(await([&] { return calls() == 2; }));
+    broker_.kill();
+    EXPECT_TRUE(awaitOut(process, "home-02"));
+    process.signal(SIGINT);
+    const std::vector<nlohmann::json> documents = documentsIn(process.finish().out);
+    ASSERT_EQ(documents.size(), 4u);
+    EXPECT_EQ(documents[2]["gateway"], "home-03");
+    EXPECT_EQ(documents[2]["result"], "not-sent");
+    EXPECT_EQ(documents[2]["why"], "the run was interrupted");
+}
+
+TEST_F(FleetProgramTest, EventsNeedNoBrokerToBeInterrupted)
+{
+    broker_.kill();
+    FleetProcess process = begin({"events"});
+    EXPECT_TRUE(awaitErr(process, "no connection to the broker")); // and goes on to look for it
+    process.signal(SIGINT);
+    EXPECT_EQ(process.finish().exit, 0);
+}
+
 TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAgain)
 {
     start(1);
