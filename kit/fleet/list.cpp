@@ -8,8 +8,8 @@
 #include "tarnctl/wakeup.h"
 
 #include <algorithm>
-#include <atomic>
 #include <deque>
+#include <map>
 #include <mutex>
 
 #include <nlohmann/json.hpp>
@@ -22,6 +22,7 @@ namespace
 
 constexpr std::chrono::milliseconds kPingTime{2000};
 constexpr std::size_t kPingWindow = 64;
+constexpr char kThere[] = "there";
 
 struct ListOptions
 {
@@ -61,7 +62,7 @@ ctl::Fields fieldsOf(const std::string& name, const std::optional<Presence>& pre
     ctl::Fields fields;
     fields.set("gateway", ctl::textCell(name));
     const char* const absence = state.isConnected ? "no answer" : "gone";
-    fields.set("state", ctl::textCell(presence ? "there" : absence));
+    fields.set("state", ctl::textCell(presence ? kThere : absence));
     if (!presence)
         return fields;
     const std::uint64_t second = 1000;
@@ -107,6 +108,43 @@ struct News
     }
 };
 
+// Asks gateways, and knows which births and wills were heard when it did.
+class RollCall
+{
+public:
+    RollCall(Exchange& exchange, const Roll& roll) : exchange_(exchange), roll_(roll)
+    {
+    }
+
+    // From any thread.
+    ctl::Fields ask(const std::string& gateway)
+    {
+        const std::optional<Presence> presence = exchange_.ping(gateway, kPingTime);
+        // At once: its clock is as it was when it answered. What is retained of it came before its answer.
+        State state = roll_.state(gateway);
+        ctl::Fields fields = fieldsOf(gateway, presence, state);
+        state.isConnected = state.isConnected || presence; // a will that came behind its answer is not shown yet
+        const std::lock_guard guard(mutex_);
+        shown_[gateway] = state;
+        return fields;
+    }
+    // Whether there was a birth or a will since it was asked.
+    bool hasChanged(const std::string& gateway) const
+    {
+        const State state = roll_.state(gateway);
+        const std::lock_guard guard(mutex_);
+        const auto shown = shown_.find(gateway);
+        return shown == shown_.end() || shown->second.run != state.run || shown->second.connection != state.connection ||
+               shown->second.isConnected != state.isConnected;
+    }
+
+private:
+    Exchange& exchange_;
+    const Roll& roll_;
+    mutable std::mutex mutex_;
+    std::map<std::string, State> shown_;
+};
+
 void showChange(const ctl::Console& console, const ctl::Fields& fields)
 {
     const std::string time = base::Timestamp().text;
@@ -124,6 +162,27 @@ void showChange(const ctl::Console& console, const ctl::Fields& fields)
     for (const char* key : {"gateway", "state", "version"})
         document[key] = fields[key].isKnown() ? ctl::Json(fields[key].text()) : ctl::Json(nullptr);
     console.write(document);
+}
+
+// A row each. Returns whether one is there.
+bool showAll(const ctl::Console& console, const std::vector<std::string>& names, RollCall& rollCall,
+             const ctl::StopSignals& signals)
+{
+    std::vector<ctl::Fields> rows(names.size());
+    forEach(names, kPingWindow,
+            [&](std::size_t index)
+            {
+                rows[index] = rollCall.ask(names[index]);
+                return !signals.haveCome();
+            });
+    const auto wasNotAsked = [](const ctl::Fields& row) { return !row["gateway"].isKnown(); }; // a signal came before
+    rows.erase(std::remove_if(rows.begin(), rows.end(), wasNotAsked), rows.end());
+    const bool isAnyThere =
+        std::any_of(rows.begin(), rows.end(), [](const ctl::Fields& row) { return row["state"].text() == kThere; });
+    ctl::Page page("gateways");
+    page.list("gateways", columns()).rows = std::move(rows);
+    page.writeUndecoded(console);
+    return isAnyThere;
 }
 
 ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const LinkSettings& link)
@@ -145,30 +204,15 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
         return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
 
     const std::vector<std::string> names = gatewaysOf(filter, roll);
-    while (news.take())
-        ; // they are in the list
-    ctl::Page page("gateways");
-    ctl::Listing& listing = page.list("gateways", columns());
-    listing.rows.resize(names.size());
-    std::atomic<bool> isAnyThere{false};
-    forEach(names, kPingWindow,
-            [&](std::size_t index)
-            {
-                const std::optional<Presence> presence = exchange.ping(names[index], kPingTime);
-                // At once: its clock is as it was when it answered. What is retained of it came before its answer.
-                listing.rows[index] = fieldsOf(names[index], presence, roll.state(names[index]));
-                if (presence)
-                    isAnyThere = true;
-                return !signals.haveCome();
-            });
-    const auto wasNotAsked = [](const ctl::Fields& row) { return !row["gateway"].isKnown(); }; // a signal came before
-    listing.rows.erase(std::remove_if(listing.rows.begin(), listing.rows.end(), wasNotAsked), listing.rows.end());
-    page.writeUndecoded(console);
+    RollCall rollCall(exchange, roll);
+    const bool isAnyThere = showAll(console, names, rollCall, signals);
     while (options.isWatching && !signals.haveCome())
     {
-        while (const std::optional<std::string> gateway = news.take())
-            showChange(console, fieldsOf(*gateway, exchange.ping(*gateway, kPingTime), roll.state(*gateway)));
-        news.wakeup.wait(std::nullopt);
+        const std::optional<std::string> gateway = news.take();
+        if (!gateway)
+            news.wakeup.wait(std::nullopt);
+        else if (rollCall.hasChanged(*gateway))
+            showChange(console, rollCall.ask(*gateway));
     }
     return isAnyThere || options.isWatching ? ctl::ExitCode::kSuccess : ctl::ExitCode::kNoService;
 }

@@ -161,6 +161,21 @@ TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
     EXPECT_EQ(process.finish().exit, 0);
 }
 
+TEST_F(FleetProgramTest, ListShowsNoNamedGatewayAgainBeforeItChanges)
+{
+    start(2);
+    std::ofstream(path("names")) << "home-01\nhome-02\nhome-03\n";
+    FleetProcess process = begin({"list", "@" + path("names"), "--watch", "--json"});
+    EXPECT_TRUE(awaitOut(process, "home-03"));
+    homes_[0]->stop();
+    EXPECT_TRUE(awaitOut(process, "presence"));
+    process.signal(SIGINT);
+    const std::vector<nlohmann::json> documents = documentsIn(process.finish().out);
+    ASSERT_EQ(documents.size(), 2u);
+    EXPECT_EQ(documents[1]["gateway"], "home-01");
+    EXPECT_EQ(documents[1]["state"], "gone");
+}
+
 TEST_F(FleetProgramTest, ListWatchesForScriptsToo)
 {
     start(2);
