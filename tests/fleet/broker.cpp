@@ -49,6 +49,11 @@ void MosquittoBroker::kill()
     server_.kill();
 }
 
+void MosquittoBroker::readAgain() const
+{
+    server_.signal(SIGHUP);
+}
+
 void MosquittoBroker::pause() const
 {
     server_.signal(SIGSTOP);

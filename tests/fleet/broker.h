@@ -32,6 +32,8 @@ public:
     void kill();
     // Again on the same port.
     void start();
+    // Has it read again the files that it can while it runs.
+    void readAgain() const;
     // Holds all connections without delivering anything.
     void pause() const;
     void resume() const;

@@ -4,8 +4,8 @@
 #include "disturbed_run.h"
 #include "home.h"
 #include "link.h"
+#include "shipped_mosquitto.h"
 #include "test_authority.h"
-#include "text_files.h"
 
 #include "support/temporary_directory.h"
 
@@ -47,15 +47,6 @@ protected:
         authority_.reset();
     }
 
-    // Of a broker with a certificate of that authority.
-    static std::string configuration(const TestAuthority& authority)
-    {
-        const std::string shipped = contents(std::string(PACKAGING) + "/mosquitto/tarn.conf");
-        const std::string list = std::string(PACKAGING) + "/mosquitto/access-list";
-        return replaced(
-            replaced(replaced(shipped, "/etc/mosquitto/tarn/access-list", list), "/etc/mosquitto/tarn", authority.directory()),
-            "listener 8883", "listener @PORT@ 127.0.0.1");
-    }
     // Of an operator or gateway with the certificate of that name.
     static tarn::fleet::LinkSettings settings(const std::string& name, const std::vector<std::uint16_t>& ports)
     {
@@ -88,7 +79,8 @@ protected:
     static inline std::unique_ptr<TestAuthority> authority_;
     const tarn::test::TemporaryDirectory directory_;
     const Ledger ledger_{directory_.path("ledger")};
-    MosquittoBroker first_{configuration(*authority_)}, second_{configuration(*authority_)};
+    MosquittoBroker first_{shippedConfiguration(authority_->directory())},
+        second_{shippedConfiguration(authority_->directory())};
     std::vector<std::unique_ptr<Home>> homes_;
 };
 
@@ -148,7 +140,7 @@ TEST_F(FailoverTest, WhyThereIsNoConnectionIsSaidInASentence)
     const auto orClosed = [](const char* text) -> std::string
     { return std::string("(") + text + "|the broker ended the connection, as it does if it does not take the certificate)"; };
     const TestAuthority foreign({"noc-1"}), late({}, TestAuthority::Validity::kExpired);
-    const MosquittoBroker ofForeign(configuration(foreign)), ofLate(configuration(late));
+    const MosquittoBroker ofForeign(shippedConfiguration(foreign.directory())), ofLate(shippedConfiguration(late.directory()));
     first_.kill();
     const std::string untrusted = "TLS with the broker failed: certificate verify failed";
     const struct

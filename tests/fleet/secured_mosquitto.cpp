@@ -1,6 +1,8 @@
 #include "broker.h"
 #include "secured_broker.h"
-#include "text_files.h"
+#include "shipped_mosquitto.h"
+
+#include <fstream>
 
 namespace fleet_test
 {
@@ -10,11 +12,11 @@ namespace
 
 std::string configuration(const std::string& certificates)
 {
-    const std::string list = contents(std::string(PACKAGING) + "/mosquitto/access-list");
+    const std::string list = contents(PACKAGING "/mosquitto/access-list");
     const std::string second = replaced(list.substr(list.find("user noc-1")), "noc-1", "noc-2");
-    std::ofstream(certificates + "/access-list") << list << second;
-    const std::string shipped = contents(std::string(PACKAGING) + "/mosquitto/tarn.conf");
-    return replaced(replaced(shipped, "/etc/mosquitto/tarn", certificates), "listener 8883", "listener @PORT@ 127.0.0.1");
+    const std::string path = certificates + "/access-list";
+    std::ofstream(path) << list << second;
+    return shippedConfiguration(certificates, path);
 }
 
 class SecuredMosquitto : public SecuredBroker

@@ -253,6 +253,13 @@ TEST_F(SecurityTest, ABrokerOfAnotherAuthorityIsNotTrusted)
     EXPECT_NE(refusalOf(client), "");
 }
 
+TEST_F(SecurityTest, ABrokerIsNotTrustedByANameThatItsCertificateDoesNotHave)
+{
+    LinkSettings client = settings("home-1");
+    std::snprintf(client.brokers[0].host, sizeof client.brokers[0].host, "127.1"); // is resolved as 127.0.0.1
+    EXPECT_EQ(refusalOf(client), "TLS with the broker failed: certificate verify failed");
+}
+
 TEST_F(SecurityTest, AReplyThatNobodyAskedForDoesAGatewayNoHarm)
 {
     startBridge();

@@ -15,9 +15,19 @@ TestAuthority::TestAuthority(const std::vector<std::string>& names, Validity val
 
 void TestAuthority::certify(const std::vector<std::string>& names, Validity validity) const
 {
-    std::vector<std::string> words{std::string(PACKAGING) + "/make-test-authority"};
-    if (validity == Validity::kExpired)
-        words.emplace_back("--expired");
+    run(validity == Validity::kExpired ? "--expired" : "", names);
+}
+
+void TestAuthority::revoke(const std::vector<std::string>& names) const
+{
+    run("--revoke", names);
+}
+
+void TestAuthority::run(const std::string& option, const std::vector<std::string>& names) const
+{
+    std::vector<std::string> words{PACKAGING "/make-test-authority"};
+    if (!option.empty())
+        words.push_back(option);
     words.push_back(directory());
     words.insert(words.end(), names.begin(), names.end());
     if (tarn::test::Process(words).finish() != 0)

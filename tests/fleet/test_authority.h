@@ -24,6 +24,8 @@ public:
 
     // Certificates for more names.
     void certify(const std::vector<std::string>& names, Validity validity = Validity::kHolds) const;
+    // Then revoked.pem, the list for mosquitto's `crlfile`, has these too.
+    void revoke(const std::vector<std::string>& names) const;
 
     // Has ca.pem, broker.pem and broker.key, and of each name NAME.pem and NAME.key.
     const std::string& directory() const
@@ -38,6 +40,8 @@ public:
     void setCertificate(tarn::fleet::LinkSettings& client, const std::string& name) const;
 
 private:
+    void run(const std::string& option, const std::vector<std::string>& names) const;
+
     tarn::test::TemporaryDirectory directory_;
 };
 
