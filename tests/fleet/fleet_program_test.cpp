@@ -155,7 +155,7 @@ TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
     EXPECT_TRUE(awaitOut(process, " home-01 gone\n"));
     Home(broker_.port(), 3).awaitConnection(); // and goes again
     EXPECT_TRUE(awaitOut(process, " home-03 gone\n"));
-    Home back(broker_.port(), 1);
+    const Home back(broker_.port(), 1);
     EXPECT_TRUE(awaitOut(process, " home-01 there 1.2.3\n"));
     process.signal(SIGINT);
     EXPECT_EQ(process.finish().exit, 0);

@@ -6,7 +6,6 @@
 #include "test_authority.h"
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -20,16 +19,16 @@ namespace
 class RevocationTest : public ::testing::Test
 {
 protected:
-    RevocationTest()
+    // With a list that is empty yet.
+    static std::string configuration(const TestAuthority& authority)
     {
-        authority_.revoke({});
-        broker_.emplace(replaced(shippedConfiguration(authority_.directory()), "\ncafile",
-                                 "\ncrlfile " + authority_.directory() + "/revoked.pem\ncafile"));
+        authority.revoke({});
+        return replaced(shippedConfiguration(authority.directory()), "\ncafile",
+                        "\ncrlfile " + authority.directory() + "/revoked.pem\ncafile");
     }
-
     tarn::fleet::LinkSettings settings(const std::string& name) const
     {
-        tarn::fleet::LinkSettings link = linkOf(name, {broker_->port()});
+        tarn::fleet::LinkSettings link = linkOf(name, {broker_.port()});
         authority_.secure(link, name);
         return link;
     }
@@ -41,7 +40,7 @@ protected:
     }
 
     const TestAuthority authority_{{"home-1", "home-2", "home-3"}};
-    std::optional<MosquittoBroker> broker_;
+    const MosquittoBroker broker_{configuration(authority_)};
 };
 
 TEST_F(RevocationTest, LetsNobodyInOnceTheBrokerHasReadTheListAndEndsNoConnection)
@@ -50,7 +49,7 @@ TEST_F(RevocationTest, LetsNobodyInOnceTheBrokerHasReadTheListAndEndsNoConnectio
     ASSERT_TRUE(connected.await([&] { return connected.isConnected(); })) << connected.reason();
     authority_.revoke({"home-1", "home-2"});
     EXPECT_TRUE(getsIn("home-2")) << "the broker has not read it";
-    broker_->readAgain();
+    broker_.readAgain();
     bool isHome2In = true;
     for (int look = 0; look < 200 && isHome2In; ++look)
     {
