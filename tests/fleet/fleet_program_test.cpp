@@ -382,8 +382,8 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
     EXPECT_EQ(calls(), 0u);
 }
 
-// In these two events are published again and again: a broker may not have taken the subscription yet when tarn-fleet, which has
-// asked for it, says that it watches.
+// In these two tests events are published again and again: the broker may not have taken the subscription yet when tarn-fleet,
+// which has asked for it, says that it watches.
 TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 {
     start(3);
