@@ -305,7 +305,7 @@ void Bridge::connected(void* self)
         const Guard guard(*bridge);
         ++bridge->counters_.births;
     }
-    bridge->log(kLogNotice, "connected, the %u. time", bridge->connection_);
+    bridge->log(kLogNotice, "connected at attempt %u", bridge->connection_);
 }
 
 void Bridge::lost(void* self, const char* broker, const char* reason)

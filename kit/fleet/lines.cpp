@@ -16,27 +16,27 @@ bool Problem::say(const char* format, ...) const
     return false;
 }
 
-bool readLines(const char* fileName, std::size_t longest, bool (*take)(void* context, char* line, const Problem& problem),
-               void* context, const Problem& problem)
+bool readLines(const char* fileName, const char* expected, std::size_t longest,
+               bool (*take)(void* context, char* line, const Problem& problem), void* context, const Problem& problem)
 {
     std::FILE* file = std::fopen(fileName, "re");
     if (file == nullptr)
-        return problem.say("%s: %s", fileName, std::strerror(errno));
+        return problem.say("%s: %s; expected %s", fileName, std::strerror(errno), expected);
     bool isGood = true;
     char line[kLongestLine + 3]; // a line that is too long shows by one character more
     for (unsigned number = 1; isGood && std::fgets(line, sizeof line, file) != nullptr; ++number)
     {
-        char expected[512];
-        const Problem wrong = {expected, sizeof expected};
+        char wrongText[512];
+        const Problem wrong = {wrongText, sizeof wrongText};
         line[std::strcspn(line, "\n")] = '\0';
         isGood = std::strlen(line) <= longest
                      ? take(context, line, wrong)
                      : wrong.say("expected at most %u characters in a line", static_cast<unsigned>(longest));
         if (!isGood)
-            problem.say("%s:%u: %s", fileName, number, expected);
+            problem.say("%s:%u: %s", fileName, number, wrongText);
     }
     if (isGood && std::ferror(file) != 0)
-        isGood = problem.say("%s: %s", fileName, std::strerror(errno));
+        isGood = problem.say("%s: %s; expected %s", fileName, std::strerror(errno), expected);
     std::fclose(file);
     return isGood;
 }

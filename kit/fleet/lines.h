@@ -27,8 +27,9 @@ struct Problem
 inline constexpr std::size_t kLongestLine = 1023;
 
 // Gives each line to `take`, without its line feed and to be changed at will, up to the first that is wrong. One with more than
-// `longest` characters is. False, with file and line or with the file and the system's reason, if not all of it is good.
-bool readLines(const char* fileName, std::size_t longest, bool (*take)(void* context, char* line, const Problem& problem),
-               void* context, const Problem& problem);
+// `longest` characters is. False if not all of it is good: with file and line, or, where the file cannot be read, with the
+// system's reason and what was expected, "a file of settings".
+bool readLines(const char* fileName, const char* expected, std::size_t longest,
+               bool (*take)(void* context, char* line, const Problem& problem), void* context, const Problem& problem);
 
 } // namespace tarn::fleet

@@ -159,7 +159,7 @@ bool readSettingsFile(const char* fileName,
         split(line, name, value);
         return *name == '\0' || each.take(each.context, name, value, wrong);
     };
-    return readLines(fileName, kLongestLine, takeLine, &taker, problem);
+    return readLines(fileName, "a file of settings", kLongestLine, takeLine, &taker, problem);
 }
 
 } // namespace tarn::fleet

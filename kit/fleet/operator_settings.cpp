@@ -99,6 +99,10 @@ LinkSettings linkSettings(const OperatorOptions& options)
             require(setLink(link, other.name, other.value->c_str(), problem));
     if (link.clientId[0] == '\0' && link.certificate[0] == '\0')
         require(setLink(link, "id", ownName().c_str(), problem));
+    if (link.brokerCount == 0)
+        throw ctl::UsageError(
+            "expected --broker HOST, or a line \"broker HOST\" in the file that --config or TARN_FLEET names, in "
+            "~/.config/tarn/fleet.conf or in /etc/tarn/fleet.conf");
     require(completeLink(link, "operator", problem));
     return link;
 }

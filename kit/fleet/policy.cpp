@@ -173,7 +173,7 @@ bool Policy::read(const char* fileName, char* problem, std::size_t size)
 {
     const auto take = [](void* self, char* line, const Problem& wrong)
     { return static_cast<Policy*>(self)->add(line, wrong.text, wrong.size); };
-    return readLines(fileName, kLongestRule, take, this, Problem{problem, size});
+    return readLines(fileName, "a file of a policy", kLongestRule, take, this, Problem{problem, size});
 }
 
 } // namespace tarn::fleet

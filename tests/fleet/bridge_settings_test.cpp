@@ -128,7 +128,7 @@ TEST_F(BridgeSettingsFileTest, IsRefusedWithTheLineThatIsWrong)
     EXPECT_EQ(problemOfFile("no-events yes\n"), path_ + ":1: expected a setting of tarn-bridge --help, not no-events");
     EXPECT_THAT(problemOfFile("id " + std::string(2000, 'x') + "\n"),
                 StartsWith(path_ + ":1: expected at most 1023 characters"));
-    EXPECT_EQ(problemOf({"--config", "/nonexistent"}), "/nonexistent: No such file or directory");
+    EXPECT_EQ(problemOf({"--config", "/nonexistent"}), "/nonexistent: No such file or directory; expected a file of settings");
 }
 
 } // namespace

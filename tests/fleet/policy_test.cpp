@@ -178,7 +178,7 @@ TEST_F(PolicyFileTest, IsRefusedIfItCannotBeRead)
     Policy policy;
     char problem[512] = "";
     EXPECT_FALSE(policy.read("/nonexistent/policy", problem, sizeof problem));
-    EXPECT_STREQ(problem, "/nonexistent/policy: No such file or directory");
+    EXPECT_STREQ(problem, "/nonexistent/policy: No such file or directory; expected a file of a policy");
     EXPECT_FALSE(policy.read("/tmp", problem, sizeof problem));
     EXPECT_THAT(problem, HasSubstr("directory"));
 }
