@@ -3,6 +3,7 @@
 #include "base/timestamp.h"
 #include "tarnctl/fields.h"
 #include "tarnctl/layout_in_use.h"
+#include "tarnctl/module_sensors.h"
 #include "tarnctl/occupancy.h"
 #include "tarnctl/open_metrics.h"
 #include "tarnctl/survey.h"
@@ -64,18 +65,6 @@ constexpr std::array<FieldMetric, 1> kOfModule = {{
 
 constexpr Metric kModuleTemperature = {"wifi_module_temperature_celsius", kGauge, "celsius",
                                        "Temperature of the Wi-Fi module."};
-
-struct Sensor
-{
-    const char* name;
-    const char* output;
-};
-
-constexpr std::array<Sensor, 3> kModuleSensors = {{
-    {"outside", "tempsens_ex"},
-    {"inside", "tempsens_in"},
-    {"baseband", "temsens_bbic"},
-}};
 
 constexpr std::array<FieldMetric, 8> kOfRadios = {{
     {"ready", {"wifi_radio_ready", kGauge, "", "Whether the radio is ready: 1 or 0."}, true},
@@ -238,7 +227,7 @@ private:
         addInfo(kGatewayInfo, description);
         addFields(kOfModule, {}, survey_.ask("tarn_qcsapi_system_get_time_since_start"));
         const Fields temperatures = survey_.ask("tarn_qcsapi_get_temperature_info");
-        for (const Sensor& sensor : kModuleSensors)
+        for (const ModuleSensor& sensor : kModuleSensors)
             add(kModuleTemperature, {{"sensor", sensor.name}}, valueOf(kModuleTemperature, temperatures[sensor.output]));
     }
 

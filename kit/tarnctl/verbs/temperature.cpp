@@ -1,8 +1,9 @@
 // `tarnctl temperature`: how warm radios and module are.
 #include "tarnctl/listing.h"
+#include "tarnctl/module_sensors.h"
 #include "tarnctl/verbs/verbs.h"
 
-#include <array>
+#include <string>
 
 namespace tarn::ctl
 {
@@ -29,24 +30,14 @@ void addTemperature(Listing& list, const std::string& sensor, const Cell& temper
 
 ExitCode temperature(const Console& console)
 {
-    struct Sensor
-    {
-        const char* name;
-        const char* output;
-    };
-    constexpr std::array<Sensor, 3> kSensors = {{
-        {"module, outside", "tempsens_ex"},
-        {"module, inside", "tempsens_in"},
-        {"module, baseband", "temsens_bbic"},
-    }};
     Survey survey;
     Page page("temperature");
     Listing& list = page.list("sensors", {{"sensor", "sensor"}, {"temperature", "temperature", &temperatureTone}});
     for (const Radio& radio : survey.radios())
         addTemperature(list, radio.title(), survey.ask("TarnGetRadioChipTemperature", radio.asRadio())["temperature"]);
     const Fields module = survey.ask("tarn_qcsapi_get_temperature_info");
-    for (const Sensor& sensor : kSensors)
-        addTemperature(list, sensor.name, module[sensor.output]);
+    for (const ModuleSensor& sensor : kModuleSensors)
+        addTemperature(list, std::string("module, ") + sensor.name, module[sensor.output]);
     return page.write(console, survey);
 }
 
