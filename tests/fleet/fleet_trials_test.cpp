@@ -161,8 +161,8 @@ TEST_F(FleetTrialsTest, AnswersThatABrokerDropsForASlowOperatorAreUnknownOutcome
     const MosquittoBroker narrow(kNarrowBroker);
     Relay tool(narrow.port(), recording());
     nameGateways(5 * kGateways, false);
-    constexpr std::uint32_t kTaken = 500;
-    startHomes(narrow.port(), kTaken);
+    constexpr std::uint32_t kSlow = 500;
+    startHomes(narrow.port(), kSlow);
     repeat(
         [&]
         {
@@ -170,7 +170,7 @@ TEST_F(FleetTrialsTest, AnswersThatABrokerDropsForASlowOperatorAreUnknownOutcome
             FleetCall call = begin(tool.port(), {"--window", "200"});
             EXPECT_TRUE(eventually([&] { return ledger_.executions().size() >= before + 100 + random(100); }));
             tool.hold(); // what they answer finds nobody who reads
-            sleepMilliseconds(static_cast<int>(kTaken + random(500)));
+            sleepMilliseconds(static_cast<int>(kSlow + random(500)));
             tool.release();
             end(call);
         });
