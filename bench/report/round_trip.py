@@ -176,7 +176,7 @@ def _bars(figure, theme, figures):
             axes.annotate(text, (values[place], place), va="center", fontsize=9)
         axes.set_xlim(0, max(values) * 1.5)
         axes.set_title(f"{length} bytes", fontsize=10)
-        axes.set_xlabel("p50, µs, and how many times that of the bare packets")
+        axes.set_xlabel("p50, µs (× bare packets)")
 
 
 def _tail(figure, theme, figures):
