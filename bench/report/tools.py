@@ -98,8 +98,8 @@ def measure(programs, quick):
         os.environ.update(KORIIL_DIR=directory, KORIIL_TRACE="off")
         with kit.running([programs["tarn-gateway"]]):
             processes = _measure_processes(str(programs["tarnctl"]), directory, 5 if quick else 100)
-            with kit.on_one_processor():
-                calls = _measure_calls(programs, 3 if quick else 25)
+        with kit.on_one_processor(), kit.running([programs["tarn-gateway"]]):
+            calls = _measure_calls(programs, 3 if quick else 25)
         del os.environ["KORIIL_DIR"], os.environ["KORIIL_TRACE"]
     return {"processes": processes, "calls": calls}
 
