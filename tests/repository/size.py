@@ -90,7 +90,10 @@ class Build:
     def frames(self):
         """Bytes of stack of each function."""
         sizes = {}
+        objects = output_of(self.tools + "ar", "t", self.archive).split()
         for path in glob.glob(self.folder + "/src/**/*.su", recursive=True):
+            if os.path.basename(path).replace(".su", ".o") not in objects:
+                continue  # left by a source that is gone
             for line in open(path):
                 place, size, _ = line.split("\t")
                 name = plain_name(place.split(":", 3)[3])
