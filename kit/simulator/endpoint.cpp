@@ -1,5 +1,6 @@
 #include "endpoint.h"
 
+#include "host/runtime_path.h"
 #include "kor_iil_service.h"
 
 #include <cstdio>
@@ -11,20 +12,12 @@ namespace tarn::simulator
 namespace
 {
 
-std::string runtimeDirectory()
-{
-    std::string path(KorIilRuntimeDirectory(nullptr, 0) + 1, '\0');
-    KorIilRuntimeDirectory(path.data(), static_cast<std::uint32_t>(path.size()));
-    path.pop_back();
-    return path;
-}
-
 std::string whyNot(const std::string& serviceId, std::uint32_t status)
 {
     switch (status)
     {
     case KOR_IIL_CONFLICT_ID:
-        return "the identifier " + serviceId + " is taken: another gateway runs in " + runtimeDirectory();
+        return "the identifier " + serviceId + " is taken: another gateway runs in " + koriil::runtimePath();
     case KOR_IIL_UNKNOWN_COMM:
         return "the runtime directory cannot be used, see the trace; "
                "expected a directory of ours that others cannot write to, as an absolute path";

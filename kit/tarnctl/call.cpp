@@ -1,6 +1,7 @@
 #include "call.h"
 
 #include "fields.h"
+#include "host/runtime_path.h"
 #include "kor_iil_service.h"
 #include "tarn_frame.h"
 
@@ -200,12 +201,7 @@ const char* toString(CallOutcome outcome)
 
 std::string runtimeDirectory()
 {
-    if (KorIilRuntimeDirectory == nullptr)
-        return "";
-    std::string path(KorIilRuntimeDirectory(nullptr, 0) + 1, '\0');
-    KorIilRuntimeDirectory(path.data(), static_cast<std::uint32_t>(path.size()));
-    path.pop_back();
-    return path;
+    return KorIilRuntimeDirectory == nullptr ? "" : koriil::runtimePath();
 }
 
 std::string inRuntimeDirectory()

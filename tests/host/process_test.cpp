@@ -1,5 +1,6 @@
 // A whole process: its traces, its recording, its end.
 #include "support.h"
+#include "support/process.h"
 
 #include <filesystem>
 #include <fstream>
@@ -69,12 +70,7 @@ private:
         if (freopen(output.c_str(), "w", stdout) == nullptr || freopen(errors.c_str(), "w", stderr) == nullptr)
             return 101;
 
-        std::vector<std::string> words;
-        std::istringstream emulator(EMULATOR);
-        for (std::string word; emulator >> word;)
-            words.push_back(word);
-        words.emplace_back(HOST_PROBE_PROGRAM);
-        words.insert(words.end(), arguments.begin(), arguments.end());
+        std::vector<std::string> words = tarn::test::commandOf(EMULATOR, HOST_PROBE_PROGRAM, arguments);
         std::vector<char*> pointers;
         for (std::string& word : words)
             pointers.push_back(word.data());
