@@ -101,7 +101,7 @@ TEST_F(DiffTest, ComparesTwoRunningGateways)
 TEST_F(DiffTest, ComparesARunningGatewayWithAReportOfItFromBefore)
 {
     std::filesystem::create_directory(path("gateway"));
-    start({"--directory", path("gateway")});
+    start({"--directory", path("gateway"), "--speed", "0"}); // the station is not to come back in the meantime
     EXPECT_EQ(run({"--directory", path("gateway"), "report", "--seconds", "0", "--json", path("before")}).exit, 0);
     EXPECT_EQ(diff("before", "gateway").exit, 0);
     ASSERT_EQ(run({"--directory", path("gateway"), "kick", "02:00:00:00:01:04"}).exit, 0);
