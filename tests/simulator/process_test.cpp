@@ -72,8 +72,6 @@ protected:
     const std::string directory_ = runtimeDirectory_.path();
 };
 
-} // namespace
-
 TEST_F(ProcessTest, ServesUntilItIsTerminated)
 {
     for (const int signal : {SIGTERM, SIGINT})
@@ -214,5 +212,7 @@ TEST_F(ProcessTest, WrongUsageIsToldSo)
     EXPECT_EQ(version.line().find("tarn-gateway "), 0u);
     EXPECT_EQ(version.wait(), 0);
 }
+
+} // namespace
 
 } // namespace simulator_test
