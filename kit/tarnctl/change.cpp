@@ -39,6 +39,17 @@ std::string sentence(const Change& change)
     return text + " (the gateway answered " + answer.text() + ")";
 }
 
+void tellPossible(const Console& console, const std::string& what, const std::function<Cell()>& possible)
+try
+{
+    if (const Cell choices = possible(); choices.isKnown())
+        console.remark(what + ": " + choices.text());
+}
+catch (const CallFailure& failure) // beside the refusal, which is told in any case
+{
+    console.remark(what + ": " + failure.what());
+}
+
 } // namespace
 
 ExitCode writeChanges(const Console& console, const char* kind, const Survey& survey, const std::vector<Change>& changes)
@@ -67,6 +78,19 @@ ExitCode writeChanges(const Console& console, const char* kind, const Survey& su
         row.set("status", answerOf(change));
     }
     return page.write(console, survey);
+}
+
+Report tryToChange(const Console& console, const std::string& setting, const std::string& object,
+                   const std::function<Report()>& change, const std::function<Cell()>& possible)
+try
+{
+    return change();
+}
+catch (const CallFailure& refusal)
+{
+    if (refusal.report.outcome == CallOutcome::kServiceStatus)
+        tellPossible(console, setting + ": possible for " + object, possible);
+    throw;
 }
 
 Report setField(const std::string& function, const Assignments& object, const std::string& field, const std::string& value)

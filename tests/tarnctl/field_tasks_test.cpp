@@ -28,7 +28,7 @@ std::vector<Task> tasks(const std::string& directory)
         {"an overview", {"status"}, {"5.3.1-sim", "5GHz", "2.4GHz", "80 MHz", "58 C", "guests", "wlan0"}},
         {"the radios", {"radios"}, {"radio0", "5GHz", "yes", "11ac", "eu", "1.9.0-sim"}},
         {"channels of all radios", {"channel"}, {"radio0  5GHz         36", "radio1  2.4GHz        6", "100 104"}},
-        {"widths of all radios", {"bandwidth"}, {"radio0", "80 MHz", "radio1", "20 MHz"}},
+        {"widths of all radios", {"bandwidth"}, {"80 MHz       36  11ac  20 40 80 160\n", "20 MHz        6  11n   20 40\n"}},
         {"powers of all radios", {"power"}, {"radio0", "100 %", "23 dBm", "100,75,50,25,12"}},
         {"the networks", {"ssids"}, {"wifi0", "home", "02:00:00:00:00:11", "guests", "wpa2"}},
         {"what happens",
@@ -202,12 +202,43 @@ TEST_P(GatewayTasksTest, ARefusalHasTheStatusByItsName)
     const std::string status = GetParam().isSecond ? "517" : "17";
     EXPECT_NE(device.err.find("answered TarnSetRadioCfg with status " + status + " (INVALID_VALUE"), std::string::npos)
         << device.err;
-    EXPECT_EQ(device.err.find("tarnctl: channel: possible for radio 1 (radio0): 36 40 44 48 "), 0u) << device.err;
     const Ran module = run({"boot", "get", "nothing"});
     EXPECT_EQ(module.exit, 7);
     EXPECT_NE(module.err.find(GetParam().isSecond ? "-706" : "-206"), std::string::npos) << module.err;
     EXPECT_NE(run({"wps", "cancel", "wifi0"}).err.find("NOT_THERE"), std::string::npos);
     EXPECT_NE(run({"filter", "remove", "wifi0", "02:00:00:00:01:01"}).err.find("NOT_THERE"), std::string::npos);
+}
+
+TEST_P(GatewayTasksTest, ARefusalComesWithWhatIsPossible)
+{
+    ASSERT_EQ(run({"filter", "add", "wifi1", "02:00:00:00:01:04", "02:00:00:00:01:05"}).exit, 0);
+    const std::vector<std::pair<Words, std::string>> refused = {
+        {{"channel", "radio0", "37"}, "channel: possible for radio 1 (radio0): 36 40 44 48 52 56 60 64 100 104 108 112\n"},
+        {{"channel", "2", "36"}, "channel: possible for radio 2 (radio1): 1 2 3 4 5 6 7 8 9 10 11 12 13\n"},
+        {{"bandwidth", "radio0", "60"}, "bandwidth: possible for radio 1 (radio0): 20 40 80 160\n"},
+        {{"bandwidth", "2", "80"}, "bandwidth: possible for radio 2 (radio1): 20 40\n"},
+        {{"power", "radio0", "60"}, "power: possible for radio 1 (radio0): 100,75,50,25,12\n"},
+        {{"filter", "remove", "wifi1", "02:00:00:00:01:01"},
+         "filter remove: possible for wifi1: 02:00:00:00:01:04 02:00:00:00:01:05\n"},
+    };
+    for (const auto& [words, possible] : refused)
+    {
+        const Ran ran = run(words);
+        EXPECT_EQ(ran.exit, 7);
+        EXPECT_EQ(ran.err.rfind("tarnctl: " + possible + "tarnctl: service TARN answered ", 0), 0u) << ran.err;
+    }
+    // Nobody tells the levels of a radio that is not the module's.
+    EXPECT_EQ(run({"power", "2", "60"}).err.rfind("tarnctl: service TARN answered ", 0), 0u);
+}
+
+TEST_P(GatewayTasksTest, ABandwidthIsPossibleOnTheRadiosChannelOrOnAnyThatItMayChoose)
+{
+    const auto possible = [] { return runJson({"bandwidth", "1"}).document.at("radios").at(0).at("possible_bandwidths"); };
+    ASSERT_EQ(run({"bandwidth", "1", "20"}).exit, 0);
+    ASSERT_EQ(run({"channel", "1", "140"}).exit, 0);
+    EXPECT_EQ(possible(), Json({20}));
+    ASSERT_EQ(run({"channel", "1", "auto"}).exit, 0);
+    EXPECT_EQ(possible(), Json({20, 40, 80, 160}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, GatewayTasksTest, ::testing::Values(Make{"tarn-gateway", false}, Make{"attic", true}),
@@ -384,6 +415,17 @@ TEST_F(FieldTasksTest, WithoutALayoutTheySayWhatTheyNeed)
     }
     for (const char* verb : {"radios", "temperature", "versions"}) // for which words are enough
         EXPECT_EQ(run({verb, "--layout", ""}).exit, 0) << verb;
+}
+
+TEST_F(FieldTasksTest, BandwidthsAreNotAskedForWhereTheLayoutDoesNotTellHow)
+{
+    Json layout = Json::parse(std::ifstream(TARN_GATEWAY_LAYOUT));
+    layout.at("records").erase("TarnChannelQuery");
+    std::ofstream(path("without.json")) << layout;
+    const RanJson ran = runJson({"bandwidth", "1", "--layout", path("without.json")});
+    EXPECT_EQ(ran.exit, 0) << ran.err;
+    EXPECT_EQ(ran.document.at("radios").at(0).at("bandwidth"), 80);
+    EXPECT_TRUE(ran.document.at("radios").at(0).at("possible_bandwidths").is_null());
 }
 
 // Each function that names an interface one way takes the other name of the argument, too, and sends the same.

@@ -21,9 +21,9 @@ void addChannel(Verbs& verbs)
                       {"secondary_channel", "secondaryChannel", &switchTone},
                       {"automatic", "autoChannel", &switchTone, true},
                       {"possible_channels", "possibleChannels", &faint}},
+                     "possibleChannels",
                      nullptr,
-                     "autoChannel",
-                     "possibleChannels"},
+                     "autoChannel"},
                     "Shows or sets the channels of radios");
 }
 

@@ -73,8 +73,11 @@ ExitCode edit(const Console& console, const FilterOptions& options)
     std::vector<Change> changes;
     for (const std::string& address : addresses)
     {
-        const Report report = performOrFail(adds ? "TarnAddAccessPointMacFilter" : "TarnDelAccessPointMacFilter",
-                                            interface.with({"macAddress=" + address}));
+        const char* const function = adds ? "TarnAddAccessPointMacFilter" : "TarnDelAccessPointMacFilter";
+        const Report report = tryToChange(
+            console, "filter " + options.action, interface.name,
+            [&] { return performOrFail(function, interface.with({"macAddress=" + address})); },
+            [&] { return adds ? Cell() : filterOf(survey, interface)["addresses"]; });
         const std::string filter = "the filter, mode " + filterOf(survey, interface)["mode"].text();
         changes.push_back(
             {interface.name, filter, adds ? Cell() : textCell(address), adds ? textCell(address) : Cell(), report, true});

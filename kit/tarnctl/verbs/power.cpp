@@ -41,6 +41,7 @@ void addPower(Verbs& verbs)
                       {"chain2", "chain2"},
                       {"chain3", "chain3"},
                       {"levels", "available_percentages", &faint}},
+                     "available_percentages",
                      &complete},
                     "Shows or sets the transmit power of radios");
 }

@@ -19,6 +19,15 @@ struct SettingOptions
     WatchOptions watch;
 };
 
+Fields rowOf(Survey& survey, const RadioSetting& setting, const Radio& radio)
+{
+    Fields row = radio.data;
+    row.set("id", numberCell(radio.id));
+    if (setting.complete != nullptr)
+        setting.complete(survey, radio, row);
+    return row;
+}
+
 ExitCode show(const Console& console, const RadioSetting& setting, const SettingOptions& options)
 {
     Survey survey(setting.name);
@@ -26,35 +35,8 @@ ExitCode show(const Console& console, const RadioSetting& setting, const Setting
     Listing& list = page.list("radios", setting.columns);
     for (const Radio& radio :
          survey.radios(options.radio ? std::vector<std::string>{*options.radio} : std::vector<std::string>()))
-    {
-        Fields row = radio.data;
-        row.set("id", numberCell(radio.id));
-        if (setting.complete != nullptr)
-            setting.complete(survey, radio, row);
-        list.rows.push_back(std::move(row));
-    }
+        list.rows.push_back(rowOf(survey, setting, radio));
     return page.write(console, survey);
-}
-
-// As the gateway's status alone does not tell what it would have taken.
-void tellChoices(const Console& console, const RadioSetting& setting, const Radio& radio)
-{
-    if (setting.choices == nullptr || !radio.data[setting.choices].isKnown())
-        return;
-    console.remark(std::string(setting.name) + ": possible for " + radio.title() + ": " + radio.data[setting.choices].text());
-}
-
-Report setOrTell(const Console& console, const RadioSetting& setting, const Radio& radio, const std::string& field,
-                 const std::string& value)
-try
-{
-    return setField("TarnSetRadioCfg", radio.asRadio(), "cfg." + field, value);
-}
-catch (const CallFailure& failure)
-{
-    if (failure.report.outcome == CallOutcome::kServiceStatus)
-        tellChoices(console, setting, radio);
-    throw;
 }
 
 ExitCode change(const Console& console, const RadioSetting& setting, const std::string& target, const std::string& value)
@@ -65,8 +47,11 @@ ExitCode change(const Console& console, const RadioSetting& setting, const std::
     if (!isAutomatic && (value.empty() || value.find_first_not_of("0123456789") != std::string::npos))
         throw UsageError(std::string(setting.name) + ": expected a number" +
                          (setting.automaticField == nullptr ? "" : " or auto") + "; got " + inQuotes(value));
-    const char* const field = isAutomatic ? setting.automaticField : setting.field;
-    const Report report = setOrTell(console, setting, radio, field, isAutomatic ? "on" : value);
+    const std::string field = isAutomatic ? setting.automaticField : setting.field;
+    const Report report = tryToChange(
+        console, setting.name, radio.title(),
+        [&] { return setField("TarnSetRadioCfg", radio.asRadio(), "cfg." + field, isAutomatic ? "on" : value); },
+        [&] { return rowOf(survey, setting, radio)[setting.choices]; });
     const Fields after = survey.ask("TarnGetRadio", radio.asRadio());
     return writeChanges(console, setting.changeKind, survey,
                         {{radio.title(), setting.name, radio.data[setting.field], after[setting.field], report}});

@@ -16,9 +16,9 @@ struct RadioSetting
     const char* meaning;    // of the value
     const char* footer;
     std::vector<Column> columns;
+    const char* choices;                                                         // what can be set, in a row of the list
     void (*complete)(Survey& survey, const Radio& radio, Fields& row) = nullptr; // what the radio's record does not tell
     const char* automaticField = nullptr;                                        // switched on by "auto", if there is one
-    const char* choices = nullptr;                                               // what can be set, in the radio's record
 };
 
 void addRadioSetting(Verbs& verbs, const RadioSetting& setting, const char* description);
