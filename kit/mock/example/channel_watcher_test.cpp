@@ -3,10 +3,11 @@
 
 #include "kor_iil_mock.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -52,7 +53,7 @@ TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleDoesNotAnswer)
     expectRead().fail(kTimeout);
     platform_.event(kChannelEvent).deliver();
     EXPECT_EQ(channelWatcherChannel(), 0u);
-    EXPECT_THAT(platform_.traceTexts(), testing::ElementsAre("fail to KorIilExecute(), err = TIMEOUT"));
+    EXPECT_EQ(platform_.traceTexts(), std::vector<std::string>{"fail to KorIilExecute(), err = TIMEOUT"});
 }
 
 TEST_F(ChannelWatcher, KnowsNoChannelWhenTheModuleRefuses)
