@@ -139,7 +139,7 @@ def _item(name, part, term, description, writer, reference):
 def _option(term):
     """An option as the help has it, "--caller TEXT=tarnctl Excludes: --null-caller", as macros, and what else there is."""
     match = re.fullmatch(r"(?P<names>-\S+)(?: (?P<value>[A-Z]+|\[FILE\]|RADIOS .*STATIONS)(?: x 3)?)?"
-                         r"(?::(?:\{(?P<words>.*?)\}|(?P<range>[0-9].*?)|\w+ in \[(?P<interval>.*?)\]|NONNEGATIVE))?"
+                         r"(?::(?:\{(?P<words>.*?)\}|(?P<range>[0-9].*?)))?"
                          r"(?:=(?P<default>\S+))?(?: Excludes: (?P<others>.*))?", term)
     if match is None:
         raise SystemExit("program_pages.py: an option that it does not know how to read: " + term)
@@ -150,9 +150,8 @@ def _option(term):
     remarks = []
     if match["words"]:
         remarks.append("One of " + match["words"].replace(",", ", "))
-    if match["range"] or match["interval"]:
-        first, last = re.split(" to | - ", match["range"] or match["interval"])
-        remarks.append("From %s to %s" % (first, re.sub(r"[0-9.]+e\+?[0-9]+", lambda each: "%d" % float(each[0]), last)))
+    if match["range"]:
+        remarks.append("From " + match["range"])
     if match["default"]:
         remarks.append(match["default"] + " if left out")
     if match["others"]:

@@ -1,5 +1,6 @@
 // tarn-gateway: the command line of the simulated gateway.
 #include "base/json_reader.h"
+#include "base/option_checks.h"
 #include "gateway.h"
 #include "scenario.h"
 
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include <unistd.h>
 
@@ -126,14 +128,14 @@ int main(int argc, char** argv)
         app.add_option("--ready-fd", options.readyDescriptor,
                        "Descriptor to write the line to instead of standard output; closed afterwards")
             ->type_name("N")
-            ->check(CLI::NonNegativeNumber);
+            ->check(tarn::base::between(0, std::numeric_limits<int>::max()));
         app.add_option("--speed", options.speed,
                        "Gateway seconds for each second of real time; at 0 no time passes until it is stepped")
             ->type_name("FACTOR")
-            ->check(CLI::Range(0.0, 1e6));
+            ->check(tarn::base::between(0.0, 1e6));
         app.add_option("--seed", options.seed, "Where random numbers start, in place of the scenario's")
             ->type_name("N")
-            ->check(CLI::Range(1u, Random::kModulus - 1));
+            ->check(tarn::base::between(1u, Random::kModulus - 1));
         app.add_option("--script", options.script, "Orders, one a line, each behind the second at which it is carried out")
             ->type_name("FILE");
         app.add_flag("--log", options.isLogging, "Log each request on standard error: function, caller, arguments, status");

@@ -1,6 +1,7 @@
 #include "program.h"
 
 #include "base/join.h"
+#include "base/option_checks.h"
 #include "base/suggestions.h"
 #include "call_output.h"
 #include "layout_in_use.h"
@@ -23,7 +24,7 @@ namespace
 CLI::Option* addChoice(CLI::App& parser, const char* name, const std::vector<std::string>& words, const char* description,
                        const std::function<void(const std::string&)>& choose)
 {
-    return parser.add_option_function<std::string>(name, choose, description)->check(CLI::IsMember(words))->type_name("WHICH");
+    return parser.add_option_function<std::string>(name, choose, description)->check(base::oneOf(words))->type_name("WHICH");
 }
 
 // For errors, which the parser may have found before it came to this.

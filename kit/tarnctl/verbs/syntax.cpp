@@ -1,11 +1,9 @@
 #include "tarnctl/verbs/syntax.h"
 
 #include "base/join.h"
+#include "base/option_checks.h"
 
 #include <CLI/CLI.hpp>
-
-#include <iomanip>
-#include <sstream>
 
 namespace tarn::ctl
 {
@@ -35,14 +33,6 @@ CLI::Option* addTexts(CLI::App& verb, const char* name, std::vector<std::string>
         return true;
     };
     return verb.add_option(name, store, description)->type_name("TEXT");
-}
-
-CLI::Range range(double least, double most)
-{
-    constexpr int kDigits = 10;
-    std::ostringstream text;
-    text << std::setprecision(kDigits) << least << " to " << most;
-    return {least, most, text.str()};
 }
 
 } // namespace
@@ -92,17 +82,20 @@ void Syntax::flag(const char* name, bool& isGiven, const char* description)
 
 void Syntax::seconds(const char* name, std::optional<double>& seconds, double least, double most, const char* description)
 {
-    verb_.add_option(name, seconds, description)->check(range(least, most))->type_name("SECONDS");
+    verb_.add_option(name, seconds, description)->check(base::between(least, most))->type_name("SECONDS");
 }
 
 void Syntax::seconds(const char* name, double& seconds, double least, double most, const char* description)
 {
-    verb_.add_option(name, seconds, description)->check(range(least, most))->capture_default_str()->type_name("SECONDS");
+    verb_.add_option(name, seconds, description)
+        ->check(base::between(least, most))
+        ->capture_default_str()
+        ->type_name("SECONDS");
 }
 
 void Syntax::count(const char* name, std::optional<std::uint32_t>& number, const char* description)
 {
-    verb_.add_option(name, number, description)->check(CLI::Range(1u, 0xFFFFFFFFu, "1 to 4294967295"))->type_name("NUMBER");
+    verb_.add_option(name, number, description)->check(base::between(1u, 0xFFFFFFFFu))->type_name("NUMBER");
 }
 
 void Syntax::caller(CallerId& callerId)
