@@ -46,21 +46,24 @@ constexpr std::array<Counter, 7> kCounters = {{
     {"txRetries", "tx_retries", "tx_retries_per_second", "tx retries", false},
 }};
 
-struct Sample
+// Of one interface. Each has a time of its own: finding the interfaces, and asking each, may take long.
+struct Reading
 {
-    std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
-    std::vector<Fields> interfaces;
+    Fields counters;
+    std::chrono::steady_clock::time_point time;
 };
 
-Sample sampleOf(Survey& survey, const std::vector<std::string>& targets)
+std::vector<Reading> readingsOf(Survey& survey, const std::vector<std::string>& targets)
 {
-    Sample sample;
+    std::vector<Reading> readings;
     for (const Interface& interface : survey.interfaces(targets))
     {
-        Fields& row = sample.interfaces.emplace_back(survey.ask("TarnGetSsidIntfStats", interface.asSsid()));
-        row.set("interface", textCell(interface.name));
+        Fields counters = survey.ask("TarnGetSsidIntfStats", interface.asSsid());
+        const auto time = std::chrono::steady_clock::now();
+        counters.set("interface", textCell(interface.name));
+        readings.push_back({std::move(counters), time});
     }
-    return sample;
+    return readings;
 }
 
 Cell rateOf(const Counter& counter, const Cell& before, const Cell& after, double seconds)
@@ -94,15 +97,17 @@ ExitCode writeSums(const Console& console, const CountersOptions& options)
     for (const Counter& counter : kCounters)
         columns.push_back({counter.sumKey, counter.field});
     Listing& list = page.list("interfaces", columns);
-    list.rows = sampleOf(survey, options.targets).interfaces;
-    for (Fields& row : list.rows)
+    for (const Reading& reading : readingsOf(survey, options.targets))
+    {
+        Fields& row = list.rows.emplace_back(reading.counters);
         for (const Counter& counter : kCounters)
             row.set(counter.field, withoutUnit(row[counter.field], counter.isBytes));
+    }
     return page.write(console, survey);
 }
 
-// `before` becomes the sample of this time.
-ExitCode writeRates(const Console& console, const CountersOptions& options, Sample& before)
+// `before` becomes the readings of this time.
+ExitCode writeRates(const Console& console, const CountersOptions& options, std::vector<Reading>& before)
 {
     Survey survey("counters");
     Page page("rates");
@@ -110,17 +115,17 @@ ExitCode writeRates(const Console& console, const CountersOptions& options, Samp
     for (const Counter& counter : kCounters)
         columns.push_back({counter.rateKey, counter.rateKey, nullptr, false, counter.rateTitle});
     Listing& list = page.list("interfaces", columns);
-    Sample now = sampleOf(survey, options.targets);
-    const double seconds = std::chrono::duration<double>(now.time - before.time).count();
-    std::map<std::string, Fields> earlier;
-    for (const Fields& interface : before.interfaces)
-        earlier[interface["interface"].text()] = interface;
-    for (const Fields& interface : now.interfaces)
+    std::vector<Reading> now = readingsOf(survey, options.targets);
+    std::map<std::string, Reading> earlier;
+    for (const Reading& reading : before)
+        earlier[reading.counters["interface"].text()] = reading;
+    for (const auto& [counters, time] : now)
     {
-        Fields& row = list.rows.emplace_back(interface);
+        Fields& row = list.rows.emplace_back(counters);
+        const Reading& last = earlier[counters["interface"].text()];
+        const double seconds = std::chrono::duration<double>(time - last.time).count();
         for (const Counter& counter : kCounters)
-            row.set(counter.rateKey,
-                    rateOf(counter, earlier[interface["interface"].text()][counter.field], interface[counter.field], seconds));
+            row.set(counter.rateKey, rateOf(counter, last.counters[counter.field], counters[counter.field], seconds));
     }
     before = std::move(now);
     return page.write(console, survey);
@@ -131,7 +136,7 @@ ExitCode counters(const Console& console, const CountersOptions& options)
     if (!options.watch.seconds)
         return watch(console, options.watch, [&](const Console& frame) { return writeSums(frame, options); });
     Survey survey("counters");
-    Sample before = sampleOf(survey, options.targets);
+    std::vector<Reading> before = readingsOf(survey, options.targets);
     WatchOptions later = options.watch;
     later.waitsFirst = true;
     return watch(console, later, [&](const Console& frame) { return writeRates(frame, options, before); });
