@@ -315,6 +315,7 @@ TEST_F(EventsTest, CancelWaitsForARunningHandler)
             returned = true;
             EXPECT_EQ(runs, 1);
         });
+    EXPECT_TRUE(eventually([&] { return service.publish(1) == 0; })) << "it has cancelled, and waits";
     sleepMilliseconds(100);
     EXPECT_FALSE(returned);
     held = false;
