@@ -79,8 +79,14 @@ TEST_F(ServiceFaultsTest, ANameThatIsLostIsLeftToItsNewOwner)
     ASSERT_EQ(unlink(socketOf(kService).c_str()), 0);
     ASSERT_EQ(open(second), KOR_IIL_OK);
     std::thread loop([=] { KorIilServiceRun(second); });
-    std::thread lost([=] { EXPECT_EQ(KorIilServiceRun(first), KOR_IIL_CONFLICT_ID); });
-    sleepMilliseconds(2000); // the first looks after its files now and then
+    std::atomic<bool> hasEnded{false};
+    std::thread lost(
+        [&, first]
+        {
+            EXPECT_EQ(KorIilServiceRun(first), KOR_IIL_CONFLICT_ID);
+            hasEnded = true;
+        });
+    EXPECT_TRUE(eventually([&] { return hasEnded.load(); })) << "it looks after its files once a second";
     KorIilServiceStop(first);
     lost.join();
     KorIilServiceClose(first);
@@ -213,6 +219,7 @@ public:
             callers.emplace_back([this] { callUntilDone(); });
         for (int i = 0; i < 10; ++i)
         {
+            const int before = runs;
             RunningService service(
                 [this](const KorIilRequest& request, unsigned char* message)
                 {
@@ -221,6 +228,7 @@ public:
                     return addOne(request, message);
                 });
             sleepMilliseconds(50);
+            EXPECT_TRUE(eventually([&] { return runs > before; })) << "nobody has called";
         }
         done_ = true;
         RunningService last;
