@@ -122,7 +122,7 @@ Bridge::Bridge(const BridgeSettings& settings, const BridgePlatform& platform, c
     : settings_(settings),
       platform_(platform),
       startedAt_(monotonicMilliseconds()),
-      link_(settings.link, LinkHandlers{this, prepare, connected, received, lost, renew}),
+      link_(settings.link, LinkHandlers{this, prepare, connected, subscribed, received, lost, renew}),
       policy_(policy)
 {
     for (Worker& worker : workers_)
@@ -298,8 +298,13 @@ void Bridge::connected(void* self)
 {
     auto* bridge = static_cast<Bridge*>(self);
     bridge->hasHeard_ = false;
-    // In this order: who sees the birth can ask.
     bridge->link_.subscribe(requestTopic(bridge->settings_.link.clientId).text);
+}
+
+// Only now: who sees the birth can ask.
+void Bridge::subscribed(void* self)
+{
+    auto* bridge = static_cast<Bridge*>(self);
     bridge->announce(Kind::kBirth);
     {
         const Guard guard(*bridge);

@@ -128,6 +128,7 @@ private:
     static void prepare(void* self, std::uint32_t connection, Will& will);
     static void renew(void* self);
     static void connected(void* self);
+    static void subscribed(void* self);
     static void received(void* self, const char* topic, const void* payload, std::size_t size);
     static void lost(void* self, const char* broker, const char* reason);
 

@@ -62,7 +62,10 @@ const char* BrokerLink::reasonOf(int result) const
     if (tlsProblem_[0] != '\0')
         return tlsProblem_;
     const bool isReset = result == MOSQ_ERR_ERRNO && (errno == EPROTO || errno == ECONNRESET || errno == EPIPE);
-    if ((isReset || result == MOSQ_ERR_CONN_LOST) && !isUp() && settings_.certificate[0] != '\0')
+    const bool isEnded = isReset || result == MOSQ_ERR_CONN_LOST;
+    if (isEnded && state_ == State::kSubscribing)
+        return "the broker ended the connection, as RabbitMQ does if it does not allow the subscriptions";
+    if (isEnded && !isUp() && settings_.certificate[0] != '\0')
         return "the broker ended the connection, as it does if it does not take the certificate";
     return result == MOSQ_ERR_ERRNO ? std::strerror(errno) : mosquitto_strerror(result);
 }
@@ -111,6 +114,7 @@ bool BrokerLink::prepareClient()
         return false;
     }
     mosquitto_connect_callback_set(client_, onConnect);
+    mosquitto_subscribe_callback_set(client_, onSubscribe);
     mosquitto_disconnect_callback_set(client_, onDisconnect);
     mosquitto_message_callback_set(client_, onMessage);
     mosquitto_log_callback_set(client_, onLog);
@@ -131,6 +135,7 @@ void BrokerLink::attempt()
     ++connections_;
     ended_ = nullptr;
     tlsProblem_[0] = '\0';
+    std::fill_n(asked_, kMostAsked, Asked());
     if (!prepareClient())
         return;
     const int result = mosquitto_connect_async(client_, broker().host, broker().port, settings_.keepAlive);
@@ -143,29 +148,38 @@ void BrokerLink::attempt()
     attemptAt_ = monotonicMilliseconds() + kConnectTime;
 }
 
-// What poll says has happened on the connection.
-void BrokerLink::work(short happened)
+// Lets libmosquitto read, write and keep the connection alive.
+int BrokerLink::converse(short happened)
 {
-    const std::uint64_t now = monotonicMilliseconds();
-    if (state_ != State::kUp && now >= attemptAt_)
-        return lose("no answer within 10 s");
-    // In a TLS handshake libmosquitto takes a broken connection for one that needs time.
-    const bool isBroken = (happened & (POLLERR | POLLHUP | POLLNVAL)) != 0;
-    if (state_ == State::kConnecting && isBroken)
-        return lose(connectFailure());
-    if (state_ == State::kConnecting && happened != 0)
-        state_ = State::kGreeting;
     int result = MOSQ_ERR_SUCCESS;
     // Reading also goes on with the handshake, whichever direction it waits for.
     if (happened != 0 || state_ == State::kGreeting)
         result = mosquitto_loop_read(client_, 1);
     if (result == MOSQ_ERR_SUCCESS && ended_ == nullptr && state_ != State::kConnecting && mosquitto_want_write(client_))
         result = mosquitto_loop_write(client_, 1);
+    const std::uint64_t now = monotonicMilliseconds();
     if (result == MOSQ_ERR_SUCCESS && ended_ == nullptr && now - tendedAt_ >= kTendTime)
     {
         tendedAt_ = now;
         result = mosquitto_loop_misc(client_);
     }
+    return result;
+}
+
+// What poll says has happened on the connection.
+void BrokerLink::work(short happened)
+{
+    const std::uint64_t now = monotonicMilliseconds();
+    if (state_ != State::kUp && now >= attemptAt_)
+        return lose(state_ == State::kSubscribing ? "the subscriptions are not confirmed within 10 s"
+                                                  : "no answer within 10 s");
+    // In a TLS handshake libmosquitto takes a broken connection for one that needs time.
+    const bool isBroken = (happened & (POLLERR | POLLHUP | POLLNVAL)) != 0;
+    if (state_ == State::kConnecting && isBroken)
+        return lose(connectFailure());
+    if (state_ == State::kConnecting && happened != 0)
+        state_ = State::kGreeting;
+    const int result = converse(happened);
     if (state_ == State::kUp && now - upSince_ >= renewAge_)
     {
         renewAge_ *= 2;
@@ -186,14 +200,14 @@ void BrokerLink::turn(int wakeup, int milliseconds)
         attempt();
 
     pollfd descriptors[2] = {{wakeup, POLLIN, 0}, {-1, POLLIN, 0}};
-    if (state_ == State::kConnecting || state_ == State::kGreeting || state_ == State::kUp)
+    if (state_ == State::kConnecting || state_ == State::kGreeting || isAccepted())
         descriptors[1].fd = mosquitto_socket(client_);
-    if (state_ == State::kConnecting || (state_ == State::kUp && mosquitto_want_write(client_)))
+    if (state_ == State::kConnecting || (isAccepted() && mosquitto_want_write(client_)))
         descriptors[1].events |= POLLOUT;
     std::uint64_t longest = static_cast<std::uint64_t>(std::max(milliseconds, 0));
     if (state_ == State::kGreeting)
         longest = std::min<std::uint64_t>(longest, kGreetingTurn);
-    else if (state_ == State::kUp || state_ == State::kConnecting)
+    else if (isAccepted() || state_ == State::kConnecting)
         longest = std::min(longest, kTendTime);
     else if (state_ == State::kDown)
         longest = std::min(longest, attemptAt_ - std::min(attemptAt_, monotonicMilliseconds()));
@@ -207,14 +221,27 @@ bool BrokerLink::isClear() const
     return isUp() && !mosquitto_want_write(client_);
 }
 
-bool BrokerLink::subscribe(const char* filter)
+void BrokerLink::subscribe(const char* filter)
 {
-    return isUp() && mosquitto_subscribe(client_, nullptr, filter, 0) == MOSQ_ERR_SUCCESS;
+    if (!isAccepted())
+        return;
+    Asked* const free = std::find_if(asked_, asked_ + kMostAsked, [](const Asked& each) { return each.message == 0; });
+    int message = 0;
+    if (free == asked_ + kMostAsked)
+        ended_ = "too many subscriptions are not confirmed";
+    else if (const int result = mosquitto_subscribe(client_, &message, filter, 0); result != MOSQ_ERR_SUCCESS)
+        ended_ = mosquitto_strerror(result);
+    else
+    {
+        free->message = message;
+        std::snprintf(free->filter.text, sizeof free->filter.text, "%s", filter);
+    }
 }
 
-bool BrokerLink::renew(const char* filter)
+void BrokerLink::renew(const char* filter)
 {
-    return isUp() && mosquitto_unsubscribe(client_, nullptr, filter) == MOSQ_ERR_SUCCESS && subscribe(filter);
+    if (isAccepted() && mosquitto_unsubscribe(client_, nullptr, filter) == MOSQ_ERR_SUCCESS)
+        subscribe(filter);
 }
 
 bool BrokerLink::publish(const char* topic, const void* payload, std::size_t size, bool isRetained)
@@ -225,7 +252,7 @@ bool BrokerLink::publish(const char* topic, const void* payload, std::size_t siz
 
 void BrokerLink::close()
 {
-    if (isUp())
+    if (isAccepted())
     {
         state_ = State::kClosed;
         mosquitto_disconnect(client_);
@@ -249,11 +276,43 @@ void BrokerLink::onConnect(mosquitto* /*client*/, void* self, int code)
         link->ended_ = mosquitto_connack_string(code);
         return;
     }
-    link->state_ = State::kUp;
-    link->upSince_ = monotonicMilliseconds();
-    link->renewAge_ = kRenewAge;
+    link->state_ = State::kSubscribing;
     if (link->handlers_.connected != nullptr)
         link->handlers_.connected(link->handlers_.context);
+    link->comeUpIfConfirmed();
+}
+
+void BrokerLink::comeUpIfConfirmed()
+{
+    const bool isAnyAsked = std::any_of(asked_, asked_ + kMostAsked, [](const Asked& each) { return each.message != 0; });
+    if (state_ != State::kSubscribing || isAnyAsked || ended_ != nullptr)
+        return;
+    state_ = State::kUp;
+    upSince_ = monotonicMilliseconds();
+    renewAge_ = kRenewAge;
+    if (handlers_.subscribed != nullptr)
+        handlers_.subscribed(handlers_.context);
+}
+
+void BrokerLink::onSubscribe(mosquitto* /*client*/, void* self, int message, int count, const int* granted)
+{
+    constexpr int kFailure = 0x80;
+    static_cast<BrokerLink*>(self)->confirm(message, count != 1 || granted[0] >= kFailure);
+}
+
+void BrokerLink::confirm(int message, bool isRefused)
+{
+    for (Asked& each : asked_)
+        if (each.message == message)
+        {
+            if (isRefused)
+            {
+                std::snprintf(refusal_, sizeof refusal_, "the broker refuses the subscription to %s", each.filter.text);
+                ended_ = refusal_;
+            }
+            each.message = 0;
+        }
+    comeUpIfConfirmed();
 }
 
 void BrokerLink::onDisconnect(mosquitto* /*client*/, void* self, int code)

@@ -52,8 +52,10 @@ struct LinkHandlers
     void* context = nullptr;
     // Before each connection, whose number counts from 1: fills in the will; may be null.
     void (*prepare)(void* context, std::uint32_t connection, Will& will) = nullptr;
-    // The broker has accepted the connection: subscribe, publish.
+    // The broker has accepted the connection: subscribe.
     void (*connected)(void* context) = nullptr;
+    // It has confirmed all that was subscribed to in `connected`, so that nothing sent from now on is missed: publish.
+    void (*subscribed)(void* context) = nullptr;
     void (*received)(void* context, const char* topic, const void* payload, std::size_t size) = nullptr;
     // An attempt failed, or the connection is lost, for this reason.
     void (*lost)(void* context, const char* broker, const char* reason) = nullptr;
@@ -76,6 +78,7 @@ public:
     // or -1), and does it; connects if it is time to.
     void turn(int wakeup, int milliseconds);
 
+    // There is a connection, and its subscriptions are confirmed.
     bool isUp() const
     {
         return state_ == State::kUp;
@@ -83,10 +86,12 @@ public:
     // Whether what is published now goes out at once, and is not kept in memory behind something else.
     bool isClear() const;
 
-    // All return false unless the connection is up.
-    bool subscribe(const char* filter);
+    // Does nothing without a connection. A connection on which the broker refuses a subscription is lost: a client that does not
+    // hear what it depends on tries the next broker.
+    void subscribe(const char* filter);
     // Ends the subscription and subscribes: RabbitMQ takes a second one for the first, even if it has lost that by half.
-    bool renew(const char* filter);
+    void renew(const char* filter);
+    // False unless the connection is up.
     bool publish(const char* topic, const void* payload, std::size_t size, bool isRetained);
 
     // Takes leave of the broker, which then does not publish the will. Does not connect again.
@@ -95,17 +100,33 @@ public:
 private:
     enum class State
     {
-        kDown,       // until attemptAt_
-        kConnecting, // until attemptAt_, the name is resolved and TCP is on its way
-        kGreeting,   // until attemptAt_, TCP is connected, and the broker has not accepted the client yet
+        kDown,        // until attemptAt_
+        kConnecting,  // until attemptAt_, the name is resolved and TCP is on its way
+        kGreeting,    // until attemptAt_, TCP is connected, and the broker has not accepted the client yet
+        kSubscribing, // until attemptAt_, it has accepted the client, and not confirmed all subscriptions yet
         kUp,
         kClosed
     };
 
+    // A subscription that the broker has not confirmed yet.
+    struct Asked
+    {
+        int message = 0; // its number, 0: a free place
+        Topic filter = {};
+    };
+    static constexpr std::size_t kMostAsked = 8;
+
+    bool isAccepted() const
+    {
+        return state_ == State::kSubscribing || state_ == State::kUp;
+    }
     void attempt();
     bool prepareClient();
     bool prepareTls();
     void work(short happened);
+    int converse(short happened);
+    void comeUpIfConfirmed();
+    void confirm(int message, bool isRefused);
     const char* reasonOf(int result) const;
     const char* connectFailure() const;
     void lose(const char* reason);
@@ -114,6 +135,7 @@ private:
 
     // For libmosquitto.
     static void onConnect(mosquitto* client, void* self, int code);
+    static void onSubscribe(mosquitto* client, void* self, int message, int count, const int* granted);
     static void onDisconnect(mosquitto* client, void* self, int code);
     static void onMessage(mosquitto* client, void* self, const mosquitto_message* message);
     static void onLog(mosquitto* client, void* self, int level, const char* text);
@@ -133,9 +155,11 @@ private:
     std::uint64_t renewAge_ = 0; // of the connection, when to renew subscriptions
     std::uint32_t failures_ = 0; // in a row
     std::uint32_t connections_ = 0;
-    std::size_t next_ = 0;        // broker of this attempt, or of the next
-    const char* ended_ = nullptr; // why libmosquitto ended the connection
-    char tlsProblem_[160] = {};   // what the TLS library has against it, or the broker's
+    std::size_t next_ = 0;                  // broker of this attempt, or of the next
+    Asked asked_[kMostAsked];               // on this connection
+    const char* ended_ = nullptr;           // why the connection is to end
+    char tlsProblem_[160] = {};             // what the TLS library has against it, or the broker's
+    char refusal_[64 + sizeof(Topic)] = {}; // of a subscription, by the broker
 };
 
 } // namespace tarn::fleet

@@ -76,6 +76,7 @@ Exchange::Exchange(const LinkSettings& settings, std::vector<std::string> filter
       session_(sessionNumber()),
       wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       link_(settings_, LinkHandlers{this, nullptr, [](void* self) { static_cast<Exchange*>(self)->subscribe(); },
+                                    [](void* self) { static_cast<Exchange*>(self)->comeUp(); },
                                     [](void* self, const char* topic, const void* payload, std::size_t size)
                                     { static_cast<Exchange*>(self)->receive(topic, payload, size); },
                                     [](void* self, const char* broker, const char* reason)
@@ -171,6 +172,10 @@ void Exchange::subscribe()
     link_.subscribe(allReplies(settings_.clientId).text);
     for (const std::string& filter : filters_)
         link_.subscribe(filter.c_str());
+}
+
+void Exchange::comeUp()
+{
     {
         const std::lock_guard guard(mutex_);
         isUp_ = true;

@@ -72,7 +72,7 @@ struct ExchangeWatcher
     // Births and wills, as they arrive: what was retained is old.
     std::function<void(const std::string& gateway, const Envelope& envelope)> state;
     std::function<void(const std::string& gateway, const Envelope& envelope)> event;
-    std::function<void()> connected;
+    std::function<void()> connected; // and all that is subscribed to is heard from now on
     // No connection, or not any more.
     std::function<void(const std::string& broker, const std::string& reason)> lost;
 };
@@ -157,6 +157,7 @@ private:
     void serveBroker();
     void sendQueued();
     void subscribe();
+    void comeUp();
     void renew();
     void receive(const char* topic, const void* payload, std::size_t size);
     void receiveAnswer(const std::string& gateway, const Envelope& envelope);

@@ -2,6 +2,7 @@
 #include "broker.h"
 #include "link.h"
 #include "operator.h"
+#include "relay.h"
 
 #include "fleet/bridge.h"
 
@@ -452,6 +453,31 @@ TEST_F(BridgeTest, ABirthIsRetainedAndAWillFollowsWhenItStops)
     EXPECT_EQ(will->envelope.run, bridge_->run());
     Operator third(broker_.port(), "noc-3");
     EXPECT_TRUE(third.take(Kind::kWill)) << "it is retained in the birth's place";
+}
+
+TEST_F(BridgeTest, AGatewayIsBornOnceItsSubscriptionIsConfirmed)
+{
+    Relay relay(broker_.port());
+    relay.setConfirmations(Relay::Confirmations::kWait);
+    settings_ = settingsOf("home-1", {relay.port()});
+    bridge_ = std::make_unique<Bridge>(settings_, platform_.functions(), Policy::ofReading());
+    ASSERT_TRUE(bridge_->start());
+    ASSERT_TRUE(operator_.await([&] { return relay.confirmationsWaiting() == 1; }));
+    EXPECT_FALSE(operator_.take(Kind::kBirth, std::chrono::milliseconds(200)));
+    relay.setConfirmations(Relay::Confirmations::kPass);
+    EXPECT_TRUE(operator_.take(Kind::kBirth));
+    EXPECT_TRUE(operator_.ping("home-1"));
+}
+
+TEST_F(BridgeTest, ABrokerThatRefusesTheSubscriptionIsLeftForTheNextOne)
+{
+    Relay refusing(broker_.port());
+    refusing.setConfirmations(Relay::Confirmations::kRefuse);
+    settings_ = settingsOf("home-1", {refusing.port(), broker_.port()});
+    start();
+    EXPECT_THAT(platform_.lines(), Contains("<4> no connection to the broker 127.0.0.1: the broker refuses the subscription to "
+                                            "tarn/1/gw/home-1/rq"));
+    EXPECT_EQ(operator_.take(Kind::kBirth)->envelope.sequence, 2u) << "there was none on the first connection";
 }
 
 TEST_F(BridgeTest, ABrokerThatComesBackFindsTheGatewayAgain)

@@ -3,6 +3,7 @@
 #include "fleet_process.h"
 #include "home.h"
 #include "link.h"
+#include "relay.h"
 #include "text_files.h"
 
 #include "base/timestamp.h"
@@ -382,20 +383,13 @@ TEST_F(FleetProgramTest, WhatTheLibraryOrTheCommandLineRefusesIsNotSent)
     EXPECT_EQ(calls(), 0u);
 }
 
-// In these two tests events are published again and again: the broker may not have taken the subscription yet when tarn-fleet,
-// which has asked for it, says that it watches.
 TEST_F(FleetProgramTest, EventsOfGatewaysAreShownWithTheGatewaysName)
 {
     start(3);
     FleetProcess process = begin({"events", "home-02", "--count", "1", "--timeout", "20"});
     EXPECT_TRUE(awaitErr(process, "watching the events of home-02"));
-    const auto isShown = [&]
-    {
-        homes_[0]->publish(1); // not asked for
-        homes_[1]->publish(2);
-        return process.out().find("home-02") != std::string::npos;
-    };
-    EXPECT_TRUE(await(isShown));
+    homes_[0]->publish(1); // not asked for
+    homes_[1]->publish(2);
     const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr(" home-02 TARN 2 EVT_RADIO_OPR_CHANNEL_CHANGED"));
@@ -406,25 +400,47 @@ TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
 {
     start(1);
     FleetProcess process = begin({"events", "--json"});
-    const auto isShown = [&](std::uint32_t event)
-    {
-        homes_[0]->publish(event);
-        return process.out().find("\"event\":" + std::to_string(event)) != std::string::npos;
-    };
     EXPECT_TRUE(awaitErr(process, "watching the events of *\n"));
-    EXPECT_TRUE(await([&] { return isShown(1); }));
+    homes_[0]->publish(1);
+    EXPECT_TRUE(awaitOut(process, "\"event\":1"));
     broker_.kill();
     EXPECT_TRUE(awaitErr(process, "events are missed until there is one"));
     broker_.start();
     EXPECT_TRUE(awaitErr(process, "until there is one\ntarn-fleet: watching the events of *\n"));
     EXPECT_TRUE(await([&] { return homes_[0]->counters().births == 2; }));
-    EXPECT_TRUE(await([&] { return isShown(2); }));
+    homes_[0]->publish(2);
+    EXPECT_TRUE(awaitOut(process, "\"event\":2"));
     process.signal(SIGINT);
     const FleetRun ended = process.finish();
     EXPECT_EQ(ended.exit, 0) << ended.err;
-    const std::vector<nlohmann::json> documents = documentsIn(ended.out);
-    EXPECT_EQ(documents.front()["event"], 1);
-    EXPECT_EQ(documents.back()["event"], 2);
+    EXPECT_EQ(documentsIn(ended.out).size(), 2u);
+}
+
+TEST_F(FleetProgramTest, EventsAreSaidToBeWatchedOnceTheBrokerHasConfirmedEverySubscription)
+{
+    start(1);
+    Relay relay(broker_.port());
+    relay.setConfirmations(Relay::Confirmations::kWait);
+    std::ofstream(path("fleet.conf")) << settingsText(linkOf("", {relay.port()}));
+    FleetProcess process = begin({"events", "--count", "1"});
+    EXPECT_TRUE(await([&] { return relay.confirmationsWaiting() == 2; })) << "of replies and of events";
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_EQ(process.err(), "");
+    relay.setConfirmations(Relay::Confirmations::kPass);
+    EXPECT_TRUE(awaitErr(process, "watching the events of *\n"));
+    homes_[0]->publish(1);
+    EXPECT_EQ(process.finish().exit, 0);
+}
+
+TEST_F(FleetProgramTest, ASubscriptionThatTheBrokerRefusesIsSaidAndNothingIsWatched)
+{
+    Relay relay(broker_.port());
+    relay.setConfirmations(Relay::Confirmations::kRefuse);
+    std::ofstream(path("fleet.conf")) << settingsText(linkOf("noc-1", {relay.port()}));
+    FleetProcess process = begin({"events"});
+    EXPECT_TRUE(awaitErr(process, "no connection to the broker 127.0.0.1: the broker refuses the subscription to tarn/1/"));
+    process.signal(SIGINT);
+    EXPECT_THAT(process.finish().err, Not(HasSubstr("watching")));
 }
 
 TEST_F(FleetProgramTest, OffersWhatCanCompleteItsCommandLineWithoutABroker)

@@ -149,7 +149,8 @@ void Operator::send(const std::string& gateway, const Envelope& envelope)
 
 void Operator::subscribe(const std::string& filter)
 {
-    EXPECT_TRUE(link_->subscribe(filter.c_str()));
+    EXPECT_TRUE(isConnected());
+    link_->subscribe(filter.c_str());
 }
 
 void Operator::sendBytes(const std::string& topic, const Bytes& bytes)

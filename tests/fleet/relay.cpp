@@ -23,7 +23,8 @@ using std::chrono::milliseconds;
 constexpr int kReceiveBuffer = 16384;
 constexpr int kSegment = 1400;
 constexpr int kRelayTurn = 2; // milliseconds
-constexpr std::uint8_t kPublish = 3;
+// Kinds of MQTT packets.
+constexpr std::uint8_t kPublish = 3, kSubscribeAcknowledgement = 9;
 
 sockaddr_in loopbackAddress(std::uint16_t port)
 {
@@ -87,6 +88,11 @@ void Relay::release()
     isHeld_ = false;
 }
 
+void Relay::setConfirmations(Confirmations confirmations)
+{
+    confirmations_ = confirmations;
+}
+
 void Relay::cut()
 {
     isCut_ = true;
@@ -117,14 +123,16 @@ void Relay::serve()
         if (isHolding_)
             continue;
         accept();
-        std::size_t underWay = 0;
+        std::size_t underWay = 0, waiting = 0;
         for (auto connection = connections_.begin(); connection != connections_.end();)
         {
             for (Stream& stream : connection->streams)
             {
                 read(stream);
+                passConfirmations(stream);
                 write(stream);
                 underWay += stream.packets.size() + stream.leaving.size();
+                waiting += stream.confirmations.size();
             }
             const bool isOver = connection->streams[0].isShut && connection->streams[1].isShut;
             if (isOver)
@@ -132,6 +140,7 @@ void Relay::serve()
             connection = isOver ? connections_.erase(connection) : std::next(connection);
         }
         underWay_ = underWay;
+        confirmationsWaiting_ = waiting;
     }
     for (const Connection& connection : connections_)
         drop(connection);
@@ -193,9 +202,26 @@ void Relay::takePackets(Stream& stream)
         const auto end = stream.arrived.begin() + static_cast<std::ptrdiff_t>(size);
         const Bytes packet(stream.arrived.begin(), end);
         stream.arrived.erase(stream.arrived.begin(), end);
-        for (const milliseconds delay : wayOf(stream, packet, headerSize))
-            stream.packets.emplace(Clock::now() + delay, packet);
+        if (packet[0] >> 4 == kSubscribeAcknowledgement && confirmations_ != Confirmations::kPass)
+            stream.confirmations.push_back(packet);
+        else
+            for (const milliseconds delay : wayOf(stream, packet, headerSize))
+                stream.packets.emplace(Clock::now() + delay, packet);
     }
+}
+
+void Relay::passConfirmations(Stream& stream) const
+{
+    const Confirmations how = confirmations_;
+    if (how == Confirmations::kWait)
+        return;
+    for (Bytes& packet : stream.confirmations)
+    {
+        if (how == Confirmations::kRefuse)
+            packet.back() = 0x80; // of a subscription to one filter
+        stream.packets.emplace(Clock::now(), packet);
+    }
+    stream.confirmations.clear();
 }
 
 std::vector<milliseconds> Relay::wayOf(const Stream& stream, const Bytes& packet, std::size_t headerSize) const

@@ -1,5 +1,5 @@
 // Stands between clients and a broker, and does to what passes what networks and brokers do: holds it up, drops connections,
-// and lets a message arrive twice, late, or behind a later one.
+// lets a message arrive twice, late, or behind a later one, and keeps or changes what the broker says of subscriptions.
 #pragma once
 
 #include "samples.h"
@@ -42,6 +42,19 @@ public:
     // From now on nothing passes, and no connection ends. Returns when that is so.
     void hold();
     void release();
+    // From now on the broker's confirmations of subscriptions (SUBACK) wait here, pass, or say that it refuses them.
+    enum class Confirmations
+    {
+        kPass,
+        kWait,
+        kRefuse
+    };
+    void setConfirmations(Confirmations confirmations);
+    // How many wait.
+    std::size_t confirmationsWaiting() const
+    {
+        return confirmationsWaiting_;
+    }
     // Ends all connections that there are.
     void cut();
     // Whether nothing is on its way that came before.
@@ -59,9 +72,10 @@ private:
         int from = -1;
         int to = -1;
         bool isToBroker = false;
-        bool hasEnded = false; // nothing more comes
-        bool isShut = false;   // and nothing more goes
-        Bytes arrived;         // the beginning of a packet
+        bool hasEnded = false;            // nothing more comes
+        bool isShut = false;              // and nothing more goes
+        Bytes arrived;                    // the beginning of a packet
+        std::vector<Bytes> confirmations; // that wait
         std::multimap<Clock::time_point, Bytes> packets;
         Bytes leaving;
     };
@@ -74,6 +88,7 @@ private:
     void accept();
     void read(Stream& stream);
     void takePackets(Stream& stream);
+    void passConfirmations(Stream& stream) const;
     std::vector<std::chrono::milliseconds> wayOf(const Stream& stream, const Bytes& packet, std::size_t headerSize) const;
     static void write(Stream& stream);
     static void drop(const Connection& connection);
@@ -84,7 +99,8 @@ private:
     std::uint16_t port_ = 0;
     std::list<Connection> connections_; // of the thread alone
     std::atomic<bool> isHeld_{false}, isHolding_{false}, isCut_{false}, isStopping_{false};
-    std::atomic<std::size_t> underWay_{0};
+    std::atomic<std::size_t> underWay_{0}, confirmationsWaiting_{0};
+    std::atomic<Confirmations> confirmations_{Confirmations::kPass};
     std::thread thread_;
 };
 

@@ -24,8 +24,8 @@ ScriptedGateway::ScriptedGateway(std::uint16_t port, std::string name, ByteOrder
                                     {
                                         auto* that = static_cast<ScriptedGateway*>(self);
                                         that->link_.subscribe(requestTopic(that->name_.c_str()).text);
-                                        that->isUp_ = true;
                                     },
+                                    [](void* self) { static_cast<ScriptedGateway*>(self)->isUp_ = true; },
                                     [](void* self, const char* /*topic*/, const void* payload, std::size_t size)
                                     { static_cast<ScriptedGateway*>(self)->receive(payload, size); },
                                     nullptr})
