@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <stdexcept>
 
@@ -115,11 +116,18 @@ ctl::ExitCode attach(const ctl::Console& console, const AttachOptions& options, 
     const ctl::Wakeup wakeup;
     const ctl::StopSignals signals(wakeup);
     Attachment attachment(link, options.gateway, layoutOrNull());
-    attachment.awaitGateway(kMeetingTime);
-    if (ready != 0)
-        sayReady(console, ready);
+    // Beside this thread, which a signal ends at once.
+    std::future<void> meeting = std::async(std::launch::async,
+                                           [&]
+                                           {
+                                               attachment.awaitGateway(kMeetingTime);
+                                               if (ready != 0 && !signals.haveCome())
+                                                   sayReady(console, ready);
+                                           });
     while (!signals.haveCome())
         wakeup.wait(std::nullopt);
+    attachment.giveUp();
+    meeting.get();
     return ctl::ExitCode::kSuccess;
 }
 

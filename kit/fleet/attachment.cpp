@@ -64,8 +64,7 @@ Attachment::Attachment(const LinkSettings& settings, const std::string& gateway,
 
 Attachment::~Attachment()
 {
-    isStopping_ = true;
-    exchange_->giveUp();
+    giveUp();
     for (Door& door : doors_)
     {
         const std::lock_guard guard(door.mutex);
@@ -77,6 +76,12 @@ Attachment::~Attachment()
     closeAll();
 }
 
+void Attachment::giveUp()
+{
+    isStopping_ = true;
+    exchange_->giveUp();
+}
+
 bool Attachment::awaitGateway(std::chrono::milliseconds limit)
 {
     using Clock = std::chrono::steady_clock;
@@ -84,8 +89,9 @@ bool Attachment::awaitGateway(std::chrono::milliseconds limit)
     if (exchange_->awaitUp(limit) &&
         exchange_->ping(gateway_, std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now())))
         return true;
-    KorIilTrace(kWarning, kTag, __LINE__, "%s",
-                exchange_->isUp() ? (gateway_ + " does not answer").c_str() : "no connection to a broker");
+    if (!isStopping_)
+        KorIilTrace(kWarning, kTag, __LINE__, "%s",
+                    exchange_->isUp() ? (gateway_ + " does not answer").c_str() : "no connection to a broker");
     return false;
 }
 

@@ -27,8 +27,10 @@ public:
     Attachment(const Attachment&) = delete;
     Attachment& operator=(const Attachment&) = delete;
 
-    // Waits until the gateway has answered. False, with a trace, if it does not within the limit.
+    // Waits until the gateway has answered. False if it does not within the limit, with a trace, or if it is given up.
     bool awaitGateway(std::chrono::milliseconds limit);
+    // Ends what waits, from any thread: for who is about to end it.
+    void giveUp();
 
     ExchangeCounters counters() const
     {

@@ -119,7 +119,8 @@ void Exchange::wake() const
 bool Exchange::awaitUp(Milliseconds limit)
 {
     std::unique_lock guard(mutex_);
-    return upChanged_.wait_for(guard, limit, [this] { return isUp_; });
+    upChanged_.wait_for(guard, limit, [this] { return isUp_ || isStopping_; });
+    return isUp_;
 }
 
 bool Exchange::awaitAnyBroker(const std::function<bool()>& isInterrupted)

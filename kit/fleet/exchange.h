@@ -102,6 +102,7 @@ public:
     Exchange(const Exchange&) = delete;
     Exchange& operator=(const Exchange&) = delete;
 
+    // False if there is no connection within the limit, or if it is given up.
     bool awaitUp(Milliseconds limit);
     // Waits until there is a connection, at least 10 s, and until each broker has been tried: one that does not answer takes 10
     // s. Ends soon after it is interrupted, as by a signal; it asks for that again and again.

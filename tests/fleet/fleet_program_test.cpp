@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -333,6 +334,28 @@ TEST_F(FleetProgramTest, EventsNeedNoBrokerToBeInterrupted)
     EXPECT_TRUE(awaitErr(process, "no connection to the broker")); // and goes on to look for it
     process.signal(SIGINT);
     EXPECT_EQ(process.finish().exit, 0);
+}
+
+TEST_F(FleetProgramTest, AnAttachmentEndsAtOnceThoughItsGatewayOrItsBrokerHasNotAnswered)
+{
+    std::filesystem::create_directory(path("home"));
+    std::filesystem::permissions(path("home"), std::filesystem::perms::owner_all);
+    const auto endedWhileItWaits = [this]
+    {
+        FleetProcess process = begin({"attach", "home-01", "--directory", path("home")});
+        EXPECT_TRUE(await([&] { return std::filesystem::exists(path("home") + "/QTN_MIRROR.socket"); }));
+        process.signal(SIGINT);
+        return process.finish();
+    };
+    for (const bool isBrokerThere : {true, false})
+    {
+        if (!isBrokerThere)
+            broker_.pause();
+        const FleetRun ended = endedWhileItWaits();
+        EXPECT_EQ(ended.exit, 0);
+        EXPECT_EQ(ended.err, "") << "it says so after 3 s that nobody answers";
+    }
+    broker_.resume();
 }
 
 TEST_F(FleetProgramTest, AGatewayThatHadNotAnsweredWhenTheRunWasKilledIsAskedAgain)
