@@ -234,7 +234,7 @@ private:
 
     Result ask(Exchange& exchange, Journal* journal, const ctl::StopSignals& signals, const std::string& gateway)
     {
-        if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
+        if (!exchange.awaitAnyBroker(signals))
             return {What::kNotSent, signals.haveCome() ? kInterrupted : exchange.lastLoss(), std::nullopt};
         const auto writeDown = [&]
         {
@@ -467,7 +467,7 @@ ctl::ExitCode call(const ctl::Console& plain, const CallOptions& options, const 
     ExchangeWatcher watcher;
     watcher.state = [&roll](const std::string& gateway, const Envelope& envelope) { roll.hear(gateway, envelope); };
     Exchange exchange(link, {kAllStates}, watcher, layoutOrNull());
-    if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
+    if (!exchange.awaitAnyBroker(signals))
         return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
     const std::vector<std::string> gateways = gatewaysOf(filter, roll);
     if (gateways.empty())

@@ -148,7 +148,7 @@ ctl::ExitCode events(const ctl::Console& plain, const EventsOptions& options, co
     watcher.lost = [&console](const std::string& broker, const std::string& reason)
     { console.remark("no connection to the broker " + broker + ": " + reason + "; events are missed until there is one"); };
     Exchange exchange(link, {kAllEvents}, watcher, nullptr);
-    if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
+    if (!exchange.awaitAnyBroker(signals))
         return signals.haveCome() ? ctl::ExitCode::kSuccess : console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
 
     ctl::Deadline end;

@@ -31,7 +31,7 @@ constexpr milliseconds kLongestPing{2000};
 constexpr milliseconds kFreshFor{60000};
 // How long a connection may take, though every broker has been tried and is not there: one may be about to restart.
 constexpr milliseconds kShortestSearch{10000};
-// How often a search asks whether it is interrupted: a signal handler cannot notify who waits on a condition.
+// How often a search asks whether a signal has come: its handler cannot notify who waits on a condition.
 constexpr milliseconds kSearchTurn{50};
 constexpr int kExchangeTurn = 1000;
 constexpr int kMostRuns = 2; // that one call is meant for, one after the other
@@ -123,12 +123,12 @@ bool Exchange::awaitUp(Milliseconds limit)
     return isUp_;
 }
 
-bool Exchange::awaitAnyBroker(const std::function<bool()>& isInterrupted)
+bool Exchange::awaitAnyBroker(const ctl::StopSignals& signals)
 {
     const Clock::time_point enough = Clock::now() + kShortestSearch;
     std::unique_lock guard(mutex_);
     const auto hasFailed = [&] { return failures_ >= settings_.brokerCount && Clock::now() >= enough; };
-    while (!isUp_ && !isStopping_ && !hasFailed() && !isInterrupted())
+    while (!isUp_ && !isStopping_ && !hasFailed() && !signals.haveCome())
         upChanged_.wait_for(guard, kSearchTurn);
     return isUp_;
 }

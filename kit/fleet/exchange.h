@@ -12,6 +12,7 @@
 #include "broker_link.h"
 #include "envelope.h"
 #include "layout/layout.h"
+#include "tarnctl/wakeup.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -105,8 +106,8 @@ public:
     // False if there is no connection within the limit, or if it is given up.
     bool awaitUp(Milliseconds limit);
     // Waits until there is a connection, at least 10 s, and until each broker has been tried: one that does not answer takes 10
-    // s. Ends soon after it is interrupted, as by a signal; it asks for that again and again.
-    bool awaitAnyBroker(const std::function<bool()>& isInterrupted);
+    // s. Ends soon after a signal has come.
+    bool awaitAnyBroker(const ctl::StopSignals& signals);
     bool isUp() const;
     // Why there is no connection: a sentence.
     std::string lastLoss() const;

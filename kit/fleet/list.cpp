@@ -200,7 +200,7 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
             news.add(gateway);
     };
     Exchange exchange(link, {kAllStates}, watcher, nullptr);
-    if (!exchange.awaitAnyBroker([&signals] { return signals.haveCome(); }))
+    if (!exchange.awaitAnyBroker(signals))
         return console.fail(ctl::ExitCode::kIpcFailed, exchange.lastLoss());
 
     const std::vector<std::string> names = gatewaysOf(filter, roll);
