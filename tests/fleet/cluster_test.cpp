@@ -42,7 +42,7 @@ protected:
         for (unsigned number = 1; number <= kGatewaysOfCluster; ++number)
             names_.push_back(Home::nameOf(number));
         authority_.certify(names_);
-        cluster_ = std::make_unique<RabbitCluster>(kNodes, authority_.directory(), "noc-1", names_);
+        cluster_ = std::make_unique<RabbitCluster>(kNodes, authority_.directory(), std::vector<std::string>{"noc-1"}, names_);
     }
 
     // A client's whose list of brokers begins with that node.

@@ -8,6 +8,9 @@
 #include <fstream>
 #include <stdexcept>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace fleet_test
 {
 
@@ -19,7 +22,7 @@ constexpr char kPrograms[] = "/usr/lib/rabbitmq/bin/"; // those in the search pa
 
 } // namespace
 
-RabbitCluster::RabbitCluster(std::size_t size, const std::string& certificates, const std::string& operators,
+RabbitCluster::RabbitCluster(std::size_t size, const std::string& certificates, const std::vector<std::string>& operators,
                              const std::vector<std::string>& gateways)
 {
     writeDefinitions(operators, gateways);
@@ -39,17 +42,23 @@ RabbitCluster::RabbitCluster(std::size_t size, const std::string& certificates, 
         start(at);
 }
 
-void RabbitCluster::writeDefinitions(const std::string& operators, const std::vector<std::string>& gateways) const
+void RabbitCluster::writeDefinitions(const std::vector<std::string>& operators, const std::vector<std::string>& gateways) const
 {
     {
         std::ofstream names(directory_.path("names"));
         for (const std::string& gateway : gateways)
             names << gateway << '\n';
     }
-    const std::string command = std::string(PACKAGING) + "/rabbitmq/make-definitions " + operators + " < " +
-                                directory_.path("names") + " > " + directory_.path("definitions.json");
-    if (std::system(command.c_str()) != 0)
-        throw std::runtime_error("no definitions: " + command);
+    std::vector<std::string> words{PACKAGING "/rabbitmq/make-definitions"};
+    words.insert(words.end(), operators.begin(), operators.end());
+    const int names = open(directory_.path("names").c_str(), O_RDONLY | O_CLOEXEC);
+    tarn::test::Pipe definitions;
+    tarn::test::Process process(words, {names, definitions.writing(), STDERR_FILENO});
+    close(names);
+    definitions.closeWriting();
+    std::ofstream(directory_.path("definitions.json")) << definitions.rest();
+    if (process.finish() != 0)
+        throw std::runtime_error(words.front() + " has failed");
 }
 
 // The shipped file, with other paths and ports; in a cluster, with the lines that are for one.

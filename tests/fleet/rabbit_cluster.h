@@ -20,7 +20,7 @@ class RabbitCluster
 public:
     // `certificates` is the directory that packaging/make-test-authority has made. The nodes are started one after another: a
     // cluster whose nodes start together may refuse clients for minutes.
-    RabbitCluster(std::size_t size, const std::string& certificates, const std::string& operators,
+    RabbitCluster(std::size_t size, const std::string& certificates, const std::vector<std::string>& operators,
                   const std::vector<std::string>& gateways);
 
     std::uint16_t port(std::size_t node) const
@@ -43,7 +43,7 @@ private:
     };
 
     ServerProcess::Environment environment(const Node& node) const;
-    void writeDefinitions(const std::string& operators, const std::vector<std::string>& gateways) const;
+    void writeDefinitions(const std::vector<std::string>& operators, const std::vector<std::string>& gateways) const;
     void configure(const Node& node, const std::string& certificates) const;
 
     tarn::test::TemporaryDirectory directory_;

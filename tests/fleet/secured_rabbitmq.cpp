@@ -11,7 +11,7 @@ class SecuredRabbit : public SecuredBroker
 {
 public:
     SecuredRabbit(const std::string& certificates, const std::vector<std::string>& gateways)
-        : broker_(1, certificates, "noc-1 noc-2", gateways)
+        : broker_(1, certificates, {"noc-1", "noc-2"}, gateways)
     {
     }
 
