@@ -392,8 +392,8 @@ void Bridge::answerPing(const Envelope& ping)
     post(replyTopic(ping.operatorId, settings_.link.clientId), pong, false);
 }
 
-// Why a request is not to be carried out, as far as it can be told on arrival.
-Refusal Bridge::judge(const Envelope& request, std::size_t function, std::uint64_t now)
+// Why a request is not to be carried out, as far as the request itself tells.
+Refusal Bridge::judge(const Envelope& request, std::size_t function, std::uint64_t now) const
 {
     if (request.run != 0 && (request.run != run_ || request.clock > now + kClockTolerance))
         return Refusal::kOtherRun;
@@ -409,15 +409,7 @@ Refusal Bridge::judge(const Envelope& request, std::size_t function, std::uint64
         return Refusal::kNoRun;
     if (request.run != 0 && request.clock + request.live <= now)
         return Refusal::kLate;
-
-    const Guard guard(*this);
-    if (isStopping_)
-        return Refusal::kStopping;
-    if (!policy_.allows(function))
-        return Refusal::kPolicy;
-    if (!kContractFunctions[function].reads && !changes_.take(policy_.rateOfChanges(), now))
-        return Refusal::kRate;
-    return calls_.take(policy_.rate(), now) ? Refusal::kNone : Refusal::kRate;
+    return Refusal::kNone;
 }
 
 void Bridge::admit(const Envelope& request)
@@ -466,24 +458,31 @@ void Bridge::admit(const Envelope& request)
 
     Refusal refusal = verdict == SeenRequests::Verdict::kNoRoom ? Refusal::kBusy : judge(request, call->function, now);
     if (refusal == Refusal::kNone)
-        refusal = queue(call);
+        refusal = queue(call, now);
     if (refusal != Refusal::kNone)
         refuse(call, refusal);
 }
 
-// Gives the request to its service's thread, which then owns it.
-Refusal Bridge::queue(Call* call)
+// Gives the request to its service's thread, which then owns it, unless the policy or what waits already is against it.
+Refusal Bridge::queue(Call* call, std::uint64_t now)
 {
-    Worker& worker = workers_[kContractFunctions[call->function].service];
+    const ContractFunction& function = kContractFunctions[call->function];
+    Worker& worker = workers_[function.service];
     const Guard guard(*this);
     if (isStopping_)
         return Refusal::kStopping;
+    if (!policy_.allows(call->function))
+        return Refusal::kPolicy;
     if (worker.calls.count >= kMostWaiting)
         return Refusal::kBusy;
     if (!worker.isRunning)
         worker.isRunning = startThread(worker.thread, workerThread, &worker);
     if (!worker.isRunning)
         return Refusal::kBusy;
+    // At last, and both or none: what is refused uses nothing up.
+    if (!calls_.hasOne(policy_.rate(), now) || (!function.reads && !changes_.take(policy_.rateOfChanges(), now)))
+        return Refusal::kRate;
+    calls_.take(policy_.rate(), now);
     worker.calls.add(call);
     pthread_cond_signal(&worker.changed);
     return Refusal::kNone;

@@ -51,7 +51,7 @@ struct BridgeCounters
     std::uint32_t pings = 0;
     std::uint32_t executed = 0;   // calls that the platform has made
     std::uint32_t refused = 0;    // requests that were refused
-    std::uint32_t repeated = 0;   // requests and pings that had been here before, dropped
+    std::uint32_t repeated = 0;   // requests that had been here before, dropped
     std::uint32_t malformed = 0;  // what was no envelope, or of a kind that is not for gateways, dropped
     std::uint32_t unanswered = 0; // answers that were dropped, because the connection was gone or too slow
     std::uint32_t events = 0;     // events of the platform
@@ -142,8 +142,8 @@ private:
     void receive(const void* payload, std::size_t size);
     void answerPing(const Envelope& ping);
     void admit(const Envelope& request);
-    Refusal judge(const Envelope& request, std::size_t function, std::uint64_t now);
-    Refusal queue(Call* call);
+    Refusal judge(const Envelope& request, std::size_t function, std::uint64_t now) const;
+    Refusal queue(Call* call, std::uint64_t now);
     void serve(Worker& worker);
     void carryOut(Call* call, void* message);
     void refuse(Call* call, Refusal refusal);

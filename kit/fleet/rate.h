@@ -15,8 +15,8 @@ struct Rate
 class Bucket
 {
 public:
-    // Takes one call out of the bucket, at a time in milliseconds that never goes back. False if there is none left.
-    bool take(const Rate& rate, std::uint64_t now)
+    // Whether a call is left, at a time in milliseconds that never goes back.
+    bool hasOne(const Rate& rate, std::uint64_t now)
     {
         if (rate.calls == 0)
             return true;
@@ -30,9 +30,15 @@ public:
         else
             level_ += passed * rate.calls;
         isFilled_ = true;
-        if (level_ < rate.milliseconds)
+        return level_ >= rate.milliseconds;
+    }
+    // Takes one out of the bucket. False if there is none left.
+    bool take(const Rate& rate, std::uint64_t now)
+    {
+        if (!hasOne(rate, now))
             return false;
-        level_ -= rate.milliseconds;
+        if (rate.calls != 0)
+            level_ -= rate.milliseconds;
         return true;
     }
 

@@ -266,6 +266,30 @@ TEST_F(BridgeTest, ARateIsKept)
     EXPECT_EQ(platform_.asked().size(), 4u);
 }
 
+TEST_F(BridgeTest, WhatOneRateRefusesUsesUpNothingOfTheOther)
+{
+    start(policyOf({"allow *", "rate 1/h", "rate changes 1/h"}));
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kGetRadioNum, kLong)), Refusal::kNone);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kRate) << "the rate of all calls";
+    bridge_->setPolicy(policyOf({"allow *", "rate changes 1/h"}));
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kNone);
+}
+
+TEST_F(BridgeTest, WhatIsRefusedBecauseTooManyWaitUsesUpNothingOfARate)
+{
+    start(policyOf({"allow *", "rate changes 1/h"}));
+    platform_.hold(true);
+    operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
+    ASSERT_TRUE(asksSoon(1));
+    for (std::uint32_t waiting = 0; waiting < Bridge::kMostWaiting; ++waiting)
+        operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kBusy);
+    platform_.hold(false);
+    for (std::uint32_t reply = 0; reply <= Bridge::kMostWaiting; ++reply)
+        EXPECT_TRUE(operator_.take(Kind::kReply)) << reply;
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kNone);
+}
+
 TEST_F(BridgeTest, ARequestThatComesAgainIsNotCarriedOutAgain)
 {
     start(policyOf({"allow *"}));
