@@ -173,6 +173,13 @@ TEST_F(PolicyFileTest, IsRefusedWithTheLineThatIsWrong)
     EXPECT_EQ(read(std::string(255, ' ') + "\n" + std::string(255, '#') + "\n", policy), "");
 }
 
+TEST_F(PolicyFileTest, IsRefusedIfItsEndIsLost)
+{
+    Policy policy;
+    EXPECT_EQ(read("allow *\n" + std::string(100, '\0'), policy), path_ + ":2: expected text, not a byte of 0");
+    EXPECT_EQ(read("allow *\n#" + std::string(1, '\0') + "\ndeny *\n", policy), path_ + ":2: expected text, not a byte of 0");
+}
+
 TEST_F(PolicyFileTest, IsRefusedIfItCannotBeRead)
 {
     Policy policy;
