@@ -1,8 +1,8 @@
 #include "bridge.h"
 #include "clock.h"
+#include "lock.h"
 #include "random_number.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -39,12 +39,9 @@ std::uint32_t statusOf(Refusal refusal)
 // An operator's clocks and ours may come apart by so much between two envelopes; a request that is further ahead is not from
 // this run.
 constexpr std::uint64_t kClockTolerance = 60000;
-// An answer or an event that the broker has not taken by then is dropped.
-constexpr std::uint64_t kParcelLife = 30000;
 // What serves a call's message, TLS and the IPC library.
 constexpr std::size_t kStackSize = 262144;
 constexpr int kTurn = 1000;
-constexpr Rate kMostLines = {50, 1000};
 
 } // namespace
 
@@ -65,57 +62,6 @@ struct Bridge::Call
     std::uint8_t message[1]; // `present` bytes
 };
 
-// What waits for the broker.
-struct Bridge::Parcel
-{
-    Parcel* next;
-    std::uint64_t postedAt;
-    std::size_t size;
-    Topic topic;
-    bool isEvent;
-    std::uint8_t payload[1]; // `size` bytes
-};
-
-class Bridge::Guard
-{
-public:
-    explicit Guard(const Bridge& bridge) : mutex_(bridge.mutex_)
-    {
-        pthread_mutex_lock(&mutex_);
-    }
-    ~Guard()
-    {
-        pthread_mutex_unlock(&mutex_);
-    }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-
-private:
-    pthread_mutex_t& mutex_;
-};
-
-template <typename Item>
-void Bridge::Queue<Item>::add(Item* item)
-{
-    item->next = nullptr;
-    (last == nullptr ? first : last->next) = item;
-    last = item;
-    ++count;
-}
-
-template <typename Item>
-Item* Bridge::Queue<Item>::take()
-{
-    Item* item = first;
-    if (item == nullptr)
-        return nullptr;
-    first = item->next;
-    if (first == nullptr)
-        last = nullptr;
-    --count;
-    return item;
-}
-
 // --- Beginning and end ------------------------------------------------------------------------------------------------------
 
 Bridge::Bridge(const BridgeSettings& settings, const BridgePlatform& platform, const Policy& policy)
@@ -123,7 +69,8 @@ Bridge::Bridge(const BridgeSettings& settings, const BridgePlatform& platform, c
       platform_(platform),
       startedAt_(monotonicMilliseconds()),
       link_(settings.link, LinkHandlers{this, prepare, connected, subscribed, received, lost, renew}),
-      policy_(policy)
+      policy_(policy),
+      log_(platform.log, platform.context)
 {
     for (Worker& worker : workers_)
     {
@@ -135,8 +82,6 @@ Bridge::Bridge(const BridgeSettings& settings, const BridgePlatform& platform, c
 Bridge::~Bridge()
 {
     stop();
-    while (Parcel* parcel = parcels_.take())
-        std::free(parcel);
     for (Worker& worker : workers_)
     {
         while (Call* call = worker.calls.take())
@@ -176,7 +121,7 @@ void Bridge::stop()
     if (!isRunning_)
         return;
     {
-        const Guard guard(*this);
+        const Lock lock(mutex_);
         isStopping_ = true;
         for (Worker& worker : workers_)
             pthread_cond_signal(&worker.changed);
@@ -187,7 +132,7 @@ void Bridge::stop()
             pthread_join(worker.thread, nullptr);
     // All answers are posted now, and the broker's thread may end.
     {
-        const Guard guard(*this);
+        const Lock lock(mutex_);
         for (Worker& worker : workers_)
             worker.isRunning = false;
     }
@@ -198,14 +143,19 @@ void Bridge::stop()
 
 void Bridge::setPolicy(const Policy& policy)
 {
-    const Guard guard(*this);
+    const Lock lock(mutex_);
     policy_ = policy;
 }
 
 BridgeCounters Bridge::counters() const
 {
-    const Guard guard(*this);
-    return counters_;
+    BridgeCounters all;
+    {
+        const Lock lock(mutex_);
+        all = counters_;
+    }
+    static_cast<OutboxCounters&>(all) = outbox_.counters();
+    return all;
 }
 
 void Bridge::wake() const
@@ -236,12 +186,12 @@ void Bridge::serveBroker()
         char bytes[64];
         while (read(wakeup_[0], bytes, sizeof bytes) > 0)
             ;
-        sendParcels();
-        const Guard guard(*this);
+        outbox_.send(link_);
+        const Lock lock(mutex_);
         isDone = isStopping_;
         for (const Worker& worker : workers_)
             isDone = isDone && !worker.isRunning;
-        isDone = isDone && (parcels_.first == nullptr || !link_.isUp());
+        isDone = isDone && (outbox_.isEmpty() || !link_.isUp());
     }
     takeLeave();
 }
@@ -307,16 +257,16 @@ void Bridge::subscribed(void* self)
     auto* bridge = static_cast<Bridge*>(self);
     bridge->announce(Kind::kBirth);
     {
-        const Guard guard(*bridge);
+        const Lock lock(bridge->mutex_);
         ++bridge->counters_.births;
     }
-    bridge->log(kLogNotice, "connected at attempt %u", bridge->connection_);
+    bridge->log_.line(kLogNotice, "connected at attempt %u", bridge->connection_);
 }
 
 void Bridge::lost(void* self, const char* broker, const char* reason)
 {
     auto* bridge = static_cast<Bridge*>(self);
-    bridge->log(kLogWarning, "no connection to the broker %s: %s", broker, reason);
+    bridge->log_.line(kLogWarning, "no connection to the broker %s: %s", broker, reason);
 }
 
 void Bridge::received(void* self, const char* /*topic*/, const void* payload, std::size_t size)
@@ -324,32 +274,6 @@ void Bridge::received(void* self, const char* /*topic*/, const void* payload, st
     auto* bridge = static_cast<Bridge*>(self);
     bridge->hasHeard_ = true;
     bridge->receive(payload, size);
-}
-
-// Sends what waits, as long as the connection takes it at once.
-void Bridge::sendParcels()
-{
-    for (;;)
-    {
-        Parcel* parcel = nullptr;
-        bool isTooOld = false;
-        {
-            const Guard guard(*this);
-            if (parcels_.first == nullptr)
-                return;
-            isTooOld = clock() - parcels_.first->postedAt >= kParcelLife; // in this order: it is posted by another thread
-            if (!isTooOld && !link_.isClear())
-                return;
-            parcel = parcels_.take();
-            --(parcel->isEvent ? events_ : answers_);
-        }
-        if (isTooOld || !link_.publish(parcel->topic.text, parcel->payload, parcel->size, false))
-        {
-            const Guard guard(*this);
-            ++(parcel->isEvent ? counters_.lostEvents : counters_.unanswered);
-        }
-        std::free(parcel);
-    }
 }
 
 // --- Requests ---------------------------------------------------------------------------------------------------------------
@@ -362,11 +286,11 @@ void Bridge::receive(const void* payload, std::size_t size)
     if (fault != Fault::kNone || !isForGateways)
     {
         {
-            const Guard guard(*this);
+            const Lock lock(mutex_);
             ++counters_.malformed;
         }
-        return log(kLogWarning, "dropped %zu bytes: %s", size,
-                   fault != Fault::kNone ? describe(fault) : "expected a request or a ping");
+        return log_.line(kLogWarning, "dropped %zu bytes: %s", size,
+                         fault != Fault::kNone ? describe(fault) : "expected a request or a ping");
     }
     if (envelope.kind == Kind::kPing)
         answerPing(envelope);
@@ -380,16 +304,13 @@ void Bridge::answerPing(const Envelope& ping)
     pong.session = ping.session;
     pong.sequence = ping.sequence;
     {
-        const Guard guard(*this);
+        const Lock lock(mutex_);
         ++counters_.pings;
-        if (answers_ >= kMostAnswers)
-        {
-            ++counters_.unanswered;
-            return;
-        }
-        ++answers_;
     }
-    post(replyTopic(ping.operatorId, settings_.link.clientId), pong, false);
+    if (!outbox_.reserveAnswer())
+        return;
+    outbox_.postAnswer(replyTopic(ping.operatorId, settings_.link.clientId), pong);
+    wake();
 }
 
 // Why a request is not to be carried out, as far as the request itself tells.
@@ -420,29 +341,21 @@ void Bridge::admit(const Envelope& request)
     // made again.
     const std::uint64_t dead = isOfThisRun ? request.clock + request.live : 0;
     const SeenRequests::Verdict verdict = seen_.see(request.session, request.sequence, dead, now);
-    const char* dropped = nullptr;
+    const bool isRepeated = verdict == SeenRequests::Verdict::kSeen;
     {
-        const Guard guard(*this);
+        const Lock lock(mutex_);
         ++counters_.requests;
-        if (verdict == SeenRequests::Verdict::kSeen)
-        {
+        if (isRepeated)
             ++counters_.repeated;
-            dropped = "it has been here before";
-        }
-        else if (answers_ >= kMostAnswers)
-        {
-            ++counters_.unanswered;
-            dropped = "too many answers wait for the broker";
-        }
-        else
-            ++answers_; // its answer has its place
     }
-    if (dropped != nullptr)
-        return log(kLogWarning, "dropped a request of %s: %s", request.operatorId, dropped);
+    if (isRepeated)
+        return log_.line(kLogWarning, "dropped a request of %s: it has been here before", request.operatorId);
+    if (!outbox_.reserveAnswer())
+        return log_.line(kLogWarning, "dropped a request of %s: too many answers wait for the broker", request.operatorId);
 
     auto* call = static_cast<Call*>(std::malloc(sizeof(Call) + request.present));
     if (call == nullptr)
-        return giveUpAnswer();
+        return outbox_.giveUpAnswer();
     call->session = request.session;
     call->sequence = request.sequence;
     call->dead = request.live + (request.run != 0 && request.clock < now ? request.clock : now);
@@ -468,7 +381,7 @@ Refusal Bridge::queue(Call* call, std::uint64_t now)
 {
     const ContractFunction& function = kContractFunctions[call->function];
     Worker& worker = workers_[function.service];
-    const Guard guard(*this);
+    const Lock lock(mutex_);
     if (isStopping_)
         return Refusal::kStopping;
     if (!policy_.allows(call->function))
@@ -505,7 +418,7 @@ void Bridge::serve(Worker& worker)
         Call* call = nullptr;
         Refusal refusal = Refusal::kNone;
         {
-            const Guard guard(*this);
+            const Lock lock(mutex_);
             while (!isStopping_ && worker.calls.first == nullptr)
                 pthread_cond_wait(&worker.changed, &mutex_);
             call = worker.calls.take();
@@ -538,11 +451,11 @@ void Bridge::carryOut(Call* call, void* message)
     const std::uint32_t status =
         platform_.execute(platform_.context, kCallerId, call->service, call->wait, call->command, call->length, message);
     {
-        const Guard guard(*this);
+        const Lock lock(mutex_);
         ++counters_.executed;
     }
     if (!kContractFunctions[call->function].reads)
-        log(kLogNotice, "%s called %s: IPC status %u", call->operatorId, kContractFunctions[call->function].name, status);
+        log_.line(kLogNotice, "%s called %s: IPC status %u", call->operatorId, kContractFunctions[call->function].name, status);
     answer(*call, Refusal::kNone, status, message);
     std::free(call);
 }
@@ -550,12 +463,13 @@ void Bridge::carryOut(Call* call, void* message)
 void Bridge::refuse(Call* call, Refusal refusal)
 {
     {
-        const Guard guard(*this);
+        const Lock lock(mutex_);
         ++counters_.refused;
     }
     const bool isKnown = call->function != kContractFunctionCount;
-    log(kLogWarning, "refused %s a call of %s (%s %u): %s", call->operatorId,
-        isKnown ? kContractFunctions[call->function].name : "no function", call->service, call->command, describe(refusal));
+    log_.line(kLogWarning, "refused %s a call of %s (%s %u): %s", call->operatorId,
+              isKnown ? kContractFunctions[call->function].name : "no function", call->service, call->command,
+              describe(refusal));
     answer(*call, refusal, statusOf(refusal), nullptr);
     std::free(call);
 }
@@ -579,52 +493,17 @@ void Bridge::answer(const Call& call, Refusal refusal, std::uint32_t status, con
         reply.length = reply.present = call.length;
         reply.message = message;
     }
-    post(replyTopic(call.operatorId, settings_.link.clientId), reply, false);
-}
-
-// The place that an answer had is free again, without one.
-void Bridge::giveUpAnswer()
-{
-    const Guard guard(*this);
-    --answers_;
-    ++counters_.unanswered;
-}
-
-// --- What goes out ----------------------------------------------------------------------------------------------------------
-
-// Gives it to the broker's thread. It has its place among the answers or events already.
-void Bridge::post(const Topic& topic, const Envelope& envelope, bool isEvent)
-{
-    const std::size_t room = kHeaderSize + kIdSize + kServiceSize + envelope.present;
-    auto* parcel = static_cast<Parcel*>(std::malloc(sizeof(Parcel) + room));
-    if (parcel == nullptr || encode(envelope, parcel->payload, room, parcel->size) != Fault::kNone)
-    {
-        std::free(parcel);
-        if (!isEvent)
-            return giveUpAnswer();
-        const Guard guard(*this);
-        --events_;
-        ++counters_.lostEvents;
-        return;
-    }
-    // Most messages end in many zeros, which are not kept.
-    if (void* smaller = std::realloc(parcel, sizeof(Parcel) + parcel->size); smaller != nullptr)
-        parcel = static_cast<Parcel*>(smaller);
-    parcel->topic = topic;
-    parcel->isEvent = isEvent;
-    parcel->postedAt = clock();
-    {
-        const Guard guard(*this);
-        parcels_.add(parcel);
-    }
+    outbox_.postAnswer(replyTopic(call.operatorId, settings_.link.clientId), reply);
     wake();
 }
+
+// --- Events -----------------------------------------------------------------------------------------------------------------
 
 void Bridge::publishEvent(const char* service, std::uint32_t event, const void* data, std::uint32_t length)
 {
     const std::size_t index = findService(service);
     if (index == kContractServiceCount)
-        return log(kLogWarning, "dropped event %u of %s: the contract has no such service", event, service);
+        return log_.line(kLogWarning, "dropped event %u of %s: the contract has no such service", event, service);
     Envelope envelope;
     envelope.kind = Kind::kEvent;
     envelope.byteOrder = kOwnByteOrder;
@@ -635,47 +514,8 @@ void Bridge::publishEvent(const char* service, std::uint32_t event, const void* 
     envelope.length = envelope.present = length;
     envelope.message = data;
     std::snprintf(envelope.service, sizeof envelope.service, "%s", service);
-    {
-        const Guard guard(*this);
-        ++counters_.events;
-        envelope.sequence = ++eventNumbers_[index];
-        if (events_ >= kMostEvents || check(envelope) != Fault::kNone)
-        {
-            ++counters_.lostEvents;
-            return;
-        }
-        ++events_;
-    }
-    post(eventTopic(settings_.link.clientId, service), envelope, true);
-}
-
-// Not more lines than somebody may want to read, whatever arrives.
-void Bridge::log(int priority, const char* format, ...)
-{
-    std::uint32_t hidden = 0;
-    {
-        const Guard guard(*this);
-        if (!lines_.take(kMostLines, clock()))
-        {
-            ++hiddenLines_;
-            return;
-        }
-        hidden = hiddenLines_;
-        hiddenLines_ = 0;
-    }
-    if (platform_.log == nullptr)
-        return;
-    char line[512];
-    if (hidden > 0)
-    {
-        std::snprintf(line, sizeof line, "%u lines are left out here", hidden);
-        platform_.log(platform_.context, kLogWarning, line);
-    }
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
-    platform_.log(platform_.context, priority, line);
+    outbox_.postEvent(eventTopic(settings_.link.clientId, service), envelope, eventNumbers_[index]);
+    wake();
 }
 
 } // namespace tarn::fleet

@@ -6,10 +6,13 @@
  * remembered. Needs libmosquitto, threads, and no C++ run-time library. */
 #pragma once
 
+#include "bridge_log.h"
 #include "broker_link.h"
 #include "contract_table.h"
 #include "envelope.h"
+#include "outbox.h"
 #include "policy.h"
+#include "queue.h"
 #include "rate.h"
 #include "seen_requests.h"
 
@@ -21,12 +24,6 @@
 namespace tarn::fleet
 {
 
-// Priorities of log lines, those of syslog.
-inline constexpr int kLogError = 3;
-inline constexpr int kLogWarning = 4;
-inline constexpr int kLogNotice = 5;
-inline constexpr int kLogInfo = 6;
-
 // What a bridge is told to use. `context` is passed to all functions, which may be called from several threads at once.
 struct BridgePlatform
 {
@@ -34,8 +31,7 @@ struct BridgePlatform
     // KorIilExecute.
     std::uint32_t (*execute)(void* context, const char* callerId, const char* service, std::uint32_t wait,
                              std::uint32_t command, std::uint32_t length, void* message) = nullptr;
-    // Writes a line without its line feed; may be null.
-    void (*log)(void* context, int priority, const char* line) = nullptr;
+    BridgeLog::Write log = nullptr;
 };
 
 struct BridgeSettings
@@ -45,18 +41,15 @@ struct BridgeSettings
 };
 
 // All since the start.
-struct BridgeCounters
+struct BridgeCounters : OutboxCounters
 {
     std::uint32_t requests = 0; // envelopes that were requests
     std::uint32_t pings = 0;
-    std::uint32_t executed = 0;   // calls that the platform has made
-    std::uint32_t refused = 0;    // requests that were refused
-    std::uint32_t repeated = 0;   // requests that had been here before, dropped
-    std::uint32_t malformed = 0;  // what was no envelope, or of a kind that is not for gateways, dropped
-    std::uint32_t unanswered = 0; // answers that were dropped, because the connection was gone or too slow
-    std::uint32_t events = 0;     // events of the platform
-    std::uint32_t lostEvents = 0; // of these, dropped
-    std::uint32_t births = 0;     // connections to a broker
+    std::uint32_t executed = 0;  // calls that the platform has made
+    std::uint32_t refused = 0;   // requests that were refused
+    std::uint32_t repeated = 0;  // requests that had been here before, dropped
+    std::uint32_t malformed = 0; // what was no envelope, or of a kind that is not for gateways, dropped
+    std::uint32_t births = 0;    // connections to a broker
 };
 
 class Bridge
@@ -66,9 +59,6 @@ public:
     static constexpr char kCallerId[] = "tarn-bridge";
     // Requests that wait for a service, at most.
     static constexpr std::uint32_t kMostWaiting = 16;
-    // Answers that wait for the broker, at most; then requests are dropped. And events.
-    static constexpr std::uint32_t kMostAnswers = 64;
-    static constexpr std::uint32_t kMostEvents = 64;
 
     // The settings have to stay where they are.
     Bridge(const BridgeSettings& settings, const BridgePlatform& platform, const Policy& policy);
@@ -98,19 +88,6 @@ public:
 
 private:
     struct Call;
-    struct Parcel;
-
-    // First in, first out.
-    template <typename Item>
-    struct Queue
-    {
-        Item* first = nullptr;
-        Item* last = nullptr;
-        std::uint32_t count = 0;
-
-        void add(Item* item);
-        Item* take(); // null if it is empty
-    };
 
     struct Worker
     {
@@ -120,8 +97,6 @@ private:
         pthread_t thread;
         bool isRunning = false; // until stop has joined it
     };
-
-    class Guard;
 
     static void* brokerThread(void* self);
     static void* workerThread(void* worker);
@@ -134,7 +109,6 @@ private:
 
     void serveBroker();
     void takeLeave();
-    void sendParcels();
     void announce(Kind kind);
     Envelope presence(Kind kind) const;
     std::uint64_t clock() const;
@@ -148,11 +122,8 @@ private:
     void carryOut(Call* call, void* message);
     void refuse(Call* call, Refusal refusal);
     void answer(const Call& call, Refusal refusal, std::uint32_t status, const void* message);
-    void giveUpAnswer();
-    void post(const Topic& topic, const Envelope& envelope, bool isEvent);
 
     void wake() const;
-    __attribute__((format(printf, 3, 4))) void log(int priority, const char* format, ...);
 
     const BridgeSettings& settings_;
     const BridgePlatform platform_;
@@ -172,14 +143,14 @@ private:
     mutable pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
     bool isStopping_ = false;
     Policy policy_;
-    Bucket calls_, changes_, lines_;
-    std::uint32_t hiddenLines_ = 0;
+    Bucket calls_, changes_;
     Worker workers_[kContractServiceCount];
-    Queue<Parcel> parcels_;
-    std::uint32_t answers_ = 0; // among the parcels, and those that calls under way will be
-    std::uint32_t events_ = 0;  // among the parcels
-    std::uint32_t eventNumbers_[kContractServiceCount] = {};
-    BridgeCounters counters_;
+    BridgeCounters counters_; // without the outbox's
+
+    // Of all threads, each with a mutex of its own.
+    Outbox outbox_;
+    BridgeLog log_;
+    std::uint32_t eventNumbers_[kContractServiceCount] = {}; // the latest; under the outbox's
 };
 
 } // namespace tarn::fleet

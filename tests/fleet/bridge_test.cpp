@@ -444,21 +444,48 @@ TEST_F(BridgeTest, EventsAreCarriedInOrderWithTheirNumbers)
     }
 }
 
+TEST_F(BridgeTest, EventsOfSeveralThreadsLeaveInTheOrderOfTheirNumbers)
+{
+    constexpr std::uint32_t kThreads = 4, kEach = 15, kRounds = 50;
+    start();
+    for (std::uint32_t round = 0; round < kRounds; ++round)
+    {
+        std::vector<std::thread> threads;
+        for (std::uint32_t thread = 0; thread < kThreads; ++thread)
+            threads.emplace_back(
+                [this]
+                {
+                    const Bytes data(1000, 1);
+                    for (std::uint32_t event = 0; event < kEach; ++event)
+                        bridge_->publishEvent("TARN", 1, data.data(), static_cast<std::uint32_t>(data.size()));
+                });
+        for (std::thread& thread : threads)
+            thread.join();
+        for (std::uint32_t number = round * kThreads * kEach + 1; number <= (round + 1) * kThreads * kEach; ++number)
+        {
+            const auto event = operator_.take(Kind::kEvent);
+            ASSERT_TRUE(event);
+            ASSERT_EQ(event->envelope.sequence, number);
+        }
+    }
+    EXPECT_EQ(bridge_->counters().lostEvents, 0u);
+}
+
 TEST_F(BridgeTest, EventsThatAreTooManyAreDroppedAndLeaveAGap)
 {
     start();
     broker_.kill();
     ASSERT_TRUE(operator_.await([&] { return platform_.lines().size() > 1; }));
-    for (std::uint32_t event = 0; event < Bridge::kMostEvents + 10; ++event)
+    for (std::uint32_t event = 0; event < Outbox::kMostEvents + 10; ++event)
         bridge_->publishEvent("TARN", 1, nullptr, 0);
     EXPECT_EQ(bridge_->counters().lostEvents, 10u);
     broker_.start();
     ASSERT_TRUE(operator_.ping("home-1"));
     bridge_->publishEvent("TARN", 1, nullptr, 0);
     const auto last = operator_.take(
-        [](const Arrived& each) { return each.envelope.kind == Kind::kEvent && each.envelope.sequence > Bridge::kMostEvents; });
+        [](const Arrived& each) { return each.envelope.kind == Kind::kEvent && each.envelope.sequence > Outbox::kMostEvents; });
     ASSERT_TRUE(last);
-    EXPECT_EQ(last->envelope.sequence, Bridge::kMostEvents + 11);
+    EXPECT_EQ(last->envelope.sequence, Outbox::kMostEvents + 11);
 }
 
 TEST_F(BridgeTest, ABirthIsRetainedAndAWillFollowsWhenItStops)
