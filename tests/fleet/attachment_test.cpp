@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -267,7 +268,9 @@ TEST_F(AttachmentTest, ABridgeThatWasRestartedMakesTheNextCallAllTheSame)
     EXPECT_EQ(call(kSetLogLevel, message), std::uint32_t{KOR_IIL_OK});
     bridge_.reset();
     startBridge();
+    setenv("KORIIL_WAIT_FOR_SERVICE", "on", 1); // the services are opened anew, so that subscribers learn of the loss
     EXPECT_EQ(call(kSetLogLevel, message), std::uint32_t{KOR_IIL_OK});
+    unsetenv("KORIIL_WAIT_FOR_SERVICE");
     EXPECT_EQ(platform_.calls, 2u);
 }
 
