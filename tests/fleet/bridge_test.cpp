@@ -321,9 +321,7 @@ TEST_F(BridgeTest, ARequestThatIsOvertakenIsCarriedOutOnce)
 TEST_F(BridgeTest, ARequestThatWasHeldUpOnItsWayIsNotCarriedOut)
 {
     start(policyOf({"allow *"}));
-    Envelope request = operator_.request("TARN", kSetLogLevel, 12);
-    request.live = 300;
-    operator_.send("home-1", request);
+    operator_.send("home-1", operator_.request("TARN", kSetLogLevel, 12));
     ASSERT_TRUE(asksSoon(1)) << "in time, it is";
     Envelope held = operator_.request("TARN", kSetLogLevel, 12);
     held.live = 300;
@@ -565,7 +563,8 @@ TEST_F(BridgeTest, AtItsEndWhatWaitsIsRefusedAndWhatIsUnderWayIsAnswered)
     operator_.send("home-1", waits);
     ASSERT_TRUE(operator_.await([&] { return bridge_->counters().requests == 2 && platform_.asked().size() == 1; }));
     std::thread stopping([&] { bridge_->stop(); });
-    operator_.await([] { return false; }, std::chrono::milliseconds(100));
+    // What its policy does not allow is refused for that until it stops.
+    EXPECT_TRUE(operator_.await([&] { return refusalOf(operator_.request("TARN", kSetLogLevel, 12)) == Refusal::kStopping; }));
     platform_.hold(false);
     stopping.join();
     const auto bySequence = [&](const Envelope& request)
