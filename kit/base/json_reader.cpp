@@ -87,7 +87,9 @@ JsonPlace JsonPlace::member(const Json& object, std::string_view key) const
 
 JsonPlace JsonPlace::element(const Json& list, std::size_t index) const
 {
-    return member(list, std::to_string(index));
+    JsonPlace place = member(list, {});
+    place.index_ = index;
+    return place;
 }
 
 JsonPlace JsonPlace::of(const std::string& subject) const
@@ -106,7 +108,7 @@ void JsonPlace::fail(const std::string& found, const std::string& expected) cons
     {
         Json::json_pointer pointer;
         appendWay(pointer, *document_, *container_);
-        pointer.push_back(key_);
+        pointer.push_back(container_->is_array() ? std::to_string(index_) : std::string(key_));
         text += pointer.to_string() + ": ";
     }
     throw JsonError(text + found + "; expected " + expected);
@@ -239,20 +241,20 @@ std::size_t JsonValue::indexIn(const std::vector<std::string_view>& words) const
 
 // --- JsonObject -------------------------------------------------------------------------------------------------------------
 
-JsonObject::JsonObject(const Json& json, JsonPlace place) : json_(&json), place_(std::move(place))
+JsonObject::JsonObject(const Json& json, const JsonPlace& place) : json_(&json), place_(place)
 {
     constexpr std::size_t kUsualKeys = 12;
     known_.reserve(kUsualKeys);
 }
 
-JsonValue JsonObject::operator[](const std::string& key)
+JsonValue JsonObject::operator[](std::string_view key)
 {
     ignore(key);
     const auto found = json_->find(key);
     return JsonValue(found == json_->end() ? nullptr : &*found, place_.member(*json_, key));
 }
 
-void JsonObject::ignore(const std::string& key)
+void JsonObject::ignore(std::string_view key)
 {
     if (std::find(known_.begin(), known_.end(), key) == known_.end())
         known_.push_back(key);
@@ -275,7 +277,7 @@ void JsonObject::finish() const
     {
         if (std::find(known_.begin(), known_.end(), key) != known_.end())
             continue;
-        const std::vector<std::string> closest = suggestions(key, known_, 1);
+        const std::vector<std::string> closest = suggestions(key, {known_.begin(), known_.end()}, 1);
         const std::string question = closest.empty() ? "" : " (did you mean " + closest.front() + "?)";
         place_.member(*json_, key).fail("unknown key" + question, "one of " + join(known_));
     }

@@ -49,7 +49,7 @@ public:
     // Of the whole document. Both arguments must outlive the place.
     JsonPlace(const nlohmann::ordered_json& document, const std::string& fileName);
 
-    // Of what an object or a list of the document has there, or lacks.
+    // Of what an object or a list of the document has there, or lacks. The key must outlive the place.
     JsonPlace member(const nlohmann::ordered_json& object, std::string_view key) const;
     JsonPlace element(const nlohmann::ordered_json& list, std::size_t index) const;
 
@@ -63,7 +63,8 @@ private:
     const std::string* fileName_;
     const std::string* subject_ = nullptr;              // none
     const nlohmann::ordered_json* container_ = nullptr; // what it is in; null for the whole document
-    std::string key_;                                   // in that, or the index
+    std::string_view key_;                              // in that, if it is an object,
+    std::size_t index_ = 0;                             // or else this
 };
 
 // A value of a document, which it must not outlive; or the place of one that is missing.
@@ -72,7 +73,7 @@ class JsonValue
 public:
     static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
-    JsonValue(const nlohmann::ordered_json* json, JsonPlace place) : json_(json), place_(std::move(place))
+    JsonValue(const nlohmann::ordered_json* json, const JsonPlace& place) : json_(json), place_(place)
     {
     }
 
@@ -139,17 +140,17 @@ private:
     JsonPlace place_;
 };
 
-// An object, read key by key. It remembers the keys asked for.
+// An object, read key by key. It remembers the keys asked for, which must outlive it.
 class JsonObject
 {
 public:
-    JsonObject(const nlohmann::ordered_json& json, JsonPlace place);
+    JsonObject(const nlohmann::ordered_json& json, const JsonPlace& place);
 
-    JsonValue operator[](const std::string& key);
+    JsonValue operator[](std::string_view key);
 
     // Leaves the target as it is if the key is missing. The limits are those of JsonValue's function for its type.
     template <typename Target, typename... Limits>
-    void read(const std::string& key, Target& target, const Limits&... limits)
+    void read(std::string_view key, Target& target, const Limits&... limits)
     {
         const JsonValue value = (*this)[key];
         if (!value)
@@ -163,7 +164,7 @@ public:
     }
 
     // A key for people, such as a comment: it may be there, and hold anything.
-    void ignore(const std::string& key);
+    void ignore(std::string_view key);
 
     // The value, if it is a text, names what the object describes, for errors in what is read from it later.
     void setSubject(const JsonValue& name);
@@ -176,7 +177,7 @@ public:
 private:
     const nlohmann::ordered_json* json_;
     JsonPlace place_;
-    std::vector<std::string> known_;
+    std::vector<std::string_view> known_;
 };
 
 class JsonDocument

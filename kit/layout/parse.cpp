@@ -58,10 +58,10 @@ void checkMemberName(const std::vector<Named>& earlier, const std::string& name,
                "one of the contract's");
 }
 
-void refuse(JsonObject& object, const std::string& key, const std::string& reason)
+void refuse(JsonObject& object, const char* key, const char* reason)
 {
     if (const JsonValue value = object[key])
-        value.fail("no such key, as " + reason);
+        value.fail("no such key, as " + std::string(reason));
 }
 
 // A key that is there and true, or not there.
