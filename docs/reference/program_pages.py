@@ -192,8 +192,10 @@ def pages(reference):
         markdown.write(page, Writer(reference.sections, "tarn-bridge"), document[section], title)
     result["tarn-bridge", 1] = _finish(page, later, [("tarn-gateway", 1), ("tarn", 7)])
     page, later = _page(reference, "tarn-fleet", "tarn-fleet")
-    document = markdown.sections(reference.read("docs/fleet.md"))
-    for title in ("Settings", "One gateway", "Many gateways", "Byte order", "What is promised, and what is not"):
-        markdown.write(page, Writer(reference.sections, "tarn-fleet"), document[title], title)
+    for path, titles in (("docs/fleet.md", ("Settings", "One gateway", "Many gateways")),
+                         ("docs/fleet-behaviour.md", ("Byte order", "What is promised, and what is not"))):
+        document = markdown.sections(reference.read(path))
+        for title in titles:
+            markdown.write(page, Writer(reference.sections, "tarn-fleet"), document[title], title)
     result["tarn-fleet", 1] = _finish(page, later, [("tarnctl", 1), ("tarn-bridge", 1), ("tarn-layout", 5), ("tarn", 7)])
     return result

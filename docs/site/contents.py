@@ -18,6 +18,7 @@ CHAPTERS = (
         ("layout-files.html", "kit/layout/README.md"),
         ("contract.html", "kit/contract/README.md"),
         ("fleet.html", "docs/fleet.md"),
+        ("fleet-behaviour.html", "docs/fleet-behaviour.md"),
         ("fleet-policy.html", "docs/fleet-policy.md"),
         ("fleet-envelope.html", "docs/fleet-envelope.md"),
     )),

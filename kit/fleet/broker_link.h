@@ -86,8 +86,8 @@ public:
     // Whether what is published now goes out at once, and is not kept in memory behind something else.
     bool isClear() const;
 
-    // Does nothing without a connection. A connection on which the broker refuses a subscription is lost: a client that does not
-    // hear what it depends on tries the next broker.
+    // Does nothing without a connection. A connection on which the broker refuses a subscription is lost: a client that does
+    // not hear what it depends on tries the next broker.
     void subscribe(const char* filter);
     // Ends the subscription and subscribes: RabbitMQ takes a second one for the first, even if it has lost that by half.
     void renew(const char* filter);
