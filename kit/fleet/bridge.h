@@ -70,7 +70,7 @@ public:
     // Connects to the broker, and goes on until stop. False if the system has no thread, descriptor or random number left.
     bool start();
     // Refuses what waits, lets calls that are under way end and answers them, takes leave of the broker. Returns when all is
-    // done: at the latest when the longest call ends.
+    // done: soon after the longest call has ended, even if the broker takes nothing.
     void stop();
 
     // From now on, also for requests that wait.
@@ -95,7 +95,7 @@ private:
         Queue<Call> calls;
         pthread_cond_t changed;
         pthread_t thread;
-        bool isRunning = false; // until stop has joined it
+        bool isRunning = false;
     };
 
     static void* brokerThread(void* self);
@@ -142,6 +142,7 @@ private:
     // Of all threads, under the mutex.
     mutable pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
     bool isStopping_ = false;
+    std::uint64_t leaveAt_ = 0; // when the broker's thread takes leave at the latest; 0: not yet
     Policy policy_;
     Bucket calls_, changes_;
     Worker workers_[kContractServiceCount];

@@ -577,6 +577,25 @@ TEST_F(BridgeTest, AtItsEndWhatWaitsIsRefusedAndWhatIsUnderWayIsAnswered)
     EXPECT_EQ(platform_.asked().size(), 1u);
 }
 
+TEST_F(BridgeTest, ABrokerThatTakesNothingDoesNotKeepItFromEnding)
+{
+    Relay relay(broker_.port());
+    settings_ = settingsOf("home-1", {relay.port()});
+    start();
+    relay.hold();
+    const Bytes data(kLongestMessage, 1);
+    ASSERT_TRUE(operator_.await(
+        [&]
+        {
+            bridge_->publishEvent("TARN", 1, data.data(), kLongestMessage);
+            return bridge_->counters().lostEvents > 0;
+        }));
+    const auto start = std::chrono::steady_clock::now();
+    bridge_->stop();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+    relay.release();
+}
+
 TEST_F(BridgeTest, AnswersGoToWhoAsked)
 {
     start();
