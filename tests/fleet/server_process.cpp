@@ -1,5 +1,6 @@
 #include "server_process.h"
 
+#include <cstdio>
 #include <random>
 #include <stdexcept>
 #include <thread>
@@ -8,6 +9,7 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace fleet_test
@@ -30,6 +32,20 @@ bool canBeDone(Act act, std::uint16_t port)
     return isDone;
 }
 
+// Among tests, for as long as this process lives: by a name that the kernel forgets with it. A server that is starting has not
+// bound its port yet, one that is down will want it again, and whoever tries meanwhile whether it answers may reach another's.
+bool reserve(std::uint16_t port)
+{
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    std::snprintf(address.sun_path + 1, sizeof address.sun_path - 1, "tarn-test-port-%u", unsigned{port}); // no file's name
+    const int reservation = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (bind(reservation, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return true; // stays open
+    close(reservation);
+    return false;
+}
+
 } // namespace
 
 std::uint16_t freePort()
@@ -39,7 +55,7 @@ std::uint16_t freePort()
     for (int attempt = 0; attempt < 1000; ++attempt)
     {
         const auto port = static_cast<std::uint16_t>(std::uniform_int_distribution<int>(kFirst, kLast)(random));
-        if (canBeDone(bind, port))
+        if (reserve(port) && canBeDone(bind, port))
             return port;
     }
     throw std::runtime_error("no free port");
