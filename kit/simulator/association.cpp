@@ -54,27 +54,26 @@ std::int32_t Model::signalAt(const Radio& radio, const Client& client) const
 
 bool Model::admits(const Interface& interface, const MacAddress& address, std::size_t associated) const
 {
-    return interface.admits(address, associated) && !isGroupFull(interface, address);
+    return interface.admits(address, associated) && !isGroupFull(interface, associated);
 }
 
-// The limit of an SSID group is one of all of the module's interfaces in it; those that have come first may stay.
-bool Model::isGroupFull(const Interface& interface, const MacAddress& address) const
+// The limit of an SSID group is one of all of the module's interfaces in it. Before a client that is new come all of their
+// stations, before one that is associated those of the interfaces before its own, and that many of its own.
+bool Model::isGroupFull(const Interface& interface, std::size_t associated) const
 {
     const auto limit = module.groupLimits.find(interface.settings.ssidGroupId);
     if (limit == module.groupLimits.end() || limit->second == 0 || !interface.radio->onModule)
         return false;
-    std::uint32_t before = 0;
+    std::size_t before = 0;
     for (const Radio& radio : radios)
         for (const Interface& other : radio.interfaces)
+        {
+            if (&other == &interface && associated < interface.stations.size())
+                return before + associated >= limit->second;
             if (radio.onModule && other.settings.ssidGroupId == interface.settings.ssidGroupId)
-                for (const Station& station : other.stations)
-                {
-                    if (station.address == address)
-                        return false;
-                    if (++before == limit->second)
-                        return true;
-                }
-    return false;
+                before += other.stations.size();
+        }
+    return before >= limit->second;
 }
 
 std::vector<Interface*> Model::allInterfaces()

@@ -171,7 +171,7 @@ private:
     bool suits(const Interface& interface, const Client& client) const;
     std::int32_t signalAt(const Radio& radio, const Client& client) const; // dBm
     bool admits(const Interface& interface, const MacAddress& address, std::size_t associated) const;
-    bool isGroupFull(const Interface& interface, const MacAddress& address) const;
+    bool isGroupFull(const Interface& interface, std::size_t associated) const;
     std::vector<Interface*> allInterfaces();
     void seek(std::size_t index, const std::vector<Interface*>& candidates);
     void seekAll();

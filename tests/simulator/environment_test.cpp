@@ -111,6 +111,24 @@ TEST_F(EnvironmentTest, BlockListAndGroupLimitAreKept)
     EXPECT_EQ(stationCount(1, 2), 1u); // the one without patience is gone
 }
 
+TEST_F(EnvironmentTest, AGroupsLimitIsOneOfAllItsInterfacesInTheirOrder)
+{
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_SSID_group_id)("wifi0", 1), kDone);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(1, 3), kDone);
+    EXPECT_EQ(stationCount(1, 1), 1u);
+    EXPECT_EQ(stationCount(1, 2), 2u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(1, 2), kDone);
+    EXPECT_EQ(stationCount(1, 1), 1u);
+    EXPECT_EQ(stationCount(1, 2), 1u);
+    EXPECT_EQ(CALL(tarn_qcsapi_wifi_set_bss_assoc_limit)(1, 1), kDone);
+    EXPECT_EQ(stationCount(1, 1), 1u);
+    EXPECT_EQ(stationCount(1, 2), 0u);
+    // One of those that wait takes the place of one that leaves, and no more.
+    EXPECT_EQ(CALL(TarnKickOutAccessPointAssociated)(1, 1, kPhone.data()), kDone);
+    passSeconds(100);
+    EXPECT_EQ(stationCount(1, 1) + stationCount(1, 2), 1u);
+}
+
 TEST_F(EnvironmentTest, OldClientsNeedTheirOldRates)
 {
     char rates[64] = {};
