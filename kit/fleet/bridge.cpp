@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <fcntl.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace tarn::fleet
@@ -90,9 +90,8 @@ Bridge::~Bridge()
             std::free(call);
         pthread_cond_destroy(&worker.changed);
     }
-    for (const int end : wakeup_)
-        if (end >= 0)
-            close(end);
+    if (wakeup_ >= 0)
+        close(wakeup_);
 }
 
 namespace
@@ -114,7 +113,8 @@ bool startThread(pthread_t& thread, void* (*function)(void*), void* argument)
 bool Bridge::start()
 {
     run_ = randomNumber();
-    isRunning_ = run_ != 0 && pipe2(wakeup_, O_CLOEXEC | O_NONBLOCK) == 0 && startThread(thread_, brokerThread, this);
+    wakeup_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    isRunning_ = run_ != 0 && wakeup_ >= 0 && startThread(thread_, brokerThread, this);
     return isRunning_;
 }
 
@@ -161,9 +161,8 @@ BridgeCounters Bridge::counters() const
 
 void Bridge::wake() const
 {
-    const char byte = 0;
-    if (write(wakeup_[1], &byte, 1) != 1)
-        return; // it is full, so the thread will wake
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(wakeup_, &one, sizeof one); // fails only if it has been signalled
 }
 
 std::uint64_t Bridge::clock() const
@@ -183,10 +182,9 @@ void Bridge::serveBroker()
 {
     for (bool isDone = false; !isDone;)
     {
-        link_.turn(wakeup_[0], kTurn);
-        char bytes[64];
-        while (read(wakeup_[0], bytes, sizeof bytes) > 0)
-            ;
+        link_.turn(wakeup_, kTurn);
+        std::uint64_t signals = 0;
+        [[maybe_unused]] const ssize_t taken = read(wakeup_, &signals, sizeof signals);
         outbox_.send(link_);
         const Lock lock(mutex_);
         isDone = leaveAt_ != 0 && (outbox_.isEmpty() || !link_.isUp() || clock() >= leaveAt_);

@@ -129,7 +129,7 @@ private:
     const BridgePlatform platform_;
     const std::uint64_t startedAt_;
     std::uint64_t run_ = 0;
-    int wakeup_[2] = {-1, -1}; // a pipe: the broker's thread waits at its first end
+    int wakeup_ = -1; // an eventfd, which the broker's thread waits at
     pthread_t thread_ = {};
     bool isRunning_ = false;
 
