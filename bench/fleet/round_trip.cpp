@@ -295,6 +295,23 @@ private:
     std::unique_ptr<Bridge> bridge_;
 };
 
+// Raises this process's limit, and so the broker's, to the highest that it may have.
+bool haveDescriptorsFor(std::size_t gateways)
+{
+    // A connection takes a socket and libmosquitto's pair of them; a bridge one more to be woken with.
+    constexpr std::size_t kOfGateway = 3 + 1 + 3; // with the client that stands beside it
+    constexpr std::size_t kOthers = 100;
+    rlimit descriptors = {};
+    getrlimit(RLIMIT_NOFILE, &descriptors);
+    descriptors.rlim_cur = descriptors.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &descriptors);
+    const std::size_t most = descriptors.rlim_max < kOthers ? 0 : (descriptors.rlim_max - kOthers) / kOfGateway;
+    if (gateways > most)
+        std::fprintf(stderr, "expected at most %zu gateways, not %zu: a process may have %zu descriptors (ulimit -Hn)\n", most,
+                     gateways, static_cast<std::size_t>(descriptors.rlim_max));
+    return gateways <= most;
+}
+
 void callAll(Exchange& exchange, const std::vector<std::string>& names, std::size_t window, Figures& figures)
 {
     std::mutex mutex;
@@ -375,10 +392,8 @@ int main(int count, char** arguments)
         std::fprintf(stderr, "usage: tarn_bench_fleet GATEWAYS WINDOW ROUNDS, numbers above 0\n");
         return 2;
     }
-    rlimit descriptors = {};
-    getrlimit(RLIMIT_NOFILE, &descriptors);
-    descriptors.rlim_cur = descriptors.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &descriptors);
+    if (!haveDescriptorsFor(gateways))
+        return 2;
     mosquitto_lib_init();
 
     const fleet_test::MosquittoBroker broker("listener @PORT@ 127.0.0.1\nallow_anonymous true\nset_tcp_nodelay true\n"
