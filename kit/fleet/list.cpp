@@ -8,9 +8,11 @@
 #include "tarnctl/wakeup.h"
 
 #include <algorithm>
-#include <deque>
+#include <iterator>
 #include <map>
 #include <mutex>
+#include <set>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -84,27 +86,23 @@ const std::vector<ctl::Column>& columns()
     return kColumns;
 }
 
-// Births and wills in the order in which they were heard, for the thread that shows them.
+// Of whom a birth or a will was heard, for the thread that shows them.
 struct News
 {
     std::mutex mutex;
-    std::deque<std::string> gateways;
+    std::set<std::string> gateways;
     ctl::Wakeup wakeup;
 
     void add(const std::string& gateway)
     {
         const std::lock_guard guard(mutex);
-        gateways.push_back(gateway);
+        gateways.insert(gateway);
         wakeup.wake();
     }
-    std::optional<std::string> take()
+    std::set<std::string> take()
     {
         const std::lock_guard guard(mutex);
-        if (gateways.empty())
-            return std::nullopt;
-        std::string first = gateways.front();
-        gateways.pop_front();
-        return first;
+        return std::exchange(gateways, {});
     }
 };
 
@@ -164,6 +162,24 @@ void showChange(const ctl::Console& console, const ctl::Fields& fields)
     console.write(document);
 }
 
+// Each as it answers. Who has gone is waited for, and many may have gone with one broker or one line.
+void showChanges(const ctl::Console& console, const std::set<std::string>& heard, RollCall& rollCall,
+                 const ctl::StopSignals& signals)
+{
+    std::vector<std::string> changed;
+    std::copy_if(heard.begin(), heard.end(), std::back_inserter(changed),
+                 [&](const std::string& gateway) { return rollCall.hasChanged(gateway); });
+    std::mutex mutex; // of the console
+    forEach(changed, kPingWindow,
+            [&](std::size_t index)
+            {
+                const ctl::Fields fields = rollCall.ask(changed[index]);
+                const std::lock_guard guard(mutex);
+                showChange(console, fields);
+                return !signals.haveCome();
+            });
+}
+
 // A row each. Returns whether one is there.
 bool showAll(const ctl::Console& console, const std::vector<std::string>& names, RollCall& rollCall,
              const ctl::StopSignals& signals)
@@ -208,11 +224,8 @@ ctl::ExitCode list(const ctl::Console& plain, const ListOptions& options, const 
     const bool isAnyThere = showAll(console, names, rollCall, signals);
     while (options.isWatching && !signals.haveCome())
     {
-        const std::optional<std::string> gateway = news.take();
-        if (!gateway)
-            news.wakeup.wait(std::nullopt);
-        else if (rollCall.hasChanged(*gateway))
-            showChange(console, rollCall.ask(*gateway));
+        showChanges(console, news.take(), rollCall, signals);
+        news.wakeup.wait(std::nullopt);
     }
     return isAnyThere || options.isWatching ? ctl::ExitCode::kSuccess : ctl::ExitCode::kNoService;
 }

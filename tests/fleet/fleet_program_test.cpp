@@ -163,6 +163,26 @@ TEST_F(FleetProgramTest, ListGoesOnToShowWhoGoesAndWhoComes)
     EXPECT_EQ(process.finish().exit, 0);
 }
 
+TEST_F(FleetProgramTest, ListShowsSoonThatManyHaveGoneAtATime)
+{
+    start(20);
+    FleetProcess process = begin({"list", "--watch"});
+    EXPECT_TRUE(awaitOut(process, "home-20  there")) << process.err();
+    for (const auto& home : homes_)
+        home->stop();
+    const auto shown = [&]
+    {
+        const std::string out = process.out();
+        std::size_t gone = 0;
+        for (std::size_t at = out.find(" gone\n"); at != std::string::npos; at = out.find(" gone\n", at + 1))
+            ++gone;
+        return gone;
+    };
+    EXPECT_TRUE(await([&] { return shown() == 20; })) << "each is waited for 2 s, and this for 20: " << shown();
+    process.signal(SIGINT);
+    EXPECT_EQ(process.finish().exit, 0);
+}
+
 TEST_F(FleetProgramTest, ListShowsNoNamedGatewayAgainBeforeItChanges)
 {
     start(2);
