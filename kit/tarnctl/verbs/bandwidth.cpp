@@ -12,16 +12,17 @@ namespace
 
 constexpr int kBandwidths[] = {20, 40, 80, 160, 320}; // MHz: those of IEEE 802.11
 
-bool contains(const Cell& channels, std::int64_t channel)
+// One of the channels: its own, or any if it chooses its channel.
+bool canUse(const Fields& radio, const Cell& channels)
 {
+    const bool chooses = radio["autoChannel"].name == "on";
+    const auto isUsable = [&](const Datum& each) { return chooses || each.number() == radio["channel"].number(); };
     const Datum::List* const list = channels.value.list();
-    return list != nullptr &&
-           std::any_of(list->begin(), list->end(), [&](const Datum& each) { return each.number() == channel; });
+    return list != nullptr && std::any_of(list->begin(), list->end(), isUsable);
 }
 
-// No call tells which bandwidths there are, but one tells which channels there are of a bandwidth. Those that are possible have
-// the radio's channel among them, or any if the radio chooses its channel.
-void complete(Survey& survey, const Radio& radio, Fields& row)
+// No call tells which bandwidths there are, but one tells which channels there are of a bandwidth.
+void addPossibleBandwidths(Survey& survey, const Radio& radio, Fields& row)
 {
     const layout::Structure* const query = layoutInUse()->layout.record("TarnChannelQuery");
     if (query == nullptr || query->field("bandwidth") == nullptr)
@@ -31,8 +32,7 @@ void complete(Survey& survey, const Radio& radio, Fields& row)
     {
         Assignments asked = radio.asRadio();
         asked.push_back("query.bandwidth=" + std::to_string(bandwidth));
-        const Cell channels = survey.ask("TarnGetRadioPossibleChannels", asked, true)["channels"];
-        if (row["autoChannel"].name == "on" ? channels.isKnown() : contains(channels, row["channel"].number()))
+        if (canUse(row, survey.ask("TarnGetRadioPossibleChannels", asked, true)["channels"]))
             possible.emplace_back(bandwidth);
     }
     if (!possible.empty())
@@ -58,7 +58,7 @@ void addBandwidth(Verbs& verbs)
                       {"mode", "phyMode"},
                       {"possible_bandwidths", "possibleBandwidths", &faint}},
                      "possibleBandwidths",
-                     &complete},
+                     &addPossibleBandwidths},
                     "Shows or sets the bandwidth of radios");
 }
 
