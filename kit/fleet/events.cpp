@@ -11,7 +11,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
-#include <tuple>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -35,10 +35,13 @@ void declareEvents(ctl::Syntax& syntax, EventsOptions& options)
     syntax.count("--count", options.count, "End after so many events");
     syntax.seconds("--timeout", options.seconds, 0, kLongest, "End after so many seconds");
     syntax.footer("One line an event, until the count is reached, the time is up, or SIGINT or SIGTERM\n"
-                  "comes (exit code 0). Events that were lost on their way are remarked on, and\n"
-                  "whenever there is a connection to a broker again.\n"
+                  "comes (exit code 0). Events that were lost on their way, or came faster than they\n"
+                  "are read, are remarked on, and whenever there is a connection to a broker again.\n"
                   "Fewer events than --count when the time is up: exit code 5.");
 }
+
+// Events that have come and are not shown yet, at most: what is written may go into a pipe that nobody reads.
+constexpr std::size_t kMostUnshown = 10000;
 
 struct Received
 {
@@ -64,11 +67,15 @@ public:
         unpack(envelope, received.data.data());
         received.envelope.message = nullptr;
         const std::lock_guard guard(mutex_);
-        std::uint32_t& latest = latest_[{gateway, envelope.service, envelope.run}];
-        if (envelope.sequence <= latest)
+        Latest& latest = latest_[{gateway, envelope.service}];
+        if (latest.run != envelope.run)
+            latest = {envelope.run, envelope.sequence - 1};
+        if (envelope.sequence <= latest.sequence)
             return; // it has been here before
-        received.lost = latest == 0 ? 0 : envelope.sequence - latest - 1;
-        latest = envelope.sequence;
+        if (events_.size() >= kMostUnshown)
+            return; // the next one for which there is room says that it is lost
+        received.lost = envelope.sequence - latest.sequence - 1;
+        latest.sequence = envelope.sequence;
         events_.push_back(std::move(received));
         wakeup.wake();
     }
@@ -85,10 +92,17 @@ public:
     const ctl::Wakeup wakeup;
 
 private:
+    // Of the events of one service.
+    struct Latest
+    {
+        std::uint64_t run = 0;
+        std::uint32_t sequence = 0;
+    };
+
     const GatewayFilter& filter_;
     std::mutex mutex_;
     std::deque<Received> events_;
-    std::map<std::tuple<std::string, std::string, std::uint64_t>, std::uint32_t> latest_; // sequence by gateway, service, run
+    std::map<std::pair<std::string, std::string>, Latest> latest_; // by gateway and service
 };
 
 // Null if the contract has no such event.

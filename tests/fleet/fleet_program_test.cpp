@@ -459,6 +459,38 @@ TEST_F(FleetProgramTest, EventsAreShownAgainOnceTheBrokerIsBack)
     EXPECT_EQ(documentsIn(ended.out).size(), 2u);
 }
 
+TEST_F(FleetProgramTest, EventsThatNobodyReadsAreNotKeptForEverButCounted)
+{
+    constexpr std::uint32_t kSent = 14000; // more than the program keeps and than fit into the pipe
+    start(1);
+    tarn::test::Pipe out, err;
+    const tarn::test::Process process({TARN_FLEET_PROGRAM, "events", "--json"}, {STDIN_FILENO, out.writing(), err.writing()},
+                                      {{"TARN_FLEET", path("fleet.conf")}, {"TARN_LAYOUT", ""}});
+    out.closeWriting();
+    err.closeWriting();
+    EXPECT_THAT(err.line(), HasSubstr("watching"));
+    BridgeCounters counters;
+    while (counters.events - counters.lostEvents < kSent)
+    {
+        homes_[0]->publish(1);
+        const std::uint32_t lostBefore = counters.lostEvents;
+        counters = homes_[0]->counters();
+        if (counters.lostEvents > lostBefore) // what a bridge keeps is bounded too
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    std::uint32_t shown = 0, lost = 0;
+    while (shown + lost < counters.events)
+    {
+        if (shown == kSent / 2)
+            homes_[0]->publish(1); // shows by its number what is lost in front of it
+        const nlohmann::json event = nlohmann::json::parse(out.line());
+        ++shown;
+        lost += event["lost"].get<std::uint32_t>();
+        ASSERT_EQ(event["sequence"].get<std::uint32_t>(), shown + lost);
+    }
+    EXPECT_GT(lost, counters.lostEvents);
+}
+
 TEST_F(FleetProgramTest, EventsAreSaidToBeWatchedOnceTheBrokerHasConfirmedEverySubscription)
 {
     start(1);
