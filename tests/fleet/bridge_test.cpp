@@ -518,6 +518,22 @@ TEST_F(BridgeTest, AGatewayIsBornOnceItsSubscriptionIsConfirmed)
     EXPECT_TRUE(operator_.ping("home-1"));
 }
 
+TEST_F(BridgeTest, AConnectionThatEndsBeforeItsSubscriptionIsConfirmedIsMadeAgain)
+{
+    Relay relay(broker_.port());
+    relay.setConfirmations(Relay::Confirmations::kWait);
+    settings_ = settingsOf("home-1", {relay.port()});
+    bridge_ = std::make_unique<Bridge>(settings_, platform_.functions(), Policy::ofReading());
+    ASSERT_TRUE(bridge_->start());
+    ASSERT_TRUE(operator_.await([&] { return relay.confirmationsWaiting() == 1; }));
+    relay.cut();
+    relay.setConfirmations(Relay::Confirmations::kPass);
+    ASSERT_TRUE(operator_.ping("home-1"));
+    EXPECT_EQ(bridge_->counters().births, 1u);
+    EXPECT_THAT(platform_.lines(), Contains(HasSubstr("the broker ended the connection, as RabbitMQ does if it does not allow "
+                                                      "the subscriptions")));
+}
+
 TEST_F(BridgeTest, ABrokerThatRefusesTheSubscriptionIsLeftForTheNextOne)
 {
     Relay refusing(broker_.port());
