@@ -219,6 +219,20 @@ void FleetTrial::repeat(const std::function<void()>& round)
     while (!HasFailure() && std::chrono::steady_clock::now() < end);
 }
 
+void FleetTrial::repeatUntilOneIsUnknown(const std::function<void()>& round) const
+{
+    constexpr int kMostRounds = 10;
+    const auto hasUnknown = [](const Run& run)
+    {
+        return std::any_of(run.told.begin(), run.told.end(),
+                           [](const auto& each) { return each.second.result == "outcome-unknown"; });
+    };
+    repeat(round);
+    for (int rounds = 1; rounds < kMostRounds && !HasFailure() && std::none_of(runs_.begin(), runs_.end(), hasUnknown);
+         ++rounds)
+        round();
+}
+
 std::uint32_t FleetTrial::random(std::uint32_t below)
 {
     const std::lock_guard<std::mutex> guard(mutex_);

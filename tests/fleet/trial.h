@@ -133,6 +133,8 @@ protected:
 
     // At least once, and until the time of a long campaign is over.
     static void repeat(const std::function<void()>& round);
+    // The same, and until a call has an unknown outcome: on a busy machine all may be through before they are disturbed.
+    void repeatUntilOneIsUnknown(const std::function<void()>& round) const;
     std::uint32_t random(std::uint32_t below);
 
     // The way next to tarn-fleet: records what it sends, and goes on as `way`.
