@@ -17,12 +17,13 @@ namespace
 {
 
 std::atomic<const Wakeup*> wokenBySignals{nullptr};
-volatile std::sig_atomic_t signalCame = 0;
+std::atomic<bool> signalCame{false}; // which threads ask that the signal has not come to
+static_assert(std::atomic<bool>::is_always_lock_free, "or a signal handler could not set it");
 
 void onSignal(int)
 {
     const int errnoBefore = errno;
-    signalCame = 1;
+    signalCame = true;
     if (const Wakeup* const wakeup = wokenBySignals)
         wakeup->wake();
     errno = errnoBefore;
@@ -69,7 +70,7 @@ void Wakeup::wait(const Deadline& deadline) const
 
 StopSignals::StopSignals(const Wakeup& wakeup)
 {
-    signalCame = 0;
+    signalCame = false;
     wokenBySignals = &wakeup;
     struct sigaction action = {};
     action.sa_handler = &onSignal;
@@ -88,7 +89,7 @@ StopSignals::~StopSignals()
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static): it is asked of the object that watches for them
 bool StopSignals::haveCome() const
 {
-    return signalCame != 0;
+    return signalCame;
 }
 
 } // namespace tarn::ctl
