@@ -1,6 +1,7 @@
 // Asks a gateway that runs elsewhere for every command of the contract: each has to be carried out and answered, and through
 // tarn-fleet as a gateway answers that runs here. Started by tests/fleet/emulated, with the broker's port in TARN_FLEET_PORT,
 // the directory of tarn-fleet's services in TARN_FLEET_ATTACHED, and that of the gateway's here in TARN_FLEET_LOCAL.
+#include "commands.h"
 #include "operator.h"
 
 #include "kor_iil.h"
@@ -100,11 +101,11 @@ TEST(EmulatedBridgeTest, EveryCommandIsCarriedOutAndAnsweredInTheGatewaysByteOrd
         asked.emplace(function.service, function.command);
     }
     // The radios' number, a word at offset 28: it is in the gateway's order.
-    Envelope request = noc.request("TARN", 5, 9584);
+    Envelope request = noc.request("TARN", kGetRadioNum, kLong);
     request.byteOrder = ByteOrder::kBig;
     const auto radios = noc.call("home-1", request);
     ASSERT_TRUE(radios);
-    ASSERT_EQ(radios->envelope.length, 9584u);
+    ASSERT_EQ(radios->envelope.length, kLong);
     const Bytes message = unpacked(radios->envelope);
     EXPECT_EQ(Bytes(message.begin() + 28, message.begin() + 32), (Bytes{0, 0, 0, 2}));
     std::printf("counted: %zu functions, %zu commands\n", kContractFunctionCount, asked.size());

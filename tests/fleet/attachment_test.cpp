@@ -1,5 +1,6 @@
 // Programs of this machine, which know nothing of a broker, and a gateway behind one.
 #include "broker.h"
+#include "commands.h"
 #include "link.h"
 #include "operator.h"
 #include "scripted_gateway.h"
@@ -29,9 +30,6 @@ using namespace tarn::fleet;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr std::uint32_t kGetLogLevel = 0, kSetLogLevel = 1; // of TARN, 12 bytes; the second changes something
-constexpr std::uint32_t kGetRadioNum = 5;                   // of TARN, 9584 bytes, only reads
-constexpr std::uint32_t kShort = 12, kLong = 9584;
 constexpr ByteOrder kOther = kOwnByteOrder == ByteOrder::kBig ? ByteOrder::kLittle : ByteOrder::kBig;
 
 bool comesTrue(const std::function<bool()>& condition)

@@ -1,5 +1,6 @@
 // tarn-bridge itself, with the workstation's IPC.
 #include "broker.h"
+#include "commands.h"
 #include "operator.h"
 
 #include "support/process.h"
@@ -25,9 +26,6 @@ namespace
 
 using namespace tarn::fleet;
 using ::testing::HasSubstr;
-
-constexpr std::uint32_t kGetLogLevel = 0, kSetLogLevel = 1; // of TARN, 12 bytes
-constexpr std::uint32_t kLength = 12;
 
 // The program, and what it writes.
 class BridgeProgram
@@ -116,13 +114,13 @@ TEST_F(BridgeProgramTest, MakesCallsWithTheIpcOfItsMachine)
     startService();
     const BridgeProgram bridge(arguments({"--policy", file("policy", "allow *\n")}));
     ASSERT_TRUE(operator_.ping("home-1"));
-    ASSERT_TRUE(operator_.call("home-1", operator_.request("TARN", kSetLogLevel, kLength, {6})));
+    ASSERT_TRUE(operator_.call("home-1", operator_.request("TARN", kSetLogLevel, kShort, {6})));
     EXPECT_EQ(level_, 6);
-    const auto reply = operator_.call("home-1", operator_.request("TARN", kGetLogLevel, kLength));
+    const auto reply = operator_.call("home-1", operator_.request("TARN", kGetLogLevel, kShort));
     ASSERT_TRUE(reply);
     EXPECT_EQ(unpacked(reply->envelope), (Bytes{0, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0}));
     service_.reset();
-    const auto none = operator_.call("home-1", operator_.request("TARN", kGetLogLevel, kLength));
+    const auto none = operator_.call("home-1", operator_.request("TARN", kGetLogLevel, kShort));
     ASSERT_TRUE(none);
     EXPECT_EQ(none->envelope.status, std::uint32_t{KOR_IIL_UNKNOWN_DST_ID});
     EXPECT_EQ(none->envelope.refusal, Refusal::kNone);
@@ -175,7 +173,7 @@ TEST_F(BridgeProgramTest, AnotherRunDoesNotCarryOutWhatWasMeantForTheOneBefore)
     const std::string policy = file("policy", "allow *\n");
     auto bridge = std::make_unique<BridgeProgram>(arguments({"--policy", policy}));
     ASSERT_TRUE(operator_.ping("home-1"));
-    const Envelope once = operator_.request("TARN", kSetLogLevel, kLength, {6});
+    const Envelope once = operator_.request("TARN", kSetLogLevel, kShort, {6});
     ASSERT_TRUE(operator_.call("home-1", once));
     bridge = std::make_unique<BridgeProgram>(arguments({"--policy", policy}));
     ASSERT_TRUE(operator_.ping("home-1"));
@@ -193,7 +191,7 @@ TEST_F(BridgeProgramTest, ReadsItsPolicyAgainAtSighupAndKeepsItIfTheNewOneIsWron
     const BridgeProgram bridge(arguments({"--policy", policy}));
     ASSERT_TRUE(operator_.ping("home-1"));
     const auto refusal = [&]
-    { return operator_.call("home-1", operator_.request("TARN", kSetLogLevel, kLength, {6}))->envelope.refusal; };
+    { return operator_.call("home-1", operator_.request("TARN", kSetLogLevel, kShort, {6}))->envelope.refusal; };
     EXPECT_EQ(refusal(), Refusal::kPolicy);
     file("policy", "allow reads\nallow TARN TarnSetLogLevel\n");
     bridge.signal(SIGHUP);

@@ -1,5 +1,6 @@
 // The bridge between a real broker and a platform of the test's own.
 #include "broker.h"
+#include "commands.h"
 #include "link.h"
 #include "operator.h"
 #include "relay.h"
@@ -24,11 +25,6 @@ namespace
 using namespace tarn::fleet;
 using ::testing::Contains;
 using ::testing::HasSubstr;
-
-constexpr std::uint32_t kGetRadioNum = 5; // of TARN, 9584 bytes, only reads
-constexpr std::uint32_t kSetLogLevel = 1; // of TARN, 12 bytes, changes something
-constexpr std::uint32_t kGetChannel = 2;  // of QTN_RPC_PROXY, 9376 bytes
-constexpr std::uint32_t kLong = 9584;
 
 // The platform: turns the first byte of a message round and keeps what it was asked.
 class Platform
@@ -114,6 +110,16 @@ protected:
         ASSERT_TRUE(operator_.ping("home-1"));
     }
 
+    // Behind the relay, which holds what the broker says to the subscription.
+    void startUnconfirmed(Relay& relay)
+    {
+        relay.setConfirmations(Relay::Confirmations::kWait);
+        settings_ = settingsOf("home-1", {relay.port()});
+        bridge_ = std::make_unique<Bridge>(settings_, platform_.functions(), Policy::ofReading());
+        ASSERT_TRUE(bridge_->start());
+        ASSERT_TRUE(operator_.await([&] { return relay.confirmationsWaiting() == 1; }));
+    }
+
     static Policy policyOf(std::initializer_list<const char*> lines)
     {
         Policy policy;
@@ -179,8 +185,9 @@ TEST_F(BridgeTest, EveryOneOfManyCallsIsAnswered)
     std::size_t waiting = 0;
     for (std::uint32_t call = 0; call < kCalls; ++call)
     {
-        operator_.send("home-1", operator_.request(call % 2 == 0 ? "TARN" : "QTN_RPC_PROXY",
-                                                   call % 2 == 0 ? kGetRadioNum : kGetChannel, call % 2 == 0 ? kLong : 9376));
+        operator_.send("home-1",
+                       operator_.request(call % 2 == 0 ? "TARN" : "QTN_RPC_PROXY", call % 2 == 0 ? kGetRadioNum : kGetChannel,
+                                         call % 2 == 0 ? kLong : kOfProxy));
         for (++waiting; waiting >= 8 || (waiting > 0 && call + 1 == kCalls); --waiting)
             ASSERT_TRUE(operator_.take(Kind::kReply)) << call;
     }
@@ -193,7 +200,7 @@ TEST_F(BridgeTest, AFailureOfThePlatformIsPassedOnWithoutAMessage)
 {
     start();
     platform_.setStatus(9);
-    const auto reply = operator_.call("home-1", operator_.request("QTN_RPC_PROXY", kGetChannel, 9376));
+    const auto reply = operator_.call("home-1", operator_.request("QTN_RPC_PROXY", kGetChannel, kOfProxy));
     ASSERT_TRUE(reply);
     EXPECT_EQ(reply->envelope.status, 9u);
     EXPECT_EQ(reply->envelope.refusal, Refusal::kNone);
@@ -215,7 +222,7 @@ TEST_F(BridgeTest, APingIsAnsweredWithRunClockAndVersion)
 TEST_F(BridgeTest, WhatThePolicyDoesNotAllowIsRefusedAndLogged)
 {
     start();
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kPolicy);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kPolicy);
     EXPECT_EQ(refusalOf(operator_.request("TARN", 115, 12)), Refusal::kPolicy) << "the contract does not have it";
     EXPECT_EQ(refusalOf(operator_.request("OTHER", 1, 12)), Refusal::kPolicy);
     EXPECT_TRUE(platform_.asked().empty());
@@ -227,9 +234,9 @@ TEST_F(BridgeTest, WhatThePolicyDoesNotAllowIsRefusedAndLogged)
 TEST_F(BridgeTest, WhatChangesSomethingIsLoggedAndHasToNameItsRun)
 {
     start(policyOf({"allow *"}));
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kNone);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kNone);
     EXPECT_THAT(platform_.lines(), Contains("<5> noc-1 called TarnSetLogLevel: IPC status 0"));
-    Envelope anyRun = operator_.request("TARN", kSetLogLevel, 12);
+    Envelope anyRun = operator_.request("TARN", kSetLogLevel, kShort);
     anyRun.run = anyRun.clock = 0;
     EXPECT_EQ(refusalOf(anyRun), Refusal::kNoRun);
     Envelope reads = operator_.request("TARN", kGetRadioNum, kLong);
@@ -242,7 +249,8 @@ TEST_F(BridgeTest, AnotherPolicyHoldsAtOnceAlsoForWhatWaits)
 {
     start(policyOf({"allow *"}));
     platform_.hold(true);
-    const Envelope first = operator_.request("TARN", kSetLogLevel, 12), second = operator_.request("TARN", kSetLogLevel, 12);
+    const Envelope first = operator_.request("TARN", kSetLogLevel, kShort),
+                   second = operator_.request("TARN", kSetLogLevel, kShort);
     operator_.send("home-1", first);
     operator_.send("home-1", second);
     ASSERT_TRUE(asksSoon(1));
@@ -258,8 +266,8 @@ TEST_F(BridgeTest, AnotherPolicyHoldsAtOnceAlsoForWhatWaits)
 TEST_F(BridgeTest, ARateIsKept)
 {
     start(policyOf({"allow *", "rate 4/h", "rate changes 1/h"}));
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kNone);
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kRate);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kNone);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kRate);
     for (int call = 0; call < 3; ++call)
         EXPECT_EQ(refusalOf(operator_.request("TARN", kGetRadioNum, kLong)), Refusal::kNone);
     EXPECT_EQ(refusalOf(operator_.request("TARN", kGetRadioNum, kLong)), Refusal::kRate);
@@ -270,9 +278,9 @@ TEST_F(BridgeTest, WhatOneRateRefusesUsesUpNothingOfTheOther)
 {
     start(policyOf({"allow *", "rate 1/h", "rate changes 1/h"}));
     EXPECT_EQ(refusalOf(operator_.request("TARN", kGetRadioNum, kLong)), Refusal::kNone);
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kRate) << "the rate of all calls";
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kRate) << "the rate of all calls";
     bridge_->setPolicy(policyOf({"allow *", "rate changes 1/h"}));
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kNone);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kNone);
 }
 
 TEST_F(BridgeTest, WhatIsRefusedBecauseTooManyWaitUsesUpNothingOfARate)
@@ -283,18 +291,18 @@ TEST_F(BridgeTest, WhatIsRefusedBecauseTooManyWaitUsesUpNothingOfARate)
     ASSERT_TRUE(asksSoon(1));
     for (std::uint32_t waiting = 0; waiting < Bridge::kMostWaiting; ++waiting)
         operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kBusy);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kBusy);
     platform_.hold(false);
     for (std::uint32_t reply = 0; reply <= Bridge::kMostWaiting; ++reply)
         EXPECT_TRUE(operator_.take(Kind::kReply)) << reply;
-    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, 12)), Refusal::kNone);
+    EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kNone);
 }
 
 TEST_F(BridgeTest, ARequestThatComesAgainIsNotCarriedOutAgain)
 {
     start(policyOf({"allow *"}));
-    const Envelope once = operator_.request("TARN", kSetLogLevel, 12);
-    const Envelope later = operator_.request("TARN", kSetLogLevel, 12);
+    const Envelope once = operator_.request("TARN", kSetLogLevel, kShort);
+    const Envelope later = operator_.request("TARN", kSetLogLevel, kShort);
     for (int copy = 0; copy < 3; ++copy)
         operator_.send("home-1", once);
     EXPECT_EQ(refusalOf(later), Refusal::kNone);
@@ -321,9 +329,9 @@ TEST_F(BridgeTest, ARequestThatIsOvertakenIsCarriedOutOnce)
 TEST_F(BridgeTest, ARequestThatWasHeldUpOnItsWayIsNotCarriedOut)
 {
     start(policyOf({"allow *"}));
-    operator_.send("home-1", operator_.request("TARN", kSetLogLevel, 12));
+    operator_.send("home-1", operator_.request("TARN", kSetLogLevel, kShort));
     ASSERT_TRUE(asksSoon(1)) << "in time, it is";
-    Envelope held = operator_.request("TARN", kSetLogLevel, 12);
+    Envelope held = operator_.request("TARN", kSetLogLevel, kShort);
     held.live = 300;
     broker_.pause();
     operator_.send("home-1", held);
@@ -358,7 +366,7 @@ TEST_F(BridgeTest, ServicesDoNotWaitForOneAnother)
     start();
     platform_.hold(true);
     operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
-    operator_.send("home-1", operator_.request("QTN_RPC_PROXY", kGetChannel, 9376));
+    operator_.send("home-1", operator_.request("QTN_RPC_PROXY", kGetChannel, kOfProxy));
     EXPECT_TRUE(asksSoon(2));
     EXPECT_TRUE(operator_.ping("home-1"));
     platform_.hold(false);
@@ -507,11 +515,7 @@ TEST_F(BridgeTest, ABirthIsRetainedAndAWillFollowsWhenItStops)
 TEST_F(BridgeTest, AGatewayIsBornOnceItsSubscriptionIsConfirmed)
 {
     Relay relay(broker_.port());
-    relay.setConfirmations(Relay::Confirmations::kWait);
-    settings_ = settingsOf("home-1", {relay.port()});
-    bridge_ = std::make_unique<Bridge>(settings_, platform_.functions(), Policy::ofReading());
-    ASSERT_TRUE(bridge_->start());
-    ASSERT_TRUE(operator_.await([&] { return relay.confirmationsWaiting() == 1; }));
+    startUnconfirmed(relay);
     EXPECT_FALSE(operator_.take(Kind::kBirth, std::chrono::milliseconds(200)));
     relay.setConfirmations(Relay::Confirmations::kPass);
     EXPECT_TRUE(operator_.take(Kind::kBirth));
@@ -521,11 +525,7 @@ TEST_F(BridgeTest, AGatewayIsBornOnceItsSubscriptionIsConfirmed)
 TEST_F(BridgeTest, AConnectionThatEndsBeforeItsSubscriptionIsConfirmedIsMadeAgain)
 {
     Relay relay(broker_.port());
-    relay.setConfirmations(Relay::Confirmations::kWait);
-    settings_ = settingsOf("home-1", {relay.port()});
-    bridge_ = std::make_unique<Bridge>(settings_, platform_.functions(), Policy::ofReading());
-    ASSERT_TRUE(bridge_->start());
-    ASSERT_TRUE(operator_.await([&] { return relay.confirmationsWaiting() == 1; }));
+    startUnconfirmed(relay);
     relay.cut();
     relay.setConfirmations(Relay::Confirmations::kPass);
     ASSERT_TRUE(operator_.ping("home-1"));
@@ -580,7 +580,8 @@ TEST_F(BridgeTest, AtItsEndWhatWaitsIsRefusedAndWhatIsUnderWayIsAnswered)
     ASSERT_TRUE(operator_.await([&] { return bridge_->counters().requests == 2 && platform_.asked().size() == 1; }));
     std::thread stopping([&] { bridge_->stop(); });
     // What its policy does not allow is refused for that until it stops.
-    EXPECT_TRUE(operator_.await([&] { return refusalOf(operator_.request("TARN", kSetLogLevel, 12)) == Refusal::kStopping; }));
+    EXPECT_TRUE(
+        operator_.await([&] { return refusalOf(operator_.request("TARN", kSetLogLevel, kShort)) == Refusal::kStopping; }));
     platform_.hold(false);
     stopping.join();
     const auto bySequence = [&](const Envelope& request)

@@ -1,6 +1,7 @@
 // tarn-fleet calls many gateways while brokers, gateways, services and connections fail: what it tells of each call is what
 // happened, no call is executed twice, and none when nobody waits for it any more. How long, and with which random numbers,
 // says campaign/support.h.
+#include "commands.h"
 #include "device.h"
 #include "operator.h"
 #include "trial.h"
@@ -192,7 +193,7 @@ TEST_F(FleetTrialsTest, RequestsThatABrokerDropsForASlowGatewayAreNotExecuted)
             sum += home->counters().pings;
         return sum;
     };
-    const Bytes flood = encoded(other.request("TARN", 5, 9584, Bytes(9000, 1)));
+    const Bytes flood = encoded(other.request("TARN", kGetRadioNum, kLong, Bytes(9000, 1)));
     repeatUntilOneIsUnknown(
         [&]
         {

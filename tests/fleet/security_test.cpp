@@ -1,4 +1,5 @@
 // A broker's configuration that is shipped, with certificates: who can do what. The same tests for each broker.
+#include "commands.h"
 #include "link.h"
 #include "operator.h"
 #include "secured_broker.h"
@@ -20,7 +21,6 @@ namespace
 {
 
 using namespace tarn::fleet;
-constexpr std::uint32_t kGetRadioNum = 5, kLong = 9584; // of TARN
 
 // Two authorities and their certificates, and the broker, made once for all tests.
 class SecurityTest : public ::testing::Test
