@@ -145,6 +145,23 @@ protected:
         return operator_.await([&] { return platform_.asked().size() >= calls; });
     }
 
+    // The platform holds one call, and as many as may wait are behind it.
+    void fillQueue()
+    {
+        platform_.hold(true);
+        operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
+        ASSERT_TRUE(asksSoon(1));
+        for (std::uint32_t waiting = 0; waiting < Bridge::kMostWaiting; ++waiting)
+            operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
+    }
+
+    void answerQueue()
+    {
+        platform_.hold(false);
+        for (std::uint32_t reply = 0; reply <= Bridge::kMostWaiting; ++reply)
+            EXPECT_TRUE(operator_.take(Kind::kReply)) << reply;
+    }
+
     MosquittoBroker broker_;
     BridgeSettings settings_ = settingsOf("home-1", {broker_.port()});
     Platform platform_;
@@ -286,15 +303,9 @@ TEST_F(BridgeTest, WhatOneRateRefusesUsesUpNothingOfTheOther)
 TEST_F(BridgeTest, WhatIsRefusedBecauseTooManyWaitUsesUpNothingOfARate)
 {
     start(policyOf({"allow *", "rate changes 1/h"}));
-    platform_.hold(true);
-    operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
-    ASSERT_TRUE(asksSoon(1));
-    for (std::uint32_t waiting = 0; waiting < Bridge::kMostWaiting; ++waiting)
-        operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
+    fillQueue();
     EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kBusy);
-    platform_.hold(false);
-    for (std::uint32_t reply = 0; reply <= Bridge::kMostWaiting; ++reply)
-        EXPECT_TRUE(operator_.take(Kind::kReply)) << reply;
+    answerQueue();
     EXPECT_EQ(refusalOf(operator_.request("TARN", kSetLogLevel, kShort)), Refusal::kNone);
 }
 
@@ -375,15 +386,9 @@ TEST_F(BridgeTest, ServicesDoNotWaitForOneAnother)
 TEST_F(BridgeTest, WhenTooManyWaitFurtherOnesAreRefused)
 {
     start();
-    platform_.hold(true);
-    operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
-    ASSERT_TRUE(asksSoon(1));
-    for (std::uint32_t waiting = 0; waiting < Bridge::kMostWaiting; ++waiting)
-        operator_.send("home-1", operator_.request("TARN", kGetRadioNum, kLong));
+    fillQueue();
     EXPECT_EQ(refusalOf(operator_.request("TARN", kGetRadioNum, kLong)), Refusal::kBusy);
-    platform_.hold(false);
-    for (std::uint32_t reply = 0; reply <= Bridge::kMostWaiting; ++reply)
-        EXPECT_TRUE(operator_.take(Kind::kReply)) << reply;
+    answerQueue();
     EXPECT_EQ(platform_.asked().size(), std::size_t{Bridge::kMostWaiting} + 1);
 }
 
